@@ -1,0 +1,33 @@
+# One compilation of the sources serves libkest.so and the archive that the tests link.
+file(GLOB_RECURSE kest_sources CONFIGURE_DEPENDS
+  "${PROJECT_SOURCE_DIR}/utility/*.cpp" "${PROJECT_SOURCE_DIR}/debug/*.cpp")
+
+add_library(kest_objects OBJECT ${kest_sources})
+set_target_properties(kest_objects PROPERTIES
+  CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON)
+target_compile_options(kest_objects PRIVATE
+  -fno-exceptions -fno-rtti -fno-threadsafe-statics -ffunction-sections -fdata-sections)
+target_compile_definitions(kest_objects PRIVATE KEST_DEBUG_DIR="${KEST_DEBUG_DIR}")
+target_include_directories(kest_objects
+  PUBLIC "${PROJECT_SOURCE_DIR}/include"
+  PRIVATE "${PROJECT_SOURCE_DIR}")
+target_link_libraries(kest_objects PRIVATE kest_build_flags Android::log Threads::Threads)
+
+# Linked as C: the library needs no C++ run-time.
+add_library(kest SHARED)
+target_link_libraries(kest PRIVATE kest_objects kest_build_flags Android::log Threads::Threads)
+target_include_directories(kest PUBLIC
+  $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include> $<INSTALL_INTERFACE:include>)
+set_target_properties(kest PROPERTIES
+  LINKER_LANGUAGE C VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})
+target_link_options(kest PRIVATE -Wl,--gc-sections)
+if(NOT KEST_SANITIZE)
+  target_link_options(kest PRIVATE -Wl,--no-undefined)
+endif()
+add_library(kest::kest ALIAS kest)
+
+# The archive leaves the internals visible, for the tests alone.
+add_library(kest_static STATIC)
+target_link_libraries(kest_static PRIVATE kest_objects PUBLIC Android::log Threads::Threads)
+target_include_directories(kest_static PUBLIC "${PROJECT_SOURCE_DIR}/include" "${PROJECT_SOURCE_DIR}")
+target_compile_definitions(kest_static PUBLIC KEST_DEBUG_DIR="${KEST_DEBUG_DIR}")

@@ -1,0 +1,145 @@
+/* SPDX-License-Identifier: Apache-2.0
+ *
+ * The records that a framework hands to the library: filters, their ports, and the rings of the ports.
+ *
+ * The framework owns every record and every ring. The library reads them, copies data through them and adds to
+ * the sizes of the current cycle; it never allocates, frees or resizes one. Releasing consumed data and
+ * committing produced data at the end of a cycle (moving the read offsets, the levels and the spaces) is the
+ * framework's work.
+ *
+ * Units: PCM positions, levels and sizes count samples per channel; metadata and raw ones count bytes. */
+#ifndef ZE_KEST_MODEL_H
+#define ZE_KEST_MODEL_H
+
+#include <stdint.h>
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+#define ZE_KEST_NAME_SIZE 64           /* bytes of a name field, its NUL included */
+#define ZE_KEST_MAX_PORTS 8            /* port slots of one side of a filter */
+#define ZE_KEST_PCM_GROUPS 3           /* channel groups of a port */
+#define ZE_KEST_PCM_GROUP_SLOTS 10     /* channel slots of a group */
+#define ZE_KEST_PCM_GROUP_ENTRIES 12   /* entries of a group in the per-channel arrays handed to filters */
+#define ZE_KEST_PCM_CHANNEL_ENTRIES 36 /* entries of such an array: slot k of group g stands at 12 * g + k */
+#define ZE_KEST_NO_BOUND UINT32_MAX    /* a process-size bound that never limits */
+
+/* Option bit of a filter: with a bound of the output process size, its PCM writes go straight into the ring
+ * without wrap-around; the caller keeps every write inside the ring. */
+#define ZE_KEST_OPTION_DIRECT_WRITE 0x04u
+
+/* One metadata block stands for this many PCM samples. */
+#define ZE_KEST_METADATA_SAMPLES 256u
+/* Bytes of a metadata block's header: its tag (uint32_t), the payload's length in bytes (uint32_t), 8 more. The
+ * payload follows. A header is read in place, so it never straddles the end of a ring. */
+#define ZE_KEST_METADATA_HEADER_SIZE 16u
+
+typedef struct ZE_KEST_Filter_s ZE_KEST_Filter_s;
+
+/* Entries of a filter for its parameters. pData: the value; u32Size: its size in bytes. They return a result
+ * code. They may be called with the library's registry locked and must not call back into it. */
+typedef uint32_t (*ZE_KEST_SetParameter)(ZE_KEST_Filter_s *pstFilter, const char *pszParameterName,
+                                         const void *pData, uint32_t u32Size);
+typedef uint32_t (*ZE_KEST_GetParameter)(ZE_KEST_Filter_s *pstFilter, const char *pszParameterName, void *pData,
+                                         uint32_t u32Size);
+
+/* PCM format of a port. */
+typedef struct ZE_KEST_PcmInfo_s {
+  uint32_t u32TotalChannels; /* channels over all groups */
+  uint32_t u32SampleRate;    /* Hz */
+  uint32_t u32BitWidth;      /* bits of a sample's container: 16, 24 (packed) or 32 */
+  uint32_t au32Reserved[2];
+} ZE_KEST_PcmInfo_s;
+
+/* One channel group of a port. */
+typedef struct ZE_KEST_PcmGroup_s {
+  int32_t ePcmGroupType;    /* the group's own number (0, 1, 2); -1: the port does not carry the group */
+  uint32_t u32ChannelCount; /* channel slots in use, 0 to 10 */
+  int32_t as32ChMap[ZE_KEST_PCM_GROUP_SLOTS]; /* one entry per slot; -1: the slot carries no channel */
+} ZE_KEST_PcmGroup_s;
+
+/* PCM of a port: one ring per channel, non-interleaved, the rings of a group one after another. */
+typedef struct ZE_KEST_PcmBuffer_s {
+  uint8_t *apu8PcmGroupBuf[ZE_KEST_PCM_GROUPS]; /* storage of each group; NULL: the port has no such group.
+                                                   Slot k begins k * sztPcmRingSamples samples behind it */
+  uint32_t sztPcmRingSamples;                   /* length of every ring, in samples; 0: no PCM on this port */
+  uint32_t asztPcmAllocSize[ZE_KEST_PCM_GROUPS]; /* bytes allocated for each group */
+  uint32_t sztPcmLevel;                         /* samples held in each ring */
+  uint32_t sztPcmSpace;                         /* samples free in each ring */
+  uint32_t sztPcmReadSize;                      /* samples consumed in this cycle (input ports) */
+  uint32_t sztPcmWriteSize;                     /* samples produced in this cycle (output ports) */
+  uint32_t sztPcmTotalRead;                     /* running total of consumed samples; wraps */
+  uint32_t sztPcmReadOffset;                    /* ring index of the oldest unread sample */
+  uint32_t u32Reserved;
+  int64_t s64PcmPts;         /* time stamp of the data */
+  uint64_t u64PcmReadCount;  /* updates of the read size */
+  uint64_t u64PcmXrunCount;  /* underruns of an input port, overruns of an output port */
+  uint64_t u64PcmPassCount;  /* frames passed by an A/V sync filter */
+  uint64_t u64PcmSkipCount;  /* frames skipped by an A/V sync filter */
+  ZE_KEST_PcmInfo_s stPcmInfo;
+  uint32_t u32PcmGroupNum;   /* valid group records */
+  ZE_KEST_PcmGroup_s astPcmGroup[ZE_KEST_PCM_GROUPS];
+} ZE_KEST_PcmBuffer_s;
+
+/* A byte ring: the metadata or the raw (compressed) data of a port. */
+typedef struct ZE_KEST_DataBuffer_s {
+  uint8_t *pu8Buf;
+  uint32_t au32RawReserved[2];
+  uint32_t sztSize;       /* capacity in bytes; 0: the port has no such ring */
+  uint32_t sztLevel;      /* bytes held */
+  uint32_t sztSpace;      /* bytes free */
+  uint32_t sztReadSize;   /* bytes consumed in this cycle */
+  uint32_t sztWriteSize;  /* bytes produced in this cycle */
+  uint32_t sztTotalRead;  /* running total of consumed bytes; wraps */
+  uint32_t u32RawReserved;
+  uint32_t sztReadOffset; /* offset of the oldest unread byte */
+  int64_t s64Pts;         /* time stamp of the data */
+  uint64_t au64Count[4];  /* [0]: read-size updates with data; the others are the framework's */
+} ZE_KEST_DataBuffer_s;
+
+typedef struct ZE_KEST_Port_s {
+  uint32_t u32Reserved;
+  uint32_t bConnected; /* boolean; port 0 is served even when it is not connected, where the operation says so */
+  uint32_t au32Reserved[4];
+  ZE_KEST_PcmBuffer_s stPcm;
+  ZE_KEST_DataBuffer_s stRaw;
+  ZE_KEST_DataBuffer_s stMeta;
+} ZE_KEST_Port_s;
+
+typedef struct ZE_KEST_Pipeline_s {
+  char szName[ZE_KEST_NAME_SIZE];
+  uint32_t u32State; /* 0 none, 1 idle, 2 stop, 3 prepare, 4 run, 5 pause, 6 drain */
+  uint8_t u8AutoConsume;
+  uint32_t u32SleepPriority;
+  int32_t s32SleepTime;
+  uint32_t u32WakeUp;
+} ZE_KEST_Pipeline_s;
+
+struct ZE_KEST_Filter_s {
+  char szName[ZE_KEST_NAME_SIZE];
+  ZE_KEST_Pipeline_s *pstParentPipeline;
+  uint32_t u32InPortCount;  /* input slots to serve, 0 to 8 */
+  uint32_t u32OutPortCount; /* output slots to serve, 0 to 8 */
+  ZE_KEST_Port_s *apstInPort[ZE_KEST_MAX_PORTS];  /* a slot may be NULL */
+  ZE_KEST_Port_s *apstOutPort[ZE_KEST_MAX_PORTS]; /* a slot may be NULL */
+  uint32_t u32Reserved;
+  uint32_t sztMaxInPcmProcessSize;  /* samples, or ZE_KEST_NO_BOUND */
+  uint32_t sztMaxOutPcmProcessSize; /* samples, or ZE_KEST_NO_BOUND */
+  uint8_t u8Option;                 /* ZE_KEST_OPTION_DIRECT_WRITE; the other bits are the framework's */
+  const char *pszConfig;            /* configuration text; may be NULL */
+  uint32_t u32SleepPriority;
+  int32_t s32SleepTime;
+  uint32_t u32WakeUp;
+  ZE_KEST_SetParameter pfnSetParameter; /* may be NULL */
+  ZE_KEST_GetParameter pfnGetParameter; /* may be NULL */
+  uint8_t u8Ds;
+  int32_t s32Tgt;
+  uint32_t u32DbgLvl; /* the filter's own debug level */
+};
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif

@@ -1,0 +1,19 @@
+// SPDX-License-Identifier: Apache-2.0
+// Texts in fields of fixed size.
+#pragma once
+
+#include <cstddef>
+
+#include "ze_kest/utility.h"
+
+namespace kest {
+
+// Cuts the text to the field, always terminated. False, with the field unchanged, for NULL.
+template <size_t kSize>
+[[nodiscard]] bool CopyText(char (&szField)[kSize], const char *pszText) {
+  if (ze_kest_Utility_Strncpy(szField, pszText, kSize - 1) == nullptr) return false;
+  szField[kSize - 1] = '\0';
+  return true;
+}
+
+}  // namespace kest

@@ -1,0 +1,21 @@
+// SPDX-License-Identifier: Apache-2.0
+// Numbers from text, with the target's 32-bit limits on every host.
+#pragma once
+
+#include <cstdint>
+#include <cstdlib>
+
+namespace kest {
+
+// strtol of the target: saturates at INT32_MIN and INT32_MAX.
+inline int32_t ParseS32(const char *pszText, int s32Base = 10) {
+  const long long s64Value = strtoll(pszText, nullptr, s32Base);
+  if (s64Value > INT32_MAX) return INT32_MAX;
+  if (s64Value < INT32_MIN) return INT32_MIN;
+  return static_cast<int32_t>(s64Value);
+}
+
+// What a saturated result means to those who read numbers: a limit itself is refused like a number beyond it.
+inline bool IsOutOfRange(int32_t s32Value) { return s32Value == INT32_MAX || s32Value == INT32_MIN; }
+
+}  // namespace kest

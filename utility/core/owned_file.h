@@ -1,0 +1,17 @@
+// SPDX-License-Identifier: Apache-2.0
+// Owner of an open stream, closed on every path.
+#pragma once
+
+#include <memory>
+
+#include "ze_kest/utility.h"
+
+namespace kest {
+
+struct CloseFile {
+  void operator()(FILE *pFile) const { ze_kest_Utility_FileClose(pFile); }
+};
+
+using OwnedFile = std::unique_ptr<FILE, CloseFile>;
+
+}  // namespace kest

@@ -1,0 +1,21 @@
+// SPDX-License-Identifier: Apache-2.0
+// Owner of a block of the library's memory, released on every path.
+#pragma once
+
+#include <memory>
+
+#include "ze_kest/utility.h"
+
+namespace kest {
+
+struct ReleaseMemory {
+  void operator()(void *pv) const { ze_kest_Utility_MemoryFree(&pv); }
+};
+
+template <typename T>
+using Owned = std::unique_ptr<T, ReleaseMemory>;
+
+// A modifiable copy of a text; empty when memory is exhausted.
+inline Owned<char> Duplicate(const char *psz) { return Owned<char>(ze_kest_Utility_Strdup(psz)); }
+
+}  // namespace kest
