@@ -2,9 +2,9 @@
  *
  * The debug layer: start and stop, the log, and commands.
  *
- * A process that hosts pipelines calls ze_kest_Debug_Init once at its start and ze_kest_Debug_DeInit at its end.
- * In between, an engineer drives it from a shell through the named pipe "D" in the debug directory, and the log
- * goes to "KestLog.txt" beside it. */
+ * A process that hosts pipelines calls ze_kest_Debug_Init once at its start and ze_kest_Debug_DeInit at its
+ * end. In between, an engineer drives it from a shell through the named pipe "D" in the debug directory, and
+ * the log goes to "KestLog.txt" beside it. */
 #ifndef ZE_KEST_DEBUG_H
 #define ZE_KEST_DEBUG_H
 
@@ -22,29 +22,29 @@ extern "C" {
  * "kest_log_level", which also tells the other processes. Read from any thread without a lock. */
 extern ZE_KEST_API uint32_t u32KestDebugLevel;
 
-/* 1 after "kest_atrace=on", 0 after "kest_atrace=off" and at start; the library only holds it for its users. */
+/* 1 after "kest_atrace=on", 0 after "kest_atrace=off" and at start; the library only holds it for its users.
+ */
 extern ZE_KEST_API uint8_t bKestAtraceEnable;
 
 /* The trace file of the latest filter-io watch; NULL when there is none. */
 extern ZE_KEST_API FILE *pFileKestDebugPipeline;
 
 /* Brings the debug layer up: the settings shared between the processes, the log file, the command thread.
- * Returns ZE_KEST_OK, also when it is up already (reported at ERR level); ZE_KEST_FAILED when the command thread
- * could not be created, the layer is up all the same. A debug directory that is missing or cannot be written is
- * reported, and the layer works without what could not be set up.
- * Called by one thread of the process, not real-time safe. */
+ * Returns ZE_KEST_OK, also when it is up already (reported at ERR level); ZE_KEST_FAILED when the command
+ * thread could not be created, the layer is up all the same. A debug directory that is missing or cannot be
+ * written is reported, and the layer works without what could not be set up. Called by one thread of the
+ * process, not real-time safe. */
 ZE_KEST_API uint32_t ze_kest_Debug_Init(void);
 
 /* Takes the debug layer down: closes the log file, ends the command thread and removes the shared settings.
- * Waits until the command thread has read one more line from the pipe. Returns ZE_KEST_OK, also when the layer is
- * not up (reported at INFO level).
- * Called by the thread that calls ze_kest_Debug_Init, not real-time safe. */
+ * Waits until the command thread has read one more line from the pipe. Returns ZE_KEST_OK, also when the
+ * layer is not up (reported at INFO level). Called by the thread that calls ze_kest_Debug_Init, not real-time
+ * safe. */
 ZE_KEST_API uint32_t ze_kest_Debug_DeInit(void);
 
-/* Writes one message to the console and to the log file, as far as they are switched on. Writes nothing before
- * ze_kest_Debug_Init and after ze_kest_Debug_DeInit.
- * u32Level: a level of result.h; it chooses the prefix in the file (PRINT has none) and does not filter.
- * pszFormat: printf-like; the message ends in "\n".
+/* Writes one message to the console and to the log file, as far as they are switched on. Writes nothing
+ * before ze_kest_Debug_Init and after ze_kest_Debug_DeInit. u32Level: a level of result.h; it chooses the
+ * prefix in the file (PRINT has none) and does not filter. pszFormat: printf-like; the message ends in "\n".
  * Any thread; takes a lock and writes a file, so not real-time safe. */
 ZE_KEST_API void ze_kest_Debug_Log(unsigned int u32Level, const char *pszFormat, ...) ZE_KEST_PRINTF(2, 3);
 

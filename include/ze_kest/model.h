@@ -2,8 +2,8 @@
  *
  * The records that a framework hands to the library: filters, their ports, and the rings of the ports.
  *
- * The framework owns every record and every ring. The library reads them, copies data through them and adds to
- * the sizes of the current cycle; it never allocates, frees or resizes one. Releasing consumed data and
+ * The framework owns every record and every ring. The library reads them, copies data through them and adds
+ * to the sizes of the current cycle; it never allocates, frees or resizes one. Releasing consumed data and
  * committing produced data at the end of a cycle (moving the read offsets, the levels and the spaces) is the
  * framework's work.
  *
@@ -22,7 +22,8 @@ extern "C" {
 #define ZE_KEST_PCM_GROUPS 3           /* channel groups of a port */
 #define ZE_KEST_PCM_GROUP_SLOTS 10     /* channel slots of a group */
 #define ZE_KEST_PCM_GROUP_ENTRIES 12   /* entries of a group in the per-channel arrays handed to filters */
-#define ZE_KEST_PCM_CHANNEL_ENTRIES 36 /* entries of such an array: slot k of group g stands at 12 * g + k */
+#define ZE_KEST_PCM_CHANNEL_ENTRIES 36 /* entries of such an array: slot k of group g stands at 12 * g + k \
+                                        */
 #define ZE_KEST_NO_BOUND UINT32_MAX    /* a process-size bound that never limits */
 
 /* Option bit of a filter: with a bound of the output process size, its PCM writes go straight into the ring
@@ -31,8 +32,8 @@ extern "C" {
 
 /* One metadata block stands for this many PCM samples. */
 #define ZE_KEST_METADATA_SAMPLES 256u
-/* Bytes of a metadata block's header: its tag (uint32_t), the payload's length in bytes (uint32_t), 8 more. The
- * payload follows. A header is read in place, so it never straddles the end of a ring. */
+/* Bytes of a metadata block's header: its tag (uint32_t), the payload's length in bytes (uint32_t), 8 more.
+ * The payload follows. A header is read in place, so it never straddles the end of a ring. */
 #define ZE_KEST_METADATA_HEADER_SIZE 16u
 
 typedef struct ZE_KEST_Filter_s ZE_KEST_Filter_s;
@@ -41,8 +42,8 @@ typedef struct ZE_KEST_Filter_s ZE_KEST_Filter_s;
  * code. They may be called with the library's registry locked and must not call back into it. */
 typedef uint32_t (*ZE_KEST_SetParameter)(ZE_KEST_Filter_s *pstFilter, const char *pszParameterName,
                                          const void *pData, uint32_t u32Size);
-typedef uint32_t (*ZE_KEST_GetParameter)(ZE_KEST_Filter_s *pstFilter, const char *pszParameterName, void *pData,
-                                         uint32_t u32Size);
+typedef uint32_t (*ZE_KEST_GetParameter)(ZE_KEST_Filter_s *pstFilter, const char *pszParameterName,
+                                         void *pData, uint32_t u32Size);
 
 /* PCM format of a port. */
 typedef struct ZE_KEST_PcmInfo_s {
@@ -65,20 +66,20 @@ typedef struct ZE_KEST_PcmBuffer_s {
                                                    Slot k begins k * sztPcmRingSamples samples behind it */
   uint32_t sztPcmRingSamples;                   /* length of every ring, in samples; 0: no PCM on this port */
   uint32_t asztPcmAllocSize[ZE_KEST_PCM_GROUPS]; /* bytes allocated for each group */
-  uint32_t sztPcmLevel;                         /* samples held in each ring */
-  uint32_t sztPcmSpace;                         /* samples free in each ring */
-  uint32_t sztPcmReadSize;                      /* samples consumed in this cycle (input ports) */
-  uint32_t sztPcmWriteSize;                     /* samples produced in this cycle (output ports) */
-  uint32_t sztPcmTotalRead;                     /* running total of consumed samples; wraps */
-  uint32_t sztPcmReadOffset;                    /* ring index of the oldest unread sample */
+  uint32_t sztPcmLevel;                          /* samples held in each ring */
+  uint32_t sztPcmSpace;                          /* samples free in each ring */
+  uint32_t sztPcmReadSize;                       /* samples consumed in this cycle (input ports) */
+  uint32_t sztPcmWriteSize;                      /* samples produced in this cycle (output ports) */
+  uint32_t sztPcmTotalRead;                      /* running total of consumed samples; wraps */
+  uint32_t sztPcmReadOffset;                     /* ring index of the oldest unread sample */
   uint32_t u32Reserved;
-  int64_t s64PcmPts;         /* time stamp of the data */
-  uint64_t u64PcmReadCount;  /* updates of the read size */
-  uint64_t u64PcmXrunCount;  /* underruns of an input port, overruns of an output port */
-  uint64_t u64PcmPassCount;  /* frames passed by an A/V sync filter */
-  uint64_t u64PcmSkipCount;  /* frames skipped by an A/V sync filter */
+  int64_t s64PcmPts;        /* time stamp of the data */
+  uint64_t u64PcmReadCount; /* updates of the read size */
+  uint64_t u64PcmXrunCount; /* underruns of an input port, overruns of an output port */
+  uint64_t u64PcmPassCount; /* frames passed by an A/V sync filter */
+  uint64_t u64PcmSkipCount; /* frames skipped by an A/V sync filter */
   ZE_KEST_PcmInfo_s stPcmInfo;
-  uint32_t u32PcmGroupNum;   /* valid group records */
+  uint32_t u32PcmGroupNum; /* valid group records */
   ZE_KEST_PcmGroup_s astPcmGroup[ZE_KEST_PCM_GROUPS];
 } ZE_KEST_PcmBuffer_s;
 
@@ -86,12 +87,12 @@ typedef struct ZE_KEST_PcmBuffer_s {
 typedef struct ZE_KEST_DataBuffer_s {
   uint8_t *pu8Buf;
   uint32_t au32RawReserved[2];
-  uint32_t sztSize;       /* capacity in bytes; 0: the port has no such ring */
-  uint32_t sztLevel;      /* bytes held */
-  uint32_t sztSpace;      /* bytes free */
-  uint32_t sztReadSize;   /* bytes consumed in this cycle */
-  uint32_t sztWriteSize;  /* bytes produced in this cycle */
-  uint32_t sztTotalRead;  /* running total of consumed bytes; wraps */
+  uint32_t sztSize;      /* capacity in bytes; 0: the port has no such ring */
+  uint32_t sztLevel;     /* bytes held */
+  uint32_t sztSpace;     /* bytes free */
+  uint32_t sztReadSize;  /* bytes consumed in this cycle */
+  uint32_t sztWriteSize; /* bytes produced in this cycle */
+  uint32_t sztTotalRead; /* running total of consumed bytes; wraps */
   uint32_t u32RawReserved;
   uint32_t sztReadOffset; /* offset of the oldest unread byte */
   int64_t s64Pts;         /* time stamp of the data */
@@ -100,7 +101,8 @@ typedef struct ZE_KEST_DataBuffer_s {
 
 typedef struct ZE_KEST_Port_s {
   uint32_t u32Reserved;
-  uint32_t bConnected; /* boolean; port 0 is served even when it is not connected, where the operation says so */
+  uint32_t
+      bConnected; /* boolean; port 0 is served even when it is not connected, where the operation says so */
   uint32_t au32Reserved[4];
   ZE_KEST_PcmBuffer_s stPcm;
   ZE_KEST_DataBuffer_s stRaw;
@@ -119,8 +121,8 @@ typedef struct ZE_KEST_Pipeline_s {
 struct ZE_KEST_Filter_s {
   char szName[ZE_KEST_NAME_SIZE];
   ZE_KEST_Pipeline_s *pstParentPipeline;
-  uint32_t u32InPortCount;  /* input slots to serve, 0 to 8 */
-  uint32_t u32OutPortCount; /* output slots to serve, 0 to 8 */
+  uint32_t u32InPortCount;                        /* input slots to serve, 0 to 8 */
+  uint32_t u32OutPortCount;                       /* output slots to serve, 0 to 8 */
   ZE_KEST_Port_s *apstInPort[ZE_KEST_MAX_PORTS];  /* a slot may be NULL */
   ZE_KEST_Port_s *apstOutPort[ZE_KEST_MAX_PORTS]; /* a slot may be NULL */
   uint32_t u32Reserved;

@@ -7,7 +7,8 @@
 #define ZE_KEST_API __attribute__((visibility("default")))
 
 /* Lets the compiler check the arguments of a printf-like function. */
-#define ZE_KEST_PRINTF(format_index, first_argument) __attribute__((format(printf, format_index, first_argument)))
+#define ZE_KEST_PRINTF(format_index, first_argument) \
+  __attribute__((format(printf, format_index, first_argument)))
 
 /* What every operation answers, unless its comment says otherwise. Callers compare the numbers. */
 enum ZE_KEST_Result_e {

@@ -2,10 +2,10 @@
  *
  * What filters call while they process, and the helpers that the whole framework uses.
  *
- * Unless a comment says otherwise: a function returns a result code of result.h; a NULL argument is reported at
- * ERR level and answered with ZE_KEST_INVALID_ARGUMENT; outputs keep their values on failure; the port functions
- * work on the calling filter's own ports, on the thread that runs the filter, take no lock, allocate nothing and
- * log nothing on success, so they are real-time safe. */
+ * Unless a comment says otherwise: a function returns a result code of result.h; a NULL argument is reported
+ * at ERR level and answered with ZE_KEST_INVALID_ARGUMENT; outputs keep their values on failure; the port
+ * functions work on the calling filter's own ports, on the thread that runs the filter, take no lock,
+ * allocate nothing and log nothing on success, so they are real-time safe. */
 #ifndef ZE_KEST_UTILITY_H
 #define ZE_KEST_UTILITY_H
 
@@ -24,8 +24,8 @@ extern "C" {
 
 /* ---- Memory. Any thread, not real-time safe. ---- */
 
-/* Allocates sztSize bytes, uninitialised, into *ppvOut. ZE_KEST_FAILED with *ppvOut NULL for a size of 0 and when
- * memory is exhausted. Release with ze_kest_Utility_MemoryFree. */
+/* Allocates sztSize bytes, uninitialised, into *ppvOut. ZE_KEST_FAILED with *ppvOut NULL for a size of 0 and
+ * when memory is exhausted. Release with ze_kest_Utility_MemoryFree. */
 ZE_KEST_API uint32_t ze_kest_Utility_MemoryAlloc(void **ppvOut, size_t sztSize);
 
 /* Releases *ppvInOut and sets it to NULL. ZE_KEST_FAILED when it is NULL already. */
@@ -42,8 +42,8 @@ ZE_KEST_API size_t ze_kest_Utility_Strlen(const char *psz);
 /* Orders by length first, then like strncmp: the shorter string gives -1, the longer 1. NULL counts as "". */
 ZE_KEST_API int ze_kest_Utility_Strcmp(const char *pszA, const char *pszB);
 
-/* The standard functions of the same names. NULL counts as "" where a string is read; where a result string is
- * due, a NULL argument gives NULL. Strncpy fills and terminates like strncpy. */
+/* The standard functions of the same names. NULL counts as "" where a string is read; where a result string
+ * is due, a NULL argument gives NULL. Strncpy fills and terminates like strncpy. */
 ZE_KEST_API int ze_kest_Utility_Strncmp(const char *pszA, const char *pszB, size_t sztCount);
 ZE_KEST_API char *ze_kest_Utility_Strncpy(char *pszDst, const char *pszSrc, size_t sztCount);
 ZE_KEST_API char *ze_kest_Utility_Strncat(char *pszDst, const char *pszSrc, size_t sztCount);
@@ -52,7 +52,8 @@ ZE_KEST_API char *ze_kest_Utility_Strsep(char **ppszRest, const char *pszDelimit
 ZE_KEST_API char *ze_kest_Utility_Strchr(const char *psz, int s32Char);
 
 /* Reads a number from the first u32Length (at most 32) characters: base 16 after "0x", else base 10; trailing
- * text is ignored. 0 for NULL, for text that is no number, and for one beyond 32 bits (reported at ERR level). */
+ * text is ignored. 0 for NULL, for text that is no number, and for one beyond 32 bits (reported at ERR
+ * level). */
 ZE_KEST_API int32_t ze_kest_Utility_StrToInt(const char *pszSrc, uint32_t u32Length);
 
 /* ---- Process, thread, time. Any thread. ---- */
@@ -97,12 +98,13 @@ ZE_KEST_API int ze_kest_Utility_FileSeek(FILE *pFile, long s32Offset, int s32Whe
 ZE_KEST_API size_t ze_kest_Utility_GetFileSize(FILE *pFile);
 
 /* Reads a whole file into a new buffer that is zero-filled behind the data, so it is NUL-terminated.
- * pszPath: the file; ppszString: out, the buffer, release it with ze_kest_Utility_MemoryFree; psztSize: out, bytes
- * of data. ZE_KEST_FAILED when the file cannot be opened or read, is empty or larger than 2 GiB, or memory is
- * exhausted (each reported); both outputs are then NULL and 0. */
+ * pszPath: the file; ppszString: out, the buffer, release it with ze_kest_Utility_MemoryFree; psztSize: out,
+ * bytes of data. ZE_KEST_FAILED when the file cannot be opened or read, is empty or larger than 2 GiB, or
+ * memory is exhausted (each reported); both outputs are then NULL and 0. */
 ZE_KEST_API uint32_t ze_kest_Utility_FileToString(const char *pszPath, char **ppszString, size_t *psztSize);
 
-/* ---- Names of the framework's enumerations: constant strings, "Unkown" past the last one. Real-time safe. ---- */
+/* ---- Names of the framework's enumerations: constant strings, "Unkown" past the last one. Real-time safe.
+ * ---- */
 
 ZE_KEST_API const char *ze_kest_Utility_DecPlayTypeEnumString(uint32_t u32Value);
 ZE_KEST_API const char *ze_kest_Utility_FilterDecTypeEnumString(uint32_t u32Value);
@@ -120,12 +122,14 @@ ZE_KEST_API uint32_t ze_kest_Utility_FixedPtDb(int s32Db);
  * 2 channels, 48000 Hz, 16 bits. 0 for NULL. Real-time safe. */
 ZE_KEST_API uint32_t ze_kest_Utility_BytesPerMs(const ZE_KEST_PcmInfo_s *pstFormat);
 
-/* Merges a filter's sleep settings into its parent pipeline. ZE_KEST_FAILED without a parent. Real-time safe. */
+/* Merges a filter's sleep settings into its parent pipeline. ZE_KEST_FAILED without a parent. Real-time safe.
+ */
 ZE_KEST_API uint32_t ze_kest_Utility_UpdatePipelineSleepConfiguration(ZE_KEST_Filter_s *pstFilter);
 
 /* Input source named in the filter's configuration text, into *peSourceType: 5 MM, 3 DTV, 2 ATV, 4 HDMI,
  * 1 ANALOG, 0 none; the first of this order wins. */
-ZE_KEST_API uint32_t ze_kest_Utility_GetSourceType(const ZE_KEST_Filter_s *pstFilter, unsigned int *peSourceType);
+ZE_KEST_API uint32_t ze_kest_Utility_GetSourceType(const ZE_KEST_Filter_s *pstFilter,
+                                                   unsigned int *peSourceType);
 
 /* Whether the platform's local sound card is present. Asks the file system, not real-time safe. */
 ZE_KEST_API bool ze_kest_utility_IsLKESTMode(void);
@@ -143,9 +147,10 @@ ZE_KEST_API uint32_t ze_kest_utility_LkestCheckParentPipeline(void);
  * pszName: part of a file name; the path is cut at 127 characters.
  * ps32ShmFd, ps32LockFd, ppvAddr: out, the descriptors of block and lock file and the address; owned by the
  * caller until ze_kest_Utility_ShmFree. On failure they must not be used.
- * ZE_KEST_NOT_INITIALISED: a file could not be opened, created, sized or mapped (a block that could be opened is
- * removed then); ZE_KEST_NOTHING_TO_PROCESS: the path could not be formatted. */
-ZE_KEST_API uint32_t ze_kest_Utility_ShmAlloc(const char *pszName, int *ps32ShmFd, int *ps32LockFd, void **ppvAddr);
+ * ZE_KEST_NOT_INITIALISED: a file could not be opened, created, sized or mapped (a block that could be opened
+ * is removed then); ZE_KEST_NOTHING_TO_PROCESS: the path could not be formatted. */
+ZE_KEST_API uint32_t ze_kest_Utility_ShmAlloc(const char *pszName, int *ps32ShmFd, int *ps32LockFd,
+                                              void **ppvAddr);
 
 /* Closes, unmaps and removes the block of a name, for every process: a later ShmAlloc creates a new one.
  * The descriptors are read, not reset. ZE_KEST_FAILED: a path could not be formatted. */
@@ -179,8 +184,8 @@ ZE_KEST_API uint32_t ze_kest_Utility_CalculateOutputPortRawProcessSize(const ZE_
 
 /* One channel between its ring and a linear buffer in which it may be interleaved with others.
  * pu8RingBuf: start of the ring; pu8Pos: where in the ring to begin; sztRingSize: bytes of the ring;
- * pu8Data: the channel's first sample in the linear buffer; u64Bytes: bytes of ring data, a partial last sample
- * is moved whole; u32Stride: distance of the channel's samples in the linear buffer, in its samples;
+ * pu8Data: the channel's first sample in the linear buffer; u64Bytes: bytes of ring data, a partial last
+ * sample is moved whole; u32Stride: distance of the channel's samples in the linear buffer, in its samples;
  * u32BytesPerSample: width in the ring, 2, 3 or 4 (the converting reads: 2 or 4), any other moves nothing.
  *
  * A stride of 1 copies the ring's bytes as they are, whatever the width and in the converting reads too.
@@ -188,21 +193,21 @@ ZE_KEST_API uint32_t ze_kest_Utility_CalculateOutputPortRawProcessSize(const ZE_
  * sign-extended; _To32Bit the sample left-aligned in 32 bits. */
 ZE_KEST_API uint32_t ze_kest_Utility_WriteDataToNonInterleaveRingBuffer(uint8_t *pu8RingBuf, uint8_t *pu8Pos,
                                                                         uint32_t sztRingSize,
-                                                                        const uint8_t *pu8Data, uint64_t u64Bytes,
-                                                                        uint32_t u32Stride,
+                                                                        const uint8_t *pu8Data,
+                                                                        uint64_t u64Bytes, uint32_t u32Stride,
                                                                         uint32_t u32BytesPerSample);
 ZE_KEST_API uint32_t ze_kest_Utility_ReadDataFromNonInterleaveRingBuffer(
-    const uint8_t *pu8RingBuf, const uint8_t *pu8Pos, uint32_t sztRingSize, uint8_t *pu8Data, uint64_t u64Bytes,
-    uint32_t u32Stride, uint32_t u32BytesPerSample);
+    const uint8_t *pu8RingBuf, const uint8_t *pu8Pos, uint32_t sztRingSize, uint8_t *pu8Data,
+    uint64_t u64Bytes, uint32_t u32Stride, uint32_t u32BytesPerSample);
 ZE_KEST_API uint32_t ze_kest_Utility_ReadDataFromNonInterleaveRingBuffer_To16Bit(
-    const uint8_t *pu8RingBuf, const uint8_t *pu8Pos, uint32_t sztRingSize, uint8_t *pu8Data, uint64_t u64Bytes,
-    uint32_t u32Stride, uint32_t u32BytesPerSample);
+    const uint8_t *pu8RingBuf, const uint8_t *pu8Pos, uint32_t sztRingSize, uint8_t *pu8Data,
+    uint64_t u64Bytes, uint32_t u32Stride, uint32_t u32BytesPerSample);
 ZE_KEST_API uint32_t ze_kest_Utility_ReadDataFromNonInterleaveRingBuffer_To24Le(
-    const uint8_t *pu8RingBuf, const uint8_t *pu8Pos, uint32_t sztRingSize, uint8_t *pu8Data, uint64_t u64Bytes,
-    uint32_t u32Stride, uint32_t u32BytesPerSample);
+    const uint8_t *pu8RingBuf, const uint8_t *pu8Pos, uint32_t sztRingSize, uint8_t *pu8Data,
+    uint64_t u64Bytes, uint32_t u32Stride, uint32_t u32BytesPerSample);
 ZE_KEST_API uint32_t ze_kest_Utility_ReadDataFromNonInterleaveRingBuffer_To32Bit(
-    const uint8_t *pu8RingBuf, const uint8_t *pu8Pos, uint32_t sztRingSize, uint8_t *pu8Data, uint64_t u64Bytes,
-    uint32_t u32Stride, uint32_t u32BytesPerSample);
+    const uint8_t *pu8RingBuf, const uint8_t *pu8Pos, uint32_t sztRingSize, uint8_t *pu8Data,
+    uint64_t u64Bytes, uint32_t u32Stride, uint32_t u32BytesPerSample);
 
 /* Copies sztCount bytes between byte rings, or from a ring into a linear buffer. A position is offset plus
  * advance, less the ring's size once when it is not below it. All sizes in bytes. */
@@ -218,20 +223,23 @@ ZE_KEST_API uint32_t ze_kest_Utility_CopyFromRingToNonRingBuffer(uint8_t *pu8Dst
 /* ---- Reading an input port. Reading consumes nothing: account for it with the Update functions. ---- */
 
 /* Reads channels u32FirstCh to u32LastCh of a port into an interleaved buffer.
- * u32PortIdx: 0 to u32InPortCount - 1, connected unless it is 0; pvDst: sztSamples frames of u32DstChNum samples;
- * sztSamples: samples per channel; u32FirstCh, u32LastCh: global channel numbers (0-1, 2-11 and 12-21 for groups
- * 0, 1 and 2), both inclusive; u32DstChNum: samples of a destination frame, at least the channels read.
+ * u32PortIdx: 0 to u32InPortCount - 1, connected unless it is 0; pvDst: sztSamples frames of u32DstChNum
+ * samples; sztSamples: samples per channel; u32FirstCh, u32LastCh: global channel numbers (0-1, 2-11 and
+ * 12-21 for groups 0, 1 and 2), both inclusive; u32DstChNum: samples of a destination frame, at least the
+ * channels read.
  *
- * Channel c goes to slot c - u32FirstCh of every frame. A channel that the port does not carry leaves its slot as
- * it was. The destination's samples have the port's width, or are those of the ring reads of the same suffix
- * (port widths 16 and 32). With u32DstChNum 1 the port's bytes come unconverted, so pvDst needs room for samples
- * of the port's width.
+ * Channel c goes to slot c - u32FirstCh of every frame. A channel that the port does not carry leaves its
+ * slot as it was. The destination's samples have the port's width, or are those of the ring reads of the same
+ * suffix (port widths 16 and 32). With u32DstChNum 1 the port's bytes come unconverted, so pvDst needs room
+ * for samples of the port's width.
  *
- * ZE_KEST_INVALID_ARGUMENT: a NULL pointer (reported), an empty channel range, more channels than u32DstChNum, no
- * such port. ZE_KEST_FAILED: u32LastCh lies beyond the groups that can be read (reported); the channels before it
- * are written. Ports of 16 and 24 bits and the converting reads give group 2 only to the last channel read. */
-ZE_KEST_API uint32_t ze_kest_Utility_ReadInputPortPcmBuffer(const ZE_KEST_Filter_s *pstFilter, uint32_t u32PortIdx,
-                                                            void *pvDst, uint32_t sztSamples, uint32_t u32FirstCh,
+ * ZE_KEST_INVALID_ARGUMENT: a NULL pointer (reported), an empty channel range, more channels than
+ * u32DstChNum, no such port. ZE_KEST_FAILED: u32LastCh lies beyond the groups that can be read (reported);
+ * the channels before it are written. Ports of 16 and 24 bits and the converting reads give group 2 only to
+ * the last channel read. */
+ZE_KEST_API uint32_t ze_kest_Utility_ReadInputPortPcmBuffer(const ZE_KEST_Filter_s *pstFilter,
+                                                            uint32_t u32PortIdx, void *pvDst,
+                                                            uint32_t sztSamples, uint32_t u32FirstCh,
                                                             uint32_t u32LastCh, uint32_t u32DstChNum);
 ZE_KEST_API uint32_t ze_kest_Utility_ReadInputPortPcmBuffer_To16Bit(const ZE_KEST_Filter_s *pstFilter,
                                                                     uint32_t u32PortIdx, void *pvDst,
@@ -242,19 +250,22 @@ ZE_KEST_API uint32_t ze_kest_Utility_ReadInputPortPcmBuffer_To24Le(const ZE_KEST
                                                                    uint32_t sztSamples, uint32_t u32FirstCh,
                                                                    uint32_t u32LastCh, uint32_t u32DstChNum);
 
-/* Tag and size in bytes (header included) of the next unread metadata block of a port. The caller knows that the
- * ring holds one. u32Unused is not read. ZE_KEST_INVALID_ARGUMENT without a report when there is no such port. */
+/* Tag and size in bytes (header included) of the next unread metadata block of a port. The caller knows that
+ * the ring holds one. u32Unused is not read. ZE_KEST_INVALID_ARGUMENT without a report when there is no such
+ * port. */
 ZE_KEST_API uint32_t ze_kest_Utility_ReadOneBlockInputPortMetadataBuffer(const ZE_KEST_Filter_s *pstFilter,
-                                                                         uint32_t u32PortIdx, uint32_t u32Unused,
+                                                                         uint32_t u32PortIdx,
+                                                                         uint32_t u32Unused,
                                                                          uint32_t *pu32Tag,
                                                                          uint32_t *pu32BlockSize);
 
-/* Bytes of metadata that belong to a number of samples: the next sztSamples / 256 blocks of a port, fewer when
- * the ring holds fewer. *pu32LastBlockSize is the size of the last block with a payload and is left alone when
- * there is none. ZE_KEST_INVALID_ARGUMENT without a report when there is no such port. */
+/* Bytes of metadata that belong to a number of samples: the next sztSamples / 256 blocks of a port, fewer
+ * when the ring holds fewer. *pu32LastBlockSize is the size of the last block with a payload and is left
+ * alone when there is none. ZE_KEST_INVALID_ARGUMENT without a report when there is no such port. */
 ZE_KEST_API uint32_t ze_kest_Utility_QueryInputPortMetadataLen(const ZE_KEST_Filter_s *pstFilter,
                                                                uint32_t u32PortIdx, uint32_t sztSamples,
-                                                               uint32_t *pu32Len, uint32_t *pu32LastBlockSize);
+                                                               uint32_t *pu32Len,
+                                                               uint32_t *pu32LastBlockSize);
 
 /* Bytes of metadata that go with a step of sztSamples on input port 0, not more than u32MaxBytes (in whole
  * blocks). *pu32Remainder: samples left over from the step before, in; left over for the next one, out.
@@ -267,11 +278,10 @@ ZE_KEST_API uint32_t ze_kest_Utility_QueryInputMinMetaProcessSize(const ZE_KEST_
 
 /* Writes sztSamples samples per channel to one output port behind the data that its rings hold.
  * u32PortIdx: 0 to u32OutPortCount - 1, connected unless it is 0; the port has the function's sample width;
- * aps16Src / aps32Src: 36 entries, 12 per group, the source of slot k of group g at 12 * g + k, NULL for none;
- * au16Stride: 36 entries, distance of a source's samples, in samples.
- * The caller knows that the rings have the space. With ZE_KEST_OPTION_DIRECT_WRITE and a bound of the output
- * process size the samples are stored without wrap-around.
- * ZE_KEST_INVALID_ARGUMENT: a NULL pointer (reported), no such port. */
+ * aps16Src / aps32Src: 36 entries, 12 per group, the source of slot k of group g at 12 * g + k, NULL for
+ * none; au16Stride: 36 entries, distance of a source's samples, in samples. The caller knows that the rings
+ * have the space. With ZE_KEST_OPTION_DIRECT_WRITE and a bound of the output process size the samples are
+ * stored without wrap-around. ZE_KEST_INVALID_ARGUMENT: a NULL pointer (reported), no such port. */
 ZE_KEST_API uint32_t ze_kest_Utility_WriteOutputPort16BitPcmBuffer(const ZE_KEST_Filter_s *pstFilter,
                                                                    uint32_t u32PortIdx, uint32_t sztSamples,
                                                                    int16_t *const *aps16Src,
@@ -292,10 +302,11 @@ ZE_KEST_API uint32_t ze_kest_Utility_WriteAllOutputPort32BitPcmBuffer(const ZE_K
                                                                       const uint16_t *au16Stride);
 
 /* Forwards sztBytes unread bytes of one input port's ring to the ring of every connected output port. A port
- * without the space, or an input without the data, is passed over; sizes that contradict each other are reported
- * and passed over. ZE_KEST_INVALID_ARGUMENT: a NULL filter (reported), no such input port. */
+ * without the space, or an input without the data, is passed over; sizes that contradict each other are
+ * reported and passed over. ZE_KEST_INVALID_ARGUMENT: a NULL filter (reported), no such input port. */
 ZE_KEST_API uint32_t ze_kest_Utility_WriteAllOutputPortMetadataBuffer(const ZE_KEST_Filter_s *pstFilter,
-                                                                      uint32_t u32InPortIdx, uint32_t sztBytes);
+                                                                      uint32_t u32InPortIdx,
+                                                                      uint32_t sztBytes);
 ZE_KEST_API uint32_t ze_kest_Utility_WriteAllOutputPortRawBuffer(const ZE_KEST_Filter_s *pstFilter,
                                                                  uint32_t u32InPortIdx, uint32_t sztBytes);
 
@@ -305,8 +316,8 @@ ZE_KEST_API uint32_t ze_kest_Utility_IsOutputMetadataBufferExist(const ZE_KEST_F
 /* ---- Accounting: add what this cycle consumed or produced ---- */
 
 /* All ports of one side: the first one, and every later one that is connected. PCM in samples per channel,
- * ZE_KEST_NO and no change for 0; metadata and raw in bytes. PCM sizes and the metadata write size stop at the
- * ring's capacity, the others do not. */
+ * ZE_KEST_NO and no change for 0; metadata and raw in bytes. PCM sizes and the metadata write size stop at
+ * the ring's capacity, the others do not. */
 ZE_KEST_API uint32_t ze_kest_Utility_UpdateAllInputPortPcmReadSize(ZE_KEST_Filter_s *pstFilter,
                                                                    uint32_t sztSamples);
 ZE_KEST_API uint32_t ze_kest_Utility_UpdateAllOutputPortPcmWriteSize(ZE_KEST_Filter_s *pstFilter,
@@ -315,13 +326,15 @@ ZE_KEST_API uint32_t ze_kest_Utility_UpdateAllInputPortMetadataReadSize(ZE_KEST_
                                                                         uint32_t sztBytes);
 ZE_KEST_API uint32_t ze_kest_Utility_UpdateAllOutputPortMetadataWriteSize(ZE_KEST_Filter_s *pstFilter,
                                                                           uint32_t sztBytes);
-ZE_KEST_API uint32_t ze_kest_Utility_UpdateAllInputPortRawReadSize(ZE_KEST_Filter_s *pstFilter, uint32_t sztBytes);
+ZE_KEST_API uint32_t ze_kest_Utility_UpdateAllInputPortRawReadSize(ZE_KEST_Filter_s *pstFilter,
+                                                                   uint32_t sztBytes);
 ZE_KEST_API uint32_t ze_kest_Utility_UpdateAllOutputPortRawWriteSize(ZE_KEST_Filter_s *pstFilter,
                                                                      uint32_t sztBytes);
 
 /* One port, connected or not. A port that does not exist is not an error: nothing changes, ZE_KEST_OK. */
 ZE_KEST_API uint32_t ze_kest_Utility_UpdateSpecificInputPortPcmReadSize(ZE_KEST_Filter_s *pstFilter,
-                                                                        uint32_t sztSamples, uint32_t u32PortIdx);
+                                                                        uint32_t sztSamples,
+                                                                        uint32_t u32PortIdx);
 ZE_KEST_API uint32_t ze_kest_Utility_UpdateSpecificOutputPortPcmWriteSize(ZE_KEST_Filter_s *pstFilter,
                                                                           uint32_t sztSamples,
                                                                           uint32_t u32PortIdx);
@@ -329,7 +342,8 @@ ZE_KEST_API uint32_t ze_kest_Utility_UpdateSpecificInputPortMetadataReadSize(ZE_
                                                                              uint32_t sztBytes,
                                                                              uint32_t u32PortIdx);
 ZE_KEST_API uint32_t ze_kest_Utility_UpdateSpecificInputPortRawReadSize(ZE_KEST_Filter_s *pstFilter,
-                                                                        uint32_t sztBytes, uint32_t u32PortIdx);
+                                                                        uint32_t sztBytes,
+                                                                        uint32_t u32PortIdx);
 
 /* ---- Channel groups ---- */
 
@@ -341,26 +355,30 @@ extern ZE_KEST_API const uint32_t sztPcmGroupChNumber[ZE_KEST_PCM_GROUPS];
 ZE_KEST_API uint32_t ze_kest_Utility_UpdatePcmInfoToAllOutputPort(ZE_KEST_Filter_s *pstFilter,
                                                                   const ZE_KEST_PcmInfo_s *pstPcmInfo);
 
-/* Copies three group records to the same ports and counts their channels anew. A group for which a port has no
- * storage is marked -1 there and not counted. u32Unused is not read. */
-ZE_KEST_API uint32_t ze_kest_Utility_UpdatePcmGroupToAllOutputPort(ZE_KEST_Filter_s *pstFilter, uint32_t u32Unused,
+/* Copies three group records to the same ports and counts their channels anew. A group for which a port has
+ * no storage is marked -1 there and not counted. u32Unused is not read. */
+ZE_KEST_API uint32_t ze_kest_Utility_UpdatePcmGroupToAllOutputPort(ZE_KEST_Filter_s *pstFilter,
+                                                                   uint32_t u32Unused,
                                                                    const ZE_KEST_PcmGroup_s *pastPcmGroup);
 
 /* Pointers to the unread samples of every channel of an input port, valid up to the ring's end; the caller
  * handles the wrap.
  * aps16Ch / aps32Ch: out, 36 entries, slot k of group g at 12 * g + k, NULL where there is no channel;
- * au16Stride: out, 36 entries, all 1; pbGroupPresent: out, 1 when the port has group records, else left alone.
- * A channel count that contradicts the port's format is reported and does not change the result.
+ * au16Stride: out, 36 entries, all 1; pbGroupPresent: out, 1 when the port has group records, else left
+ * alone. A channel count that contradicts the port's format is reported and does not change the result.
  * ZE_KEST_INVALID_ARGUMENT: a NULL pointer (reported), no such port. */
 ZE_KEST_API uint32_t ze_kest_Utility_AnalyzeInputPort16BitPcmGroup(const ZE_KEST_Filter_s *pstFilter,
                                                                    uint32_t u32PortIdx, int16_t **aps16Ch,
-                                                                   uint16_t *au16Stride, uint8_t *pbGroupPresent);
+                                                                   uint16_t *au16Stride,
+                                                                   uint8_t *pbGroupPresent);
 ZE_KEST_API uint32_t ze_kest_Utility_AnalyzeInputPort32BitPcmGroup(const ZE_KEST_Filter_s *pstFilter,
                                                                    uint32_t u32PortIdx, int32_t **aps32Ch,
-                                                                   uint16_t *au16Stride, uint8_t *pbGroupPresent);
+                                                                   uint16_t *au16Stride,
+                                                                   uint8_t *pbGroupPresent);
 
-/* Whether a side's connected ports carry a group: 1 when one does or none is connected, else 0. The first asks
- * both sides, the second the outputs. ZE_KEST_INVALID_ARGUMENT: a NULL filter (reported), a group above 2. */
+/* Whether a side's connected ports carry a group: 1 when one does or none is connected, else 0. The first
+ * asks both sides, the second the outputs. ZE_KEST_INVALID_ARGUMENT: a NULL filter (reported), a group
+ * above 2. */
 ZE_KEST_API uint32_t ze_kest_Utility_CheckPcmGroupCapability(const ZE_KEST_Filter_s *pstFilter,
                                                              uint32_t ePcmGroupType);
 ZE_KEST_API uint32_t ze_kest_Utility_CheckOutPortPcmGroupCapability(const ZE_KEST_Filter_s *pstFilter,

@@ -5,7 +5,9 @@
 
 #include "utility/core/report.h"
 
-void ze_kest_Utility_DelayMs(unsigned int u32Ms) { usleep(u32Ms * 1000); }
+void ze_kest_Utility_DelayMs(unsigned int u32Ms) {
+  usleep(u32Ms * 1000);
+}
 
 void ze_kest_Utility_MicrosecondToTimespec(struct timespec *pstOut, uint64_t u64Us) {
   constexpr uint64_t kUsPerSecond = 1000000;

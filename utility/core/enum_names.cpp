@@ -7,17 +7,18 @@ namespace {
 
 constexpr const char *kDecPlayType[] = {"DTV", "HDMI", "SPDIF", "MMTS", "MMAVI", "MMUNI", "TLV_PARSER"};
 
-constexpr const char *kFilterDecType[] = {
-    "DUMMY", "AC3P", "AC4",  "AAC",  "MAT", "DTS",   "DTSX",  "XPCM",  "VORBIS", "FLAC", "WMA",
-    "MPEG",  "COOK", "GAAC", "DRA",  "AMRNB", "AMRWB", "MPEGH", "OPUS",  "ALAC",   "C3DA"};
+constexpr const char *kFilterDecType[] = {"DUMMY", "AC3P",   "AC4",   "AAC",   "MAT",  "DTS",  "DTSX",
+                                          "XPCM",  "VORBIS", "FLAC",  "WMA",   "MPEG", "COOK", "GAAC",
+                                          "DRA",   "AMRNB",  "AMRWB", "MPEGH", "OPUS", "ALAC", "C3DA"};
 
 constexpr const char *kDecodeFormat[] = {
-    "LPCM",  "AC3",    "EAC3", "AAC",     "HEAAC",    "AC4", "MAT",    "TRUEHD", "MPEG",
-    "MPEGH", "DRA",    "DTS",  "DTSHD",   "DTSUHD",   "MP3", "MSADPCM", "IMAADPCM", "WMA",
-    "WMAPRO", "COOK",  "VORBIS", "ALAC",  "OPUS",     "AMRNB", "AMRWB", "FLAC"};
+    "LPCM",   "AC3",  "EAC3",   "AAC",   "HEAAC",  "AC4",   "MAT",     "TRUEHD",   "MPEG",
+    "MPEGH",  "DRA",  "DTS",    "DTSHD", "DTSUHD", "MP3",   "MSADPCM", "IMAADPCM", "WMA",
+    "WMAPRO", "COOK", "VORBIS", "ALAC",  "OPUS",   "AMRNB", "AMRWB",   "FLAC"};
 
 // The first entry was "NON"; the name that is shown for it is this one.
-constexpr const char *kDigitalOutput[] = {"Not Connected", "PCM", "DD", "DDP", "MAT", "BYPASS", "DTS", "DTSHD"};
+constexpr const char *kDigitalOutput[] = {"Not Connected", "PCM",    "DD",  "DDP",
+                                          "MAT",           "BYPASS", "DTS", "DTSHD"};
 
 // A sixth type, "LC_L4", exists and is not named, on purpose.
 constexpr const char *kMpeghStreamType[] = {"MHM1", "MHA1", "BL_L3", "BL_L4", "LC_L3"};
@@ -29,13 +30,21 @@ const char *NameIn(const char *const (&apszNames)[kCount], uint32_t u32Value) {
 
 }  // namespace
 
-const char *ze_kest_Utility_DecPlayTypeEnumString(uint32_t u32Value) { return NameIn(kDecPlayType, u32Value); }
+const char *ze_kest_Utility_DecPlayTypeEnumString(uint32_t u32Value) {
+  return NameIn(kDecPlayType, u32Value);
+}
 
-const char *ze_kest_Utility_FilterDecTypeEnumString(uint32_t u32Value) { return NameIn(kFilterDecType, u32Value); }
+const char *ze_kest_Utility_FilterDecTypeEnumString(uint32_t u32Value) {
+  return NameIn(kFilterDecType, u32Value);
+}
 
-const char *ze_kest_Utility_DecodeFormatEnumString(uint32_t u32Value) { return NameIn(kDecodeFormat, u32Value); }
+const char *ze_kest_Utility_DecodeFormatEnumString(uint32_t u32Value) {
+  return NameIn(kDecodeFormat, u32Value);
+}
 
-const char *ze_kest_Utility_DigitalOutputEnumString(uint32_t u32Value) { return NameIn(kDigitalOutput, u32Value); }
+const char *ze_kest_Utility_DigitalOutputEnumString(uint32_t u32Value) {
+  return NameIn(kDigitalOutput, u32Value);
+}
 
 const char *ze_kest_Utility_MpeghStreamTypeEnumString(uint32_t u32Value) {
   return NameIn(kMpeghStreamType, u32Value);

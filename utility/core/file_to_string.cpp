@@ -13,7 +13,9 @@ namespace {
 constexpr size_t kPage = 4096;
 
 // The next multiple of a page strictly above the size: there is always room behind the data.
-constexpr size_t SizeOnPages(size_t sztSize) { return (sztSize + kPage) & ~(kPage - 1); }
+constexpr size_t SizeOnPages(size_t sztSize) {
+  return (sztSize + kPage) & ~(kPage - 1);
+}
 
 }  // namespace
 

@@ -13,7 +13,9 @@ constexpr int64_t kLn10 = 19315484;
 constexpr int64_t kLog2E = 12102203;
 constexpr int64_t kLn2 = 5814540;
 
-constexpr int64_t Multiply(int64_t s64A, int64_t s64B) { return (s64A * s64B) >> kFraction; }
+constexpr int64_t Multiply(int64_t s64A, int64_t s64B) {
+  return (s64A * s64B) >> kFraction;
+}
 
 // y / ln 2 rounded to a whole number.
 int64_t WholePowerOfTwo(int64_t s64Y) {

@@ -20,4 +20,6 @@ uint32_t ze_kest_Utility_MemoryFree(void **ppvInOut) {
   return ZE_KEST_OK;
 }
 
-void *ze_kest_Utility_MemoryReAlloc(void *pvBlock, size_t sztSize) { return realloc(pvBlock, sztSize); }
+void *ze_kest_Utility_MemoryReAlloc(void *pvBlock, size_t sztSize) {
+  return realloc(pvBlock, sztSize);
+}

@@ -16,6 +16,8 @@ inline int32_t ParseS32(const char *pszText, int s32Base = 10) {
 }
 
 // What a saturated result means to those who read numbers: a limit itself is refused like a number beyond it.
-inline bool IsOutOfRange(int32_t s32Value) { return s32Value == INT32_MAX || s32Value == INT32_MIN; }
+inline bool IsOutOfRange(int32_t s32Value) {
+  return s32Value == INT32_MAX || s32Value == INT32_MIN;
+}
 
 }  // namespace kest

@@ -16,6 +16,8 @@ template <typename T>
 using Owned = std::unique_ptr<T, ReleaseMemory>;
 
 // A modifiable copy of a text; empty when memory is exhausted.
-inline Owned<char> Duplicate(const char *psz) { return Owned<char>(ze_kest_Utility_Strdup(psz)); }
+inline Owned<char> Duplicate(const char *psz) {
+  return Owned<char>(ze_kest_Utility_Strdup(psz));
+}
 
 }  // namespace kest

@@ -5,7 +5,9 @@
 
 namespace {
 
-uint32_t OrDefault(uint32_t u32Value, uint32_t u32Default) { return u32Value == 0 ? u32Default : u32Value; }
+uint32_t OrDefault(uint32_t u32Value, uint32_t u32Default) {
+  return u32Value == 0 ? u32Default : u32Value;
+}
 
 }  // namespace
 

@@ -2,16 +2,18 @@
 // What differs between the target's libc and the development host's.
 #pragma once
 
+#include <cstring>
+
 #include <sys/syscall.h>
 #include <sys/types.h>
 #include <unistd.h>
 
-#include <cstring>
-
 namespace kest {
 
 // Older libcs of the target and of the host have no gettid wrapper.
-inline pid_t CurrentThreadId() { return static_cast<pid_t>(syscall(SYS_gettid)); }
+inline pid_t CurrentThreadId() {
+  return static_cast<pid_t>(syscall(SYS_gettid));
+}
 
 // Both libcs give the variant that returns the text and may leave the buffer alone.
 inline const char *ErrorTextInto(int s32Error, char *pszBuf, size_t sztSize) {

@@ -3,6 +3,10 @@
 
 #include "utility/core/platform.h"
 
-int32_t ze_kest_Utility_GetPid(void) { return getpid(); }
+int32_t ze_kest_Utility_GetPid(void) {
+  return getpid();
+}
 
-int32_t ze_kest_Utility_GetTid(void) { return kest::CurrentThreadId(); }
+int32_t ze_kest_Utility_GetTid(void) {
+  return kest::CurrentThreadId();
+}

@@ -1,14 +1,15 @@
 // SPDX-License-Identifier: Apache-2.0
 // Reports: every failure goes once to the Android log and once to the library's own log.
 //
-// The level is tested first and the arguments are evaluated behind it, twice, so they must have no side effects.
-// Texts stand in full at their site, "\n" included. The _AS forms take the function's name where it is not the
-// site's own: in a template that serves several functions of the interface, or for a named sub-step.
+// The level is tested first and the arguments are evaluated behind it, twice, so they must have no side
+// effects. Texts stand in full at their site, "\n" included. The _AS forms take the function's name where it
+// is not the site's own: in a template that serves several functions of the interface, or for a named
+// sub-step.
 #pragma once
 
-#include <android/log.h>
-
 #include <cerrno>
+
+#include <android/log.h>
 
 #include "ze_kest/debug.h"
 #include "ze_kest/result.h"
@@ -18,13 +19,13 @@
 
 #define KEST_LOG_TAG "<KEST>"
 
-#define KEST_REPORT_(level, priority, label, function, text, ...)                                           \
-  do {                                                                                                      \
-    if (kest::LevelIsOn(level)) {                                                                           \
-      __android_log_print(priority, KEST_LOG_TAG, label "%s[%-4d]: " text, function, __LINE__,              \
-                          ##__VA_ARGS__);                                                                   \
-      ze_kest_Debug_Log(level, "%s[%-4d]: " text, function, __LINE__, ##__VA_ARGS__);                       \
-    }                                                                                                       \
+#define KEST_REPORT_(level, priority, label, function, text, ...)                              \
+  do {                                                                                         \
+    if (kest::LevelIsOn(level)) {                                                              \
+      __android_log_print(priority, KEST_LOG_TAG, label "%s[%-4d]: " text, function, __LINE__, \
+                          ##__VA_ARGS__);                                                      \
+      ze_kest_Debug_Log(level, "%s[%-4d]: " text, function, __LINE__, ##__VA_ARGS__);          \
+    }                                                                                          \
   } while (false)
 
 #define KEST_ERR_AS(function, text, ...) \
@@ -35,11 +36,11 @@
   KEST_REPORT_(ZE_KEST_LEVEL_INFO, ANDROID_LOG_INFO, "<INFO>", function, text, ##__VA_ARGS__)
 
 // What the user asked for: never gated, and without name and line in the library's own log.
-#define KEST_PRINT_AS(function, text, ...)                                                                    \
-  do {                                                                                                        \
-    __android_log_print(ANDROID_LOG_INFO, KEST_LOG_TAG, "<PRINT>%s[%-4d]: " text, function, __LINE__,         \
-                        ##__VA_ARGS__);                                                                       \
-    ze_kest_Debug_Log(ZE_KEST_LEVEL_PRINT, text, ##__VA_ARGS__);                                              \
+#define KEST_PRINT_AS(function, text, ...)                                                            \
+  do {                                                                                                \
+    __android_log_print(ANDROID_LOG_INFO, KEST_LOG_TAG, "<PRINT>%s[%-4d]: " text, function, __LINE__, \
+                        ##__VA_ARGS__);                                                               \
+    ze_kest_Debug_Log(ZE_KEST_LEVEL_PRINT, text, ##__VA_ARGS__);                                      \
   } while (false)
 
 #define KEST_ERR(text, ...) KEST_ERR_AS(__func__, text, ##__VA_ARGS__)
@@ -61,21 +62,25 @@
 #define KEST_REQUIRE(condition, text) KEST_REQUIRE_AS(__func__, condition, text)
 
 // A thread call, made and, when it fails, reported as it is written here. Gives the call's own result.
-#define KEST_THREAD_CALL_(function, call, text)                                                              \
-  ([](const char *pszFunction, int s32Result) {                                                              \
-    if (kest::IsThreadCallFailure(s32Result)) {                                                              \
-      KEST_WRN_AS(pszFunction, "%s error:%d,%s \n", text, s32Result, kest::ErrorText(s32Result).c_str());    \
-    }                                                                                                        \
-    return s32Result;                                                                                        \
+#define KEST_THREAD_CALL_(function, call, text)                                                           \
+  ([](const char *pszFunction, int s32Result) {                                                           \
+    if (kest::IsThreadCallFailure(s32Result)) {                                                           \
+      KEST_WRN_AS(pszFunction, "%s error:%d,%s \n", text, s32Result, kest::ErrorText(s32Result).c_str()); \
+    }                                                                                                     \
+    return s32Result;                                                                                     \
   }(function, (call)))
 #define KEST_THREAD_CALL_AS(function, call) KEST_THREAD_CALL_(function, call, #call)
 #define KEST_THREAD_CALL(call) KEST_THREAD_CALL_(__func__, call, #call)
 
 namespace kest {
 
-inline bool LevelIsOn(uint32_t u32Level) { return Load(u32KestDebugLevel) >= u32Level; }
+inline bool LevelIsOn(uint32_t u32Level) {
+  return Load(u32KestDebugLevel) >= u32Level;
+}
 
 // A wait that ends at its deadline has not failed.
-inline bool IsThreadCallFailure(int s32Result) { return s32Result != 0 && s32Result != ETIMEDOUT; }
+inline bool IsThreadCallFailure(int s32Result) {
+  return s32Result != 0 && s32Result != ETIMEDOUT;
+}
 
 }  // namespace kest

@@ -5,11 +5,15 @@
 
 namespace {
 
-const char *OrEmpty(const char *psz) { return psz == nullptr ? "" : psz; }
+const char *OrEmpty(const char *psz) {
+  return psz == nullptr ? "" : psz;
+}
 
 }  // namespace
 
-size_t ze_kest_Utility_Strlen(const char *psz) { return strlen(OrEmpty(psz)); }
+size_t ze_kest_Utility_Strlen(const char *psz) {
+  return strlen(OrEmpty(psz));
+}
 
 // By length first, on purpose: this is not lexicographic order.
 int ze_kest_Utility_Strcmp(const char *pszA, const char *pszB) {
@@ -34,7 +38,9 @@ char *ze_kest_Utility_Strncat(char *pszDst, const char *pszSrc, size_t sztCount)
   return strncat(pszDst, pszSrc, sztCount);
 }
 
-char *ze_kest_Utility_Strdup(const char *psz) { return psz == nullptr ? nullptr : strdup(psz); }
+char *ze_kest_Utility_Strdup(const char *psz) {
+  return psz == nullptr ? nullptr : strdup(psz);
+}
 
 char *ze_kest_Utility_Strsep(char **ppszRest, const char *pszDelimiters) {
   return ppszRest == nullptr ? nullptr : strsep(ppszRest, OrEmpty(pszDelimiters));

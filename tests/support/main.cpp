@@ -1,0 +1,16 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <cstdlib>
+#include <iostream>
+
+#include <gtest/gtest.h>
+
+int main(int argc, char **argv) {
+  testing::InitGoogleTest(&argc, argv);
+  const bool bListing = testing::GTEST_FLAG(list_tests);
+  if (!bListing && getenv("KEST_TEST_NAMESPACE") == nullptr) {
+    std::cerr << argv[0] << " writes below /mnt: run it through ctest, or as\n"
+              << "  tests/support/in_namespace.sh " << argv[0] << "\n";
+    return 1;
+  }
+  return RUN_ALL_TESTS();
+}

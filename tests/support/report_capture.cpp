@@ -1,0 +1,64 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "tests/support/report_capture.h"
+
+#include <mutex>
+
+namespace kest::test {
+namespace {
+
+std::mutex g_mutex;
+std::vector<Report> g_reports;
+
+Report Parse(int s32Priority, const char *pszTag, const std::string &message) {
+  const size_t labelEnd = message.find('>') + 1;
+  const size_t functionEnd = message.find('[', labelEnd);
+  const size_t textStart = message.find("]: ", functionEnd) + 3;
+  if (functionEnd == std::string::npos) return {s32Priority, pszTag, "", "", message};
+  return {s32Priority, pszTag, message.substr(0, labelEnd), message.substr(labelEnd, functionEnd - labelEnd),
+          message.substr(textStart)};
+}
+
+void Collect(const __android_logger_data *pstData, const char *pszMessage) {
+  const std::lock_guard<std::mutex> lock(g_mutex);
+  g_reports.push_back(Parse(pstData->priority, pstData->tag, pszMessage));
+}
+
+}  // namespace
+
+ReportCapture::ReportCapture(uint32_t u32Level) : u32LevelBefore_(u32KestDebugLevel) {
+  Clear();
+  __android_log_set_logger(Collect);
+  __atomic_store_n(&u32KestDebugLevel, u32Level, __ATOMIC_RELAXED);
+}
+
+ReportCapture::~ReportCapture() {
+  __atomic_store_n(&u32KestDebugLevel, u32LevelBefore_, __ATOMIC_RELAXED);
+  __android_log_set_logger(__android_log_stderr_logger);
+}
+
+std::vector<Report> ReportCapture::Reports() const {
+  const std::lock_guard<std::mutex> lock(g_mutex);
+  return g_reports;
+}
+
+std::vector<std::string> ReportCapture::Texts(const std::string &label) const {
+  std::vector<std::string> texts;
+  for (const Report &report : Reports()) {
+    if (report.label == label) texts.push_back(report.text);
+  }
+  return texts;
+}
+
+bool ReportCapture::Has(const std::string &label, const std::string &text) const {
+  for (const Report &report : Reports()) {
+    if (report.label == label && report.text.find(text) != std::string::npos) return true;
+  }
+  return false;
+}
+
+void ReportCapture::Clear() {
+  const std::lock_guard<std::mutex> lock(g_mutex);
+  g_reports.clear();
+}
+
+}  // namespace kest::test

@@ -1,0 +1,27 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <gtest/gtest.h>
+
+#include "ze_kest/utility.h"
+
+TEST(Strings, StrcmpOrdersByLengthBeforeContents) {
+  EXPECT_EQ(-1, ze_kest_Utility_Strcmp("b", "aa"));
+  EXPECT_EQ(1, ze_kest_Utility_Strcmp("aa", "b"));
+  EXPECT_LT(ze_kest_Utility_Strcmp("aa", "ab"), 0);
+  EXPECT_EQ(0, ze_kest_Utility_Strcmp(nullptr, ""));
+  EXPECT_EQ(0, ze_kest_Utility_Strcmp(nullptr, nullptr));
+}
+
+TEST(Strings, MissingStringsAreTolerated) {
+  char szDst[4] = "x";
+  char *pszRest = nullptr;
+  EXPECT_EQ(0u, ze_kest_Utility_Strlen(nullptr));
+  EXPECT_EQ(0, ze_kest_Utility_Strncmp(nullptr, "", 3));
+  EXPECT_EQ(nullptr, ze_kest_Utility_Strncpy(szDst, nullptr, 3));
+  EXPECT_EQ(nullptr, ze_kest_Utility_Strncpy(nullptr, "x", 1));
+  EXPECT_EQ(nullptr, ze_kest_Utility_Strncat(nullptr, "x", 1));
+  EXPECT_EQ(nullptr, ze_kest_Utility_Strncat(szDst, nullptr, 1));
+  EXPECT_EQ(nullptr, ze_kest_Utility_Strdup(nullptr));
+  EXPECT_EQ(nullptr, ze_kest_Utility_Strsep(nullptr, ","));
+  EXPECT_EQ(nullptr, ze_kest_Utility_Strsep(&pszRest, ","));
+  EXPECT_EQ(nullptr, ze_kest_Utility_Strchr(nullptr, 'x'));
+}
