@@ -11,11 +11,6 @@ namespace {
 using Value = uint32_t (*)(const ZE_KEST_Port_s &);
 using Counts = bool (*)(const ZE_KEST_Port_s &);
 
-uint32_t Settle(uint32_t *psztProcessSize, uint32_t u32Size) {
-  *psztProcessSize = u32Size;
-  return u32Size == 0 ? ZE_KEST_NOTHING_TO_PROCESS : ZE_KEST_OK;
-}
-
 // The least value of the ports that count; 0 when none does.
 uint32_t LeastOf(const kest::PortSide &stSide, Counts pfnCounts, Value pfnValue) {
   uint32_t u32Least = UINT32_MAX;
@@ -77,52 +72,62 @@ uint32_t Unwritten(const ZE_KEST_Port_s &stPort) {
   return (stPort.*kRing).sztSpace - (stPort.*kRing).sztWriteSize;
 }
 
+// Which ports of a side count, and for how much.
+struct Rule {
+  kest::PortSide (*pfnSide)(const ZE_KEST_Filter_s &);
+  Counts pfnCounts;  // NULL: those from the first one with data on
+  Value pfnValue;
+  uint32_t ZE_KEST_Filter_s::*pBound;  // NULL: none
+};
+
+constexpr Rule kInputPcm = {kest::InputSide, nullptr, PcmLevel, &ZE_KEST_Filter_s::sztMaxInPcmProcessSize};
+constexpr Rule kOutputPcm = {kest::OutputSide, HasPcm, PcmSpace, &ZE_KEST_Filter_s::sztMaxOutPcmProcessSize};
+constexpr Rule kInputMeta = {kest::InputSide, nullptr, Unread<&ZE_KEST_Port_s::stMeta>, nullptr};
+constexpr Rule kOutputMeta = {kest::OutputSide, HasMetaConnected, Unwritten<&ZE_KEST_Port_s::stMeta>,
+                              nullptr};
+constexpr Rule kInputRaw = {kest::InputSide, HasRaw, Unread<&ZE_KEST_Port_s::stRaw>, nullptr};
+constexpr Rule kOutputRaw = {kest::OutputSide, HasRawConnected, Unwritten<&ZE_KEST_Port_s::stRaw>, nullptr};
+
+uint32_t Calculate(const char *pszFunction, const Rule &stRule, const ZE_KEST_Filter_s *pstFilter,
+                   uint32_t *psztProcessSize) {
+  KEST_REQUIRE_AS(pszFunction, pstFilter != nullptr, "pstFilter is NULL.\n");
+  KEST_REQUIRE_AS(pszFunction, psztProcessSize != nullptr, "psztProcessSize is NULL.\n");
+  const kest::PortSide stSide = stRule.pfnSide(*pstFilter);
+  uint32_t u32Size = stRule.pfnCounts == nullptr ? LeastBehindFirstData(stSide, stRule.pfnValue)
+                                                 : LeastOf(stSide, stRule.pfnCounts, stRule.pfnValue);
+  if (stRule.pBound != nullptr) u32Size = std::min(u32Size, pstFilter->*stRule.pBound);
+  *psztProcessSize = u32Size;
+  return u32Size == 0 ? ZE_KEST_NOTHING_TO_PROCESS : ZE_KEST_OK;
+}
+
 }  // namespace
 
 uint32_t ze_kest_Utility_CalculateInputPortPcmProcessSize(const ZE_KEST_Filter_s *pstFilter,
                                                           uint32_t *psztProcessSize) {
-  KEST_REQUIRE(pstFilter != nullptr, "pstFilter is NULL.\n");
-  KEST_REQUIRE(psztProcessSize != nullptr, "psztProcessSize is NULL.\n");
-  const uint32_t u32Least = LeastBehindFirstData(kest::InputSide(*pstFilter), PcmLevel);
-  return Settle(psztProcessSize, std::min(u32Least, pstFilter->sztMaxInPcmProcessSize));
+  return Calculate(__func__, kInputPcm, pstFilter, psztProcessSize);
 }
 
 uint32_t ze_kest_Utility_CalculateOutputPortPcmProcessSize(const ZE_KEST_Filter_s *pstFilter,
                                                            uint32_t *psztProcessSize) {
-  KEST_REQUIRE(pstFilter != nullptr, "pstFilter is NULL.\n");
-  KEST_REQUIRE(psztProcessSize != nullptr, "psztProcessSize is NULL.\n");
-  const uint32_t u32Least = LeastOf(kest::OutputSide(*pstFilter), HasPcm, PcmSpace);
-  return Settle(psztProcessSize, std::min(u32Least, pstFilter->sztMaxOutPcmProcessSize));
+  return Calculate(__func__, kOutputPcm, pstFilter, psztProcessSize);
 }
 
 uint32_t ze_kest_Utility_CalculateInputPortMetadataProcessSize(const ZE_KEST_Filter_s *pstFilter,
                                                                uint32_t *psztProcessSize) {
-  KEST_REQUIRE(pstFilter != nullptr, "pstFilter is NULL.\n");
-  KEST_REQUIRE(psztProcessSize != nullptr, "psztProcessSize is NULL.\n");
-  return Settle(psztProcessSize,
-                LeastBehindFirstData(kest::InputSide(*pstFilter), Unread<&ZE_KEST_Port_s::stMeta>));
+  return Calculate(__func__, kInputMeta, pstFilter, psztProcessSize);
 }
 
 uint32_t ze_kest_Utility_CalculateOutputPortMetadataProcessSize(const ZE_KEST_Filter_s *pstFilter,
                                                                 uint32_t *psztProcessSize) {
-  KEST_REQUIRE(pstFilter != nullptr, "pstFilter is NULL.\n");
-  KEST_REQUIRE(psztProcessSize != nullptr, "psztProcessSize is NULL.\n");
-  return Settle(psztProcessSize,
-                LeastOf(kest::OutputSide(*pstFilter), HasMetaConnected, Unwritten<&ZE_KEST_Port_s::stMeta>));
+  return Calculate(__func__, kOutputMeta, pstFilter, psztProcessSize);
 }
 
 uint32_t ze_kest_Utility_CalculateInputPortRawProcessSize(const ZE_KEST_Filter_s *pstFilter,
                                                           uint32_t *psztProcessSize) {
-  KEST_REQUIRE(pstFilter != nullptr, "pstFilter is NULL.\n");
-  KEST_REQUIRE(psztProcessSize != nullptr, "psztProcessSize is NULL.\n");
-  return Settle(psztProcessSize,
-                LeastOf(kest::InputSide(*pstFilter), HasRaw, Unread<&ZE_KEST_Port_s::stRaw>));
+  return Calculate(__func__, kInputRaw, pstFilter, psztProcessSize);
 }
 
 uint32_t ze_kest_Utility_CalculateOutputPortRawProcessSize(const ZE_KEST_Filter_s *pstFilter,
                                                            uint32_t *psztProcessSize) {
-  KEST_REQUIRE(pstFilter != nullptr, "pstFilter is NULL.\n");
-  KEST_REQUIRE(psztProcessSize != nullptr, "psztProcessSize is NULL.\n");
-  return Settle(psztProcessSize,
-                LeastOf(kest::OutputSide(*pstFilter), HasRawConnected, Unwritten<&ZE_KEST_Port_s::stRaw>));
+  return Calculate(__func__, kOutputRaw, pstFilter, psztProcessSize);
 }
