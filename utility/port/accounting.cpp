@@ -1,0 +1,122 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <algorithm>
+
+#include "ze_kest/utility.h"
+
+#include "utility/core/report.h"
+#include "utility/port/port_walk.h"
+
+namespace {
+
+// The caps are uneven on purpose: PCM sizes and the metadata write size stop at the ring's capacity, the
+// metadata read size and both raw sizes do not.
+void AddUpTo(uint32_t &u32Size, uint32_t u32Count, uint32_t u32Capacity) {
+  u32Size = static_cast<uint32_t>(std::min<uint64_t>(uint64_t{u32Size} + u32Count, u32Capacity));
+}
+
+void AddPcmRead(ZE_KEST_Port_s &stPort, uint32_t u32Count) {
+  AddUpTo(stPort.stPcm.sztPcmReadSize, u32Count, stPort.stPcm.sztPcmRingSamples);
+  stPort.stPcm.sztPcmTotalRead += u32Count;
+  ++stPort.stPcm.u64PcmReadCount;
+}
+
+void AddPcmWrite(ZE_KEST_Port_s &stPort, uint32_t u32Count) {
+  AddUpTo(stPort.stPcm.sztPcmWriteSize, u32Count, stPort.stPcm.sztPcmRingSamples);
+}
+
+template <ZE_KEST_DataBuffer_s ZE_KEST_Port_s::*kRing>
+void AddDataRead(ZE_KEST_Port_s &stPort, uint32_t u32Count) {
+  ZE_KEST_DataBuffer_s &stRing = stPort.*kRing;
+  stRing.sztReadSize += u32Count;
+  stRing.sztTotalRead += u32Count;
+  if (u32Count != 0) ++stRing.au64Count[0];
+}
+
+void AddMetaWrite(ZE_KEST_Port_s &stPort, uint32_t u32Count) {
+  AddUpTo(stPort.stMeta.sztWriteSize, u32Count, stPort.stMeta.sztSize);
+}
+
+void AddRawWrite(ZE_KEST_Port_s &stPort, uint32_t u32Count) {
+  stPort.stRaw.sztWriteSize += u32Count;
+}
+
+// One size of the ports of one side.
+struct Account {
+  kest::PortSide (*pfnSide)(const ZE_KEST_Filter_s &);
+  void (*pfnAdd)(ZE_KEST_Port_s &, uint32_t);
+  bool bRefusesZero;
+};
+
+constexpr Account kPcmRead = {kest::InputSide, AddPcmRead, true};
+constexpr Account kPcmWrite = {kest::OutputSide, AddPcmWrite, true};
+constexpr Account kMetaRead = {kest::InputSide, AddDataRead<&ZE_KEST_Port_s::stMeta>, false};
+constexpr Account kMetaWrite = {kest::OutputSide, AddMetaWrite, false};
+constexpr Account kRawRead = {kest::InputSide, AddDataRead<&ZE_KEST_Port_s::stRaw>, false};
+constexpr Account kRawWrite = {kest::OutputSide, AddRawWrite, false};
+
+uint32_t UpdateAll(const char *pszFunction, const Account &stAccount, ZE_KEST_Filter_s *pstFilter,
+                   uint32_t u32Count) {
+  KEST_REQUIRE_AS(pszFunction, pstFilter != nullptr, "pstFilter is NULL.\n");
+  if (stAccount.bRefusesZero && u32Count == 0) return ZE_KEST_NO;
+  stAccount.pfnSide(*pstFilter).ForEachServed([&](ZE_KEST_Port_s &stPort) {
+    stAccount.pfnAdd(stPort, u32Count);
+  });
+  return ZE_KEST_OK;
+}
+
+// A port that does not exist is no error here, and one that is not connected is updated: both are meant.
+uint32_t UpdateOne(const char *pszFunction, const Account &stAccount, ZE_KEST_Filter_s *pstFilter,
+                   uint32_t u32Count, uint32_t u32PortIdx) {
+  KEST_REQUIRE_AS(pszFunction, pstFilter != nullptr, "pstFilter is NULL.\n");
+  if (stAccount.bRefusesZero && u32Count == 0) return ZE_KEST_NO;
+  ZE_KEST_Port_s *pstPort = stAccount.pfnSide(*pstFilter).At(u32PortIdx);
+  if (pstPort != nullptr) stAccount.pfnAdd(*pstPort, u32Count);
+  return ZE_KEST_OK;
+}
+
+}  // namespace
+
+uint32_t ze_kest_Utility_UpdateAllInputPortPcmReadSize(ZE_KEST_Filter_s *pstFilter, uint32_t sztSamples) {
+  return UpdateAll(__func__, kPcmRead, pstFilter, sztSamples);
+}
+
+uint32_t ze_kest_Utility_UpdateAllOutputPortPcmWriteSize(ZE_KEST_Filter_s *pstFilter, uint32_t sztSamples) {
+  return UpdateAll(__func__, kPcmWrite, pstFilter, sztSamples);
+}
+
+uint32_t ze_kest_Utility_UpdateAllInputPortMetadataReadSize(ZE_KEST_Filter_s *pstFilter, uint32_t sztBytes) {
+  return UpdateAll(__func__, kMetaRead, pstFilter, sztBytes);
+}
+
+uint32_t ze_kest_Utility_UpdateAllOutputPortMetadataWriteSize(ZE_KEST_Filter_s *pstFilter,
+                                                              uint32_t sztBytes) {
+  return UpdateAll(__func__, kMetaWrite, pstFilter, sztBytes);
+}
+
+uint32_t ze_kest_Utility_UpdateAllInputPortRawReadSize(ZE_KEST_Filter_s *pstFilter, uint32_t sztBytes) {
+  return UpdateAll(__func__, kRawRead, pstFilter, sztBytes);
+}
+
+uint32_t ze_kest_Utility_UpdateAllOutputPortRawWriteSize(ZE_KEST_Filter_s *pstFilter, uint32_t sztBytes) {
+  return UpdateAll(__func__, kRawWrite, pstFilter, sztBytes);
+}
+
+uint32_t ze_kest_Utility_UpdateSpecificInputPortPcmReadSize(ZE_KEST_Filter_s *pstFilter, uint32_t sztSamples,
+                                                            uint32_t u32PortIdx) {
+  return UpdateOne(__func__, kPcmRead, pstFilter, sztSamples, u32PortIdx);
+}
+
+uint32_t ze_kest_Utility_UpdateSpecificOutputPortPcmWriteSize(ZE_KEST_Filter_s *pstFilter,
+                                                              uint32_t sztSamples, uint32_t u32PortIdx) {
+  return UpdateOne(__func__, kPcmWrite, pstFilter, sztSamples, u32PortIdx);
+}
+
+uint32_t ze_kest_Utility_UpdateSpecificInputPortMetadataReadSize(ZE_KEST_Filter_s *pstFilter,
+                                                                 uint32_t sztBytes, uint32_t u32PortIdx) {
+  return UpdateOne(__func__, kMetaRead, pstFilter, sztBytes, u32PortIdx);
+}
+
+uint32_t ze_kest_Utility_UpdateSpecificInputPortRawReadSize(ZE_KEST_Filter_s *pstFilter, uint32_t sztBytes,
+                                                            uint32_t u32PortIdx) {
+  return UpdateOne(__func__, kRawRead, pstFilter, sztBytes, u32PortIdx);
+}

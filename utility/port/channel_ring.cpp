@@ -1,0 +1,63 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "ze_kest/utility.h"
+
+#include "utility/port/channel_move.h"
+
+namespace {
+
+template <typename Ring, typename Linear>
+uint32_t MoveChannel(const kest::MoverTable<kest::Mover<Ring, Linear>> &stTable, Ring *pu8RingBuf,
+                     Ring *pu8Pos, uint32_t sztRingSize, Linear *pu8Data, uint64_t u64Bytes,
+                     uint32_t u32Stride, uint32_t u32BytesPerSample) {
+  const auto stWay = stTable.For(u32BytesPerSample, u32Stride);
+  // A position before the ring becomes one far behind it; the plan of either is empty.
+  const size_t sztStart = static_cast<size_t>(pu8Pos - pu8RingBuf);
+  stWay.pfnMove(pu8RingBuf, kest::PlanRing(sztRingSize, sztStart, u64Bytes, stWay.u32Unit), pu8Data,
+                u32Stride);
+  return ZE_KEST_OK;
+}
+
+}  // namespace
+
+uint32_t ze_kest_Utility_WriteDataToNonInterleaveRingBuffer(uint8_t *pu8RingBuf, uint8_t *pu8Pos,
+                                                            uint32_t sztRingSize, const uint8_t *pu8Data,
+                                                            uint64_t u64Bytes, uint32_t u32Stride,
+                                                            uint32_t u32BytesPerSample) {
+  return MoveChannel(kest::kWriteAsIs, pu8RingBuf, pu8Pos, sztRingSize, pu8Data, u64Bytes, u32Stride,
+                     u32BytesPerSample);
+}
+
+uint32_t ze_kest_Utility_ReadDataFromNonInterleaveRingBuffer(const uint8_t *pu8RingBuf, const uint8_t *pu8Pos,
+                                                             uint32_t sztRingSize, uint8_t *pu8Data,
+                                                             uint64_t u64Bytes, uint32_t u32Stride,
+                                                             uint32_t u32BytesPerSample) {
+  return MoveChannel(kest::kReadAsIs, pu8RingBuf, pu8Pos, sztRingSize, pu8Data, u64Bytes, u32Stride,
+                     u32BytesPerSample);
+}
+
+uint32_t ze_kest_Utility_ReadDataFromNonInterleaveRingBuffer_To16Bit(const uint8_t *pu8RingBuf,
+                                                                     const uint8_t *pu8Pos,
+                                                                     uint32_t sztRingSize, uint8_t *pu8Data,
+                                                                     uint64_t u64Bytes, uint32_t u32Stride,
+                                                                     uint32_t u32BytesPerSample) {
+  return MoveChannel(kest::kReadTo16, pu8RingBuf, pu8Pos, sztRingSize, pu8Data, u64Bytes, u32Stride,
+                     u32BytesPerSample);
+}
+
+uint32_t ze_kest_Utility_ReadDataFromNonInterleaveRingBuffer_To24Le(const uint8_t *pu8RingBuf,
+                                                                    const uint8_t *pu8Pos,
+                                                                    uint32_t sztRingSize, uint8_t *pu8Data,
+                                                                    uint64_t u64Bytes, uint32_t u32Stride,
+                                                                    uint32_t u32BytesPerSample) {
+  return MoveChannel(kest::kReadTo24Le, pu8RingBuf, pu8Pos, sztRingSize, pu8Data, u64Bytes, u32Stride,
+                     u32BytesPerSample);
+}
+
+uint32_t ze_kest_Utility_ReadDataFromNonInterleaveRingBuffer_To32Bit(const uint8_t *pu8RingBuf,
+                                                                     const uint8_t *pu8Pos,
+                                                                     uint32_t sztRingSize, uint8_t *pu8Data,
+                                                                     uint64_t u64Bytes, uint32_t u32Stride,
+                                                                     uint32_t u32BytesPerSample) {
+  return MoveChannel(kest::kReadTo32, pu8RingBuf, pu8Pos, sztRingSize, pu8Data, u64Bytes, u32Stride,
+                     u32BytesPerSample);
+}

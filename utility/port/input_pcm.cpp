@@ -1,0 +1,143 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <algorithm>
+
+#include "ze_kest/utility.h"
+
+#include "utility/core/report.h"
+#include "utility/port/channel_groups.h"
+#include "utility/port/channel_move.h"
+#include "utility/port/pcm_rings.h"
+#include "utility/port/port_walk.h"
+#include "utility/port/ring_position.h"
+
+namespace {
+
+constexpr uint32_t kLastGroup = ZE_KEST_PCM_GROUPS - 1;
+
+// What a caller asks for.
+struct Request {
+  uint32_t u32PortIdx;
+  void *pvDst;
+  uint32_t sztSamples;
+  uint32_t u32FirstCh;
+  uint32_t u32LastCh;
+  uint32_t u32DstChNum;
+};
+
+// Consecutive slots of one group, read in one go into consecutive slots of the destination's frames.
+struct ChannelRun {
+  uint32_t u32Group;
+  uint32_t u32Slot;
+  uint32_t u32Count;
+};
+
+// How the channels of one port are read into one destination.
+struct PortRead {
+  const ZE_KEST_PcmBuffer_s &stPcm;
+  kest::ChannelWay<kest::RingReader> stWay;
+  kest::RingPlan stPlan;
+  uint32_t u32Stride;
+  uint32_t u32LinearBytes;
+  bool bWholeLastGroup;
+};
+
+const ZE_KEST_Port_s *PortOf(const ZE_KEST_Filter_s &stFilter, const Request &stRequest) {
+  if (stRequest.u32LastCh < stRequest.u32FirstCh) return nullptr;
+  if (stRequest.u32LastCh - stRequest.u32FirstCh >= stRequest.u32DstChNum) return nullptr;
+  return kest::InputSide(stFilter).ServedAt(stRequest.u32PortIdx);
+}
+
+PortRead PlanRead(const ZE_KEST_PcmBuffer_s &stPcm, const Request &stRequest,
+                  const kest::MoverTable<kest::RingReader> &stTable, bool bWholeLastGroup) {
+  const uint32_t u32Width = kest::BytesPerSample(stPcm);
+  const auto stWay = stTable.For(u32Width, stRequest.u32DstChNum);
+  const uint32_t u32Position =
+      kest::WrapOnce(stPcm.sztPcmReadSize + stPcm.sztPcmReadOffset, stPcm.sztPcmRingSamples);
+  return {stPcm,
+          stWay,
+          kest::PlanPort(stPcm, u32Position, stRequest.sztSamples, stWay.u32Unit),
+          stRequest.u32DstChNum,
+          stTable.LinearBytes(u32Width),
+          bWholeLastGroup};
+}
+
+void ReadRun(const PortRead &stRead, const ChannelRun &stRun, uint8_t *pu8Dst) {
+  if (stRead.stPcm.apu8PcmGroupBuf[stRun.u32Group] == nullptr) return;
+  const ZE_KEST_PcmGroup_s &stGroup = stRead.stPcm.astPcmGroup[stRun.u32Group];
+  for (uint32_t u32Slot = stRun.u32Slot; u32Slot < stRun.u32Slot + stRun.u32Count; ++u32Slot) {
+    if (kest::CarriesChannel(stGroup, u32Slot)) {
+      stRead.stWay.pfnMove(kest::SlotRing(stRead.stPcm, stRun.u32Group, u32Slot), stRead.stPlan, pu8Dst,
+                           stRead.u32Stride);
+    }
+    pu8Dst += stRead.u32LinearBytes;
+  }
+}
+
+// A channel that begins group 0's run takes slot 0, also when it is channel 1: that is meant.
+// Where the last group is not read whole, its run is one channel.
+ChannelRun RunFrom(uint32_t u32Channel, uint32_t u32Group, const Request &stRequest, bool bWholeLastGroup) {
+  const uint32_t u32Slot = u32Group == 0 ? 0 : u32Channel - sztPcmGroupBaseChIdx[u32Group];
+  if (u32Group == kLastGroup && !bWholeLastGroup) return {u32Group, u32Slot, 1};
+  const uint32_t u32LastInGroup = kest::kPcmGroupEndChIdx[u32Group] - 1;
+  return {u32Group, u32Slot, std::min(u32LastInGroup, stRequest.u32LastCh) - u32Channel + 1};
+}
+
+uint32_t RefuseChannel(const char *pszFunction, uint32_t u32Channel, uint32_t u32Group) {
+  KEST_ERR_AS(pszFunction, "sztCh(%zu) exceeds max. ePcmGroupType=%u\n", size_t{u32Channel}, u32Group);
+  return ZE_KEST_FAILED;
+}
+
+uint32_t ReadChannels(const char *pszFunction, const PortRead &stRead, const Request &stRequest) {
+  auto *pu8Dst = static_cast<uint8_t *>(stRequest.pvDst);
+  uint32_t u32Group = 0;
+  for (uint32_t u32Channel = stRequest.u32FirstCh; u32Channel <= stRequest.u32LastCh;) {
+    // One channel of the last group is read, and only when no other follows: that is meant.
+    if (u32Group == kLastGroup && !stRead.bWholeLastGroup) {
+      return RefuseChannel(pszFunction, u32Channel, u32Group);
+    }
+    u32Group = kest::GroupOf(u32Channel);
+    if (u32Group > kLastGroup) return RefuseChannel(pszFunction, u32Channel, u32Group);
+    const ChannelRun stRun = RunFrom(u32Channel, u32Group, stRequest, stRead.bWholeLastGroup);
+    ReadRun(stRead, stRun, pu8Dst);
+    pu8Dst += size_t{stRun.u32Count} * stRead.u32LinearBytes;
+    u32Channel += stRun.u32Count;
+  }
+  return ZE_KEST_OK;
+}
+
+// The checks of all readers behind that of the filter, and the read.
+uint32_t ReadPort(const char *pszFunction, const ZE_KEST_Filter_s &stFilter, const Request &stRequest,
+                  const kest::MoverTable<kest::RingReader> &stTable, bool bWholeLastGroupOf32) {
+  const ZE_KEST_Port_s *pstPort = PortOf(stFilter, stRequest);
+  if (pstPort == nullptr) return ZE_KEST_INVALID_ARGUMENT;
+  KEST_REQUIRE_AS(pszFunction, stRequest.pvDst != nullptr, "pvDst is NULL.\n");
+  const bool bWholeLastGroup = bWholeLastGroupOf32 && pstPort->stPcm.stPcmInfo.u32BitWidth == 32;
+  return ReadChannels(pszFunction, PlanRead(pstPort->stPcm, stRequest, stTable, bWholeLastGroup), stRequest);
+}
+
+}  // namespace
+
+uint32_t ze_kest_Utility_ReadInputPortPcmBuffer(const ZE_KEST_Filter_s *pstFilter, uint32_t u32PortIdx,
+                                                void *pvDst, uint32_t sztSamples, uint32_t u32FirstCh,
+                                                uint32_t u32LastCh, uint32_t u32DstChNum) {
+  KEST_REQUIRE_AS("_ZE_KEST_UTILITY_ReadInputCheckSanity", pstFilter != nullptr, "pstFilter is NULL.\n");
+  return ReadPort(__func__, *pstFilter, {u32PortIdx, pvDst, sztSamples, u32FirstCh, u32LastCh, u32DstChNum},
+                  kest::kReadAsIs, true);
+}
+
+uint32_t ze_kest_Utility_ReadInputPortPcmBuffer_To16Bit(const ZE_KEST_Filter_s *pstFilter,
+                                                        uint32_t u32PortIdx, void *pvDst, uint32_t sztSamples,
+                                                        uint32_t u32FirstCh, uint32_t u32LastCh,
+                                                        uint32_t u32DstChNum) {
+  KEST_REQUIRE(pstFilter != nullptr, "pstFilter is NULL.\n");
+  return ReadPort(__func__, *pstFilter, {u32PortIdx, pvDst, sztSamples, u32FirstCh, u32LastCh, u32DstChNum},
+                  kest::kReadTo16, false);
+}
+
+uint32_t ze_kest_Utility_ReadInputPortPcmBuffer_To24Le(const ZE_KEST_Filter_s *pstFilter, uint32_t u32PortIdx,
+                                                       void *pvDst, uint32_t sztSamples, uint32_t u32FirstCh,
+                                                       uint32_t u32LastCh, uint32_t u32DstChNum) {
+  KEST_REQUIRE(pstFilter != nullptr, "pstFilter is NULL.\n");
+  return ReadPort(__func__, *pstFilter, {u32PortIdx, pvDst, sztSamples, u32FirstCh, u32LastCh, u32DstChNum},
+                  kest::kReadTo24Le, false);
+}

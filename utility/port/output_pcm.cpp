@@ -1,0 +1,131 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "ze_kest/utility.h"
+
+#include "utility/core/report.h"
+#include "utility/port/channel_move.h"
+#include "utility/port/pcm_rings.h"
+#include "utility/port/port_walk.h"
+#include "utility/port/ring_position.h"
+
+namespace {
+
+// How channels of one stride are written: the same for all of a port.
+struct PortWrite {
+  kest::ChannelWay<kest::RingWriter> stWay;
+  kest::RingPlan stPlan;
+};
+
+bool WritesDirectly(const ZE_KEST_Filter_s &stFilter) {
+  return stFilter.sztMaxOutPcmProcessSize != ZE_KEST_NO_BOUND &&
+         (stFilter.u8Option & ZE_KEST_OPTION_DIRECT_WRITE) != 0;
+}
+
+// The caller keeps a direct write inside the ring: it has no end here, and that is meant.
+kest::RingPlan PlanDirect(uint32_t u32Position, uint32_t sztSamples, uint32_t u32Width, uint32_t u32Unit) {
+  if (u32Unit == 0) return {};
+  return {size_t{u32Position} * u32Width, {size_t{sztSamples} * u32Width / u32Unit, 0}, {}};
+}
+
+PortWrite PlanWrite(const ZE_KEST_PcmBuffer_s &stPcm, uint32_t sztSamples, uint32_t u32Stride, bool bDirect) {
+  const uint32_t u32Width = kest::BytesPerSample(stPcm);
+  const uint32_t u32Position =
+      kest::WrapOnce(stPcm.sztPcmLevel + stPcm.sztPcmReadOffset, stPcm.sztPcmRingSamples);
+  const auto stWay = kest::kWriteAsIs.For(u32Width, u32Stride);
+  return {stWay, bDirect ? PlanDirect(u32Position, sztSamples, u32Width, stWay.u32Unit)
+                         : kest::PlanPort(stPcm, u32Position, sztSamples, stWay.u32Unit)};
+}
+
+// apSrc, au16Stride: the entries of the group.
+template <typename Sample>
+void WriteGroup(const ZE_KEST_PcmBuffer_s &stPcm, uint32_t u32Group, const PortWrite &stContiguous,
+                const PortWrite &stStrided, Sample *const *apSrc, const uint16_t *au16Stride) {
+  if (stPcm.apu8PcmGroupBuf[u32Group] == nullptr) return;
+  const ZE_KEST_PcmGroup_s &stGroup = stPcm.astPcmGroup[u32Group];
+  for (uint32_t u32Slot = 0; u32Slot < kest::SlotCount(stGroup); ++u32Slot) {
+    if (apSrc[u32Slot] == nullptr || !kest::CarriesChannel(stGroup, u32Slot)) continue;
+    const uint16_t u16Stride = au16Stride[u32Slot];
+    const PortWrite &stWrite = u16Stride == 1 ? stContiguous : stStrided;
+    const auto *pu8Src = static_cast<const uint8_t *>(static_cast<const void *>(apSrc[u32Slot]));
+    stWrite.stWay.pfnMove(kest::SlotRing(stPcm, u32Group, u32Slot), stWrite.stPlan, pu8Src, u16Stride);
+  }
+}
+
+template <typename Sample>
+void WritePort(const ZE_KEST_Filter_s &stFilter, const ZE_KEST_PcmBuffer_s &stPcm, uint32_t sztSamples,
+               Sample *const *apSrc, const uint16_t *au16Stride) {
+  constexpr uint32_t kAnyButOne = 2;
+  const bool bDirect = WritesDirectly(stFilter);
+  const PortWrite stContiguous = PlanWrite(stPcm, sztSamples, 1, bDirect);
+  const PortWrite stStrided = PlanWrite(stPcm, sztSamples, kAnyButOne, bDirect);
+  for (uint32_t u32Group = 0; u32Group < ZE_KEST_PCM_GROUPS; ++u32Group) {
+    const uint32_t u32Entry = u32Group * ZE_KEST_PCM_GROUP_ENTRIES;
+    WriteGroup(stPcm, u32Group, stContiguous, stStrided, apSrc + u32Entry, au16Stride + u32Entry);
+  }
+}
+
+// The exported function and its name for the sources, as reports give them.
+struct Site {
+  const char *pszFunction;
+  const char *pszSources;
+};
+
+template <typename Sample>
+bool HasSources(const Site &stSite, Sample *const *apSrc, const uint16_t *au16Stride) {
+  if (apSrc == nullptr) {
+    KEST_ERR_AS(stSite.pszFunction, "%s is NULL.\n", stSite.pszSources);
+    return false;
+  }
+  KEST_REQUIRE_OR_AS(stSite.pszFunction, au16Stride != nullptr, false, "au16Stride is NULL.\n");
+  return true;
+}
+
+template <typename Sample>
+uint32_t WriteOne(const Site &stSite, const ZE_KEST_Filter_s *pstFilter, uint32_t u32PortIdx,
+                  uint32_t sztSamples, Sample *const *apSrc, const uint16_t *au16Stride) {
+  KEST_REQUIRE_AS(stSite.pszFunction, pstFilter != nullptr, "pstFilter is NULL.\n");
+  const ZE_KEST_Port_s *pstPort = kest::OutputSide(*pstFilter).ServedAt(u32PortIdx);
+  if (pstPort == nullptr) return ZE_KEST_INVALID_ARGUMENT;
+  if (!HasSources(stSite, apSrc, au16Stride)) return ZE_KEST_INVALID_ARGUMENT;
+  WritePort(*pstFilter, pstPort->stPcm, sztSamples, apSrc, au16Stride);
+  return ZE_KEST_OK;
+}
+
+// Slot 0 is written unconnected, also when it is not the first port: the single-port rule, not that of walks.
+template <typename Sample>
+uint32_t WriteAll(const Site &stSite, const ZE_KEST_Filter_s *pstFilter, uint32_t sztSamples,
+                  Sample *const *apSrc, const uint16_t *au16Stride) {
+  KEST_REQUIRE_AS(stSite.pszFunction, pstFilter != nullptr, "pstFilter is NULL.\n");
+  if (!HasSources(stSite, apSrc, au16Stride)) return ZE_KEST_INVALID_ARGUMENT;
+  const kest::PortSide stSide = kest::OutputSide(*pstFilter);
+  for (uint32_t u32PortIdx = 0; u32PortIdx < stSide.Count(); ++u32PortIdx) {
+    const ZE_KEST_Port_s *pstPort = stSide.ServedAt(u32PortIdx);
+    if (pstPort != nullptr) WritePort(*pstFilter, pstPort->stPcm, sztSamples, apSrc, au16Stride);
+  }
+  return ZE_KEST_OK;
+}
+
+}  // namespace
+
+uint32_t ze_kest_Utility_WriteOutputPort16BitPcmBuffer(const ZE_KEST_Filter_s *pstFilter, uint32_t u32PortIdx,
+                                                       uint32_t sztSamples, int16_t *const *aps16Src,
+                                                       const uint16_t *au16Stride) {
+  return WriteOne({__func__, "aps16Src"}, pstFilter, u32PortIdx, sztSamples, aps16Src, au16Stride);
+}
+
+uint32_t ze_kest_Utility_WriteOutputPort32BitPcmBuffer(const ZE_KEST_Filter_s *pstFilter, uint32_t u32PortIdx,
+                                                       uint32_t sztSamples, int32_t *const *aps32Src,
+                                                       const uint16_t *au16Stride) {
+  return WriteOne({__func__, "aps32Src"}, pstFilter, u32PortIdx, sztSamples, aps32Src, au16Stride);
+}
+
+uint32_t ze_kest_Utility_WriteAllOutputPort16BitPcmBuffer(const ZE_KEST_Filter_s *pstFilter,
+                                                          uint32_t sztSamples, int16_t *const *aps16Src,
+                                                          const uint16_t *au16Stride) {
+  return WriteAll({__func__, "aps16Src"}, pstFilter, sztSamples, aps16Src, au16Stride);
+}
+
+uint32_t ze_kest_Utility_WriteAllOutputPort32BitPcmBuffer(const ZE_KEST_Filter_s *pstFilter,
+                                                          uint32_t sztSamples, int32_t *const *aps32Src,
+                                                          const uint16_t *au16Stride) {
+  return WriteAll({__func__, "aps32Src"}, pstFilter, sztSamples, aps32Src, au16Stride);
+}

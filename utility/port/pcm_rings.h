@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: Apache-2.0
+// Where the channel rings of a port lie.
+#pragma once
+
+#include <algorithm>
+
+#include "ze_kest/model.h"
+
+#include "utility/port/ring_plan.h"
+
+namespace kest {
+
+inline uint32_t BytesPerSample(const ZE_KEST_PcmBuffer_s &stPcm) {
+  return stPcm.stPcmInfo.u32BitWidth >> 3;
+}
+
+inline size_t RingBytes(const ZE_KEST_PcmBuffer_s &stPcm) {
+  return size_t{stPcm.sztPcmRingSamples} * BytesPerSample(stPcm);
+}
+
+// The ring of a slot of a group that has storage.
+inline uint8_t *SlotRing(const ZE_KEST_PcmBuffer_s &stPcm, uint32_t u32Group, uint32_t u32Slot) {
+  return stPcm.apu8PcmGroupBuf[u32Group] + u32Slot * RingBytes(stPcm);
+}
+
+inline bool CarriesChannel(const ZE_KEST_PcmGroup_s &stGroup, uint32_t u32Slot) {
+  return stGroup.as32ChMap[u32Slot] != -1;
+}
+
+// Slots in use; a count beyond the group's record is cut.
+inline uint32_t SlotCount(const ZE_KEST_PcmGroup_s &stGroup) {
+  return std::min<uint32_t>(stGroup.u32ChannelCount, ZE_KEST_PCM_GROUP_SLOTS);
+}
+
+// The plan of a transfer that every channel ring of the port shares. Position and amount are in samples.
+inline RingPlan PlanPort(const ZE_KEST_PcmBuffer_s &stPcm, uint32_t u32Position, uint32_t sztSamples,
+                         uint32_t u32Unit) {
+  if (u32Position > stPcm.sztPcmRingSamples) return {};
+  const uint32_t u32Width = BytesPerSample(stPcm);
+  return PlanRing(RingBytes(stPcm), size_t{u32Position} * u32Width, uint64_t{sztSamples} * u32Width, u32Unit);
+}
+
+}  // namespace kest
