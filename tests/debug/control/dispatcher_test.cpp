@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include <regex>
-
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "ze_kest/debug.h"
@@ -133,8 +132,7 @@ TEST(Dispatcher, TheHelpHas128RowsAndTheVersion) {
   EXPECT_EQ("<PRINT>---------------------------------\n", replies[73]);
   for (size_t i = 74; i < 128; ++i)
     EXPECT_EQ("<PRINT>\n", replies[i]);
-  EXPECT_TRUE(
-      std::regex_match(replies[128], std::regex("<PRINT>_ZE_KEST_Debug_GetVersion,[0-9]+,2023/06/01,01\n")));
+  EXPECT_THAT(replies[128], testing::MatchesRegex("<PRINT>_ZE_KEST_Debug_GetVersion,[0-9]+,2023/06/01,01\n"));
 }
 
 TEST(Dispatcher, TheColourSamplesComeAtInfoLevel) {
