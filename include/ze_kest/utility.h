@@ -114,7 +114,7 @@ ZE_KEST_API const char *ze_kest_Utility_MpeghStreamTypeEnumString(uint32_t u32Va
 
 /* ---- Small conversions and platform questions ---- */
 
-/* Linear gain 10^(dB/20) in Q23 (0x800000 is 1.0). s32Db: whole decibels; 54 and more overflow Q23. Real-time
+/* Linear gain 10^(dB/20) in Q23 (0x800000 is 1.0). s32Db: whole decibels; above 54 the gain does not fit into Q23. Real-time
  * safe. */
 ZE_KEST_API uint32_t ze_kest_Utility_FixedPtDb(int s32Db);
 

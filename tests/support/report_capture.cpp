@@ -25,7 +25,11 @@ void Collect(const __android_logger_data *pstData, const char *pszMessage) {
 
 }  // namespace
 
-ReportCapture::ReportCapture(uint32_t u32Level) : u32LevelBefore_(u32KestDebugLevel) {
+// The first log line of a process takes the level over from the shared settings: it must not be one of the
+// test's.
+ReportCapture::ReportCapture(uint32_t u32Level) {
+  ze_kest_Debug_Log(ZE_KEST_LEVEL_PRINT, "%s", "");
+  u32LevelBefore_ = u32KestDebugLevel;
   Clear();
   __android_log_set_logger(Collect);
   __atomic_store_n(&u32KestDebugLevel, u32Level, __ATOMIC_RELAXED);

@@ -35,11 +35,11 @@ int64_t Exponential(int64_t s64R) {
   return 2 * s64R * kOne / s64Divisor + kOne;
 }
 
-// 1.0 shifted in 32 bits, as the target's shift does it.
-uint32_t PowerOfTwo(int64_t s64Exponent) {
+// A shift beyond 31 places leaves nothing, in either direction.
+uint64_t PowerOfTwo(int64_t s64Exponent) {
   if (std::abs(s64Exponent) >= 32) return 0;
-  constexpr auto kOne32 = static_cast<uint32_t>(kOne);
-  return s64Exponent >= 0 ? kOne32 << s64Exponent : kOne32 >> -s64Exponent;
+  constexpr auto kOneUnsigned = static_cast<uint64_t>(kOne);
+  return s64Exponent >= 0 ? kOneUnsigned << s64Exponent : kOneUnsigned >> -s64Exponent;
 }
 
 }  // namespace
@@ -53,6 +53,6 @@ uint32_t ze_kest_Utility_FixedPtDb(int s32Db) {
   if (s64Y == 0) return static_cast<uint32_t>(kOne);
 
   const int64_t s64K = WholePowerOfTwo(s64Y);
-  const int64_t s64E = Exponential(s64Y - Multiply(s64K, kLn2));
-  return static_cast<uint32_t>(Multiply(PowerOfTwo(s64K >> kFraction), s64E));
+  const auto u64E = static_cast<uint64_t>(Exponential(s64Y - Multiply(s64K, kLn2)));
+  return static_cast<uint32_t>((PowerOfTwo(s64K >> kFraction) * u64E) >> kFraction);
 }

@@ -1,0 +1,52 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "debug/control/command_table.h"
+
+#include <iterator>
+
+#include "ze_kest/result.h"
+
+#include "debug/control/ascii_color.h"
+#include "debug/control/help.h"
+#include "debug/control/log_commands.h"
+#include "debug/control/shared_commands.h"
+
+namespace kest {
+namespace {
+
+constexpr const char *kEverySeparator = "{[]\".: =,\t\n";
+constexpr Split kTokens = {kEverySeparator, kEverySeparator};
+// The text behind the first comma stays whole, "=" signs and further commas included.
+constexpr Split kText = {" =", ","};
+
+constexpr Command kCommands[] = {
+    {"help", kNoValue, &kTokens, nullptr, PrintHelp, 0},
+    {"ascii_color", kNoValue, &kTokens, nullptr, PrintAsciiColors, 0},
+    {"kest_log_restart", kNoValue, &kTokens, nullptr, RestartLog, 0},
+    {"kest_print_current_shm", kNoValue, &kTokens, nullptr, PrintCurrentShm, 0},
+    {"kest_monitor_sleep_time", kAnyValue, &kTokens, nullptr, SetMonitorSleep, 0},
+    {"kest_log_to_print", "on", &kTokens, "kest_log_to_print=on\n", SwitchLogToConsole, 1},
+    {"kest_log_to_print", "off", &kTokens, "kest_log_to_print=off\n", SwitchLogToConsole, 0},
+    {"kest_log_to_file", "on", &kTokens, "kest_log_to_file=on\n", SwitchLogToFile, 1},
+    {"kest_log_to_file", "off", &kTokens, "kest_log_to_file=off\n", SwitchLogToFile, 0},
+    {"kest_log_level", "all", &kTokens, "kest_log_level=all\n", SetLogLevel, ZE_KEST_LEVEL_ENTER},
+    {"kest_log_level", "trace", &kTokens, "kest_log_level=trace\n", SetLogLevel, ZE_KEST_LEVEL_TRACE},
+    {"kest_log_level", "info", &kTokens, "kest_log_level=info\n", SetLogLevel, ZE_KEST_LEVEL_INFO},
+    {"kest_log_level", "wrn", &kTokens, "kest_log_level=wrn\n", SetLogLevel, ZE_KEST_LEVEL_WRN},
+    {"kest_log_level", "err", &kTokens, "kest_log_level=err\n", SetLogLevel, ZE_KEST_LEVEL_ERR},
+    {"kest_log_level", "none", &kTokens, "kest_log_level=none\n", SetLogLevel, ZE_KEST_LEVEL_PRINT},
+    {"kest_log_level", "sync", &kTokens, "kest_log_level=sync\n", SetLogLevel, ZE_KEST_LEVEL_SYNC},
+    {"kest_log_level", "hdmi", &kTokens, "kest_log_level=hdmi\n", SetLogLevel, ZE_KEST_LEVEL_HDMI},
+    {"kest_atrace", "on", &kTokens, "kest_atrace=on\n", SwitchAtrace, 1},
+    {"kest_atrace", "off", &kTokens, "kest_atrace=off\n", SwitchAtrace, 0},
+    {"kest_log_size", kAnyValue, &kTokens, nullptr, SetLogSize, 0},
+    {"kest_debug_preset_cmd", "all", &kText, "kest_debug_preset_cmd=all\n", PresetForAll, 0},
+    {"kest_debug_preset_cmd", "off", &kText, "kest_debug_preset_cmd=off\n", PresetOff, 0},
+};
+
+}  // namespace
+
+CommandTable Commands() {
+  return {std::begin(kCommands), std::end(kCommands)};
+}
+
+}  // namespace kest

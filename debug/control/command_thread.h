@@ -1,0 +1,18 @@
+// SPDX-License-Identifier: Apache-2.0
+// The thread that reads commands from the pipe "D", one per process.
+#pragma once
+
+#include <cstdint>
+
+namespace kest {
+
+enum ThreadKind : unsigned int { kCommandThread = 0 };
+
+// Creates a debug thread. ZE_KEST_OK also when it runs already or the kind is unknown; ZE_KEST_FAILED when it
+// cannot be created.
+uint32_t _ZE_KEST_Debug_CreateThread(unsigned int u32Index);
+
+// Ends the command thread and waits for it: it notices after the next line of the pipe.
+void _ZE_KEST_Debug_DestroyThread();
+
+}  // namespace kest

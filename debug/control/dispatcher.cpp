@@ -1,0 +1,59 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "debug/control/dispatcher.h"
+
+#include "ze_kest/utility.h"
+
+#include "debug/control/command_table.h"
+#include "debug/control/startup.h"
+#include "utility/core/owned_memory.h"
+#include "utility/core/report.h"
+
+namespace kest {
+namespace {
+
+bool IsEmpty(const char *psz) {
+  return psz == nullptr || *psz == '\0';
+}
+
+bool TakesValue(const Command &command, const char *pszValue) {
+  if (command.pszValue == kAnyValue) return true;
+  return ze_kest_Utility_Strcmp(pszValue, command.pszValue) == 0;
+}
+
+// Splits a copy of the line as the command asks for; carries it out when keyword and value are the command's.
+uint32_t Try(const Command &command, const char *pszLine) {
+  const Owned<char> copy = Duplicate(pszLine);
+  char *pszRest = copy.get();
+  const char *pszKeyword = ze_kest_Utility_Strsep(&pszRest, command.pstSplit->pszKeywordEnd);
+  if (ze_kest_Utility_Strcmp(pszKeyword, command.pszKeyword) != 0) return ZE_KEST_INVALID_ARGUMENT;
+
+  char *pszValue = nullptr;
+  if (command.pszValue != kNoValue) {
+    pszValue = ze_kest_Utility_Strsep(&pszRest, command.pstSplit->pszValueEnd);
+    if (IsEmpty(pszValue) || !TakesValue(command, pszValue)) return ZE_KEST_INVALID_ARGUMENT;
+  }
+  if (command.pszConfirmation != nullptr) {
+    KEST_PRINT_AS("_ZE_KEST_Debug_SetParameter", "%s", command.pszConfirmation);
+  }
+  return command.pfnAction({pszValue, pszRest, command.u32Constant});
+}
+
+}  // namespace
+
+uint32_t _ZE_KEST_Debug_SetParameter(const char *pszLine) {
+  KEST_PRINT("\n");
+  for (const Command &command : Commands()) {
+    // A command that fails leaves the line to those behind it.
+    if (Try(command, pszLine) == ZE_KEST_OK) return ZE_KEST_OK;
+  }
+  return ZE_KEST_INVALID_ARGUMENT;
+}
+
+}  // namespace kest
+
+uint32_t ze_kest_Debug_SetParameter(const char *pszParameterPairs) {
+  KEST_REQUIRE(pszParameterPairs != nullptr, "pszParameterPairs is NULL.\n");
+  KEST_REQUIRE_OR(kest::IsStarted(), ZE_KEST_NOT_INITIALISED, "Err! Not initialized yet!\n");
+  KEST_PRINT("pszParameterPairs:%s\n", pszParameterPairs);
+  return kest::_ZE_KEST_Debug_SetParameter(pszParameterPairs);
+}

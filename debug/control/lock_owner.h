@@ -1,0 +1,25 @@
+// SPDX-License-Identifier: Apache-2.0
+// Which thread holds a lock, as far as that thread itself wants to know.
+#pragma once
+
+#include "utility/core/shared_value.h"
+
+namespace kest {
+
+class LockOwner {
+ public:
+  [[nodiscard]] bool IsMine() const { return Load(pcThread_) == ThisThread(); }
+  void Take() { Store(pcThread_, ThisThread()); }
+  void Drop() { Store(pcThread_, static_cast<const char *>(nullptr)); }
+
+ private:
+  // The address of a thread-local object names a thread without a system call.
+  static const char *ThisThread() {
+    static thread_local char cAnchor;
+    return &cAnchor;
+  }
+
+  const char *pcThread_ = nullptr;
+};
+
+}  // namespace kest

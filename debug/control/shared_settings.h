@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: Apache-2.0
+// The settings that every process of the framework sees: level and preset command, in the shared block
+// "global".
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+namespace kest {
+
+constexpr size_t kPresetCmdSize = 256;
+
+struct SharedSettings {
+  uint32_t u32DebugLevel;  // 0: no process has set the block up yet
+  char szPresetCmd[kPresetCmdSize];
+  uint8_t bPresetCmd;
+};
+static_assert(offsetof(SharedSettings, szPresetCmd) == 4 && offsetof(SharedSettings, bPresetCmd) == 260,
+              "other processes read the block with this layout");
+
+// Maps the block and takes over its settings, or sets it up when this is the first process.
+void _ZE_KEST_Debug_ShmInit();
+
+// Unmaps the block and removes it for every process.
+void FreeSharedSettings();
+
+// Writes this process's settings into the block; the last writer wins.
+void _ZE_KEST_Debug_SetShm();
+
+// Sets and publishes the preset command of the debug callbacks. ZE_KEST_FAILED when there is no text.
+uint32_t SetPresetCommand(const char *pszText);
+void ClearPresetCommand();
+
+// Prints this process's and the block's settings. ZE_KEST_NOT_INITIALISED without a block.
+uint32_t PrintSharedSettings();
+
+}  // namespace kest

@@ -1,0 +1,103 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "debug/control/startup.h"
+
+#include <pthread.h>
+
+#include "ze_kest/debug.h"
+
+#include "debug/control/command_thread.h"
+#include "debug/control/debug_mutex.h"
+#include "debug/control/lock_owner.h"
+#include "debug/control/shared_settings.h"
+#include "debug/log/log_file.h"
+#include "utility/core/report.h"
+
+uint8_t bKestAtraceEnable = 0;
+FILE *pFileKestDebugPipeline = nullptr;
+
+namespace kest {
+namespace {
+
+enum class Base : uint8_t { kFresh, kReady, kShutDown };
+
+constexpr int32_t kMonitorSleepTimeMs = 2000;
+
+pthread_mutex_t g_baseMutex = PTHREAD_MUTEX_INITIALIZER;
+LockOwner g_baseOwner;
+Base g_base = Base::kFresh;
+uint8_t g_bStarted = 0;
+int32_t g_s32MonitorSleepTimeMs = kMonitorSleepTimeMs;
+
+void SetBase(Base base) {
+  __atomic_store_n(&g_base, base, __ATOMIC_RELEASE);
+}
+
+Base GetBase() {
+  return __atomic_load_n(&g_base, __ATOMIC_ACQUIRE);
+}
+
+void InitialiseBase() {
+  Store(bKestAtraceEnable, uint8_t{0});
+  _ZE_KEST_Debug_MutexInit();
+  _ZE_KEST_Debug_ShmInit();
+  Store(g_bStarted, uint8_t{0});
+  SetMonitorSleepTime(kMonitorSleepTimeMs);
+  ResetLogSinks();
+}
+
+}  // namespace
+
+void _ZE_KEST_Debug_Init() {
+  // A report made inside the initialisation comes back here and finds it under way.
+  if (GetBase() != Base::kFresh || g_baseOwner.IsMine()) return;
+  pthread_mutex_lock(&g_baseMutex);
+  g_baseOwner.Take();
+  if (GetBase() == Base::kFresh) {
+    InitialiseBase();
+    SetBase(Base::kReady);
+  }
+  g_baseOwner.Drop();
+  pthread_mutex_unlock(&g_baseMutex);
+}
+
+bool IsStarted() {
+  return Load(g_bStarted) != 0;
+}
+
+void SetMonitorSleepTime(int32_t s32Ms) {
+  Store(g_s32MonitorSleepTimeMs, s32Ms);
+}
+
+}  // namespace kest
+
+uint32_t ze_kest_Debug_Init(void) {
+  kest::Store(pFileKestDebugPipeline, static_cast<FILE *>(nullptr));
+  if (kest::GetBase() == kest::Base::kShutDown) kest::SetBase(kest::Base::kFresh);
+  kest::_ZE_KEST_Debug_Init();
+  KEST_REQUIRE_OR(!kest::IsStarted(), ZE_KEST_OK, "Exit for double init\n");
+
+  kest::_ZE_KEST_Debug_SetMode(kest::kLogToFile, 1);
+  const uint32_t u32Result = kest::_ZE_KEST_Debug_CreateThread(kest::kCommandThread);
+  kest::Store(kest::g_bStarted, uint8_t{1});
+  return u32Result;
+}
+
+uint32_t ze_kest_Debug_DeInit(void) {
+  KEST_INFO("DeInit\n");
+  if (!kest::IsStarted()) {
+    KEST_INFO("Exit for double DeInit\n");
+    return ZE_KEST_OK;
+  }
+
+  kest::_ZE_KEST_Debug_SetMode(kest::kLogToFile, 0);
+  kest::_ZE_KEST_Debug_DestroyThread();
+  if (kest::GetBase() == kest::Base::kReady) kest::FreeSharedSettings();
+  kest::_ZE_KEST_Debug_Mutex_Unlock();
+  kest::_ZE_KEST_Debug_ShmMutex_Unlock();
+  kest::_ZE_KEST_Debug_LogMutex_Unlock();
+  kest::Store(kest::g_bStarted, uint8_t{0});
+  kest::SetBase(kest::Base::kShutDown);
+  // The last line of the pipe may have opened the log file again.
+  kest::ResetLogSinks();
+  return ZE_KEST_OK;
+}

@@ -1,0 +1,124 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "debug/log/log_file.h"
+
+#include <sys/stat.h>
+
+#include "ze_kest/utility.h"
+
+#include "debug/control/debug_mutex.h"
+#include "utility/core/debug_dir.h"
+#include "utility/core/report.h"
+
+namespace kest {
+namespace {
+
+constexpr const char *kLogPath = KEST_DEBUG_PATH("KestLog.txt");
+constexpr uint32_t kMessagesPerSizeCheck = 1000;
+
+uint8_t g_bToConsole = 0;
+uint8_t g_bToFile = 0;
+int32_t g_s32LogSizeMax = 20 * 1024 * 1024;
+int32_t g_s32RestartCount = 0;
+uint32_t g_u32Messages = 0;
+FILE *g_pFile = nullptr;  // under the log mutex
+
+void CloseLog() {
+  if (g_pFile == nullptr) return;
+  ze_kest_Utility_FileClose(g_pFile);
+  g_pFile = nullptr;
+}
+
+bool OpenLog() {
+  if (g_pFile == nullptr) g_pFile = ze_kest_Utility_FileOpen(kLogPath, "ab+");
+  return g_pFile != nullptr;
+}
+
+// Closes and empties the file.
+bool EmptyLog() {
+  CloseLog();
+  FILE *pFile = ze_kest_Utility_FileOpen(kLogPath, "wb+");
+  if (pFile == nullptr) return false;
+  ze_kest_Utility_FileClose(pFile);
+  Store(g_s32RestartCount, g_s32RestartCount + 1);
+  return true;
+}
+
+bool IsLogTooLong() {
+  struct stat stFile = {};
+  return fstat(fileno(g_pFile), &stFile) == 0 && stFile.st_size > Load(g_s32LogSizeMax);
+}
+
+uint32_t SetLogToFile(int bOn) {
+  Store(g_bToFile, static_cast<uint8_t>(bOn != 0));
+  KEST_PRINT_AS("_ZE_KEST_Debug_SetMode", "Log to file(%d)\n", bOn);
+  bool bDone = true;
+  {
+    const HoldingLog holding;
+    if (bOn != 0) {
+      bDone = OpenLog();
+    } else {
+      CloseLog();
+    }
+  }
+  KEST_REQUIRE_OR_AS("_ZE_KEST_Debug_SetMode", bDone, ZE_KEST_FAILED,
+                     "Err! ze_kest_Utility_FileOpen failed!\n");
+  return ZE_KEST_OK;
+}
+
+}  // namespace
+
+uint32_t _ZE_KEST_Debug_SetMode(unsigned int eMode, int bOn) {
+  switch (eMode) {
+    case kLogToConsole:
+      Store(g_bToConsole, static_cast<uint8_t>(bOn != 0));
+      KEST_PRINT("Log to console(%d)\n", bOn);
+      return ZE_KEST_OK;
+    case kLogToFile:
+      return SetLogToFile(bOn);
+    default:
+      KEST_ERR("Err! eMode(%d) not found\n", static_cast<int>(eMode));
+      return ZE_KEST_OK;
+  }
+}
+
+uint32_t _ZE_KEST_Debug_LogRestart() {
+  const int bWasOn = Load(g_bToFile);
+  KEST_PRINT("Log to file(%d)\n", 0);
+  Store(g_bToFile, uint8_t{0});
+  bool bEmptied = false;
+  {
+    const HoldingLog holding;
+    bEmptied = EmptyLog();
+  }
+  KEST_REQUIRE_OR(bEmptied, ZE_KEST_FAILED, "Err! fopen failed!\n");
+  return _ZE_KEST_Debug_SetMode(kLogToFile, bWasOn);
+}
+
+void SetLogSizeMax(int32_t s32Bytes) {
+  Store(g_s32LogSizeMax, s32Bytes);
+}
+
+bool IsLogToConsole() {
+  return Load(g_bToConsole) != 0;
+}
+
+int32_t LogRestartCount() {
+  return Load(g_s32RestartCount);
+}
+
+void ResetLogSinks() {
+  const HoldingLog holding;
+  Store(g_bToConsole, uint8_t{0});
+  Store(g_bToFile, uint8_t{0});
+  CloseLog();
+}
+
+FILE *NextLogFile() {
+  ++g_u32Messages;
+  if (g_u32Messages % kMessagesPerSizeCheck != 0 || g_pFile == nullptr) return g_pFile;
+  g_u32Messages = 0;
+  if (IsLogTooLong() && EmptyLog()) OpenLog();
+  return g_pFile;
+}
+
+}  // namespace kest

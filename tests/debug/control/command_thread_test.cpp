@@ -1,0 +1,96 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "debug/control/command_thread.h"
+
+#include <algorithm>
+#include <filesystem>
+
+#include <gtest/gtest.h>
+
+#include "ze_kest/debug.h"
+
+#include "tests/support/debug_layer.h"
+#include "tests/support/report_capture.h"
+
+using kest::test::DebugLayer;
+using kest::test::ReportCapture;
+using kest::test::WaitFor;
+using kest::test::WriteToPipe;
+
+namespace {
+
+constexpr const char *kRefused = "Err! SetParameter failed(0x8)!\n";
+
+// How many lines the thread has read and nothing has taken.
+size_t RefusedLines(const ReportCapture &capture) {
+  const std::vector<std::string> errors = capture.Texts("<ERR>");
+  return static_cast<size_t>(std::count(errors.begin(), errors.end(), kRefused));
+}
+
+}  // namespace
+
+TEST(CommandThread, ALineOfThePipeIsCarriedOut) {
+  const DebugLayer layer;
+  const ReportCapture capture;
+  WriteToPipe("kest_log_level=wrn\nkest_atrace=on\n");
+  EXPECT_TRUE(WaitFor([&] { return capture.Has("<PRINT>", "kest_atrace=on\n"); }));
+  EXPECT_EQ(ZE_KEST_LEVEL_WRN, __atomic_load_n(&u32KestDebugLevel, __ATOMIC_RELAXED));
+  EXPECT_TRUE(WaitFor([] { return __atomic_load_n(&bKestAtraceEnable, __ATOMIC_RELAXED) == 1; }));
+}
+
+TEST(CommandThread, ALineThatComesInPiecesFromSeveralWritersIsOneLine) {
+  const DebugLayer layer;
+  const ReportCapture capture;
+  WriteToPipe("kest_log");
+  WriteToPipe("_size=");
+  WriteToPipe("4096\n");
+  EXPECT_TRUE(WaitFor([&] { return capture.Has("<PRINT>", "LogSizeMax:4096\n"); }));
+}
+
+TEST(CommandThread, ALongLineIsCutAt127BytesLosesOneByteAndGoesOnAsTheNextLine) {
+  const DebugLayer layer;
+  const ReportCapture capture;
+  const std::string filler(106, ',');  // "kest_log_size=1234567" and the filler make 127 bytes
+  const std::string line = "kest_log_size=1234567" + filler;
+  ASSERT_EQ(127u, line.size());
+  WriteToPipe(line.substr(0, 126) + "\n");    // 126 bytes: whole
+  WriteToPipe(line + "\n");                   // 127 bytes: whole, its newline is the 128th
+  WriteToPipe(line + "kest_log_size=89\n");   // the "k" is lost, "est_log_size=89" is no command
+  WriteToPipe(line + "?kest_log_size=77\n");  // the "?" is lost, the rest is a command
+  EXPECT_TRUE(WaitFor([&] { return capture.Has("<PRINT>", "LogSizeMax:77\n"); }));
+  EXPECT_FALSE(capture.Has("<PRINT>", "LogSizeMax:89\n"));
+  EXPECT_EQ(1u, RefusedLines(capture));
+  const std::vector<std::string> prints = capture.Texts("<PRINT>");
+  EXPECT_EQ(4, std::count(prints.begin(), prints.end(), "LogSizeMax:1234567\n"));
+}
+
+TEST(CommandThread, EmptyLinesRubbishAndEndlessLinesAreRefusedAndTheNextCommandWorks) {
+  const DebugLayer layer;
+  const ReportCapture capture;
+  std::string rubbish = "\n";
+  for (int i = 0; i < 256; ++i)
+    rubbish += static_cast<char>(i);
+  WriteToPipe(rubbish + "\n");
+  WriteToPipe(std::string(300, 'x') + "\n");
+  WriteToPipe("%s%n%s%n\n");
+  WriteToPipe("kest_log_size=55\n");
+  EXPECT_TRUE(WaitFor([&] { return capture.Has("<PRINT>", "LogSizeMax:55\n"); }));
+  // One empty, the rubbish (its newline makes two, its length three), three of the x, one of conversions.
+  EXPECT_EQ(8u, RefusedLines(capture));
+}
+
+TEST(CommandThread, IsCreatedOnceAndUnknownKindsAreIgnored) {
+  const DebugLayer layer;
+  EXPECT_EQ(ZE_KEST_OK, kest::_ZE_KEST_Debug_CreateThread(kest::kCommandThread));
+  EXPECT_EQ(ZE_KEST_OK, kest::_ZE_KEST_Debug_CreateThread(77));
+}
+
+TEST(CommandThread, AnExistingPipeIsUsed) {
+  kest::test::EmptyDebugDirectory();
+  ASSERT_EQ(0, system("mkfifo " KEST_DEBUG_DIR "D"));
+  const ReportCapture capture;
+  ASSERT_EQ(ZE_KEST_OK, ze_kest_Debug_Init());
+  WriteToPipe("kest_log_size=66\n");
+  EXPECT_TRUE(WaitFor([&] { return capture.Has("<PRINT>", "LogSizeMax:66\n"); }));
+  EXPECT_TRUE(capture.Has("<ERR>", "Warn! mkfifo ret = -1 : File exists\n"));
+  kest::test::ShutDown();
+}

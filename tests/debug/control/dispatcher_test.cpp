@@ -1,0 +1,165 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <regex>
+
+#include <gtest/gtest.h>
+
+#include "ze_kest/debug.h"
+
+#include "tests/support/debug_layer.h"
+#include "tests/support/report_capture.h"
+
+using kest::test::DebugLayer;
+using kest::test::Report;
+using kest::test::ReportCapture;
+
+namespace {
+
+using Texts = std::vector<std::string>;
+
+// Label and text of every report that a line makes behind its echo and the empty line of the dispatcher.
+Texts RepliesTo(const std::string &line, uint32_t u32Expected = ZE_KEST_OK) {
+  const ReportCapture capture(u32KestDebugLevel);
+  EXPECT_EQ(u32Expected, ze_kest_Debug_SetParameter(line.c_str())) << line;
+  Texts replies;
+  for (const Report &report : capture.Reports())
+    replies.push_back(report.label + report.text);
+  EXPECT_GE(replies.size(), 2u);
+  EXPECT_EQ("<PRINT>pszParameterPairs:" + line + "\n", replies[0]);
+  EXPECT_EQ("<PRINT>\n", replies[1]);
+  return {replies.begin() + 2, replies.end()};
+}
+
+}  // namespace
+
+TEST(Dispatcher, EveryInlineCommandConfirmsInItsOwnWords) {
+  const DebugLayer layer;
+  struct {
+    const char *pszLine;
+    Texts replies;
+  } const aCommands[] = {
+      {"kest_log_to_print=on", {"<PRINT>kest_log_to_print=on\n", "<PRINT>Log to console(1)\n"}},
+      {"kest_log_to_print=off", {"<PRINT>kest_log_to_print=off\n", "<PRINT>Log to console(0)\n"}},
+      {"kest_log_to_file=off", {"<PRINT>kest_log_to_file=off\n", "<PRINT>Log to file(0)\n"}},
+      {"kest_log_to_file=on", {"<PRINT>kest_log_to_file=on\n", "<PRINT>Log to file(1)\n"}},
+      {"kest_log_restart", {"<PRINT>Log to file(0)\n", "<PRINT>Log to file(1)\n"}},
+      {"kest_monitor_sleep_time=20000", {"<PRINT>sleep time:20000 ms\n"}},
+      {"kest_log_size=524288", {"<PRINT>LogSizeMax:524288\n"}},
+      {"kest_log_size=-5", {"<PRINT>LogSizeMax:-5\n"}},
+      {"kest_atrace=on", {"<PRINT>kest_atrace=on\n"}},
+      {"kest_atrace=off", {"<PRINT>kest_atrace=off\n"}},
+      {"kest_debug_preset_cmd=all,a=b, c", {"<PRINT>kest_debug_preset_cmd=all\n"}},
+      {"kest_print_current_shm",
+       {"<PRINT>DebugLevel:0x1,0x1\n", "<PRINT>DebugPresetCmd:a=b, c,a=b, c\n",
+        "<PRINT>bDebugPresetCmd:1,1\n"}},
+      {"kest_debug_preset_cmd=off", {"<PRINT>kest_debug_preset_cmd=off\n"}},
+      {"kest_print_current_shm",
+       {"<PRINT>DebugLevel:0x1,0x1\n", "<PRINT>DebugPresetCmd:a=b, c,a=b, c\n",
+        "<PRINT>bDebugPresetCmd:0,0\n"}},
+      {"ascii_color", {}},
+  };
+  for (const auto &command : aCommands)
+    EXPECT_EQ(command.replies, RepliesTo(command.pszLine));
+}
+
+TEST(Dispatcher, EveryLogLevelShowsTheTestLinesThatItLetsThrough) {
+  const DebugLayer layer;
+  const Texts tests = {"<INFO>Test:<INFO>\n", "<WRN>Test:<WRN>\n", "<ERR>Test:<ERR>\n"};
+  struct {
+    const char *pszName;
+    uint32_t u32Level;
+    size_t sztFirstTest;
+  } const aLevels[] = {{"all", 240, 0}, {"trace", 80, 0}, {"info", 64, 0}, {"wrn", 48, 1},
+                       {"err", 32, 2},  {"sync", 33, 2},  {"hdmi", 34, 2}, {"none", 1, 3}};
+  for (const auto &level : aLevels) {
+    const std::string line = std::string("kest_log_level=") + level.pszName;
+    const ReportCapture capture(u32KestDebugLevel);
+    EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_SetParameter(line.c_str()));
+    EXPECT_EQ(level.u32Level, u32KestDebugLevel);
+    Texts expected = {"<PRINT>" + line + "\n"};
+    expected.insert(expected.end(), tests.begin() + static_cast<long>(level.sztFirstTest), tests.end());
+    Texts replies;
+    for (const Report &report : capture.Reports())
+      replies.push_back(report.label + report.text);
+    EXPECT_EQ(expected, Texts(replies.begin() + 2, replies.end()));
+  }
+}
+
+TEST(Dispatcher, ElevenSeparatorsSplitALineAndWhatFollowsTheValueIsIgnored) {
+  const DebugLayer layer;
+  for (const char cSeparator : {'{', '[', ']', '"', '.', ':', ' ', '=', ',', '\t', '\n'}) {
+    const std::string line = std::string("kest_log_size") + cSeparator + "7" + cSeparator + "rest";
+    EXPECT_EQ((Texts{"<PRINT>LogSizeMax:7\n"}), RepliesTo(line)) << line;
+  }
+  // The preset's text is split at its first comma alone.
+  EXPECT_EQ((Texts{"<PRINT>kest_debug_preset_cmd=all\n"}), RepliesTo("kest_debug_preset_cmd all,x.y:z=1,2"));
+  EXPECT_EQ("<PRINT>DebugPresetCmd:x.y:z=1,2,x.y:z=1,2\n", RepliesTo("kest_print_current_shm")[1]);
+}
+
+TEST(Dispatcher, WhatNoCommandTakesGivesEightAndChangesNothing) {
+  const DebugLayer layer;
+  for (const char *pszLine :
+       {"", " ", "=", "nonsense", " help", "helpx", "hel", "kest_log_level",
+        "kest_log_level=", "kest_log_level=loud", "kest_log_level==all", "kest_log_to_print=maybe",
+        "kest_atrace=", "kest_log_size=", "KEST_LOG_LEVEL=all", "kest_debug_preset_cmd=",
+        "kest_debug_preset_cmd=some,x", "kest_json_parser=/etc/hosts", "kest_debug_list=print"}) {
+    EXPECT_EQ(Texts{}, RepliesTo(pszLine, ZE_KEST_INVALID_ARGUMENT)) << pszLine;
+  }
+  EXPECT_EQ(ZE_KEST_LEVEL_PRINT, u32KestDebugLevel);
+  EXPECT_EQ(0, bKestAtraceEnable);
+  EXPECT_EQ((Texts{"<PRINT>kest_debug_preset_cmd=all\n"}),
+            RepliesTo("kest_debug_preset_cmd=all", ZE_KEST_INVALID_ARGUMENT));
+  EXPECT_EQ("<PRINT>bDebugPresetCmd:0,0\n", RepliesTo("kest_print_current_shm")[2]);
+}
+
+TEST(Dispatcher, ANumberOutOfRangeIsAFormatErrorThoughItIsStored) {
+  const DebugLayer layer;
+  for (const char *pszKeyword : {"kest_log_size", "kest_monitor_sleep_time"}) {
+    for (const char *pszNumber : {"2147483647", "-2147483648", "99999999999999999999"}) {
+      EXPECT_EQ((Texts{std::string("<PRINT>format error: ") + pszNumber + "\n"}),
+                RepliesTo(std::string(pszKeyword) + "=" + pszNumber, ZE_KEST_INVALID_ARGUMENT));
+    }
+  }
+}
+
+TEST(Dispatcher, TheHelpHas128RowsAndTheVersion) {
+  const DebugLayer layer;
+  const Texts replies = RepliesTo("help");
+  ASSERT_EQ(129u, replies.size());
+  EXPECT_EQ("<PRINT>\n", replies[0]);
+  EXPECT_EQ("<PRINT>---------------------------------\n", replies[1]);
+  EXPECT_EQ("<PRINT>cd " KEST_DEBUG_DIR "\n", replies[2]);
+  EXPECT_EQ("<PRINT>echo help >D\n", replies[4]);
+  EXPECT_EQ("<PRINT>echo kest_print_filter_info=off >D\n", replies[72]);
+  EXPECT_EQ("<PRINT>---------------------------------\n", replies[73]);
+  for (size_t i = 74; i < 128; ++i)
+    EXPECT_EQ("<PRINT>\n", replies[i]);
+  EXPECT_TRUE(
+      std::regex_match(replies[128], std::regex("<PRINT>_ZE_KEST_Debug_GetVersion,[0-9]+,2023/06/01,01\n")));
+}
+
+TEST(Dispatcher, TheColourSamplesComeAtInfoLevel) {
+  const DebugLayer layer;
+  const ReportCapture capture(ZE_KEST_LEVEL_INFO);
+  EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_SetParameter("ascii_color"));
+  const Texts samples = capture.Texts("<INFO>");
+  ASSERT_EQ(24u, samples.size());
+  EXPECT_EQ("<01>\033[30mCOLOR_BLACK\033[0m\n", samples[0]);
+  EXPECT_EQ("<13>\033[1;34mCOLOR_BLUE\033[0m\n", samples[12]);
+  EXPECT_EQ("<24>\033[1;7;37mCOLOR_INVERSE_WHITE\033[0m\n", samples[23]);
+  EXPECT_EQ("_ZE_KEST_Debug_PrintAsciiColor", capture.Reports().back().function);
+}
+
+TEST(Dispatcher, APresetCommandIsCutAt255Characters) {
+  const DebugLayer layer;
+  const std::string text(300, 't');
+  EXPECT_EQ((Texts{"<PRINT>kest_debug_preset_cmd=all\n"}), RepliesTo("kest_debug_preset_cmd=all," + text));
+  const std::string kept = text.substr(0, 255);
+  EXPECT_EQ("<PRINT>DebugPresetCmd:" + kept + "," + kept + "\n", RepliesTo("kest_print_current_shm")[1]);
+}
+
+TEST(Dispatcher, TheExportedEntryRefusesNullAndALayerThatIsNotUp) {
+  const ReportCapture capture;
+  EXPECT_EQ(ZE_KEST_INVALID_ARGUMENT, ze_kest_Debug_SetParameter(nullptr));
+  EXPECT_EQ(ZE_KEST_NOT_INITIALISED, ze_kest_Debug_SetParameter("help"));
+  EXPECT_EQ((Texts{"pszParameterPairs is NULL.\n", "Err! Not initialized yet!\n"}), capture.Texts("<ERR>"));
+}

@@ -1,0 +1,124 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "debug/control/startup.h"
+
+#include <filesystem>
+#include <thread>
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include "ze_kest/debug.h"
+
+#include "debug/control/debug_mutex.h"
+#include "debug/control/shared_settings.h"
+#include "tests/support/debug_layer.h"
+#include "tests/support/report_capture.h"
+
+using kest::test::DebugLayer;
+using kest::test::ReportCapture;
+
+namespace {
+
+// The threads of this process that bear the name.
+int ThreadsNamed(const std::string &name) {
+  int s32Count = 0;
+  for (const auto &task : std::filesystem::directory_iterator("/proc/self/task")) {
+    if (kest::test::ReadFile(task.path() / "comm") == name + "\n") ++s32Count;
+  }
+  return s32Count;
+}
+
+}  // namespace
+
+TEST(StartUp, TheFirstProcessSetsTheLevelToPrintAndOpensThePipe) {
+  const DebugLayer layer;
+  EXPECT_EQ(ZE_KEST_LEVEL_PRINT, u32KestDebugLevel);
+  EXPECT_EQ(nullptr, pFileKestDebugPipeline);
+  EXPECT_TRUE(kest::test::WaitFor(
+      [] { return std::filesystem::is_fifo(std::filesystem::status(kest::test::kPipe)); }));
+  EXPECT_TRUE(std::filesystem::exists(kest::test::kLogFile));
+}
+
+TEST(StartUp, ASecondStartIsReportedAndStartsNoSecondThread) {
+  const DebugLayer layer;
+  EXPECT_TRUE(kest::test::WaitFor([] { return ThreadsNamed("KestDebug") == 1; }));
+  const ReportCapture capture;
+  EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_Init());
+  EXPECT_EQ((std::vector<std::string>{"Exit for double init\n"}), capture.Texts("<ERR>"));
+  EXPECT_EQ(1, ThreadsNamed("KestDebug"));
+}
+
+TEST(ShutDown, EndsTheThreadAndRemovesTheSharedBlockAndASecondOneIsOnlyReported) {
+  {
+    const DebugLayer layer;
+    EXPECT_TRUE(std::filesystem::exists(KEST_DEBUG_DIR "shm_global"));
+  }
+  EXPECT_EQ(0, ThreadsNamed("KestDebug"));
+  EXPECT_FALSE(std::filesystem::exists(KEST_DEBUG_DIR "shm_global"));
+  const ReportCapture capture;
+  EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_DeInit());
+  EXPECT_EQ((std::vector<std::string>{"DeInit\n", "Exit for double DeInit\n"}), capture.Texts("<INFO>"));
+}
+
+TEST(StartUp, WorksAgainAfterAShutDown) {
+  for (int i = 0; i < 3; ++i) {
+    const DebugLayer layer;
+    EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_SetParameter("kest_log_level=info"));
+    EXPECT_EQ(ZE_KEST_LEVEL_INFO, u32KestDebugLevel);
+  }
+}
+
+TEST(StartUp, ALaterProcessAdoptsTheLevelAndThePresetCommand) {
+  kest::test::EmptyDebugDirectory();
+  EXPECT_EQ(0, kest::test::InAnotherProcess([] {
+              EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_Init());
+              EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_SetParameter("kest_log_level=wrn"));
+              EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_SetParameter("kest_debug_preset_cmd=all,a=b,c=d"));
+            }));
+  ASSERT_EQ(ZE_KEST_OK, ze_kest_Debug_Init());
+  EXPECT_EQ(ZE_KEST_LEVEL_WRN, u32KestDebugLevel);
+  const ReportCapture capture;
+  EXPECT_EQ(ZE_KEST_OK, kest::PrintSharedSettings());
+  EXPECT_TRUE(capture.Has("<PRINT>", "DebugPresetCmd:a=b,c=d,a=b,c=d\n"));
+  EXPECT_TRUE(capture.Has("<PRINT>", "bDebugPresetCmd:1,1\n"));
+  kest::test::ShutDown();
+}
+
+TEST(StartUp, TheFirstLogLineOfAnyThreadSetsTheBaseUpOnce) {
+  kest::test::EmptyDebugDirectory();
+  std::vector<std::thread> threads;
+  for (int i = 0; i < 8; ++i) {
+    threads.emplace_back([] {
+      ze_kest_Debug_Log(ZE_KEST_LEVEL_PRINT, "x\n");
+      EXPECT_EQ(ZE_KEST_LEVEL_PRINT, __atomic_load_n(&u32KestDebugLevel, __ATOMIC_RELAXED));
+    });
+  }
+  for (std::thread &thread : threads)
+    thread.join();
+  EXPECT_TRUE(std::filesystem::exists(KEST_DEBUG_DIR "shm_global"));
+  EXPECT_FALSE(std::filesystem::exists(kest::test::kLogFile));
+}
+
+TEST(StartUp, WithoutADebugDirectoryTheLayerWorksAndEndsByItself) {
+  std::filesystem::remove_all(KEST_DEBUG_DIR);
+  const ReportCapture capture;
+  EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_Init());
+  EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_SetParameter("kest_log_to_print=off"));
+  EXPECT_EQ(ZE_KEST_INVALID_ARGUMENT, ze_kest_Debug_SetParameter("kest_print_current_shm"));
+  EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_DeInit());
+  for (const char *pszText :
+       {"Err! ze_kest_Utility_FileOpen failed!\n", "Warn! mkfifo ret = -1 : No such file",
+        "Err! open ret = -1 : No such file", "Err! Not initialized yet!\n"}) {
+    EXPECT_TRUE(capture.Has("<ERR>", pszText)) << pszText;
+  }
+}
+
+TEST(DebugMutex, AnUnlockByAnotherThreadLeavesTheLockWithItsHolder) {
+  const DebugLayer layer;
+  kest::_ZE_KEST_Debug_Mutex_Lock();
+  std::thread([] { kest::_ZE_KEST_Debug_Mutex_Unlock(); }).join();
+  EXPECT_EQ(EBUSY, pthread_mutex_trylock(&kest::_stKestDebugMutex));
+  kest::_ZE_KEST_Debug_Mutex_Unlock();
+  EXPECT_EQ(0, pthread_mutex_trylock(&kest::_stKestDebugMutex));
+  EXPECT_EQ(0, pthread_mutex_unlock(&kest::_stKestDebugMutex));
+}

@@ -1,0 +1,214 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <algorithm>
+#include <filesystem>
+#include <sstream>
+#include <thread>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include "ze_kest/debug.h"
+#include "ze_kest/utility.h"
+
+#include "debug/log/log_file.h"
+#include "tests/support/debug_layer.h"
+#include "tests/support/report_capture.h"
+
+using kest::test::DebugLayer;
+using kest::test::kLogFile;
+using kest::test::ReadFile;
+using kest::test::ReportCapture;
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::MatchesRegex;
+using testing::Not;
+
+namespace {
+
+// What the calls append to the log file.
+template <typename Calls>
+std::string LoggedBy(Calls &&calls) {
+  const size_t sztBefore = ReadFile(kLogFile).size();
+  calls();
+  return ReadFile(kLogFile).substr(sztBefore);
+}
+
+void Command(const char *pszLine) {
+  EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_SetParameter(pszLine)) << pszLine;
+}
+
+// Puts something in the place of the closed log file and switches file logging on again.
+void ReplaceLogFileBy(const char *pszTarget) {
+  kest::_ZE_KEST_Debug_SetMode(kest::kLogToFile, 0);
+  std::filesystem::remove(kLogFile);
+  std::filesystem::create_symlink(pszTarget, kLogFile);
+  kest::_ZE_KEST_Debug_SetMode(kest::kLogToFile, 1);
+}
+
+}  // namespace
+
+TEST(Log, NothingIsWrittenBeforeStartAndAfterShutDown) {
+  kest::test::EmptyDebugDirectory();
+  testing::internal::CaptureStdout();
+  ze_kest_Debug_Log(ZE_KEST_LEVEL_ERR, "early\n");
+  EXPECT_FALSE(std::filesystem::exists(kLogFile));
+  ASSERT_EQ(ZE_KEST_OK, ze_kest_Debug_Init());
+  Command("kest_log_to_print=on");
+  kest::test::ShutDown();
+  ze_kest_Debug_Log(ZE_KEST_LEVEL_ERR, "late\n");
+  EXPECT_THAT(testing::internal::GetCapturedStdout(), Not(HasSubstr("late")));
+  EXPECT_THAT(ReadFile(kLogFile), Not(HasSubstr("late")));
+  // The late line did not set the base up anew.
+  EXPECT_FALSE(std::filesystem::exists(KEST_DEBUG_DIR "shm_global"));
+}
+
+TEST(Log, EveryLevelHasItsColourAndLabelAndPrintHasNoPrefix) {
+  const DebugLayer layer;
+  const std::string ids = std::to_string(getpid()) + " " + std::to_string(ze_kest_Utility_GetTid());
+  const std::string middle =
+      ids + R"( \[2023/06/01,01,0]\[[0-9][0-9]-[0-9][0-9] [0-9][0-9]:[0-9][0-9]:[0-9][0-9].[0-9]{3}]<ZE3><)";
+  struct {
+    unsigned int u32Level;
+    const char *pszColour;
+    const char *pszLabel;
+  } const aLevels[] = {{32, "\033\\[1;31m", "ERR"},      {48, "\033\\[1;33m", "WRN"},
+                       {64, "\033\\[1;32m", "INFO"},     {80, "\033\\[1;36m", "TRACE"},
+                       {240, "\033\\[1;7;32m", "ENTER"}, {241, "\033\\[1;7;32m", "EXIT"},
+                       {242, "\033\\[1;31m", "ERR"},     {33, "", ""}};
+  for (const auto &level : aLevels) {
+    const std::string line = LoggedBy([&] { ze_kest_Debug_Log(level.u32Level, "f[%d]: text\n", 7); });
+    const std::string end = *level.pszColour == '\0' ? "" : "\033\\[0m";
+    EXPECT_THAT(line, MatchesRegex(level.pszColour + middle + level.pszLabel + ">" + end + "f\\[7]: text\n"));
+  }
+  EXPECT_EQ("plain\n", LoggedBy([] { ze_kest_Debug_Log(ZE_KEST_LEVEL_PRINT, "plain\n"); }));
+}
+
+TEST(Log, TheConsoleGetsTheMessageAloneAndOnlyWhenSwitchedOn) {
+  const DebugLayer layer;
+  testing::internal::CaptureStdout();
+  ze_kest_Debug_Log(ZE_KEST_LEVEL_ERR, "unseen\n");
+  Command("kest_log_to_print=on");
+  ze_kest_Debug_Log(ZE_KEST_LEVEL_ERR, "seen %d\n", 1);
+  Command("kest_log_to_print=off");
+  ze_kest_Debug_Log(ZE_KEST_LEVEL_ERR, "unseen\n");
+  const std::string console = testing::internal::GetCapturedStdout();
+  EXPECT_THAT(console, HasSubstr("\nseen 1\n"));
+  EXPECT_THAT(console, Not(HasSubstr("unseen")));
+}
+
+TEST(Log, ARestartEmptiesTheFileCountsAndKeepsTheSwitch) {
+  const DebugLayer layer;
+  ze_kest_Debug_Log(ZE_KEST_LEVEL_PRINT, "old\n");
+  Command("kest_log_restart");
+  EXPECT_THAT(ReadFile(kLogFile), Not(HasSubstr("old")));
+  EXPECT_THAT(LoggedBy([] { ze_kest_Debug_Log(ZE_KEST_LEVEL_ERR, "new\n"); }),
+              HasSubstr("[2023/06/01,01,1]"));
+
+  Command("kest_log_to_file=off");
+  Command("kest_log_restart");
+  ze_kest_Debug_Log(ZE_KEST_LEVEL_ERR, "while off\n");
+  EXPECT_EQ("", ReadFile(kLogFile));
+  Command("kest_log_to_file=on");
+  EXPECT_THAT(LoggedBy([] { ze_kest_Debug_Log(ZE_KEST_LEVEL_ERR, "x\n"); }), HasSubstr("[2023/06/01,01,2]"));
+}
+
+TEST(Log, AFileThatHasGrownTooLongIsRestartedAtA1000thMessage) {
+  const DebugLayer layer;
+  Command("kest_log_size=5000");
+  const auto logLines = [](int s32Count) {
+    for (int i = 0; i < s32Count; ++i)
+      ze_kest_Debug_Log(ZE_KEST_LEVEL_PRINT, "0123456789\n");
+  };
+  // The commands' own lines count too: between the 900th and the 999th message nothing is restarted yet.
+  logLines(900);
+  EXPECT_GT(std::filesystem::file_size(kLogFile), 9000u);
+  logLines(200);
+  EXPECT_LT(std::filesystem::file_size(kLogFile), 2200u);
+  EXPECT_THAT(LoggedBy([] { ze_kest_Debug_Log(ZE_KEST_LEVEL_ERR, "x\n"); }), HasSubstr("[2023/06/01,01,1]"));
+
+  // Below the size a 1000th message changes nothing.
+  Command("kest_log_size=1000000");
+  logLines(1000);
+  EXPECT_GT(std::filesystem::file_size(kLogFile), 11000u);
+}
+
+TEST(Log, LinesOfManyThreadsNeverInterleave) {
+  const DebugLayer layer;
+  Command("kest_log_restart");
+  constexpr int kThreads = 8;
+  constexpr int kLines = 200;
+  const std::string text(100, 'x');
+  std::vector<std::thread> threads;
+  for (int t = 0; t < kThreads; ++t) {
+    threads.emplace_back([&text] {
+      for (int i = 0; i < kLines; ++i)
+        ze_kest_Debug_Log(ZE_KEST_LEVEL_ERR, "%s|\n", text.c_str());
+    });
+  }
+  for (std::thread &thread : threads)
+    thread.join();
+
+  std::istringstream file(ReadFile(kLogFile));
+  int s32Whole = 0;
+  for (std::string line; std::getline(file, line);) {
+    if (line.find(text) == std::string::npos) continue;
+    EXPECT_THAT(line, testing::StartsWith("\033[1;31m"));
+    EXPECT_THAT(line, EndsWith("<ERR>\033[0m" + text + "|"));
+    ++s32Whole;
+  }
+  EXPECT_EQ(kThreads * kLines, s32Whole);
+}
+
+TEST(Log, AFileThatCannotBeOpenedIsReportedAndLoggingGoesOnWithoutIt) {
+  const DebugLayer layer;
+  const ReportCapture capture;
+  kest::_ZE_KEST_Debug_SetMode(kest::kLogToFile, 0);
+  std::filesystem::remove(kLogFile);
+  std::filesystem::create_directory(kLogFile);
+  EXPECT_EQ(ZE_KEST_FAILED, kest::_ZE_KEST_Debug_SetMode(kest::kLogToFile, 1));
+  EXPECT_TRUE(capture.Has("<ERR>", "Err! ze_kest_Utility_FileOpen failed!\n"));
+  EXPECT_EQ(ZE_KEST_INVALID_ARGUMENT, ze_kest_Debug_SetParameter("kest_log_restart"));
+  EXPECT_TRUE(capture.Has("<ERR>", "Err! fopen failed!\n"));
+  ze_kest_Debug_Log(ZE_KEST_LEVEL_ERR, "nowhere\n");
+
+  std::filesystem::remove_all(KEST_DEBUG_DIR);  // vanished altogether
+  EXPECT_EQ(ZE_KEST_FAILED, kest::_ZE_KEST_Debug_SetMode(kest::kLogToFile, 1));
+  std::filesystem::create_directories(KEST_DEBUG_DIR);
+}
+
+TEST(Log, AFailingWriteIsReportedToTheAndroidLogOnceAndDoesNotRecurse) {
+  const DebugLayer layer;
+  const ReportCapture capture;
+  ReplaceLogFileBy("/dev/full");
+  ze_kest_Debug_Log(ZE_KEST_LEVEL_ERR, "lost\n");
+  const std::vector<std::string> errors = capture.Texts("<ERR>");
+  EXPECT_EQ(1, std::count(errors.begin(), errors.end(), "Error! Fail to fflush()!\n"));
+  EXPECT_EQ("ze_kest_Debug_Log", capture.Reports().back().function);
+}
+
+TEST(Log, AnUnknownModeIsReportedAndNoFailure) {
+  const DebugLayer layer;
+  const ReportCapture capture;
+  EXPECT_EQ(ZE_KEST_OK, kest::_ZE_KEST_Debug_SetMode(2, 1));
+  EXPECT_TRUE(capture.Has("<ERR>", "Err! eMode(2) not found\n"));
+}
+
+TEST(LogToFile, WritesTheMessageAloneFlushedAndReportsAFailure) {
+  const std::string path = KEST_DEBUG_DIR "own";
+  FILE *pFile = fopen(path.c_str(), "w");
+  ze_kest_Utility_LogToFile(pFile, "%s %d\n", "line", 1);
+  EXPECT_EQ("line 1\n", ReadFile(path));
+  fclose(pFile);
+  ze_kest_Utility_LogToFile(nullptr, "nowhere\n");
+
+  const ReportCapture capture;
+  FILE *pFull = fopen("/dev/full", "w");
+  ze_kest_Utility_LogToFile(pFull, "lost\n");
+  EXPECT_EQ((std::vector<std::string>{"Error! Fail to fflush()!\n"}), capture.Texts("<ERR>"));
+  fclose(pFull);
+  FILE *pReadOnly = fopen(path.c_str(), "r");
+  ze_kest_Utility_LogToFile(pReadOnly, "refused\n");
+  EXPECT_TRUE(capture.Has("<ERR>", "Error! Fail to vfprintf()!\n"));
+  fclose(pReadOnly);
+}

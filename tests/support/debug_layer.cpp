@@ -1,0 +1,90 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "tests/support/debug_layer.h"
+
+#include <atomic>
+#include <chrono>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <thread>
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include "ze_kest/debug.h"
+
+namespace kest::test {
+
+DebugLayer::DebugLayer() {
+  EmptyDebugDirectory();
+  EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_Init());
+}
+
+DebugLayer::~DebugLayer() {
+  EXPECT_EQ(ZE_KEST_OK, ShutDown());
+}
+
+void EmptyDebugDirectory() {
+  std::filesystem::create_directories(KEST_DEBUG_DIR);
+  for (const auto &entry : std::filesystem::directory_iterator(KEST_DEBUG_DIR)) {
+    std::filesystem::remove_all(entry.path());
+  }
+}
+
+uint32_t ShutDown() {
+  std::atomic<bool> bDone{false};
+  std::thread poke([&bDone] {
+    while (!bDone) {
+      const int s32Fd = open(kPipe, O_WRONLY | O_NONBLOCK);
+      if (s32Fd >= 0) {
+        [[maybe_unused]] const ssize_t s32Written = write(s32Fd, "\n", 1);
+        close(s32Fd);
+      }
+      std::this_thread::sleep_for(std::chrono::milliseconds(2));
+    }
+  });
+  const uint32_t u32Result = ze_kest_Debug_DeInit();
+  bDone = true;
+  poke.join();
+  return u32Result;
+}
+
+void WriteToPipe(const std::string &bytes) {
+  int s32Fd = -1;
+  ASSERT_TRUE(WaitFor([&s32Fd] { return (s32Fd = open(kPipe, O_WRONLY | O_NONBLOCK)) >= 0; }));
+  EXPECT_EQ(static_cast<ssize_t>(bytes.size()), write(s32Fd, bytes.data(), bytes.size()));
+  close(s32Fd);
+}
+
+bool WaitFor(const std::function<bool()> &condition) {
+  const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(30);
+  while (!condition()) {
+    if (std::chrono::steady_clock::now() > deadline) return false;
+    std::this_thread::sleep_for(std::chrono::milliseconds(1));
+  }
+  return true;
+}
+
+std::string ReadFile(const std::string &path) {
+  std::ifstream file(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+}
+
+void WriteFile(const std::string &path, const std::string &contents) {
+  std::ofstream(path, std::ios::binary) << contents;
+}
+
+int InAnotherProcess(const std::function<void()> &function) {
+  const pid_t s32Pid = fork();
+  if (s32Pid == 0) {
+    function();
+    _exit(testing::Test::HasFailure() ? 1 : 0);
+  }
+  int s32Status = -1;
+  waitpid(s32Pid, &s32Status, 0);
+  return s32Status;
+}
+
+}  // namespace kest::test

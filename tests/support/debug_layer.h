@@ -1,0 +1,39 @@
+// SPDX-License-Identifier: Apache-2.0
+// The debug layer of this process, up for the length of a test, on an empty debug directory.
+#pragma once
+
+#include <functional>
+#include <string>
+
+namespace kest::test {
+
+constexpr const char *kLogFile = KEST_DEBUG_DIR "KestLog.txt";
+constexpr const char *kPipe = KEST_DEBUG_DIR "D";
+
+class DebugLayer {
+ public:
+  DebugLayer();
+  ~DebugLayer();
+  DebugLayer(const DebugLayer &) = delete;
+  DebugLayer &operator=(const DebugLayer &) = delete;
+};
+
+// Removes what earlier tests of this process left in the debug directory.
+void EmptyDebugDirectory();
+
+// ze_kest_Debug_DeInit, with lines written to the pipe until it returns.
+uint32_t ShutDown();
+
+// Writes bytes to the command pipe, once its reader is there.
+void WriteToPipe(const std::string &bytes);
+
+// Waits until the condition holds; false when it does not within a generous time.
+bool WaitFor(const std::function<bool()> &condition);
+
+std::string ReadFile(const std::string &path);
+void WriteFile(const std::string &path, const std::string &contents);
+
+// Runs the function in a process of its own; gives its exit status, 0 when every expectation held.
+int InAnotherProcess(const std::function<void()> &function);
+
+}  // namespace kest::test

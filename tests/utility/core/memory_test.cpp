@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <gtest/gtest.h>
+
+#include "ze_kest/utility.h"
+
+#include "tests/support/report_capture.h"
+
+using kest::test::ReportCapture;
+
+TEST(Memory, ABlockIsAllocatedAndReleasedAndItsPointerCleared) {
+  void *pv = nullptr;
+  ASSERT_EQ(ZE_KEST_OK, ze_kest_Utility_MemoryAlloc(&pv, 16));
+  pv = ze_kest_Utility_MemoryReAlloc(pv, 4096);
+  ASSERT_NE(nullptr, pv);
+  EXPECT_EQ(ZE_KEST_OK, ze_kest_Utility_MemoryFree(&pv));
+  EXPECT_EQ(nullptr, pv);
+}
+
+TEST(Memory, AnImpossibleRequestIsReportedAndLeavesNull) {
+  const ReportCapture capture;
+  int s32Anything = 0;
+  for (const size_t sztSize : {size_t{0}, SIZE_MAX / 2}) {
+    void *pv = &s32Anything;
+    EXPECT_EQ(ZE_KEST_FAILED, ze_kest_Utility_MemoryAlloc(&pv, sztSize));
+    EXPECT_EQ(nullptr, pv);
+  }
+  void *pvNull = nullptr;
+  EXPECT_EQ(ZE_KEST_FAILED, ze_kest_Utility_MemoryFree(&pvNull));
+  EXPECT_EQ(ZE_KEST_INVALID_ARGUMENT, ze_kest_Utility_MemoryAlloc(nullptr, 1));
+  EXPECT_EQ(ZE_KEST_INVALID_ARGUMENT, ze_kest_Utility_MemoryFree(nullptr));
+  const std::vector<std::string> expected = {"Error! MALLOC error! \n", "Error! MALLOC error! \n",
+                                             "Error! FREE error! \n", "ppvOut is NULL.\n",
+                                             "ppvInOut is NULL.\n"};
+  EXPECT_EQ(expected, capture.Texts("<ERR>"));
+}

@@ -1,0 +1,166 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <algorithm>
+#include <cstring>
+#include <filesystem>
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "ze_kest/utility.h"
+
+#include "tests/support/debug_layer.h"
+#include "tests/support/report_capture.h"
+
+using kest::test::InAnotherProcess;
+using kest::test::ReportCapture;
+
+namespace {
+
+constexpr const char *kBlockFile = KEST_DEBUG_DIR "shm_blk";
+constexpr const char *kLockFile = KEST_DEBUG_DIR "shm_flock_blk";
+
+struct Block {
+  int s32Fd = -1;
+  int s32LockFd = -1;
+  void *pvAddr = nullptr;
+
+  uint32_t Alloc(const char *pszName = "blk") {
+    return ze_kest_Utility_ShmAlloc(pszName, &s32Fd, &s32LockFd, &pvAddr);
+  }
+  [[nodiscard]] uint32_t Free(const char *pszName = "blk") const {
+    return ze_kest_Utility_ShmFree(pszName, &s32Fd, &s32LockFd, pvAddr);
+  }
+  [[nodiscard]] char *Text() const { return static_cast<char *>(pvAddr); }
+};
+
+unsigned int ModeOf(const char *pszPath) {
+  struct stat stFile = {};
+  EXPECT_EQ(0, stat(pszPath, &stFile)) << pszPath;
+  return stFile.st_mode & 0777u;
+}
+
+class Shm : public testing::Test {
+ protected:
+  void SetUp() override { kest::test::EmptyDebugDirectory(); }
+};
+
+}  // namespace
+
+TEST_F(Shm, ANewBlockIsZeroedSharedByAllUsersAndLeavesItsUmask) {
+  umask(0137);
+  Block block;
+  ASSERT_EQ(ZE_KEST_OK, block.Alloc());
+  EXPECT_EQ(077u, umask(022));
+  EXPECT_EQ(0666u, ModeOf(kBlockFile));
+  EXPECT_EQ(0666u, ModeOf(kLockFile));
+  EXPECT_EQ(3072u, std::filesystem::file_size(kBlockFile));
+  EXPECT_TRUE(std::all_of(block.Text(), block.Text() + ZE_KEST_SHM_SIZE, [](char c) { return c == 0; }));
+  EXPECT_EQ(ZE_KEST_OK, block.Free());
+  EXPECT_FALSE(std::filesystem::exists(kBlockFile));
+  EXPECT_FALSE(std::filesystem::exists(kLockFile));
+}
+
+TEST_F(Shm, AnotherProcessSeesTheContentsAndWritesThem) {
+  Block block;
+  ASSERT_EQ(ZE_KEST_OK, block.Alloc());
+  strcpy(block.Text(), "from the first");
+  EXPECT_EQ(0, InAnotherProcess([] {
+              const ReportCapture capture;
+              Block other;
+              EXPECT_EQ(ZE_KEST_OK, other.Alloc());
+              EXPECT_STREQ("from the first", other.Text());
+              EXPECT_TRUE(capture.Has("<INFO>", "bNewCreate=0\n"));
+              strcpy(other.Text(), "from the second");
+            }));
+  EXPECT_STREQ("from the second", block.Text());
+  EXPECT_EQ(ZE_KEST_OK, block.Free());
+}
+
+TEST_F(Shm, AFreedBlockStaysMappedForOthersAndItsNameStartsAnew) {
+  Block first;
+  ASSERT_EQ(ZE_KEST_OK, first.Alloc());
+  strcpy(first.Text(), "old");
+  EXPECT_EQ(0, InAnotherProcess([] {
+              Block other;
+              EXPECT_EQ(ZE_KEST_OK, other.Alloc());
+              EXPECT_EQ(ZE_KEST_OK, other.Free());
+            }));
+  EXPECT_STREQ("old", first.Text());
+  Block second;
+  ASSERT_EQ(ZE_KEST_OK, second.Alloc());
+  EXPECT_EQ(0, second.Text()[0]);
+  EXPECT_EQ(ZE_KEST_OK, second.Free());
+
+  const ReportCapture capture;
+  EXPECT_EQ(ZE_KEST_OK, first.Free());
+  const std::vector<std::string> expected = {
+      std::string("Err! unlink ") + kLockFile + " fails, errno=No such file or directory\n",
+      std::string("Err! unlink ") + kBlockFile + " fails, errno=No such file or directory\n"};
+  EXPECT_EQ(expected, capture.Texts("<ERR>"));
+}
+
+// A dangling link is not found by the plain open and is there for the exclusive one: what the loser of two
+// creators meets.
+TEST_F(Shm, TheLoserOfACreateRaceFails) {
+  std::filesystem::create_symlink("nowhere", kBlockFile);
+  const ReportCapture capture;
+  Block block;
+  EXPECT_EQ(ZE_KEST_NOT_INITIALISED, block.Alloc());
+  EXPECT_TRUE(capture.Has(
+      "<ERR>", std::string("Err! Shm create (") + kBlockFile + ") return -1, errno=(17, File exists)\n"));
+  EXPECT_EQ("ze_kest_Utility_ShmAlloc", capture.Reports().back().function);
+}
+
+TEST_F(Shm, WhatCannotBeOpenedFailsWithItsReport) {
+  const ReportCapture capture;
+  Block block;
+  std::filesystem::create_directory(kBlockFile);
+  EXPECT_EQ(ZE_KEST_NOT_INITIALISED, block.Alloc());
+  EXPECT_TRUE(capture.Has(
+      "<ERR>", std::string("Err! Shm init (") + kBlockFile + ") return -1, errno=(21, Is a directory)\n"));
+  std::filesystem::remove(kBlockFile);
+
+  std::filesystem::create_directory(kLockFile);
+  EXPECT_EQ(ZE_KEST_NOT_INITIALISED, block.Alloc());
+  EXPECT_EQ(nullptr, block.pvAddr);
+  EXPECT_FALSE(std::filesystem::exists(kBlockFile));
+  EXPECT_TRUE(capture.Has(
+      "<ERR>", std::string("Err! file lock path ") + kLockFile + ", return -1, errno=Is a directory\n"));
+
+  // A device can be opened and not sized, and is removed.
+  std::filesystem::create_symlink("/dev/null", kBlockFile);
+  EXPECT_EQ(ZE_KEST_NOT_INITIALISED, block.Alloc());
+  EXPECT_FALSE(std::filesystem::is_symlink(kBlockFile));
+  EXPECT_TRUE(capture.Has("<ERR>", "Err! ftruncate fails, errno=Invalid argument\n"));
+
+  std::filesystem::remove_all(KEST_DEBUG_DIR);
+  EXPECT_EQ(ZE_KEST_NOT_INITIALISED, block.Alloc());
+  EXPECT_TRUE(capture.Has("<ERR>", "errno=(2, No such file or directory)\n"));
+}
+
+TEST_F(Shm, ANameThatIsTooLongIsCut) {
+  const std::string longName(200, 'n');
+  Block block;
+  ASSERT_EQ(ZE_KEST_OK, block.Alloc(longName.c_str()));
+  const std::string path = (KEST_DEBUG_DIR "shm_" + longName).substr(0, 127);
+  EXPECT_TRUE(std::filesystem::exists(path));
+  EXPECT_EQ(ZE_KEST_OK, block.Free(longName.c_str()));
+  EXPECT_FALSE(std::filesystem::exists(path));
+}
+
+TEST_F(Shm, MissingArgumentsAreReportedAndAnswered) {
+  const ReportCapture capture;
+  Block block;
+  EXPECT_EQ(ZE_KEST_INVALID_ARGUMENT, block.Alloc(nullptr));
+  EXPECT_EQ(ZE_KEST_INVALID_ARGUMENT,
+            ze_kest_Utility_ShmAlloc("n", nullptr, &block.s32LockFd, &block.pvAddr));
+  EXPECT_EQ(ZE_KEST_INVALID_ARGUMENT, ze_kest_Utility_ShmAlloc("n", &block.s32Fd, nullptr, &block.pvAddr));
+  EXPECT_EQ(ZE_KEST_INVALID_ARGUMENT, ze_kest_Utility_ShmAlloc("n", &block.s32Fd, &block.s32LockFd, nullptr));
+  EXPECT_EQ(ZE_KEST_INVALID_ARGUMENT, block.Free(nullptr));
+  EXPECT_EQ(ZE_KEST_INVALID_ARGUMENT, ze_kest_Utility_ShmFree("n", nullptr, &block.s32LockFd, &block));
+  EXPECT_EQ(ZE_KEST_INVALID_ARGUMENT, ze_kest_Utility_ShmFree("n", &block.s32Fd, nullptr, &block));
+  EXPECT_EQ(ZE_KEST_INVALID_ARGUMENT, block.Free());
+  EXPECT_EQ(8u, capture.Texts("<ERR>").size());
+  EXPECT_FALSE(std::filesystem::exists(KEST_DEBUG_DIR "shm_n"));
+}

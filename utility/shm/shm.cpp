@@ -1,0 +1,156 @@
+// SPDX-License-Identifier: Apache-2.0
+// Named blocks of memory shared between processes: a mapped file with a lock file beside it.
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "ze_kest/utility.h"
+
+#include "utility/core/debug_dir.h"
+#include "utility/core/report.h"
+
+namespace {
+
+constexpr const char *kAlloc = "ze_kest_Utility_ShmAlloc";
+constexpr const char *kFree = "ze_kest_Utility_ShmFree";
+constexpr const char *kBlockPrefix = KEST_DEBUG_PATH("shm_");
+constexpr const char *kLockPrefix = KEST_DEBUG_PATH("shm_flock_");
+
+using ShmPath = char[128];
+
+// A name that is too long is cut; only a formatting error fails.
+bool FormatPath(ShmPath &szPath, const char *pszPrefix, const char *pszName) {
+  return snprintf(szPath, sizeof(szPath), "%s%s", pszPrefix, pszName) >= 0;
+}
+
+// Creates a file that every process may open, whatever the umask; it is 077 afterwards, not the earlier one,
+// on purpose.
+int CreateForAll(const char *pszPath, int s32ExtraFlags) {
+  umask(0);
+  const int s32Fd = open(pszPath, O_RDWR | O_CREAT | O_CLOEXEC | s32ExtraFlags, 0666);
+  const int s32Error = errno;
+  umask(077);
+  errno = s32Error;
+  return s32Fd;
+}
+
+void RemoveFile(const char *pszFunction, const char *pszPath) {
+  if (unlink(pszPath) == 0) return;
+  const int s32Error = errno;
+  KEST_ERR_AS(pszFunction, "Err! unlink %s fails, errno=%s\n", pszPath, kest::ErrorText(s32Error).c_str());
+}
+
+void DiscardBlock(int s32Fd, const char *pszPath) {
+  close(s32Fd);
+  RemoveFile(kAlloc, pszPath);
+}
+
+// Opens the block's file, or creates it: of two processes that create it at once, one wins and one fails.
+bool OpenBlock(const char *pszPath, int *ps32Fd, bool *pbCreated) {
+  *pbCreated = false;
+  *ps32Fd = open(pszPath, O_RDWR | O_CLOEXEC);
+  const int s32OpenError = errno;
+  KEST_INFO_AS(kAlloc, "Open an existed shared memory=%d\n", *ps32Fd);
+  if (*ps32Fd >= 0) return true;
+  if (s32OpenError != ENOENT) {
+    KEST_ERR_AS(kAlloc, "Err! Shm init (%s) return %d, errno=(%d, %s)\n", pszPath, *ps32Fd, s32OpenError,
+                kest::ErrorText(s32OpenError).c_str());
+    return false;
+  }
+
+  KEST_INFO_AS(kAlloc, "Shm open (%s) return %d, errno=(%d, %s), try to create\n", pszPath, *ps32Fd,
+               s32OpenError, kest::ErrorText(s32OpenError).c_str());
+  *ps32Fd = CreateForAll(pszPath, O_EXCL);
+  *pbCreated = *ps32Fd >= 0;
+  if (*pbCreated) return true;
+  const int s32CreateError = errno;
+  KEST_ERR_AS(kAlloc, "Err! Shm create (%s) return %d, errno=(%d, %s)\n", pszPath, *ps32Fd, s32CreateError,
+              kest::ErrorText(s32CreateError).c_str());
+  return false;
+}
+
+bool MapBlock(int s32Fd, bool bCreated, void **ppvAddr) {
+  if (ftruncate(s32Fd, ZE_KEST_SHM_SIZE) != 0) {
+    const int s32Error = errno;
+    KEST_ERR_AS(kAlloc, "Err! ftruncate fails, errno=%s\n", kest::ErrorText(s32Error).c_str());
+    return false;
+  }
+  *ppvAddr = mmap(nullptr, ZE_KEST_SHM_SIZE, PROT_READ | PROT_WRITE, MAP_SHARED, s32Fd, 0);
+  if (*ppvAddr == MAP_FAILED) {
+    KEST_ERR_AS(kAlloc, "Err! mmap fails\n");
+    return false;
+  }
+  KEST_INFO_AS(kAlloc, "mmap=%p, bNewCreate=%d\n", *ppvAddr, bCreated ? 1 : 0);
+  if (bCreated) memset(*ppvAddr, 0, ZE_KEST_SHM_SIZE);
+  return true;
+}
+
+bool OpenLock(const char *pszPath, int *ps32Fd) {
+  *ps32Fd = open(pszPath, O_RDWR | O_CLOEXEC);
+  int s32Error = errno;
+  KEST_INFO_AS(kAlloc, "Open an existed flock shared memory=%d\n", *ps32Fd);
+  if (*ps32Fd < 0 && s32Error == ENOENT) {
+    KEST_INFO_AS(kAlloc, "FlockShm open (%s) return %d, errno=(%d, %s), try to create\n", pszPath, *ps32Fd,
+                 s32Error, kest::ErrorText(s32Error).c_str());
+    *ps32Fd = CreateForAll(pszPath, 0);
+    s32Error = errno;
+  }
+  if (*ps32Fd >= 0) return true;
+  KEST_ERR_AS(kAlloc, "Err! file lock path %s, return %d, errno=%s\n", pszPath, *ps32Fd,
+              kest::ErrorText(s32Error).c_str());
+  return false;
+}
+
+}  // namespace
+
+uint32_t ze_kest_Utility_ShmAlloc(const char *pszName, int *ps32ShmFd, int *ps32LockFd, void **ppvAddr) {
+  KEST_REQUIRE(pszName != nullptr, "pszName is NULL.\n");
+  KEST_REQUIRE(ps32ShmFd != nullptr, "ps32ShmFd is NULL.\n");
+  KEST_REQUIRE(ps32LockFd != nullptr, "ps32LockFd is NULL.\n");
+  KEST_REQUIRE(ppvAddr != nullptr, "ppvAddr is NULL.\n");
+
+  ShmPath szBlock;
+  if (!FormatPath(szBlock, kBlockPrefix, pszName)) return ZE_KEST_NOTHING_TO_PROCESS;
+  bool bCreated = false;
+  if (!OpenBlock(szBlock, ps32ShmFd, &bCreated)) return ZE_KEST_NOT_INITIALISED;
+  KEST_INFO("ShmPath=%s, ShmFd=%d\n", szBlock, *ps32ShmFd);
+  // A file that cannot be used is removed even if it was there before.
+  if (!MapBlock(*ps32ShmFd, bCreated, ppvAddr)) {
+    DiscardBlock(*ps32ShmFd, szBlock);
+    return ZE_KEST_NOT_INITIALISED;
+  }
+
+  ShmPath szLock;
+  if (!FormatPath(szLock, kLockPrefix, pszName)) return ZE_KEST_NOTHING_TO_PROCESS;
+  if (!OpenLock(szLock, ps32LockFd)) {
+    DiscardBlock(*ps32ShmFd, szBlock);
+    munmap(*ppvAddr, ZE_KEST_SHM_SIZE);
+    *ppvAddr = nullptr;
+    return ZE_KEST_NOT_INITIALISED;
+  }
+  KEST_INFO("ShmFlockPath=%s, lockFd=%d\n", szLock, *ps32LockFd);
+  return ZE_KEST_OK;
+}
+
+uint32_t ze_kest_Utility_ShmFree(const char *pszName, const int *ps32ShmFd, const int *ps32LockFd,
+                                 void *pvAddr) {
+  KEST_REQUIRE(pszName != nullptr, "pszName is NULL.\n");
+  KEST_REQUIRE(ps32ShmFd != nullptr, "ps32ShmFd is NULL.\n");
+  KEST_REQUIRE(ps32LockFd != nullptr, "ps32LockFd is NULL.\n");
+  KEST_REQUIRE(pvAddr != nullptr, "pvAddr is NULL.\n");
+
+  ShmPath szPath;
+  close(*ps32LockFd);
+  if (!FormatPath(szPath, kLockPrefix, pszName)) return ZE_KEST_FAILED;
+  RemoveFile(kFree, szPath);
+  close(*ps32ShmFd);
+  if (!FormatPath(szPath, kBlockPrefix, pszName)) return ZE_KEST_FAILED;
+  RemoveFile(kFree, szPath);
+  munmap(pvAddr, ZE_KEST_SHM_SIZE);
+  return ZE_KEST_OK;
+}
