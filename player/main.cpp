@@ -1,0 +1,76 @@
+// SPDX-License-Identifier: Apache-2.0
+// kest-player: plays audio files through pipelines of filters that work through the library.
+#include <csignal>
+#include <cstdio>
+#include <ctime>
+#include <iostream>
+
+#include <android/log.h>
+#include <unistd.h>
+
+#include "player/debug_session.h"
+#include "player/options.h"
+#include "player/playback.h"
+
+namespace kest::player {
+namespace {
+
+constexpr timespec kProgressPeriod = {0, 50 * 1000 * 1000};
+
+// The signals that end a run, blocked in every thread and taken by the main thread alone.
+sigset_t BlockEndSignals() {
+  sigset_t set;
+  sigemptyset(&set);
+  sigaddset(&set, SIGINT);
+  sigaddset(&set, SIGTERM);
+  pthread_sigmask(SIG_BLOCK, &set, nullptr);
+  return set;
+}
+
+void DirectAndroidLog(bool show) {
+  if (show) {
+    __android_log_set_logger(__android_log_stderr_logger);
+  } else {
+    __android_log_set_logger([](const __android_logger_data *, const char *) {});
+  }
+}
+
+void WaitForEnd(Playback &playback, const sigset_t &endSignals, bool showProgress) {
+  while (!playback.HasEnded()) {
+    if (sigtimedwait(&endSignals, nullptr, &kProgressPeriod) > 0) playback.RequestStop();
+    if (showProgress) std::fprintf(stderr, "\r%.1f s ", playback.SecondsPlayed());
+  }
+  if (showProgress) std::fprintf(stderr, "\r        \r");
+}
+
+void Play(const Options &options, const sigset_t &endSignals) {
+  Playback playback(options);
+  playback.Start();
+  WaitForEnd(playback, endSignals, isatty(STDERR_FILENO) != 0 && !options.logcat);
+  playback.Finish();
+  std::cout << playback.Summary() << std::endl;
+}
+
+int Main(int argc, char **argv) {
+  const auto parsed = ParseOptions(argc, argv);
+  if (const int *exitCode = std::get_if<int>(&parsed)) return *exitCode;
+  const Options &options = std::get<Options>(parsed);
+
+  const sigset_t endSignals = BlockEndSignals();
+  DirectAndroidLog(options.logcat);
+  const DebugSession session;
+  try {
+    Play(options, endSignals);
+  } catch (const std::exception &error) {
+    std::cerr << "kest-player: " << error.what() << "\n";
+    return 1;
+  }
+  return 0;
+}
+
+}  // namespace
+}  // namespace kest::player
+
+int main(int argc, char **argv) {
+  return kest::player::Main(argc, argv);
+}
