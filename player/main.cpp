@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // kest-player: plays audio files through pipelines of filters that work through the library.
+#include <algorithm>
 #include <csignal>
 #include <cstdio>
 #include <ctime>
@@ -15,7 +16,7 @@
 namespace kest::player {
 namespace {
 
-constexpr timespec kProgressPeriod = {0, 50 * 1000 * 1000};
+constexpr timespec kWatchPeriod = {0, 20 * 1000 * 1000};
 
 // The signals that end a run, blocked in every thread and taken by the main thread alone.
 sigset_t BlockEndSignals() {
@@ -27,17 +28,16 @@ sigset_t BlockEndSignals() {
   return set;
 }
 
-void DirectAndroidLog(bool show) {
-  if (show) {
-    __android_log_set_logger(__android_log_stderr_logger);
-  } else {
-    __android_log_set_logger([](const __android_logger_data *, const char *) {});
-  }
+void LogToStderr(const __android_logger_data *data, const char *message) {
+  constexpr const char *kPriorities = "??VDIWEF";
+  std::fprintf(stderr, "%c %s %s", kPriorities[std::clamp(data->priority, 0, 7)], data->tag, message);
 }
+
+void LogNowhere(const __android_logger_data *, const char *) {}
 
 void WaitForEnd(Playback &playback, const sigset_t &endSignals, bool showProgress) {
   while (!playback.HasEnded()) {
-    if (sigtimedwait(&endSignals, nullptr, &kProgressPeriod) > 0) playback.RequestStop();
+    if (sigtimedwait(&endSignals, nullptr, &kWatchPeriod) > 0) playback.RequestStop();
     if (showProgress) std::fprintf(stderr, "\r%.1f s ", playback.SecondsPlayed());
   }
   if (showProgress) std::fprintf(stderr, "\r        \r");
@@ -57,7 +57,7 @@ int Main(int argc, char **argv) {
   const Options &options = std::get<Options>(parsed);
 
   const sigset_t endSignals = BlockEndSignals();
-  DirectAndroidLog(options.logcat);
+  __android_log_set_logger(options.logcat ? LogToStderr : LogNowhere);
   const DebugSession session;
   try {
     Play(options, endSignals);
