@@ -29,17 +29,31 @@ constexpr const char *kFooter =
     "Exit code: 0 played, also when ended by SIGINT or SIGTERM; 1 an error; 2 a wrong\n"
     "command line.";
 
+class HelpFormatter : public CLI::Formatter {
+ public:
+  std::string make_usage(const CLI::App *, std::string) const override {
+    return "\nUsage: kest-player IN... -o OUT.wav [OPTIONS]\n";
+  }
+};
+
+std::string CheckSeconds(const std::string &text) {
+  double seconds = 0.0;
+  const bool isNumber = CLI::detail::lexical_cast(text, seconds);
+  return isNumber && seconds >= 0.001 && seconds <= 1e9 ? "" : text + " is not 0.001 to 1000000000 seconds";
+}
+
 void AddOptions(CLI::App &app, Options &options) {
   app.add_option("IN", options.inputs, "Audio files that libsndfile reads, such as WAV, FLAC and OGG")
       ->required()
-      ->expected(1, ZE_KEST_MAX_PORTS);
+      ->expected(1, ZE_KEST_MAX_PORTS)
+      ->type_name("FILE");
   app.add_option("-o,--output", options.output, "WAV file to write; overwritten when it exists")
       ->required()
       ->type_name("OUT.wav");
   app.add_flag("--fast", options.fast, "Play as fast as possible instead of in real time");
   app.add_flag("--loop", options.loop, "Begin an input anew when it has ended");
   app.add_option("--seconds", options.seconds, "End after so many seconds of output")
-      ->check(CLI::PositiveNumber)
+      ->check(CheckSeconds)
       ->type_name("N");
   app.add_option("--gain-db", options.gainDb, "Gain of every input, whole decibels")
       ->check(CLI::Range(Volume::kMinGainDb, Volume::kMaxGainDb))
@@ -62,6 +76,7 @@ void RefuseEndlessFastRun(const Options &options) {
 std::variant<Options, int> ParseOptions(int argc, const char *const *argv) {
   CLI::App app(kDescription, "kest-player");
   app.footer(kFooter);
+  app.formatter(std::make_shared<HelpFormatter>());
   Options options;
   AddOptions(app, options);
   try {

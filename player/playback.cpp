@@ -70,8 +70,7 @@ PcmFormat CommonFormat(const std::vector<AudioReader> &readers) {
 
 uint64_t FrameLimit(const Options &options, uint32_t sampleRate) {
   if (!options.seconds) return SpeakerOutput::kNoLimit;
-  const double frames = std::ceil(*options.seconds * sampleRate);
-  return frames < 1e18 ? static_cast<uint64_t>(frames) : SpeakerOutput::kNoLimit;
+  return static_cast<uint64_t>(std::ceil(*options.seconds * sampleRate));
 }
 
 }  // namespace

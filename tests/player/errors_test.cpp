@@ -88,6 +88,7 @@ TEST(PlayerErrors, AWrongCommandLineHasItsOwnExitCode) {
                                                               {kRecording, "-o", kOut, "--gain-db", "54"},
                                                               {kRecording, "-o", kOut, "--delay-ms", "1001"},
                                                               {kRecording, "-o", kOut, "--seconds", "0"},
+                                                              {kRecording, "-o", kOut, "--seconds", "nan"},
                                                               {kRecording, "-o", kOut, "--fast", "--loop"},
                                                               std::vector<std::string>(9, kRecording)};
   for (const auto &arguments : commandLines) {

@@ -5,11 +5,14 @@
 #include "player/filters/delay.h"
 #include "player/filters/metadata_counter.h"
 #include "player/filters/volume.h"
+#include "tests/player/port_access.h"
 
 namespace kest::player {
 namespace {
 
-constexpr PcmFormat kMono = {1, 48000, 32};
+using test::BlockAt;
+using test::kMono;
+using test::SampleAt;
 
 // A filter between two ports. The input counts up from 1, with its metadata.
 class Bench {
@@ -32,15 +35,13 @@ class Bench {
 
   void WriteInput() {
     ZE_KEST_PcmBuffer_s &pcm = in_.Record().stPcm;
-    auto *ring = reinterpret_cast<int32_t *>(pcm.apu8PcmGroupBuf[0]);
     for (uint32_t i = 0; i < kCycleFrames; ++i) {
-      ring[(pcm.sztPcmReadOffset + pcm.sztPcmLevel + i) % pcm.sztPcmRingSamples] = ++lastSample_;
+      SampleAt(in_, pcm.sztPcmLevel + i) = ++lastSample_;
     }
     pcm.sztPcmWriteSize = kCycleFrames;
 
     ZE_KEST_DataBuffer_s &metadata = in_.Record().stMeta;
-    const uint32_t position = (metadata.sztReadOffset + metadata.sztLevel) % metadata.sztSize;
-    *reinterpret_cast<MetadataBlock *>(metadata.pu8Buf + position) = {
+    BlockAt(in_, metadata.sztLevel) = {
         1, kMetadataPayloadBytes, {}, blocks_, blocks_ * ZE_KEST_METADATA_SAMPLES};
     ++blocks_;
     metadata.sztWriteSize = kMetadataBlockBytes;
@@ -54,16 +55,14 @@ class Bench {
  private:
   void TakeOutput(std::vector<int32_t> &played) {
     ZE_KEST_PcmBuffer_s &pcm = out_.Record().stPcm;
-    const auto *ring = reinterpret_cast<int32_t *>(pcm.apu8PcmGroupBuf[0]);
     for (uint32_t i = 0; i < pcm.sztPcmLevel; ++i) {
-      played.push_back(ring[(pcm.sztPcmReadOffset + i) % pcm.sztPcmRingSamples]);
+      played.push_back(SampleAt(out_, i));
     }
     pcm.sztPcmReadSize = pcm.sztPcmLevel;
 
     ZE_KEST_DataBuffer_s &metadata = out_.Record().stMeta;
     for (uint32_t offset = 0; offset < metadata.sztLevel; offset += kMetadataBlockBytes) {
-      const uint32_t position = (metadata.sztReadOffset + offset) % metadata.sztSize;
-      metadata_.Count(*reinterpret_cast<MetadataBlock *>(metadata.pu8Buf + position));
+      metadata_.Count(BlockAt(out_, offset));
     }
     metadata.sztReadSize = metadata.sztLevel;
     out_.ReleaseRead();

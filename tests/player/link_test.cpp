@@ -5,28 +5,24 @@
 
 #include <gtest/gtest.h>
 
-#include "ze_kest/utility.h"
-
-#include "player/framework/metadata_block.h"
 #include "player/framework/pipeline_link.h"
+#include "tests/player/port_access.h"
 
 namespace kest::player {
 namespace {
 
 using Supply = PipelineLink::Supply;
 
-constexpr PcmFormat kMono = {1, 48000, 32};
-constexpr std::chrono::microseconds kNoPatience{0};
+using test::kMono;
+using test::SampleAt;
 
-int32_t *Ring(PortStorage &port) {
-  return reinterpret_cast<int32_t *>(port.Record().stPcm.apu8PcmGroupBuf[0]);
-}
+constexpr std::chrono::microseconds kNoPatience{0};
 
 // Appends consecutive numbers.
 void Fill(PortStorage &port, uint32_t frames, int32_t &next) {
   ZE_KEST_PcmBuffer_s &pcm = port.Record().stPcm;
   for (uint32_t i = 0; i < frames; ++i) {
-    Ring(port)[(pcm.sztPcmReadOffset + pcm.sztPcmLevel + i) % pcm.sztPcmRingSamples] = next++;
+    SampleAt(port, pcm.sztPcmLevel + i) = next++;
   }
   pcm.sztPcmWriteSize = frames;
   port.Record().stMeta.sztWriteSize = frames / ZE_KEST_METADATA_SAMPLES * kMetadataBlockBytes;
@@ -37,7 +33,7 @@ void Fill(PortStorage &port, uint32_t frames, int32_t &next) {
 void Drain(PortStorage &port, int32_t &expected) {
   ZE_KEST_PcmBuffer_s &pcm = port.Record().stPcm;
   for (uint32_t i = 0; i < pcm.sztPcmLevel; ++i) {
-    ASSERT_EQ(expected++, Ring(port)[(pcm.sztPcmReadOffset + i) % pcm.sztPcmRingSamples]);
+    ASSERT_EQ(expected++, SampleAt(port, i));
   }
   pcm.sztPcmReadSize = pcm.sztPcmLevel;
   port.Record().stMeta.sztReadSize = port.MetadataBytesHeld();

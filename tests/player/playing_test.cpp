@@ -39,6 +39,10 @@ struct Case {
   int outputFormat;
 };
 
+void PrintTo(const Case &file, std::ostream *stream) {
+  *stream << file.name;
+}
+
 class PlayerExactness : public testing::TestWithParam<Case> {};
 
 TEST_P(PlayerExactness, TheOutputHoldsEverySampleOfTheInput) {
