@@ -85,7 +85,8 @@ uint32_t AudioReader::ReadFloatingPoint(int32_t *interleaved, uint32_t frames) {
   while (done < frames) {
     const uint32_t wanted = std::min(frames - done, chunkFrames);
     const uint32_t got = Checked(sf_readf_double(file_.get(), chunk.data(), wanted), wanted);
-    interleaved = std::transform(chunk.begin(), chunk.begin() + got * Channels(), interleaved, ToFixedPoint);
+    interleaved =
+        std::transform(chunk.begin(), chunk.begin() + ptrdiff_t{got} * Channels(), interleaved, ToFixedPoint);
     done += got;
     if (got < wanted) break;
   }

@@ -16,7 +16,7 @@
 namespace kest::player {
 namespace {
 
-constexpr timespec kWatchPeriod = {0, 20 * 1000 * 1000};
+constexpr timespec kWatchPeriod = {0, 20'000'000};
 
 // The signals that end a run, blocked in every thread and taken by the main thread alone.
 sigset_t BlockEndSignals() {
@@ -59,12 +59,7 @@ int Main(int argc, char **argv) {
   const sigset_t endSignals = BlockEndSignals();
   __android_log_set_logger(options.logcat ? LogToStderr : LogNowhere);
   const DebugSession session;
-  try {
-    Play(options, endSignals);
-  } catch (const std::exception &error) {
-    std::cerr << "kest-player: " << error.what() << "\n";
-    return 1;
-  }
+  Play(options, endSignals);
   return 0;
 }
 
@@ -72,5 +67,10 @@ int Main(int argc, char **argv) {
 }  // namespace kest::player
 
 int main(int argc, char **argv) {
-  return kest::player::Main(argc, argv);
+  try {
+    return kest::player::Main(argc, argv);
+  } catch (const std::exception &error) {
+    std::fprintf(stderr, "kest-player: %s\n", error.what());
+    return 1;
+  }
 }

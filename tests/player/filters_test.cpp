@@ -76,6 +76,8 @@ class Bench {
   MetadataCounter metadata_;
 };
 
+constexpr size_t kCycle = kCycleFrames;
+
 // What the frames of a run should hold: silence, then numbers from the first on.
 std::vector<int32_t> SilenceThenNumbers(size_t silence, int32_t first, size_t frames) {
   std::vector<int32_t> expected(frames, 0);
@@ -89,11 +91,11 @@ TEST(Delay, ChangesWhileItRuns) {
   Delay delay(kMono);
   Bench bench(delay);
   delay.SetDelayMs(10);
-  EXPECT_EQ(SilenceThenNumbers(480, 1, 3 * 256), bench.Run(3));
+  EXPECT_EQ(SilenceThenNumbers(480, 1, 3 * kCycle), bench.Run(3));
   delay.SetDelayMs(20);  // 288 frames have come out
-  EXPECT_EQ(SilenceThenNumbers(480, 289, 4 * 256), bench.Run(4));
+  EXPECT_EQ(SilenceThenNumbers(480, 289, 4 * kCycle), bench.Run(4));
   delay.SetDelayMs(5);  // 544 more have come out, 720 are skipped
-  EXPECT_EQ(SilenceThenNumbers(0, 1553, 2 * 256), bench.Run(2));
+  EXPECT_EQ(SilenceThenNumbers(0, 1553, 2 * kCycle), bench.Run(2));
   EXPECT_EQ(SilenceThenNumbers(0, 2065, 240), bench.Run(2, true));
   EXPECT_TRUE(delay.Ended());
   EXPECT_EQ(bench.BlocksWritten(), bench.Metadata().Blocks());
@@ -107,7 +109,7 @@ TEST(Delay, DropsALongDelayWithoutLosingMetadata) {
   EXPECT_EQ(1000u, delay.DelayMs());
   bench.Run(200);
   delay.SetDelayMs(0);
-  EXPECT_EQ(SilenceThenNumbers(0, 200 * 256 + 1, 100 * 256), bench.Run(100));
+  EXPECT_EQ(SilenceThenNumbers(0, 200 * 256 + 1, 100 * kCycle), bench.Run(100));
   EXPECT_EQ(bench.BlocksWritten(), bench.Metadata().Blocks());
   EXPECT_EQ(0u, bench.Metadata().OutOfOrder());
 }
@@ -135,7 +137,7 @@ TEST(Filter, CountsAnOutputWithoutRoomAndKeepsItsInput) {
   EXPECT_EQ(0u, bench.OutputPcm().u64PcmXrunCount);
   volume.RunCycle(false);
   EXPECT_EQ(1u, bench.OutputPcm().u64PcmXrunCount);
-  EXPECT_EQ(SilenceThenNumbers(0, 1, 4 * 256), bench.Run(2, true));
+  EXPECT_EQ(SilenceThenNumbers(0, 1, 4 * kCycle), bench.Run(2, true));
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "tests/player/player_process.h"
 
+#include <algorithm>
 #include <fstream>
 #include <sstream>
 
@@ -32,10 +33,9 @@ std::vector<std::string> CommandLine(const std::vector<std::string> &arguments) 
 }
 
 pid_t Spawn(const std::vector<std::string> &words, const std::string &outPath, const std::string &errPath) {
-  std::vector<char *> argv;
-  for (const std::string &word : words) {
-    argv.push_back(const_cast<char *>(word.c_str()));
-  }
+  std::vector<char *> argv(words.size());
+  std::transform(words.begin(), words.end(), argv.begin(),
+                 [](const std::string &word) { return const_cast<char *>(word.c_str()); });
   argv.push_back(nullptr);
 
   constexpr int kFlags = O_WRONLY | O_CREAT | O_TRUNC;
