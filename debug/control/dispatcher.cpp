@@ -15,9 +15,13 @@ bool IsEmpty(const char *psz) {
   return psz == nullptr || *psz == '\0';
 }
 
+bool TakesNoValue(const Command &command) {
+  return command.pszValue != kAnyValue && *command.pszValue == '\0';
+}
+
 bool TakesValue(const Command &command, const char *pszValue) {
-  if (command.pszValue == kAnyValue) return true;
-  return ze_kest_Utility_Strcmp(pszValue, command.pszValue) == 0;
+  if (IsEmpty(pszValue)) return false;
+  return command.pszValue == kAnyValue || ze_kest_Utility_Strcmp(pszValue, command.pszValue) == 0;
 }
 
 // Splits a copy of the line as the command asks for; carries it out when keyword and value are the command's.
@@ -28,9 +32,9 @@ uint32_t Try(const Command &command, const char *pszLine) {
   if (ze_kest_Utility_Strcmp(pszKeyword, command.pszKeyword) != 0) return ZE_KEST_INVALID_ARGUMENT;
 
   char *pszValue = nullptr;
-  if (command.pszValue != kNoValue) {
+  if (!TakesNoValue(command)) {
     pszValue = ze_kest_Utility_Strsep(&pszRest, command.pstSplit->pszValueEnd);
-    if (IsEmpty(pszValue) || !TakesValue(command, pszValue)) return ZE_KEST_INVALID_ARGUMENT;
+    if (!TakesValue(command, pszValue)) return ZE_KEST_INVALID_ARGUMENT;
   }
   if (command.pszConfirmation != nullptr) {
     KEST_PRINT_AS("_ZE_KEST_Debug_SetParameter", "%s", command.pszConfirmation);

@@ -76,6 +76,11 @@ void WriteFile(const std::string &path, const std::string &contents) {
   std::ofstream(path, std::ios::binary) << contents;
 }
 
+bool MayMount() {
+  const char *pszNamespace = getenv("KEST_TEST_NAMESPACE");
+  return pszNamespace != nullptr && std::string(pszNamespace) == "1";
+}
+
 int InAnotherProcess(const std::function<void()> &function) {
   const pid_t s32Pid = fork();
   if (s32Pid == 0) {

@@ -33,6 +33,9 @@ bool WaitFor(const std::function<bool()> &condition);
 std::string ReadFile(const std::string &path);
 void WriteFile(const std::string &path, const std::string &contents);
 
+// Whether the test has a mount namespace of its own.
+bool MayMount();
+
 // Runs the function in a process of its own; gives its exit status, 0 when every expectation held.
 int InAnotherProcess(const std::function<void()> &function);
 

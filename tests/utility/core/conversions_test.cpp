@@ -131,6 +131,7 @@ TEST(SourceType, TheFirstSourceOfTheSearchOrderWins) {
 }
 
 TEST(LocalMode, IsOnWhenThePlatformsSoundCardIsThere) {
+  if (!kest::test::MayMount()) GTEST_SKIP() << "no namespace of its own to mount in";
   ASSERT_EQ(0, mount("none", "/proc", "tmpfs", 0, nullptr));
   EXPECT_FALSE(ze_kest_utility_IsLKESTMode());
   std::filesystem::create_directory("/proc/asound");

@@ -1,0 +1,64 @@
+# Sourced by the scripts of this directory: where the tree is, what it needs, where its debug files go.
+set -euo pipefail
+root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+debug_dir=/mnt/vendor/tmp/kest/
+
+build_packages=(g++ cmake make pkg-config android-liblog-dev libsndfile1-dev libcli11-dev alsa-utils)
+test_packages=(libgtest-dev libgmock-dev)
+
+say() { printf '%s\n' "$*"; }
+fail() {
+  printf '%s\n' "$*" >&2
+  exit 1
+}
+
+as_root() {
+  if [ "$(id -u)" = 0 ]; then
+    "$@"
+  elif command -v sudo >/dev/null; then
+    sudo "$@"
+  else
+    fail "This needs root: $*" "Run the script as root, or install sudo."
+  fi
+}
+
+is_installed() {
+  dpkg-query -W -f '${Architecture}:${db:Status-Status}\n' "$1" 2>/dev/null |
+    grep -qxE "($(dpkg --print-architecture)|all):installed"
+}
+
+install_packages() { as_root env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends "$@"; }
+
+# Installs the packages that are missing; silent and quick when none is.
+need() {
+  local missing=() package
+  for package in "$@"; do
+    is_installed "$package" || missing+=("$package")
+  done
+  [ ${#missing[@]} -gt 0 ] || return 0
+  say "Installing ${missing[*]} ..."
+  mkdir -p "$root/build"
+  local log="$root/build/packages.log"
+  # The machine's lists may do; where they are missing or old they are fetched, and a mirror that is being
+  # renewed may still have what is asked for.
+  install_packages "${missing[@]}" >"$log" 2>&1 && return 0
+  as_root apt-get update >>"$log" 2>&1 || true
+  install_packages "${missing[@]}" >>"$log" 2>&1 && return 0
+  tail -n 20 "$log" >&2
+  fail "The packages could not be installed; the whole log is $log"
+}
+
+# Configures and builds into build/NAME: build NAME [CMake options...]
+build() {
+  local name=$1
+  shift
+  local log="$root/build/$name.log"
+  mkdir -p "$root/build"
+  say "Building build/$name ..."
+  if ! { cmake -S "$root" "$@" && cmake --build "$root/build/$name" -j "$(nproc)"; } >"$log" 2>&1; then
+    tail -n 40 "$log" >&2
+    fail "The build failed; the whole log is $log"
+  fi
+}
+
+build_preset() { (cd "$root" && build "$1" --preset "$1" "${@:2}"); }
