@@ -8,7 +8,9 @@ set(CMAKE_C_FLAGS_INIT "-mthumb -march=armv7-a -mfpu=neon")
 set(CMAKE_CXX_FLAGS_INIT "-mthumb -march=armv7-a -mfpu=neon -Wno-psabi")
 
 set(CMAKE_LIBRARY_ARCHITECTURE arm-linux-gnueabihf)
-set(CMAKE_CROSSCOMPILING_EMULATOR "qemu-arm;-L;/usr/arm-linux-gnueabihf")
+# Programs run with the loader and the libraries of the installed armhf packages: the cross compiler's own copies are
+# of another build, and threads crash when the two mix.
+set(CMAKE_CROSSCOMPILING_EMULATOR qemu-arm)
 
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 set(ENV{PKG_CONFIG_LIBDIR} /usr/lib/arm-linux-gnueabihf/pkgconfig:/usr/share/pkgconfig)

@@ -1,0 +1,16 @@
+// SPDX-License-Identifier: Apache-2.0
+// The library's debug layer, up while this lives.
+#pragma once
+
+namespace kest::player {
+
+class DebugSession {
+ public:
+  // Says on stderr when there will be no log and no command pipe.
+  DebugSession();
+  ~DebugSession();
+  DebugSession(const DebugSession &) = delete;
+  DebugSession &operator=(const DebugSession &) = delete;
+};
+
+}  // namespace kest::player

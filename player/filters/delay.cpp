@@ -1,0 +1,76 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "player/filters/delay.h"
+
+#include <algorithm>
+
+#include "ze_kest/utility.h"
+
+namespace kest::player {
+
+Delay::Delay(const PcmFormat &format)
+    : Filter("Delay", format), line_(format, MsToFrames(kMaxDelayMs) + kCycleFrames) {}
+
+void Delay::SetDelayMs(uint32_t delayMs) {
+  delayMs_ = std::min(delayMs, kMaxDelayMs);
+}
+
+PortCapacity Delay::InputCapacity() const {
+  PortCapacity capacity = Filter::InputCapacity();
+  capacity.metadataBlocks += PortCapacity::ForFrames(MsToFrames(kMaxDelayMs)).metadataBlocks;
+  return capacity;
+}
+
+bool Delay::IsComplete() const {
+  return Filter::IsComplete() && line_.FramesHeld() == 0;
+}
+
+void Delay::Process() {
+  WithSampleType(Format(), [this](auto sample) { ProcessAs<decltype(sample)>(); });
+}
+
+template <typename Sample>
+void Delay::ProcessAs() {
+  auto *samples = buffer_.Samples<Sample>();
+  uint32_t leaving = 0;
+  uint32_t frames = FramesToProcess();
+  if (frames > 0) {
+    leaving = AdjustDelay();
+    ReadFrames(0, samples, frames);
+    ze_kest_Utility_UpdateAllInputPortPcmReadSize(&Record(), frames);
+    line_.Append(samples, frames);
+  } else if (UpstreamEnded()) {
+    frames = std::min(line_.FramesHeld(), FramesWanted());
+  }
+  if (frames == 0) return;
+
+  line_.Take(samples, frames);
+  leaving += CountLeaving(frames);
+  WriteFrames(samples, frames);
+  ForwardMetadata(leaving);
+}
+
+// Gives the line the length of the delay. Returns the input's frames that it drops.
+uint32_t Delay::AdjustDelay() {
+  const uint32_t wanted = MsToFrames(delayMs_);
+  const uint32_t held = line_.FramesHeld();
+  if (wanted >= held) {
+    line_.PrependSilence(wanted - held);
+    silentFrames_ += wanted - held;
+    return 0;
+  }
+  line_.Drop(held - wanted);
+  return CountLeaving(held - wanted);
+}
+
+// How many of the line's oldest frames came from the input, when they leave it.
+uint32_t Delay::CountLeaving(uint32_t frames) {
+  const uint32_t silent = std::min(frames, silentFrames_);
+  silentFrames_ -= silent;
+  return frames - silent;
+}
+
+uint32_t Delay::MsToFrames(uint32_t ms) const {
+  return static_cast<uint32_t>(uint64_t{ms} * Format().sampleRate / 1000);
+}
+
+}  // namespace kest::player

@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: Apache-2.0
+// The decoder of the player: reads an audio file and makes its metadata.
+#pragma once
+
+#include "player/audio_reader.h"
+#include "player/framework/filter.h"
+#include "player/framework/metadata_block.h"
+
+namespace kest::player {
+
+class Lpcm : public Filter {
+ public:
+  // source: number of the input, which marks its metadata; loop: begin anew at the end of the file.
+  Lpcm(const PcmFormat &format, AudioReader reader, uint32_t source, bool loop);
+
+ protected:
+  void Process() override;
+  [[nodiscard]] bool IsComplete() const override { return atEnd_; }
+
+ private:
+  template <typename Sample>
+  uint32_t ReadFile(Sample *interleaved, uint32_t frames);
+  bool BeginAnew();
+  void WriteMetadata(uint32_t frames);
+
+  AudioReader reader_;
+  bool loop_;
+  bool atEnd_ = false;
+  uint64_t framesSinceStart_ = 0;  // of the file
+  uint32_t framesOfBlock_ = 0;     // produced for the block that is not complete yet
+  MetadataBlock block_{};
+  FrameBuffer buffer_;
+};
+
+}  // namespace kest::player

@@ -1,0 +1,78 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "player/filters/mixer.h"
+
+#include <algorithm>
+
+#include "ze_kest/utility.h"
+
+#include "player/framework/saturate.h"
+
+namespace kest::player {
+
+void Mixer::Process() {
+  const uint32_t frames = FramesToProcess();
+  if (frames == 0) return;
+  WithSampleType(Format(), [&](auto sample) { MixFrames<decltype(sample)>(frames); });
+  ForwardFirstMetadata(frames);
+  ReleaseInputs(frames);
+}
+
+template <typename Sample>
+void Mixer::MixFrames(uint32_t frames) {
+  const size_t samples = size_t{frames} * Format().channels;
+  std::fill_n(sums_.begin(), samples, 0);
+  for (uint32_t port = 0; port < Record().u32InPortCount; ++port) {
+    if (HasData(port)) AddInput<Sample>(port, frames);
+  }
+  auto *mixed = buffer_.Samples<Sample>();
+  std::transform(sums_.begin(), sums_.begin() + static_cast<ptrdiff_t>(samples), mixed, Saturate<Sample>);
+  WriteFrames(mixed, frames);
+}
+
+template <typename Sample>
+void Mixer::AddInput(uint32_t port, uint32_t frames) {
+  auto *input = buffer_.Samples<Sample>();
+  ReadFrames(port, input, frames);
+  const size_t samples = size_t{frames} * Format().channels;
+  for (size_t i = 0; i < samples; ++i) {
+    sums_[i] += input[i];
+  }
+}
+
+// The output carries one stream of metadata, that of the first input; the others' is consumed with their
+// frames.
+void Mixer::ForwardFirstMetadata(uint32_t frames) {
+  bool forwarded = false;
+  for (uint32_t port = 0; port < Record().u32InPortCount; ++port) {
+    if (!HasData(port)) continue;
+    const uint32_t bytes = MetadataBytes(port, frames);
+    if (!forwarded) {
+      ze_kest_Utility_WriteAllOutputPortMetadataBuffer(&Record(), port, bytes);
+      ze_kest_Utility_UpdateAllOutputPortMetadataWriteSize(&Record(), bytes);
+      forwarded = true;
+    }
+    ze_kest_Utility_UpdateSpecificInputPortMetadataReadSize(&Record(), bytes, port);
+  }
+}
+
+// The length query walks the ring without asking whether it holds the blocks, hence the limit.
+uint32_t Mixer::MetadataBytes(uint32_t port, uint32_t frames) {
+  const uint32_t due = metadataRemainders_[port] + frames;
+  metadataRemainders_[port] = due % ZE_KEST_METADATA_SAMPLES;
+  uint32_t bytes = 0;
+  uint32_t lastBlockBytes = 0;
+  ze_kest_Utility_QueryInputPortMetadataLen(&Record(), port, due, &bytes, &lastBlockBytes);
+  return std::min(bytes, Record().apstInPort[port]->stMeta.sztLevel);
+}
+
+void Mixer::ReleaseInputs(uint32_t frames) {
+  for (uint32_t port = 0; port < Record().u32InPortCount; ++port) {
+    if (HasData(port)) ze_kest_Utility_UpdateSpecificInputPortPcmReadSize(&Record(), frames, port);
+  }
+}
+
+bool Mixer::HasData(uint32_t port) const {
+  return Record().apstInPort[port]->stPcm.sztPcmLevel > 0;
+}
+
+}  // namespace kest::player

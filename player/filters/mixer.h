@@ -1,0 +1,33 @@
+// SPDX-License-Identifier: Apache-2.0
+// Adds up its inputs, saturated. An input that has ended leaves the others alone.
+#pragma once
+
+#include <array>
+
+#include "player/framework/filter.h"
+
+namespace kest::player {
+
+class Mixer : public Filter {
+ public:
+  explicit Mixer(const PcmFormat &format) : Filter("Mixer", format) {}
+
+ protected:
+  void Process() override;
+
+ private:
+  template <typename Sample>
+  void MixFrames(uint32_t frames);
+  template <typename Sample>
+  void AddInput(uint32_t port, uint32_t frames);
+  void ForwardFirstMetadata(uint32_t frames);
+  uint32_t MetadataBytes(uint32_t port, uint32_t frames);
+  void ReleaseInputs(uint32_t frames);
+  [[nodiscard]] bool HasData(uint32_t port) const;
+
+  std::array<uint32_t, ZE_KEST_MAX_PORTS> metadataRemainders_{};  // frames since an input's last block
+  FrameBuffer buffer_;
+  FrameArray<int64_t> sums_{};
+};
+
+}  // namespace kest::player

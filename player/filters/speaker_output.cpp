@@ -1,0 +1,56 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "player/filters/speaker_output.h"
+
+#include <algorithm>
+
+#include "ze_kest/utility.h"
+
+namespace kest::player {
+
+SpeakerOutput::SpeakerOutput(const PcmFormat &format, AudioWriter writer, uint64_t frameLimit, bool realTime)
+    : Filter("SpeakerOutput", format), writer_(std::move(writer)), frameLimit_(frameLimit) {
+  if (realTime) clock_.emplace(format.sampleRate);
+}
+
+void SpeakerOutput::Process() {
+  const uint64_t framesLeft = frameLimit_ - framesPlayed_;
+  const auto frames = static_cast<uint32_t>(std::min<uint64_t>(FramesAvailable(), framesLeft));
+  if (frames > 0) PlayFrames(frames);
+  ConsumeMetadata();
+}
+
+bool SpeakerOutput::IsComplete() const {
+  return framesPlayed_ == frameLimit_ || Filter::IsComplete();
+}
+
+void SpeakerOutput::PlayFrames(uint32_t frames) {
+  if (clock_ && !clock_->WaitFor(frames)) CountInputXrun(0);
+  WithSampleType(Format(), [&](auto sample) {
+    auto *samples = buffer_.Samples<decltype(sample)>();
+    ReadFrames(0, samples, frames);
+    writer_.Write(samples, frames);
+  });
+  ze_kest_Utility_UpdateAllInputPortPcmReadSize(&Record(), frames);
+  framesPlayed_ += frames;
+}
+
+// Whatever has arrived belongs to frames that have arrived.
+void SpeakerOutput::ConsumeMetadata() {
+  uint32_t bytes = 0;
+  ze_kest_Utility_CalculateInputPortMetadataProcessSize(&Record(), &bytes);
+  const ZE_KEST_DataBuffer_s &ring = Record().apstInPort[0]->stMeta;
+  while (bytes >= kMetadataBlockBytes) {
+    uint32_t source = 0;
+    uint32_t blockBytes = 0;
+    ze_kest_Utility_ReadOneBlockInputPortMetadataBuffer(&Record(), 0, 0, &source, &blockBytes);
+    MetadataBlock block{};
+    ze_kest_Utility_CopyFromRingToNonRingBuffer(reinterpret_cast<uint8_t *>(&block), ring.pu8Buf,
+                                                ring.sztSize, ring.sztReadOffset, ring.sztReadSize,
+                                                std::min(blockBytes, kMetadataBlockBytes));
+    metadata_.Count(block);
+    ze_kest_Utility_UpdateSpecificInputPortMetadataReadSize(&Record(), blockBytes, 0);
+    bytes -= std::min(bytes, blockBytes);
+  }
+}
+
+}  // namespace kest::player

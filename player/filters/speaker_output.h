@@ -1,0 +1,45 @@
+// SPDX-License-Identifier: Apache-2.0
+// The output of the player: writes an audio file, in real time if wanted.
+#pragma once
+
+#include <atomic>
+#include <optional>
+
+#include "player/audio_writer.h"
+#include "player/filters/metadata_counter.h"
+#include "player/filters/playback_clock.h"
+#include "player/framework/filter.h"
+
+namespace kest::player {
+
+class SpeakerOutput : public Filter {
+ public:
+  static constexpr uint64_t kNoLimit = UINT64_MAX;
+
+  // frameLimit: frames after which the output ends.
+  SpeakerOutput(const PcmFormat &format, AudioWriter writer, uint64_t frameLimit, bool realTime);
+
+  void Finish() override { writer_.Close(); }
+
+  // From any thread.
+  [[nodiscard]] uint64_t FramesPlayed() const { return framesPlayed_; }
+  // After the run.
+  [[nodiscard]] const MetadataCounter &Metadata() const { return metadata_; }
+
+ protected:
+  void Process() override;
+  [[nodiscard]] bool IsComplete() const override;
+
+ private:
+  void PlayFrames(uint32_t frames);
+  void ConsumeMetadata();
+
+  AudioWriter writer_;
+  uint64_t frameLimit_;
+  std::optional<PlaybackClock> clock_;
+  std::atomic<uint64_t> framesPlayed_{0};
+  MetadataCounter metadata_;
+  FrameBuffer buffer_;
+};
+
+}  // namespace kest::player

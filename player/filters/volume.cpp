@@ -1,0 +1,75 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "player/filters/volume.h"
+
+#include <algorithm>
+
+#include "ze_kest/utility.h"
+
+#include "player/framework/saturate.h"
+
+namespace kest::player {
+namespace {
+
+constexpr uint32_t kFractionBits = 23;
+constexpr uint32_t kUnity = 1u << kFractionBits;
+
+void Analyze(const ZE_KEST_Filter_s *pstFilter, int16_t **channels, uint16_t *strides, uint8_t *present) {
+  ze_kest_Utility_AnalyzeInputPort16BitPcmGroup(pstFilter, 0, channels, strides, present);
+}
+
+void Analyze(const ZE_KEST_Filter_s *pstFilter, int32_t **channels, uint16_t *strides, uint8_t *present) {
+  ze_kest_Utility_AnalyzeInputPort32BitPcmGroup(pstFilter, 0, channels, strides, present);
+}
+
+// Rounded to the nearest sample.
+template <typename Sample>
+void Amplify(const Sample *source, Sample *target, uint32_t frames, uint32_t gain) {
+  constexpr int64_t kHalf = int64_t{1} << (kFractionBits - 1);
+  for (uint32_t i = 0; i < frames; ++i) {
+    target[i] = Saturate<Sample>((int64_t{source[i]} * gain + kHalf) >> kFractionBits);
+  }
+}
+
+}  // namespace
+
+void Volume::SetGainDb(int gainDb) {
+  gainDb_ = std::clamp(gainDb, kMinGainDb, kMaxGainDb);
+}
+
+void Volume::Process() {
+  WithSampleType(Format(), [this](auto sample) { ProcessAs<decltype(sample)>(); });
+}
+
+// Works on the channels where they lie in the input rings; unity gain copies them from there.
+template <typename Sample>
+void Volume::ProcessAs() {
+  const uint32_t frames = std::min(FramesToProcess(), FramesInOnePiece());
+  if (frames == 0) return;
+
+  std::array<Sample *, ZE_KEST_PCM_CHANNEL_ENTRIES> channels{};
+  std::array<uint16_t, ZE_KEST_PCM_CHANNEL_ENTRIES> strides{};
+  uint8_t groupPresent = 0;
+  Analyze(&Record(), channels.data(), strides.data(), &groupPresent);
+  const uint32_t gain = LinearGain();
+  auto *target = buffer_.Samples<Sample>();
+  for (Sample *&channel : channels) {
+    if (channel == nullptr || gain == kUnity) continue;
+    Amplify(channel, target, frames, gain);
+    channel = target;
+    target += frames;
+  }
+  WriteChannels<Sample>(channels.data(), strides.data(), frames);
+  ForwardMetadata(frames);
+  ze_kest_Utility_UpdateAllInputPortPcmReadSize(&Record(), frames);
+}
+
+uint32_t Volume::FramesInOnePiece() const {
+  const ZE_KEST_PcmBuffer_s &input = Record().apstInPort[0]->stPcm;
+  return input.sztPcmRingSamples - input.sztPcmReadOffset;
+}
+
+uint32_t Volume::LinearGain() const {
+  return mute_ ? 0 : ze_kest_Utility_FixedPtDb(gainDb_);
+}
+
+}  // namespace kest::player

@@ -1,0 +1,39 @@
+// SPDX-License-Identifier: Apache-2.0
+// Gain and mute. 0 dB passes the samples unchanged; too loud ones saturate.
+#pragma once
+
+#include <atomic>
+
+#include "player/framework/filter.h"
+
+namespace kest::player {
+
+class Volume : public Filter {
+ public:
+  // The gain's fixed-point number holds no more; below, nothing is left of a sample.
+  static constexpr int kMinGainDb = -144;
+  static constexpr int kMaxGainDb = 53;
+
+  explicit Volume(const PcmFormat &format) : Filter("Volume", format) {}
+
+  // From any thread; in force from the next cycle. Gains outside the limits become the nearest limit.
+  void SetGainDb(int gainDb);
+  [[nodiscard]] int GainDb() const { return gainDb_; }
+  void SetMute(bool mute) { mute_ = mute; }
+  [[nodiscard]] bool Mute() const { return mute_; }
+
+ protected:
+  void Process() override;
+
+ private:
+  template <typename Sample>
+  void ProcessAs();
+  [[nodiscard]] uint32_t FramesInOnePiece() const;
+  [[nodiscard]] uint32_t LinearGain() const;
+
+  std::atomic<int> gainDb_{0};
+  std::atomic<bool> mute_{false};
+  FrameBuffer buffer_;
+};
+
+}  // namespace kest::player

@@ -1,0 +1,80 @@
+// SPDX-License-Identifier: Apache-2.0
+// A filter: its record, its turn in the cycle, and the steps that most filters share.
+#pragma once
+
+#include <vector>
+
+#include "ze_kest/model.h"
+
+#include "player/framework/frame_buffer.h"
+#include "player/framework/pcm_format.h"
+#include "player/framework/port_storage.h"
+
+namespace kest::player {
+
+class Filter {
+ public:
+  Filter(const char *name, const PcmFormat &format);
+  virtual ~Filter() = default;
+  Filter(const Filter &) = delete;
+  Filter &operator=(const Filter &) = delete;
+
+  [[nodiscard]] ZE_KEST_Filter_s &Record() { return record_; }
+  [[nodiscard]] const ZE_KEST_Filter_s &Record() const { return record_; }
+  // What its input ports must hold.
+  [[nodiscard]] virtual PortCapacity InputCapacity() const;
+
+  void SetParent(ZE_KEST_Pipeline_s &pipeline);
+  void ConnectInput(PortStorage &port);
+  void ConnectOutput(PortStorage &port);
+  // Tells the output ports the format, before the first cycle.
+  void AnnounceFormat();
+
+  // One turn. upstreamEnded: nothing will come behind what the input ports hold.
+  void RunCycle(bool upstreamEnded);
+  // Whether everything has been passed on.
+  [[nodiscard]] bool Ended() const { return ended_; }
+  // After the last cycle, on the thread that ran it.
+  virtual void Finish() {}
+
+ protected:
+  virtual void Process() = 0;
+  [[nodiscard]] virtual bool IsComplete() const;
+
+  [[nodiscard]] const PcmFormat &Format() const { return format_; }
+  [[nodiscard]] bool UpstreamEnded() const { return upstreamEnded_; }
+
+  // Frames that all inputs can deliver, that all outputs can take, and both; never more than a cycle's.
+  [[nodiscard]] uint32_t FramesAvailable() const;
+  [[nodiscard]] uint32_t FramesWanted();
+  [[nodiscard]] uint32_t FramesToProcess();
+
+  // Without accounting.
+  template <typename Sample>
+  void ReadFrames(uint32_t port, Sample *interleaved, uint32_t frames) const;
+  // Both write to all outputs and account for it.
+  template <typename Sample>
+  void WriteFrames(Sample *interleaved, uint32_t frames);
+  template <typename Sample>
+  void WriteChannels(Sample *const *channels, const uint16_t *strides, uint32_t frames);
+
+  // Passes on the metadata of the only input that belongs to its next frames, and accounts for it.
+  void ForwardMetadata(uint32_t frames);
+
+  void CountInputXrun(uint32_t port) { inputs_[port]->CountXrun(); }
+
+ private:
+  [[nodiscard]] bool InputsAreEmpty() const;
+  void CountOverruns();
+  [[nodiscard]] uint32_t MetadataBytesToForward() const;
+
+  PcmFormat format_;
+  ZE_KEST_Filter_s record_{};
+  std::vector<PortStorage *> inputs_;
+  std::vector<PortStorage *> outputs_;
+  uint32_t metadataRemainder_ = 0;  // frames whose metadata has not been forwarded
+  bool upstreamEnded_ = false;
+  bool ended_ = false;
+};
+
+}  // namespace kest::player

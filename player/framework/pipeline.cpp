@@ -1,0 +1,158 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "player/framework/pipeline.h"
+
+#include <algorithm>
+
+#include <pthread.h>
+
+#include "ze_kest/utility.h"
+
+#include "player/framework/published.h"
+
+namespace kest::player {
+namespace {
+
+enum PipelineState : uint32_t { kStop = 2, kPrepare = 3, kRun = 4, kDrain = 6 };
+
+}  // namespace
+
+Pipeline::Pipeline(const char *name, const PcmFormat &format, PipelineLink::Patience inputPatience)
+    : format_(format), inputPatience_(inputPatience) {
+  ze_kest_Utility_Strncpy(record_.szName, name, sizeof(record_.szName) - 1);
+  record_.u8AutoConsume = 1;
+  SetState(kPrepare);
+}
+
+Pipeline::~Pipeline() {
+  RequestStop();
+  if (thread_.joinable()) thread_.join();
+}
+
+void Pipeline::Append(std::unique_ptr<Filter> filter) {
+  filter->SetParent(record_);
+  if (!filters_.empty()) {
+    PortStorage &port = AddPort(filter->InputCapacity());
+    filters_.back()->ConnectOutput(port);
+    filter->ConnectInput(port);
+  }
+  filters_.push_back(std::move(filter));
+}
+
+void Pipeline::FeedFrom(PipelineLink &link) {
+  PortStorage &port = AddPort(filters_.front()->InputCapacity());
+  filters_.front()->ConnectInput(port);
+  inputs_.push_back({&link, &port, false});
+}
+
+void Pipeline::FeedInto(PipelineLink &link) {
+  PortStorage &port = AddPort(PortCapacity::ForFrames(kCycleFrames));
+  filters_.back()->ConnectOutput(port);
+  outputs_.push_back({&link, &port, false});
+}
+
+PortStorage &Pipeline::AddPort(PortCapacity capacity) {
+  ports_.push_back(std::make_unique<PortStorage>(format_, capacity));
+  return *ports_.back();
+}
+
+void Pipeline::Start() {
+  for (const auto &filter : filters_) {
+    filter->AnnounceFormat();
+  }
+  thread_ = std::thread([this] { Run(); });
+}
+
+void Pipeline::RequestStop() {
+  stopRequested_ = true;
+  for (const LinkedPort &input : inputs_) {
+    input.link->Abandon();
+  }
+  for (const LinkedPort &output : outputs_) {
+    output.link->Abandon();
+  }
+}
+
+void Pipeline::Join() {
+  thread_.join();
+  if (failure_) std::rethrow_exception(failure_);
+}
+
+void Pipeline::Run() {
+  pthread_setname_np(pthread_self(), std::string(record_.szName).substr(0, 15).c_str());
+  SetState(kRun);
+  try {
+    RunCycles();
+    for (const auto &filter : filters_) {
+      filter->Finish();
+    }
+  } catch (...) {
+    failure_ = std::current_exception();
+  }
+  SetState(kStop);
+  LeaveLinks();
+  ended_ = true;
+}
+
+// The first cycle fills an empty chain: there is no time by which its data should have come.
+void Pipeline::RunCycles() {
+  PipelineLink::Patience patience;
+  while (!stopRequested_ && CollectInputs(patience)) {
+    const bool ended = RunFilters();
+    if (!HandOverOutputs() || ended) return;
+    patience = inputPatience_;
+  }
+}
+
+// Waits until every input that has not ended can fill a cycle, so that the filters never see one that is
+// merely late as one that is empty.
+bool Pipeline::CollectInputs(PipelineLink::Patience patience) {
+  return std::all_of(inputs_.begin(), inputs_.end(),
+                     [&](LinkedPort &input) { return Collect(input, patience); });
+}
+
+bool Pipeline::Collect(LinkedPort &input, PipelineLink::Patience patience) {
+  if (!input.ended) {
+    auto supply = input.link->Pull(*input.port, kCycleFrames, patience);
+    if (supply == PipelineLink::Supply::kLate) {
+      input.port->CountXrun();
+      supply = input.link->Pull(*input.port, kCycleFrames, std::nullopt);
+    }
+    if (supply == PipelineLink::Supply::kAbandoned) return false;
+    input.ended = supply == PipelineLink::Supply::kEnded;
+  }
+  if (input.ended && input.port->FramesHeld() == 0) input.port->Disconnect();
+  return true;
+}
+
+// One turn of each; true when the last one has passed everything on.
+bool Pipeline::RunFilters() {
+  bool upstreamEnded =
+      std::all_of(inputs_.begin(), inputs_.end(), [](const LinkedPort &input) { return input.ended; });
+  for (const auto &filter : filters_) {
+    filter->RunCycle(upstreamEnded);
+    upstreamEnded = filter->Ended();
+  }
+  if (filters_.front()->Ended()) SetState(kDrain);
+  return upstreamEnded;
+}
+
+bool Pipeline::HandOverOutputs() {
+  return std::all_of(outputs_.begin(), outputs_.end(),
+                     [](const LinkedPort &output) { return output.link->Push(*output.port); });
+}
+
+// Lets the neighbours go on without this pipeline, also when it failed.
+void Pipeline::LeaveLinks() {
+  for (const LinkedPort &input : inputs_) {
+    input.link->Abandon();
+  }
+  for (const LinkedPort &output : outputs_) {
+    output.link->End();
+  }
+}
+
+void Pipeline::SetState(uint32_t state) {
+  Publish(record_.u32State, state);
+}
+
+}  // namespace kest::player

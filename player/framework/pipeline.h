@@ -1,0 +1,66 @@
+// SPDX-License-Identifier: Apache-2.0
+// A chain of filters that runs on a thread of its own.
+#pragma once
+
+#include <atomic>
+#include <memory>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "player/framework/filter.h"
+#include "player/framework/pipeline_link.h"
+
+namespace kest::player {
+
+class Pipeline {
+ public:
+  // inputPatience: how long an input may keep a running cycle waiting before it counts as an underrun.
+  Pipeline(const char *name, const PcmFormat &format, PipelineLink::Patience inputPatience);
+  ~Pipeline();
+  Pipeline(const Pipeline &) = delete;
+  Pipeline &operator=(const Pipeline &) = delete;
+
+  // Sets the chain up, before Start. The first filter is fed by the links, the last one feeds the others.
+  void Append(std::unique_ptr<Filter> filter);
+  void FeedFrom(PipelineLink &link);
+  void FeedInto(PipelineLink &link);
+
+  void Start();
+  // Ends the run after the current cycle; what is under way is dropped. From any thread.
+  void RequestStop();
+  // Waits for the end of the run; throws what ended it early.
+  void Join();
+  [[nodiscard]] bool HasEnded() const { return ended_; }
+
+ private:
+  struct LinkedPort {
+    PipelineLink *link;
+    PortStorage *port;
+    bool ended;
+  };
+
+  PortStorage &AddPort(PortCapacity capacity);
+  void Run();
+  void RunCycles();
+  bool CollectInputs(PipelineLink::Patience patience);
+  bool Collect(LinkedPort &input, PipelineLink::Patience patience);
+  bool RunFilters();
+  bool HandOverOutputs();
+  void LeaveLinks();
+  void SetState(uint32_t state);
+
+  ZE_KEST_Pipeline_s record_{};
+  PcmFormat format_;
+  PipelineLink::Patience inputPatience_;
+  std::vector<std::unique_ptr<PortStorage>> ports_;
+  std::vector<std::unique_ptr<Filter>> filters_;
+  std::vector<LinkedPort> inputs_;
+  std::vector<LinkedPort> outputs_;
+  std::thread thread_;
+  std::atomic<bool> stopRequested_{false};
+  std::atomic<bool> ended_{false};
+  std::exception_ptr failure_;
+};
+
+}  // namespace kest::player

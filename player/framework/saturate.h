@@ -1,0 +1,17 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <algorithm>
+#include <cstdint>
+#include <limits>
+
+namespace kest::player {
+
+// The nearest value that a sample can hold.
+template <typename Sample>
+constexpr Sample Saturate(int64_t value) {
+  return static_cast<Sample>(
+      std::clamp<int64_t>(value, std::numeric_limits<Sample>::min(), std::numeric_limits<Sample>::max()));
+}
+
+}  // namespace kest::player

@@ -1,0 +1,76 @@
+// SPDX-License-Identifier: Apache-2.0
+// kest-player: plays audio files through pipelines of filters that work through the library.
+#include <algorithm>
+#include <csignal>
+#include <cstdio>
+#include <ctime>
+#include <iostream>
+
+#include <android/log.h>
+#include <unistd.h>
+
+#include "player/debug_session.h"
+#include "player/options.h"
+#include "player/playback.h"
+
+namespace kest::player {
+namespace {
+
+constexpr timespec kWatchPeriod = {0, 20'000'000};
+
+// The signals that end a run, blocked in every thread and taken by the main thread alone.
+sigset_t BlockEndSignals() {
+  sigset_t set;
+  sigemptyset(&set);
+  sigaddset(&set, SIGINT);
+  sigaddset(&set, SIGTERM);
+  pthread_sigmask(SIG_BLOCK, &set, nullptr);
+  return set;
+}
+
+void LogToStderr(const __android_logger_data *data, const char *message) {
+  constexpr const char *kPriorities = "??VDIWEF";
+  std::fprintf(stderr, "%c %s %s", kPriorities[std::clamp(data->priority, 0, 7)], data->tag, message);
+}
+
+void LogNowhere(const __android_logger_data *, const char *) {}
+
+void WaitForEnd(Playback &playback, const sigset_t &endSignals, bool showProgress) {
+  while (!playback.HasEnded()) {
+    if (sigtimedwait(&endSignals, nullptr, &kWatchPeriod) > 0) playback.RequestStop();
+    if (showProgress) std::fprintf(stderr, "\r%.1f s ", playback.SecondsPlayed());
+  }
+  if (showProgress) std::fprintf(stderr, "\r        \r");
+}
+
+void Play(const Options &options, const sigset_t &endSignals) {
+  Playback playback(options);
+  playback.Start();
+  WaitForEnd(playback, endSignals, isatty(STDERR_FILENO) != 0 && !options.logcat);
+  playback.Finish();
+  std::cout << playback.Summary() << std::endl;
+}
+
+int Main(int argc, char **argv) {
+  const auto parsed = ParseOptions(argc, argv);
+  if (const int *exitCode = std::get_if<int>(&parsed)) return *exitCode;
+  const Options &options = std::get<Options>(parsed);
+
+  const sigset_t endSignals = BlockEndSignals();
+  __android_log_set_logger(options.logcat ? LogToStderr : LogNowhere);
+  const DebugSession session;
+  Play(options, endSignals);
+  return 0;
+}
+
+}  // namespace
+}  // namespace kest::player
+
+int main(int argc, char **argv) {
+  try {
+    return kest::player::Main(argc, argv);
+  } catch (const std::exception &error) {
+    std::fprintf(stderr, "kest-player: %s\n", error.what());
+    return 1;
+  }
+}

@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: Apache-2.0
+// The command line.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <variant>
+#include <vector>
+
+namespace kest::player {
+
+struct Options {
+  std::vector<std::string> inputs;
+  std::string output;
+  bool fast = false;
+  bool loop = false;
+  std::optional<double> seconds;
+  int gainDb = 0;
+  uint32_t delayMs = 0;
+  bool logcat = false;
+};
+
+// The options, or the exit code when the command line asked for help or was wrong (which has then been
+// printed).
+std::variant<Options, int> ParseOptions(int argc, const char *const *argv);
+
+}  // namespace kest::player

@@ -1,0 +1,49 @@
+// SPDX-License-Identifier: Apache-2.0
+// One run of the player: the pipelines, the filters in them and the links between them.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "player/audio_reader.h"
+#include "player/framework/pipeline.h"
+#include "player/framework/pipeline_link.h"
+#include "player/options.h"
+
+namespace kest::player {
+
+class SpeakerOutput;
+
+class Playback {
+ public:
+  // Opens all files and builds the pipelines. Throws PlayerError; the output is not touched unless the inputs
+  // can be played.
+  explicit Playback(const Options &options);
+  ~Playback();
+  Playback(const Playback &) = delete;
+  Playback &operator=(const Playback &) = delete;
+
+  void Start();
+  void RequestStop();
+  [[nodiscard]] bool HasEnded() const;
+  // Waits for the end. Throws what ended the run early.
+  void Finish();
+
+  [[nodiscard]] double SecondsPlayed() const;
+  // One line for the user, after the end.
+  [[nodiscard]] std::string Summary() const;
+
+ private:
+  void BuildOutput(const Options &options, const AudioReader &model);
+  void BuildDecoder(const Options &options, AudioReader reader, uint32_t source);
+
+  PcmFormat format_;
+  PipelineLink::Patience inputPatience_;
+  std::string outputPath_;
+  std::vector<std::unique_ptr<PipelineLink>> links_;
+  std::vector<std::unique_ptr<Pipeline>> pipelines_;  // the output first, then the decoders
+  const SpeakerOutput *output_ = nullptr;
+};
+
+}  // namespace kest::player

@@ -1,0 +1,14 @@
+// SPDX-License-Identifier: Apache-2.0
+// What ends a run, in words for the user: what is wrong and what to do.
+#pragma once
+
+#include <stdexcept>
+
+namespace kest::player {
+
+class PlayerError : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+}  // namespace kest::player

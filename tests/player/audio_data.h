@@ -1,0 +1,33 @@
+// SPDX-License-Identifier: Apache-2.0
+// Audio files as the tests see them: samples left-aligned in 32 bits.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include <sndfile.h>
+
+namespace kest::test {
+
+constexpr const char *kRecording = "/usr/share/sounds/alsa/Front_Center.wav";
+
+struct AudioData {
+  int channels = 2;
+  int sampleRate = 48000;
+  int format = SF_FORMAT_WAV | SF_FORMAT_PCM_16;
+  std::vector<int32_t> samples;  // interleaved
+
+  [[nodiscard]] size_t Frames() const { return samples.size() / static_cast<size_t>(channels); }
+};
+
+// Noise that uses every bit of the format, the same for the same seed.
+AudioData Noise(int channels, int format, size_t frames, uint32_t seed = 1);
+
+void WriteAudio(const std::string &path, const AudioData &audio);
+void WriteFloats(const std::string &path, const std::vector<double> &mono);
+
+// Fails the test when the file cannot be read to its end.
+AudioData ReadAudio(const std::string &path);
+
+}  // namespace kest::test

@@ -1,0 +1,63 @@
+// SPDX-License-Identifier: Apache-2.0
+// How a run ends before its inputs do, beside others on the same command pipe.
+#include <csignal>
+#include <cstdio>
+
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "tests/player/audio_data.h"
+#include "tests/player/player_process.h"
+
+namespace kest::test {
+namespace {
+
+constexpr const char *kOut = "/mnt/out.wav";
+
+bool HasBytes(const char *path, off_t bytes) {
+  struct stat status {};
+  return stat(path, &status) == 0 && status.st_size > bytes;
+}
+
+class PlayerEnding : public testing::TestWithParam<int> {};
+
+TEST_P(PlayerEnding, ASignalEndsARealTimeRunWithAReadableFile) {
+  std::remove(kOut);
+  PlayerProcess player({kRecording, "-o", kOut, "--loop"});
+  ASSERT_TRUE(WaitWhilePlaying(player, [] { return HasBytes(kOut, 10000); })) << player.Wait().err;
+  player.Signal(GetParam());
+  const PlayerResult result = player.Wait();
+  EXPECT_EQ(0, result.exitCode) << result.err;
+
+  const AudioData recording = ReadAudio(kRecording);
+  const AudioData output = ReadAudio(kOut);
+  EXPECT_THAT(result.out, testing::StartsWith("played " + std::to_string(output.Frames()) + " frames"));
+  ASSERT_GT(output.Frames(), 4000u);
+  for (size_t i = 0; i < output.samples.size(); ++i) {
+    ASSERT_EQ(recording.samples[i % recording.samples.size()], output.samples[i]) << i;
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Signals, PlayerEnding, testing::Values(SIGINT, SIGTERM),
+                         [](const auto &test) { return test.param == SIGINT ? "SIGINT" : "SIGTERM"; });
+
+TEST(PlayerOnASharedPipe, EndsAlsoWhenAnotherReaderTakesItsLines) {
+  constexpr const char *kPipe = KEST_DEBUG_DIR "D";
+  std::remove(kOut);
+  PlayerProcess player({kRecording, "-o", kOut, "--loop"});
+  ASSERT_TRUE(WaitWhilePlaying(player, [] { return HasBytes(kOut, 0) && access(kPipe, F_OK) == 0; }));
+  const int otherReader = open(kPipe, O_RDONLY | O_NONBLOCK);
+  ASSERT_GE(otherReader, 0);
+  player.Signal(SIGINT);
+  for (int linesTaken = 0; linesTaken < 3 && player.IsRunning();) {
+    char line = 0;
+    if (read(otherReader, &line, 1) == 1) ++linesTaken;
+  }
+  EXPECT_EQ(0, player.Wait().exitCode);
+  close(otherReader);
+}
+
+}  // namespace
+}  // namespace kest::test

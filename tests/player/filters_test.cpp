@@ -1,0 +1,144 @@
+// SPDX-License-Identifier: Apache-2.0
+// What filters do when they are changed while they run, and when their output is full.
+#include <gtest/gtest.h>
+
+#include "player/filters/delay.h"
+#include "player/filters/metadata_counter.h"
+#include "player/filters/volume.h"
+#include "tests/player/port_access.h"
+
+namespace kest::player {
+namespace {
+
+using test::BlockAt;
+using test::kMono;
+using test::SampleAt;
+
+// A filter between two ports. The input counts up from 1, with its metadata.
+class Bench {
+ public:
+  explicit Bench(Filter &filter) : filter_(filter), in_(kMono, filter.InputCapacity()) {
+    filter_.ConnectInput(in_);
+    filter_.ConnectOutput(out_);
+  }
+
+  // Runs the cycles and gives what comes out of them.
+  std::vector<int32_t> Run(uint32_t cycles, bool upstreamEnded = false) {
+    std::vector<int32_t> played;
+    for (uint32_t cycle = 0; cycle < cycles; ++cycle) {
+      if (!upstreamEnded) WriteInput();
+      filter_.RunCycle(upstreamEnded);
+      TakeOutput(played);
+    }
+    return played;
+  }
+
+  void WriteInput() {
+    ZE_KEST_PcmBuffer_s &pcm = in_.Record().stPcm;
+    for (uint32_t i = 0; i < kCycleFrames; ++i) {
+      SampleAt(in_, pcm.sztPcmLevel + i) = ++lastSample_;
+    }
+    pcm.sztPcmWriteSize = kCycleFrames;
+
+    ZE_KEST_DataBuffer_s &metadata = in_.Record().stMeta;
+    BlockAt(in_, metadata.sztLevel) = {
+        1, kMetadataPayloadBytes, {}, blocks_, blocks_ * ZE_KEST_METADATA_SAMPLES};
+    ++blocks_;
+    metadata.sztWriteSize = kMetadataBlockBytes;
+    in_.CommitWritten();
+  }
+
+  [[nodiscard]] uint64_t BlocksWritten() const { return blocks_; }
+  [[nodiscard]] const MetadataCounter &Metadata() const { return metadata_; }
+  [[nodiscard]] const ZE_KEST_PcmBuffer_s &OutputPcm() { return out_.Record().stPcm; }
+
+ private:
+  void TakeOutput(std::vector<int32_t> &played) {
+    ZE_KEST_PcmBuffer_s &pcm = out_.Record().stPcm;
+    for (uint32_t i = 0; i < pcm.sztPcmLevel; ++i) {
+      played.push_back(SampleAt(out_, i));
+    }
+    pcm.sztPcmReadSize = pcm.sztPcmLevel;
+
+    ZE_KEST_DataBuffer_s &metadata = out_.Record().stMeta;
+    for (uint32_t offset = 0; offset < metadata.sztLevel; offset += kMetadataBlockBytes) {
+      metadata_.Count(BlockAt(out_, offset));
+    }
+    metadata.sztReadSize = metadata.sztLevel;
+    out_.ReleaseRead();
+  }
+
+  Filter &filter_;
+  PortStorage in_;
+  PortStorage out_{kMono, PortCapacity::ForFrames(1000)};
+  int32_t lastSample_ = 0;
+  uint64_t blocks_ = 0;
+  MetadataCounter metadata_;
+};
+
+constexpr size_t kCycle = kCycleFrames;
+
+// What the frames of a run should hold: silence, then numbers from the first on.
+std::vector<int32_t> SilenceThenNumbers(size_t silence, int32_t first, size_t frames) {
+  std::vector<int32_t> expected(frames, 0);
+  for (size_t i = silence; i < frames; ++i) {
+    expected[i] = first++;
+  }
+  return expected;
+}
+
+TEST(Delay, ChangesWhileItRuns) {
+  Delay delay(kMono);
+  Bench bench(delay);
+  delay.SetDelayMs(10);
+  EXPECT_EQ(SilenceThenNumbers(480, 1, 3 * kCycle), bench.Run(3));
+  delay.SetDelayMs(20);  // 288 frames have come out
+  EXPECT_EQ(SilenceThenNumbers(480, 289, 4 * kCycle), bench.Run(4));
+  delay.SetDelayMs(5);  // 544 more have come out, 720 are skipped
+  EXPECT_EQ(SilenceThenNumbers(0, 1553, 2 * kCycle), bench.Run(2));
+  EXPECT_EQ(SilenceThenNumbers(0, 2065, 240), bench.Run(2, true));
+  EXPECT_TRUE(delay.Ended());
+  EXPECT_EQ(bench.BlocksWritten(), bench.Metadata().Blocks());
+  EXPECT_EQ(0u, bench.Metadata().OutOfOrder());
+}
+
+TEST(Delay, DropsALongDelayWithoutLosingMetadata) {
+  Delay delay(kMono);
+  Bench bench(delay);
+  delay.SetDelayMs(5000);
+  EXPECT_EQ(1000u, delay.DelayMs());
+  bench.Run(200);
+  delay.SetDelayMs(0);
+  EXPECT_EQ(SilenceThenNumbers(0, 200 * 256 + 1, 100 * kCycle), bench.Run(100));
+  EXPECT_EQ(bench.BlocksWritten(), bench.Metadata().Blocks());
+  EXPECT_EQ(0u, bench.Metadata().OutOfOrder());
+}
+
+TEST(Volume, MutesAndComesBackUnchanged) {
+  Volume volume(kMono);
+  Bench bench(volume);
+  EXPECT_EQ(SilenceThenNumbers(0, 1, 256), bench.Run(1));
+  volume.SetMute(true);
+  EXPECT_EQ(std::vector<int32_t>(256, 0), bench.Run(1));
+  volume.SetMute(false);
+  EXPECT_EQ(SilenceThenNumbers(0, 513, 256), bench.Run(1));
+  volume.SetGainDb(1000);
+  EXPECT_EQ(Volume::kMaxGainDb, volume.GainDb());
+}
+
+TEST(Filter, CountsAnOutputWithoutRoomAndKeepsItsInput) {
+  Volume volume(kMono);
+  Bench bench(volume);
+  for (int cycle = 0; cycle < 4; ++cycle) {
+    bench.WriteInput();
+    volume.RunCycle(false);
+  }
+  EXPECT_EQ(1000u, bench.OutputPcm().sztPcmLevel);
+  EXPECT_EQ(0u, bench.OutputPcm().u64PcmXrunCount);
+  volume.RunCycle(false);
+  EXPECT_EQ(1u, bench.OutputPcm().u64PcmXrunCount);
+  EXPECT_EQ(SilenceThenNumbers(0, 1, 4 * kCycle), bench.Run(2, true));
+}
+
+}  // namespace
+}  // namespace kest::player

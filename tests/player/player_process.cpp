@@ -1,0 +1,97 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "tests/player/player_process.h"
+
+#include <algorithm>
+#include <fstream>
+#include <sstream>
+
+#include <fcntl.h>
+#include <signal.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace kest::test {
+namespace {
+
+std::string ReadText(const std::string &path) {
+  std::ifstream file(path);
+  std::ostringstream text;
+  text << file.rdbuf();
+  return text.str();
+}
+
+// The player, behind its emulator where the target is not the host.
+std::vector<std::string> CommandLine(const std::vector<std::string> &arguments) {
+  std::vector<std::string> words;
+  std::istringstream command(KEST_PLAYER_COMMAND);
+  for (std::string word; std::getline(command, word, '|');) {
+    words.push_back(word);
+  }
+  words.insert(words.end(), arguments.begin(), arguments.end());
+  return words;
+}
+
+pid_t Spawn(const std::vector<std::string> &words, const std::string &outPath, const std::string &errPath) {
+  std::vector<char *> argv(words.size());
+  std::transform(words.begin(), words.end(), argv.begin(),
+                 [](const std::string &word) { return const_cast<char *>(word.c_str()); });
+  argv.push_back(nullptr);
+
+  constexpr int kFlags = O_WRONLY | O_CREAT | O_TRUNC;
+  posix_spawn_file_actions_t actions;
+  posix_spawn_file_actions_init(&actions);
+  posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, outPath.c_str(), kFlags, 0600);
+  posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, errPath.c_str(), kFlags, 0600);
+  pid_t pid = -1;
+  const int result = posix_spawnp(&pid, argv[0], &actions, nullptr, argv.data(), environ);
+  posix_spawn_file_actions_destroy(&actions);
+  return result == 0 ? pid : -1;
+}
+
+}  // namespace
+
+PlayerProcess::PlayerProcess(const std::vector<std::string> &arguments) {
+  static int count = 0;
+  const std::string stem = "/mnt/player-" + std::to_string(++count);
+  outPath_ = stem + ".out";
+  errPath_ = stem + ".err";
+  pid_ = Spawn(CommandLine(arguments), outPath_, errPath_);
+}
+
+PlayerProcess::~PlayerProcess() {
+  if (!running_) return;
+  Signal(SIGKILL);
+  Wait();
+}
+
+void PlayerProcess::Signal(int number) const {
+  kill(pid_, number);
+}
+
+bool PlayerProcess::IsRunning() {
+  if (running_) running_ = waitpid(pid_, &status_, WNOHANG) == 0;
+  return running_;
+}
+
+PlayerResult PlayerProcess::Wait() {
+  if (running_) waitpid(pid_, &status_, 0);
+  running_ = false;
+  const int exitCode = WIFEXITED(status_) ? WEXITSTATUS(status_) : 128 + WTERMSIG(status_);
+  return {exitCode, ReadText(outPath_), ReadText(errPath_)};
+}
+
+PlayerResult PlayFast(std::vector<std::string> arguments) {
+  arguments.emplace_back("--fast");
+  return PlayerProcess(arguments).Wait();
+}
+
+bool WaitWhilePlaying(PlayerProcess &player, const std::function<bool()> &condition) {
+  while (!condition()) {
+    if (!player.IsRunning()) return condition();
+    usleep(1000);
+  }
+  return true;
+}
+
+}  // namespace kest::test
