@@ -6,9 +6,10 @@ debug_dir=/mnt/vendor/tmp/kest/
 build_packages=(g++ cmake make pkg-config android-liblog-dev libsndfile1-dev libcli11-dev alsa-utils)
 test_packages=(libgtest-dev libgmock-dev)
 
-say() { printf '%s\n' "$*"; }
+# Each argument a line.
+say() { printf '%s\n' "$@"; }
 fail() {
-  printf '%s\n' "$*" >&2
+  say "$@" >&2
   exit 1
 }
 

@@ -31,10 +31,10 @@ wait_for_pipe() {
 command_to_pipe() {
   say "" "\$ echo $1 >D"
   timeout 5 sh -c 'echo "$1" >"$2"' sh "$1" "${debug_dir}D" || fail "Nobody reads the pipe ${debug_dir}D"
-  sleep 0.5
+  sleep 0.4
 }
 
-stop_all() { kill "${player:-}" "${tail:-}" 2>/dev/null || true; }
+stop_player() { kill "${player:-}" 2>/dev/null || true; }
 
 need "${build_packages[@]}"
 [ -r "$audio" ] || fail "There is no readable audio file $audio"
@@ -53,13 +53,14 @@ fi
 
 output=$root/build/demo.wav
 touch "${debug_dir}KestLog.txt"
-trap stop_all EXIT
+trap stop_player EXIT
 
 say "Playing $audio through Decoder_13 (Lpcm, Volume) and SpeakerOutput (Mixer, Delay, SpeakerOutput) ..."
-tail -n 0 -f "${debug_dir}KestLog.txt" &
-tail=$!
-"$build_dir/kest-player" "$audio" -o "$output" --loop --seconds 12 &
+log_bytes=$(stat -c %s "${debug_dir}KestLog.txt")
+"$build_dir/kest-player" "$audio" -o "$output" --loop --seconds 8 &
 player=$!
+# Behind what the log held before; the help's empty rows squeezed into one.
+tail -c +$((log_bytes + 1)) -f --pid="$player" "${debug_dir}KestLog.txt" | cat -s &
 wait_for_pipe || { wait "$player"; exit 1; }
 
 sleep 0.5
@@ -76,6 +77,5 @@ command_to_pipe kest_log_level=none
 
 say "" "Waiting for the end of the audio ..."
 wait "$player"
-sleep 0.2
-kill "$tail" 2>/dev/null || true
+wait
 say "" "Output: $output" "Log:    ${debug_dir}KestLog.txt" "Pipe:   ${debug_dir}D (while a player runs)"

@@ -11,7 +11,7 @@ if why=$("$root/tests/support/in_namespace.sh" true 2>&1); then
   cd "$root/build/release"
   ctest --output-on-failure --timeout 120 -j "$(nproc)"
 else
-  say "$debug_dir cannot be created in a namespace of its own ($why)." \
+  say "$debug_dir cannot be created in a namespace of its own: $why" \
     "Testing a build with the debug directory build/local/kest/ instead."
   build local --preset release -B "$root/build/local" -DKEST_DEBUG_DIR="$root/build/local/kest/"
   cd "$root/build/local"
