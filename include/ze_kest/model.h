@@ -17,14 +17,15 @@
 extern "C" {
 #endif
 
-#define ZE_KEST_NAME_SIZE 64           /* bytes of a name field, its NUL included */
-#define ZE_KEST_MAX_PORTS 8            /* port slots of one side of a filter */
-#define ZE_KEST_PCM_GROUPS 3           /* channel groups of a port */
-#define ZE_KEST_PCM_GROUP_SLOTS 10     /* channel slots of a group */
-#define ZE_KEST_PCM_GROUP_ENTRIES 12   /* entries of a group in the per-channel arrays handed to filters */
-#define ZE_KEST_PCM_CHANNEL_ENTRIES 36 /* entries of such an array: slot k of group g stands at 12 * g + k \
-                                        */
-#define ZE_KEST_NO_BOUND UINT32_MAX    /* a process-size bound that never limits */
+#define ZE_KEST_NAME_SIZE 64         /* bytes of a name field, its NUL included */
+#define ZE_KEST_MAX_PORTS 8          /* port slots of one side of a filter */
+#define ZE_KEST_PCM_GROUPS 3         /* channel groups of a port */
+#define ZE_KEST_PCM_GROUP_SLOTS 10   /* channel slots of a group */
+#define ZE_KEST_PCM_GROUP_ENTRIES 12 /* entries of a group in the per-channel arrays handed to filters */
+#define ZE_KEST_PCM_CHANNEL_ENTRIES                                                                     \
+  36                                /* entries of such an array: slot k of group g stands at 12 * g + k \
+                                     */
+#define ZE_KEST_NO_BOUND UINT32_MAX /* a process-size bound that never limits */
 
 /* Option bit of a filter: with a bound of the output process size, its PCM writes go straight into the ring
  * without wrap-around; the caller keeps every write inside the ring. */

@@ -114,8 +114,8 @@ ZE_KEST_API const char *ze_kest_Utility_MpeghStreamTypeEnumString(uint32_t u32Va
 
 /* ---- Small conversions and platform questions ---- */
 
-/* Linear gain 10^(dB/20) in Q23 (0x800000 is 1.0). s32Db: whole decibels; above 54 the gain does not fit into Q23. Real-time
- * safe. */
+/* Linear gain 10^(dB/20) in Q23 (0x800000 is 1.0). s32Db: whole decibels; above 54 the gain does not fit into
+ * Q23. Real-time safe. */
 ZE_KEST_API uint32_t ze_kest_Utility_FixedPtDb(int s32Db);
 
 /* Bytes per millisecond of a PCM format, (bits / 8) * channels * (rate / 1000); a zero field stands for
