@@ -88,7 +88,9 @@ void *_ZE_KEST_Debug_RuntimeMonitor(void * /*pvUnused*/) {
 void SetThreadAttributes() {
   constexpr const char *kFunction = "_ZE_KEST_Debug_CreateThread";
   KEST_THREAD_CALL_AS(kFunction, pthread_attr_init(&_stKestDebugRuntimeMonitorThreadAttr));
+  // The size stands as the report of a failure quotes it.
   KEST_THREAD_CALL_AS(kFunction,
+                      // NOLINTNEXTLINE(bugprone-implicit-widening-of-multiplication-result)
                       pthread_attr_setstacksize(&_stKestDebugRuntimeMonitorThreadAttr, (2 * 4096) * 8));
   KEST_THREAD_CALL_AS(
       kFunction, pthread_attr_setdetachstate(&_stKestDebugRuntimeMonitorThreadAttr, PTHREAD_CREATE_JOINABLE));

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "debug/control/startup.h"
 
+#include <atomic>
+
 #include <pthread.h>
 
 #include "ze_kest/debug.h"
@@ -24,16 +26,16 @@ constexpr int32_t kMonitorSleepTimeMs = 2000;
 
 pthread_mutex_t g_baseMutex = PTHREAD_MUTEX_INITIALIZER;
 LockOwner g_baseOwner;
-Base g_base = Base::kFresh;
+std::atomic<Base> g_base{Base::kFresh};
 uint8_t g_bStarted = 0;
 int32_t g_s32MonitorSleepTimeMs = kMonitorSleepTimeMs;
 
 void SetBase(Base base) {
-  __atomic_store_n(&g_base, base, __ATOMIC_RELEASE);
+  g_base.store(base, std::memory_order_release);
 }
 
 Base GetBase() {
-  return __atomic_load_n(&g_base, __ATOMIC_ACQUIRE);
+  return g_base.load(std::memory_order_acquire);
 }
 
 void InitialiseBase() {

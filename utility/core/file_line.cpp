@@ -10,13 +10,12 @@
 namespace {
 
 // The line so far with one more chunk behind it; empty when memory is exhausted.
-kest::Owned<char> Extended(const char *pszLine, const char *pszChunk, size_t sztTotal) {
+kest::Owned<char> Extended(const char *pszLine, size_t sztLine, const char *pszChunk, size_t sztChunk) {
   void *pv = nullptr;
-  if (ze_kest_Utility_MemoryAlloc(&pv, sztTotal + 1) != ZE_KEST_OK) return nullptr;
+  if (ze_kest_Utility_MemoryAlloc(&pv, sztLine + sztChunk + 1) != ZE_KEST_OK) return nullptr;
   kest::Owned<char> line(static_cast<char *>(pv));
-  *line = '\0';
-  if (pszLine != nullptr) strcpy(line.get(), pszLine);
-  strcat(line.get(), pszChunk);
+  if (sztLine > 0) memcpy(line.get(), pszLine, sztLine);
+  memcpy(line.get() + sztLine, pszChunk, sztChunk + 1);
   return line;
 }
 
@@ -40,14 +39,15 @@ char *ze_kest_Utility_FileReadLine(char *pszBuf, int s32Size, FILE *pFile) {
   size_t sztTotal = 0;
   while (feof(pFile) == 0) {
     if (fgets(pszBuf, s32Size, pFile) == nullptr) return line.release();
-    sztTotal += strlen(pszBuf);
-    if (sztTotal > INT_MAX) break;
-    kest::Owned<char> longer = Extended(line.get(), pszBuf, sztTotal);
+    const size_t sztChunk = strlen(pszBuf);
+    if (sztTotal + sztChunk > INT_MAX) break;
+    kest::Owned<char> longer = Extended(line.get(), sztTotal, pszBuf, sztChunk);
     if (longer == nullptr) {
       KEST_ERR("Err! MALLOC failed!\n");
       return line.release();
     }
     line = std::move(longer);
+    sztTotal += sztChunk;
     if (strchr(pszBuf, '\n') != nullptr) break;
   }
   if (line != nullptr) StripLineEnd(line.get());
