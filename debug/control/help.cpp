@@ -9,13 +9,12 @@ namespace {
 
 constexpr int kHelpRows = 128;
 
-#define KEST_CHANGE_DIR "cd " KEST_DEBUG_DIR "\n"
 #define KEST_RULE "---------------------------------\n"
 
 constexpr const char *kHelp[] = {
     "\n",
     KEST_RULE,
-    KEST_CHANGE_DIR,
+    ("cd " KEST_DEBUG_DIR "\n"),
     KEST_RULE,
     "echo help >D\n",
     "echo ascii_color >D\n",
