@@ -32,6 +32,7 @@ class Holding {
   Holding &operator=(const Holding &) = delete;
 };
 
+using HoldingDebug = Holding<_ZE_KEST_Debug_Mutex_Lock, _ZE_KEST_Debug_Mutex_Unlock>;
 using HoldingShm = Holding<_ZE_KEST_Debug_ShmMutex_Lock, _ZE_KEST_Debug_ShmMutex_Unlock>;
 using HoldingLog = Holding<_ZE_KEST_Debug_LogMutex_Lock, _ZE_KEST_Debug_LogMutex_Unlock>;
 

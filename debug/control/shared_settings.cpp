@@ -111,6 +111,14 @@ void ClearPresetCommand() {
   PublishLocked();
 }
 
+bool CopyPresetCommand(char (&szText)[kPresetCmdSize]) {
+  const HoldingShm holding;
+  const SharedSettings *pstShared = MappedSettings();
+  const uint8_t bPreset = pstShared == nullptr ? g_bPresetCmd : Load(pstShared->bPresetCmd);
+  if (bPreset != 1) return false;
+  return CopyPresetText(__func__, szText, pstShared == nullptr ? g_szPresetCmd : pstShared->szPresetCmd);
+}
+
 uint32_t PrintSharedSettings() {
   const HoldingShm holding;
   const SharedSettings *pstShared = MappedSettings();

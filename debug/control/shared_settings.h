@@ -31,6 +31,10 @@ void _ZE_KEST_Debug_SetShm();
 uint32_t SetPresetCommand(const char *pszText);
 void ClearPresetCommand();
 
+// The preset command that a filter gets when it registers, from whichever process it was given to. False when
+// none is set.
+bool CopyPresetCommand(char (&szText)[kPresetCmdSize]);
+
 // Prints this process's and the block's settings. ZE_KEST_NOT_INITIALISED without a block.
 uint32_t PrintSharedSettings();
 

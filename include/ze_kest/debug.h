@@ -8,6 +8,7 @@
 #ifndef ZE_KEST_DEBUG_H
 #define ZE_KEST_DEBUG_H
 
+#include <stddef.h>
 #include <stdint.h>
 #include <stdio.h>
 
@@ -59,6 +60,65 @@ ZE_KEST_API void ze_kest_Utility_LogToFile(FILE *pFile, const char *pszFormat, .
  * ZE_KEST_NOT_INITIALISED before ze_kest_Debug_Init.
  * Any thread, not real-time safe. */
 ZE_KEST_API uint32_t ze_kest_Debug_SetParameter(const char *pszParameterPairs);
+
+/* ---- The registry: which pipelines and filters run, and on which threads ----
+ *
+ * The framework registers a pipeline, then its filters, connects pipelines that feed each other, and
+ * unregisters what ends; shut-down does not empty the registry. Names are cut at 63 characters. Any thread;
+ * takes a lock and allocates, so not real-time safe. */
+
+/* A filter's entry for debug commands. pszCommand: the command's text, not to be changed; returns ZE_KEST_OK
+ * when it took it. Called on the command thread with the registry locked, or on the registering thread
+ * without: it must not call back into the registry. */
+typedef unsigned int (*ZE_KEST_DebugCallback)(ZE_KEST_Filter_s *pstFilter, signed char *pszCommand);
+
+/* A parameter that the framework's filters support; the framework owns the list. */
+typedef struct ZE_KEST_SupportedParameter_s {
+  char szName[ZE_KEST_NAME_SIZE];
+  char szDescription[ZE_KEST_NAME_SIZE];
+  size_t sztSize; /* bytes of its value */
+  uint32_t u32Reserved;
+  struct ZE_KEST_SupportedParameter_s *pstNext; /* NULL at the end */
+} ZE_KEST_SupportedParameter_s;
+
+/* Registers a pipeline, or a filter of one.
+ * pszPipelineName: may be NULL; pstFilter: NULL for a pipeline, else the filter, which stays the caller's and
+ * valid until it is unregistered; u32Tid, pszThreadName (may be NULL): the thread that runs it; pfnCallback:
+ * may be NULL. It is called at once, before the entry exists, when a preset command is set. A filter stands
+ * behind its parent pipeline and the filters registered for that before, or at the end when the pipeline is
+ * not registered. Nothing is registered once only: a second time gives a second entry. ZE_KEST_FAILED: memory
+ * is exhausted; the registry is unchanged. */
+ZE_KEST_API uint32_t ze_kest_Debug_RegisterInfo(const char *pszPipelineName, ZE_KEST_Filter_s *pstFilter,
+                                                uint32_t u32Tid, const char *pszThreadName,
+                                                ZE_KEST_DebugCallback pfnCallback);
+
+/* Removes the first filter entry with the pipeline's and the filter's name, or for a NULL filter every entry
+ * of the pipeline, its filters' too. ZE_KEST_OK also when nothing matched. */
+ZE_KEST_API uint32_t ze_kest_Debug_UnRegisterInfo(const char *pszPipelineName,
+                                                  const ZE_KEST_Filter_s *pstFilter);
+
+/* Notes that a pipeline feeds another one, or no longer does. ZE_KEST_OK also when the first is not
+ * registered or feeds 8 already. */
+ZE_KEST_API uint32_t ze_kest_Debug_ConnectPipeline(const char *pszPipelineName,
+                                                   const char *pszFedPipelineName);
+ZE_KEST_API uint32_t ze_kest_Debug_DisconnectPipeline(const char *pszPipelineName,
+                                                      const char *pszFedPipelineName);
+
+/* Hands over the head of the framework's list of supported parameters, NULL for none. The list is not copied
+ * and stays valid until another one is handed over. Takes no lock. */
+ZE_KEST_API void ze_kest_Debug_SetSupportedParameterList(const ZE_KEST_SupportedParameter_s *pstHead);
+
+/* Bytes of a short audio descriptor block: 16 entries of 24 bytes, indexed by audio format code. */
+#define ZE_KEST_SAD_SIZE 384
+
+/* Keeps a copy of the sink's short audio descriptor block. s32Size: ZE_KEST_SAD_SIZE; any other size is
+ * reported and keeps the old block, and is ZE_KEST_OK too. */
+ZE_KEST_API uint32_t ze_kest_Debug_SetSAD(const uint8_t *pu8Sad, int32_t s32Size);
+
+/* No parameter can be read through this entry: it checks its arguments and leaves pData alone.
+ * ZE_KEST_INVALID_ARGUMENT: a NULL pointer or a size of 0; ZE_KEST_NOT_INITIALISED before ze_kest_Debug_Init.
+ */
+ZE_KEST_API uint32_t ze_kest_Debug_GetParameter(const char *pszParameterName, void *pData, size_t sztSize);
 
 #ifdef __cplusplus
 }

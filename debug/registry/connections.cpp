@@ -1,0 +1,49 @@
+// SPDX-License-Identifier: Apache-2.0
+// Which pipeline feeds which.
+#include <cstring>
+
+#include "ze_kest/utility.h"
+
+#include "debug/control/debug_mutex.h"
+#include "debug/registry/registry.h"
+#include "utility/core/name_field.h"
+#include "utility/core/report.h"
+
+namespace {
+
+bool IsPipelineNamed(const kest::ZE_KEST_DebugInfo_s &info, const char *pszName) {
+  return info.pstFilter == nullptr && strcmp(info.szName, pszName) == 0;
+}
+
+}  // namespace
+
+// The first pipeline of the name gets the connection; with all its slots in use it is dropped.
+uint32_t ze_kest_Debug_ConnectPipeline(const char *pszPipelineName, const char *pszFedPipelineName) {
+  KEST_REQUIRE(pszPipelineName != nullptr, "pszPipelineName is NULL.\n");
+  const kest::HoldingDebug holding;
+  for (kest::ZE_KEST_DebugInfo_s &info : kest::Registry()) {
+    if (!IsPipelineNamed(info, pszPipelineName)) continue;
+    for (auto &szConnected : info.aszConnected) {
+      if (*szConnected != '\0') continue;
+      const bool bCopied = kest::CopyText(szConnected, pszFedPipelineName);
+      KEST_REQUIRE_OR(bCopied, ZE_KEST_FAILED, "Err! Strncpy failed!\n");
+      return ZE_KEST_OK;
+    }
+    return ZE_KEST_OK;
+  }
+  return ZE_KEST_OK;
+}
+
+// All pipelines of the name, and every slot.
+uint32_t ze_kest_Debug_DisconnectPipeline(const char *pszPipelineName, const char *pszFedPipelineName) {
+  KEST_REQUIRE_OR(pszPipelineName != nullptr, ZE_KEST_OK, "pszPipelineName is NULL.\n");
+  KEST_REQUIRE_OR(pszFedPipelineName != nullptr, ZE_KEST_OK, "pszFedPipelineName is NULL.\n");
+  const kest::HoldingDebug holding;
+  for (kest::ZE_KEST_DebugInfo_s &info : kest::Registry()) {
+    if (!IsPipelineNamed(info, pszPipelineName)) continue;
+    for (auto &szConnected : info.aszConnected) {
+      if (strcmp(szConnected, pszFedPipelineName) == 0) memset(szConnected, 0, sizeof(szConnected));
+    }
+  }
+  return ZE_KEST_OK;
+}
