@@ -189,6 +189,8 @@ ZE_KEST_API uint32_t ze_kest_Utility_CalculateOutputPortRawProcessSize(const ZE_
  * u32BytesPerSample: width in the ring, 2, 3 or 4 (the converting reads: 2 or 4), any other moves nothing.
  *
  * A stride of 1 copies the ring's bytes as they are, whatever the width and in the converting reads too.
+ * Nothing outside the ring is touched: a sample that crosses its end is cut (missing bytes read as 0), more
+ * than the rest of the ring and one lap is not moved, and nothing is when pu8Pos lies outside.
  * _To16Bit gives the upper 16 bits; _To24Le a 32-bit word with the upper 24 bits in its low three bytes, not
  * sign-extended; _To32Bit the sample left-aligned in 32 bits. */
 ZE_KEST_API uint32_t ze_kest_Utility_WriteDataToNonInterleaveRingBuffer(uint8_t *pu8RingBuf, uint8_t *pu8Pos,
@@ -210,7 +212,8 @@ ZE_KEST_API uint32_t ze_kest_Utility_ReadDataFromNonInterleaveRingBuffer_To32Bit
     uint64_t u64Bytes, uint32_t u32Stride, uint32_t u32BytesPerSample);
 
 /* Copies sztCount bytes between byte rings, or from a ring into a linear buffer. A position is offset plus
- * advance, less the ring's size once when it is not below it. All sizes in bytes. */
+ * advance, less the ring's size once when it is not below it; nothing is copied when it lies outside still.
+ * Not more than a ring's size is copied. All sizes in bytes. */
 ZE_KEST_API uint32_t ze_kest_Utility_CopyFromRingToRingBuffer(uint8_t *pu8Dst, uint32_t sztDstSize,
                                                               uint32_t sztDstOffset, uint32_t sztDstAdvance,
                                                               const uint8_t *pu8Src, uint32_t sztSrcSize,
@@ -252,7 +255,7 @@ ZE_KEST_API uint32_t ze_kest_Utility_ReadInputPortPcmBuffer_To24Le(const ZE_KEST
 
 /* Tag and size in bytes (header included) of the next unread metadata block of a port. The caller knows that
  * the ring holds one. u32Unused is not read. ZE_KEST_INVALID_ARGUMENT without a report when there is no such
- * port. */
+ * port or no whole header at its read position. */
 ZE_KEST_API uint32_t ze_kest_Utility_ReadOneBlockInputPortMetadataBuffer(const ZE_KEST_Filter_s *pstFilter,
                                                                          uint32_t u32PortIdx,
                                                                          uint32_t u32Unused,
@@ -277,11 +280,12 @@ ZE_KEST_API uint32_t ze_kest_Utility_QueryInputMinMetaProcessSize(const ZE_KEST_
 /* ---- Writing output ports. Writing commits nothing: account for it with the Update functions. ---- */
 
 /* Writes sztSamples samples per channel to one output port behind the data that its rings hold.
- * u32PortIdx: 0 to u32OutPortCount - 1, connected unless it is 0; the port has the function's sample width;
- * aps16Src / aps32Src: 36 entries, 12 per group, the source of slot k of group g at 12 * g + k, NULL for
- * none; au16Stride: 36 entries, distance of a source's samples, in samples. The caller knows that the rings
- * have the space. With ZE_KEST_OPTION_DIRECT_WRITE and a bound of the output process size the samples are
- * stored without wrap-around. ZE_KEST_INVALID_ARGUMENT: a NULL pointer (reported), no such port. */
+ * u32PortIdx: 0 to u32OutPortCount - 1, connected unless it is 0; the port has the function's sample width,
+ * or, in the 32-bit functions, packed 24-bit samples as the sources then have; aps16Src / aps32Src: 36
+ * entries, 12 per group, the source of slot k of group g at 12 * g + k, NULL for none; au16Stride: 36
+ * entries, distance of a source's samples, in samples. The caller knows that the rings have the space. With
+ * ZE_KEST_OPTION_DIRECT_WRITE and a bound of the output process size the samples are stored without
+ * wrap-around. ZE_KEST_INVALID_ARGUMENT: a NULL pointer (reported), no such port. */
 ZE_KEST_API uint32_t ze_kest_Utility_WriteOutputPort16BitPcmBuffer(const ZE_KEST_Filter_s *pstFilter,
                                                                    uint32_t u32PortIdx, uint32_t sztSamples,
                                                                    int16_t *const *aps16Src,

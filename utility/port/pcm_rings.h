@@ -35,7 +35,6 @@ inline uint32_t SlotCount(const ZE_KEST_PcmGroup_s &stGroup) {
 // The plan of a transfer that every channel ring of the port shares. Position and amount are in samples.
 inline RingPlan PlanPort(const ZE_KEST_PcmBuffer_s &stPcm, uint32_t u32Position, uint32_t sztSamples,
                          uint32_t u32Unit) {
-  if (u32Position > stPcm.sztPcmRingSamples) return {};
   const uint32_t u32Width = BytesPerSample(stPcm);
   return PlanRing(RingBytes(stPcm), size_t{u32Position} * u32Width, uint64_t{sztSamples} * u32Width, u32Unit);
 }

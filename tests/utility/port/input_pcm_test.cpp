@@ -31,7 +31,7 @@ void Model(const Reader &reader, const ZE_KEST_PcmBuffer_s &pcm, const Request &
     const uint32_t group = c < 2 ? 0 : c < 12 ? 1 : 2;
     const uint32_t slot = c - std::max(group == 0 ? r.first : 0, sztPcmGroupBaseChIdx[group]);
     const uint32_t at = (pcm.sztPcmReadOffset + pcm.sztPcmReadSize + frame) % pcm.sztPcmRingSamples;
-    const uint8_t *pu8 = pcm.apu8PcmGroupBuf[group] + (slot * pcm.sztPcmRingSamples + at) * width;
+    const uint8_t *pu8 = pcm.apu8PcmGroupBuf[group] + size_t{slot * pcm.sztPcmRingSamples + at} * width;
     const Bytes sample(pu8, pu8 + width);
     const Bytes converted = r.frame == 1 ? sample : reader.pfnConvert(sample);
     std::copy(converted.begin(), converted.end(), &dst[(frame * r.frame + c - r.first) * converted.size()]);
@@ -82,7 +82,7 @@ TEST(InputPcm, ChannelsAndRingsThatThePortDoesNotHaveLeaveTheirSlots) {
   Filter filter;
   ZE_KEST_PcmBuffer_s &pcm = filter.In(0).Pcm(16, 4, {2, 0, 0});
   pcm.astPcmGroup[0].as32ChMap[0] = -1;
-  Bytes dst(3 * 2, 0x11);
+  Bytes dst(6, 0x11);
   EXPECT_EQ(8u, ze_kest_Utility_ReadInputPortPcmBuffer(filter, 0, dst.data(), 1, 2, 1, 3));
   EXPECT_EQ(8u, ze_kest_Utility_ReadInputPortPcmBuffer(filter, 0, dst.data(), 1, 0, 3, 3));
   EXPECT_EQ(8u, ze_kest_Utility_ReadInputPortPcmBuffer(filter, 0, dst.data(), 1, 0, UINT32_MAX, 3));
@@ -90,11 +90,11 @@ TEST(InputPcm, ChannelsAndRingsThatThePortDoesNotHaveLeaveTheirSlots) {
   EXPECT_EQ(ZE_KEST_OK, ze_kest_Utility_ReadInputPortPcmBuffer(filter, 0, dst.data(), 1, 0, 2, 3));
   pcm.sztPcmRingSamples = pcm.sztPcmReadOffset = 0;
   EXPECT_EQ(ZE_KEST_OK, ze_kest_Utility_ReadInputPortPcmBuffer(filter, 0, dst.data(), 1, 0, 2, 3));
-  EXPECT_EQ(Bytes(3 * 2, 0x11), dst) << "a refused range, a position and a ring that cannot be";
+  EXPECT_EQ(Bytes(6, 0x11), dst) << "a refused range, a position and a ring that cannot be";
   pcm.sztPcmRingSamples = 4;
   EXPECT_EQ(ZE_KEST_OK, ze_kest_Utility_ReadInputPortPcmBuffer(filter, 0, dst.data(), 1, 0, 2, 3));
-  const uint8_t *pu8Slot1 = pcm.apu8PcmGroupBuf[0] + 4 * 2;
-  EXPECT_EQ((Bytes{0x11, 0x11, pu8Slot1[0], pu8Slot1[1], 0x11, 0x11}), dst);
+  const Bytes storage = filter.In(0).groups[0].Content();
+  EXPECT_EQ((Bytes{0x11, 0x11, storage[8], storage[9], 0x11, 0x11}), dst);
 }
 
 TEST(InputPcm, OnlyA32BitReadAsIsGoesBeyondTheFirstChannelOfTheLastGroup) {
@@ -118,11 +118,11 @@ TEST(InputPcm, OnlyA32BitReadAsIsGoesBeyondTheFirstChannelOfTheLastGroup) {
     Filter filter;
     filter.In(0).Pcm(c.bits, 4, {2, 10, 10});
     const kest::test::ReportCapture capture;
-    Bytes dst(22 * 4, 0x11);
+    Bytes dst(88, 0x11);
     // One sample, so that the frame may claim any size.
     EXPECT_EQ(c.reports.empty() ? ZE_KEST_OK : ZE_KEST_FAILED,
               c.reader.pfnRead(filter, 0, dst.data(), 1, c.first, c.last, UINT32_MAX));
     EXPECT_EQ(c.reports, capture.Texts("<ERR>")) << c.first << '-' << c.last;
-    EXPECT_EQ(c.first == 22, dst == Bytes(22 * 4, 0x11)) << "the channels before it are read";
+    EXPECT_EQ(c.first == 22, dst == Bytes(88, 0x11)) << "the channels before it are read";
   }
 }

@@ -5,30 +5,40 @@
 
 namespace {
 
+enum Rings : uint32_t { kPcm = 1, kMeta = 2, kRaw = 4, kAll = 7 };
+
 struct PortState {
-  uint32_t value, connected, ring;
+  uint32_t value, connected, rings;
 };
 
-// Gives the value to every kind of data, with 5 more that this cycle has used up in the byte rings.
+// Gives the value to every kind of data, each times a factor of its own (those below), and to the byte rings
+// 5 more that this cycle has used up.
 void Set(ZE_KEST_Port_s &stPort, const PortState &state) {
   stPort.bConnected = state.connected;
-  stPort.stPcm.sztPcmRingSamples = state.ring;
-  stPort.stPcm.sztPcmLevel = stPort.stPcm.sztPcmSpace = state.value;
+  stPort.stPcm.sztPcmRingSamples = state.rings & kPcm;
+  stPort.stPcm.sztPcmLevel = state.value;
+  stPort.stPcm.sztPcmSpace = 2 * state.value;
   stPort.stPcm.sztPcmReadSize = stPort.stPcm.sztPcmWriteSize = 5;  // not subtracted
+  stPort.stMeta.sztSize = state.rings & kMeta;
+  stPort.stMeta.sztLevel = 3 * state.value + 5;
+  stPort.stMeta.sztSpace = 4 * state.value + 5;
+  stPort.stRaw.sztSize = state.rings & kRaw;
+  stPort.stRaw.sztLevel = 5 * state.value + 5;
+  stPort.stRaw.sztSpace = 6 * state.value + 5;
   for (ZE_KEST_DataBuffer_s *pstRing : {&stPort.stMeta, &stPort.stRaw}) {
-    pstRing->sztSize = state.ring;
-    pstRing->sztLevel = pstRing->sztSpace = state.value + 5;
     pstRing->sztReadSize = pstRing->sztWriteSize = 5;
   }
 }
 
-constexpr uint32_t (*kCalculate[])(const ZE_KEST_Filter_s *, uint32_t *) = {
-    ze_kest_Utility_CalculateInputPortPcmProcessSize,
-    ze_kest_Utility_CalculateInputPortMetadataProcessSize,
-    ze_kest_Utility_CalculateInputPortRawProcessSize,
-    ze_kest_Utility_CalculateOutputPortPcmProcessSize,
-    ze_kest_Utility_CalculateOutputPortMetadataProcessSize,
-    ze_kest_Utility_CalculateOutputPortRawProcessSize};
+constexpr struct {
+  uint32_t (*pfnCalculate)(const ZE_KEST_Filter_s *, uint32_t *);
+  uint32_t factor;
+} kSizes[] = {{ze_kest_Utility_CalculateInputPortPcmProcessSize, 1},
+              {ze_kest_Utility_CalculateInputPortMetadataProcessSize, 3},
+              {ze_kest_Utility_CalculateInputPortRawProcessSize, 5},
+              {ze_kest_Utility_CalculateOutputPortPcmProcessSize, 2},
+              {ze_kest_Utility_CalculateOutputPortMetadataProcessSize, 4},
+              {ze_kest_Utility_CalculateOutputPortRawProcessSize, 6}};
 
 }  // namespace
 
@@ -36,18 +46,19 @@ TEST(ProcessSize, EachKindCountsItsOwnPorts) {
   struct Case {
     const char *pszWhy;
     std::vector<PortState> ports;
-    uint32_t au32Sizes[6];  // in the order of the functions above
+    uint32_t au32Values[6];  // that the functions above find
   };
   const Case cases[] = {
       {"no ports", {}, {0, 0, 0, 0, 0, 0}},
-      {"empty before the first data", {{0, 1, 9}, {100, 1, 9}}, {100, 100, 0, 0, 0, 0}},
-      {"the same, and more behind it", {{0, 1, 9}, {70, 0, 9}, {90, 1, 9}}, {70, 70, 0, 0, 0, 0}},
-      {"empty behind the first data", {{100, 1, 9}, {0, 1, 9}}, {0, 0, 0, 0, 0, 0}},
-      {"the same, not connected", {{100, 1, 9}, {0, 0, 9}}, {100, 100, 0, 0, 100, 100}},
-      {"port 0 not connected", {{60, 0, 9}, {90, 1, 9}}, {60, 60, 60, 60, 90, 90}},
-      {"port 0 without rings", {{60, 1, 0}, {90, 1, 9}}, {60, 60, 90, 90, 90, 90}},
+      {"empty before the first data", {{0, 1, kAll}, {100, 1, kAll}}, {100, 100, 0, 0, 0, 0}},
+      {"more behind it", {{0, 1, kAll}, {70, 0, kAll}, {90, 1, kAll}}, {70, 70, 0, 0, 0, 0}},
+      {"empty behind the first data", {{100, 1, kAll}, {0, 1, kAll}}, {0, 0, 0, 0, 0, 0}},
+      {"the same, not connected", {{100, 1, kAll}, {0, 0, kAll}}, {100, 100, 0, 0, 100, 100}},
+      {"port 0 not connected", {{60, 0, kAll}, {90, 1, kAll}}, {60, 60, 60, 60, 90, 90}},
+      {"port 0 with metadata alone", {{60, 1, kMeta}, {90, 1, kAll}}, {60, 60, 90, 90, 60, 90}},
+      {"port 0 with raw alone", {{60, 1, kRaw}, {90, 1, kAll}}, {60, 60, 60, 90, 90, 60}},
       {"no rings at all", {{60, 1, 0}}, {60, 60, 0, 0, 0, 0}},
-      {"PCM above its bounds", {{500, 1, 9}}, {200, 500, 500, 300, 500, 500}},
+      {"PCM above its bounds", {{500, 1, kAll}}, {200, 500, 500, 150, 500, 500}},
   };
   for (const Case &c : cases) {
     kest::test::Filter filter;
@@ -59,8 +70,8 @@ TEST(ProcessSize, EachKindCountsItsOwnPorts) {
     }
     for (size_t i = 0; i < 6; ++i) {
       uint32_t u32Size = 77;
-      const uint32_t u32Result = kCalculate[i](filter, &u32Size);
-      EXPECT_EQ(c.au32Sizes[i], u32Size) << c.pszWhy << ", function " << i;
+      const uint32_t u32Result = kSizes[i].pfnCalculate(filter, &u32Size);
+      EXPECT_EQ(c.au32Values[i] * kSizes[i].factor, u32Size) << c.pszWhy << ", function " << i;
       EXPECT_EQ(u32Size == 0 ? ZE_KEST_NOTHING_TO_PROCESS : ZE_KEST_OK, u32Result);
     }
   }
