@@ -39,8 +39,8 @@ constexpr Command kCommands[] = {
     {"kest_atrace", "on", &kTokens, "kest_atrace=on\n", SwitchAtrace, 1},
     {"kest_atrace", "off", &kTokens, "kest_atrace=off\n", SwitchAtrace, 0},
     {"kest_log_size", kAnyValue, &kTokens, nullptr, SetLogSize, 0},
-    {"kest_debug_preset_cmd", "all", &kText, "kest_debug_preset_cmd=all\n", PresetForAll, 0},
-    {"kest_debug_preset_cmd", "off", &kText, "kest_debug_preset_cmd=off\n", PresetOff, 0},
+    {"kest_debug_preset_cmd", "all", &kText, nullptr, PresetForAll, 0},
+    {"kest_debug_preset_cmd", "off", &kText, nullptr, PresetOff, 0},
 };
 
 }  // namespace

@@ -28,6 +28,9 @@ struct Command {
   uint32_t u32Constant;
 };
 
+// Reports of the commands carry the dispatcher's name.
+constexpr const char *kDispatcher = "_ZE_KEST_Debug_SetParameter";
+
 constexpr const char *kAnyValue = nullptr;
 constexpr const char *kNoValue = "";
 

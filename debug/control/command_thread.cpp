@@ -115,6 +115,7 @@ uint32_t CreateCommandThread() {
   if (pthread_create(&g_thread, &_stKestDebugRuntimeMonitorThreadAttr, _ZE_KEST_Debug_RuntimeMonitor,
                      nullptr) != 0) {
     Store(g_bRunning, uint8_t{0});
+    pthread_attr_destroy(&_stKestDebugRuntimeMonitorThreadAttr);
     KEST_ERR_AS(kFunction, "Err! pthread_create failed!\n");
     return ZE_KEST_FAILED;
   }

@@ -12,7 +12,8 @@ enum ThreadKind : unsigned int { kCommandThread = 0 };
 // cannot be created.
 uint32_t _ZE_KEST_Debug_CreateThread(unsigned int u32Index);
 
-// Ends the command thread and waits for it: it notices after the next line of the pipe.
+// Ends the command thread and waits for it: it notices after the next line of the pipe. Returns at once when
+// it was never created or has found no pipe.
 void _ZE_KEST_Debug_DestroyThread();
 
 }  // namespace kest

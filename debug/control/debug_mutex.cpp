@@ -2,60 +2,54 @@
 #include "debug/control/debug_mutex.h"
 
 #include "debug/control/lock_owner.h"
+#include "debug/log/inside_log.h"
 #include "utility/core/report.h"
 
 namespace kest {
 
-pthread_mutex_t _stKestDebugMutex = PTHREAD_MUTEX_INITIALIZER;
-pthread_mutex_t _stKestDebugShmMutex = PTHREAD_MUTEX_INITIALIZER;
-pthread_mutex_t _stKestDebugLogMutex = PTHREAD_MUTEX_INITIALIZER;
+pthread_mutex_t _stKestDebugMutex;
+pthread_mutex_t _stKestDebugShmMutex;
+pthread_mutex_t _stKestDebugLogMutex;
 
 namespace {
 
 LockOwner g_owner;
 LockOwner g_shmOwner;
 LockOwner g_logOwner;
-bool g_bInitialised = false;
+
+// A report from here must not come back for the log's mutex.
+void InitialiseMutexes() {
+  constexpr const char *kFunction = "_ZE_KEST_Debug_MutexInit";
+  const InsideLog inside;
+  KEST_THREAD_CALL_AS(kFunction, pthread_mutex_init(&_stKestDebugMutex, 0));
+  KEST_THREAD_CALL_AS(kFunction, pthread_mutex_init(&_stKestDebugShmMutex, 0));
+  KEST_THREAD_CALL_AS(kFunction, pthread_mutex_init(&_stKestDebugLogMutex, 0));
+}
 
 }  // namespace
 
-// Once per process: a thread may hold a mutex across a shut-down and a new start.
+// Once per process, by whoever needs a mutex first: one may be held before the start and across a shut-down.
 void _ZE_KEST_Debug_MutexInit() {
-  if (g_bInitialised) return;
-  g_bInitialised = true;
-  KEST_THREAD_CALL(pthread_mutex_init(&_stKestDebugMutex, 0));
-  KEST_THREAD_CALL(pthread_mutex_init(&_stKestDebugShmMutex, 0));
-  KEST_THREAD_CALL(pthread_mutex_init(&_stKestDebugLogMutex, 0));
+  static pthread_once_t once = PTHREAD_ONCE_INIT;
+  pthread_once(&once, InitialiseMutexes);
 }
 
-void _ZE_KEST_Debug_Mutex_Lock() {
-  if (KEST_THREAD_CALL(pthread_mutex_lock(&_stKestDebugMutex)) == 0) g_owner.Take();
-}
+// A macro, because the reports quote the calls with the mutex's own name.
+#define KEST_DEFINE_LOCK(lock, unlock, mutex, owner)                     \
+  void lock() {                                                          \
+    _ZE_KEST_Debug_MutexInit();                                          \
+    if (KEST_THREAD_CALL(pthread_mutex_lock(&mutex)) == 0) owner.Take(); \
+  }                                                                      \
+  void unlock() {                                                        \
+    if (!owner.IsMine()) return;                                         \
+    owner.Drop();                                                        \
+    KEST_THREAD_CALL(pthread_mutex_unlock(&mutex));                      \
+  }
 
-void _ZE_KEST_Debug_Mutex_Unlock() {
-  if (!g_owner.IsMine()) return;
-  g_owner.Drop();
-  KEST_THREAD_CALL(pthread_mutex_unlock(&_stKestDebugMutex));
-}
-
-void _ZE_KEST_Debug_ShmMutex_Lock() {
-  if (KEST_THREAD_CALL(pthread_mutex_lock(&_stKestDebugShmMutex)) == 0) g_shmOwner.Take();
-}
-
-void _ZE_KEST_Debug_ShmMutex_Unlock() {
-  if (!g_shmOwner.IsMine()) return;
-  g_shmOwner.Drop();
-  KEST_THREAD_CALL(pthread_mutex_unlock(&_stKestDebugShmMutex));
-}
-
-void _ZE_KEST_Debug_LogMutex_Lock() {
-  if (KEST_THREAD_CALL(pthread_mutex_lock(&_stKestDebugLogMutex)) == 0) g_logOwner.Take();
-}
-
-void _ZE_KEST_Debug_LogMutex_Unlock() {
-  if (!g_logOwner.IsMine()) return;
-  g_logOwner.Drop();
-  KEST_THREAD_CALL(pthread_mutex_unlock(&_stKestDebugLogMutex));
-}
+KEST_DEFINE_LOCK(_ZE_KEST_Debug_Mutex_Lock, _ZE_KEST_Debug_Mutex_Unlock, _stKestDebugMutex, g_owner)
+KEST_DEFINE_LOCK(_ZE_KEST_Debug_ShmMutex_Lock, _ZE_KEST_Debug_ShmMutex_Unlock, _stKestDebugShmMutex,
+                 g_shmOwner)
+KEST_DEFINE_LOCK(_ZE_KEST_Debug_LogMutex_Lock, _ZE_KEST_Debug_LogMutex_Unlock, _stKestDebugLogMutex,
+                 g_logOwner)
 
 }  // namespace kest

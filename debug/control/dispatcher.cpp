@@ -37,7 +37,7 @@ uint32_t Try(const Command &command, const char *pszLine) {
     if (!TakesValue(command, pszValue)) return ZE_KEST_INVALID_ARGUMENT;
   }
   if (command.pszConfirmation != nullptr) {
-    KEST_PRINT_AS("_ZE_KEST_Debug_SetParameter", "%s", command.pszConfirmation);
+    KEST_PRINT_AS(kDispatcher, "%s", command.pszConfirmation);
   }
   return command.pfnAction({pszValue, pszRest, command.u32Constant});
 }

@@ -100,7 +100,7 @@ void _ZE_KEST_Debug_GetVersion() {
 // The table's empty rows print as empty lines.
 uint32_t PrintHelp(const CommandArguments & /*arguments*/) {
   for (int i = 0; i < kHelpRows; ++i)
-    KEST_PRINT("%s", i < kTextRows ? kHelp[i] : "\n");
+    KEST_PRINT_AS(kDispatcher, "%s", i < kTextRows ? kHelp[i] : "\n");
   _ZE_KEST_Debug_GetVersion();
   return ZE_KEST_OK;
 }

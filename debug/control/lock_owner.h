@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Which thread holds a lock, as far as that thread itself wants to know.
+// Tells a thread whether it is the one that holds a lock.
 #pragma once
 
 #include "utility/core/shared_value.h"

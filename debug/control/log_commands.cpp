@@ -10,12 +10,11 @@
 namespace kest {
 namespace {
 
-// Sets a number before it is tested: one out of range is stored as the limit and then refused, on purpose.
-uint32_t SetNumber(const char *pszValue, void (*pfnSet)(int32_t), int32_t *ps32Value) {
-  *ps32Value = ParseS32(pszValue);
-  pfnSet(*ps32Value);
-  if (!IsOutOfRange(*ps32Value)) return ZE_KEST_OK;
-  KEST_PRINT("format error: %s\n", pszValue);
+// A number is stored before it is tested: one out of range is stored as the limit and then refused, on
+// purpose.
+uint32_t CheckNumber(int32_t s32Value, const char *pszText) {
+  if (!IsOutOfRange(s32Value)) return ZE_KEST_OK;
+  KEST_PRINT_AS(kDispatcher, "format error: %s\n", pszText);
   return ZE_KEST_INVALID_ARGUMENT;
 }
 
@@ -36,16 +35,17 @@ uint32_t SwitchLogToFile(const CommandArguments &arguments) {
 uint32_t SetLogLevel(const CommandArguments &arguments) {
   Store(u32KestDebugLevel, arguments.u32Constant);
   _ZE_KEST_Debug_SetShm();
-  KEST_INFO("Test:<INFO>\n");
-  KEST_WRN("Test:<WRN>\n");
-  KEST_ERR("Test:<ERR>\n");
+  KEST_INFO_AS(kDispatcher, "Test:<INFO>\n");
+  KEST_WRN_AS(kDispatcher, "Test:<WRN>\n");
+  KEST_ERR_AS(kDispatcher, "Test:<ERR>\n");
   return ZE_KEST_OK;
 }
 
 uint32_t SetLogSize(const CommandArguments &arguments) {
-  int32_t s32Bytes = 0;
-  const uint32_t u32Result = SetNumber(arguments.pszValue, SetLogSizeMax, &s32Bytes);
-  if (u32Result == ZE_KEST_OK) KEST_PRINT("LogSizeMax:%d\n", s32Bytes);
+  const int32_t s32Bytes = ParseS32(arguments.pszValue);
+  SetLogSizeMax(s32Bytes);
+  const uint32_t u32Result = CheckNumber(s32Bytes, arguments.pszValue);
+  if (u32Result == ZE_KEST_OK) KEST_PRINT_AS(kDispatcher, "LogSizeMax:%d\n", s32Bytes);
   return u32Result;
 }
 
@@ -55,9 +55,10 @@ uint32_t SwitchAtrace(const CommandArguments &arguments) {
 }
 
 uint32_t SetMonitorSleep(const CommandArguments &arguments) {
-  int32_t s32Ms = 0;
-  const uint32_t u32Result = SetNumber(arguments.pszValue, SetMonitorSleepTime, &s32Ms);
-  if (u32Result == ZE_KEST_OK) KEST_PRINT("sleep time:%d ms\n", s32Ms);
+  const int32_t s32Ms = ParseS32(arguments.pszValue);
+  SetMonitorSleepTime(s32Ms);
+  const uint32_t u32Result = CheckNumber(s32Ms, arguments.pszValue);
+  if (u32Result == ZE_KEST_OK) KEST_PRINT_AS(kDispatcher, "sleep time:%d ms\n", s32Ms);
   return u32Result;
 }
 

@@ -1,12 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "debug/control/shared_settings.h"
 
+#include <utility>
+
 #include "ze_kest/utility.h"
 
 #include "debug/control/debug_mutex.h"
-#include "utility/core/name_field.h"
 #include "utility/core/owned_memory.h"
 #include "utility/core/report.h"
+#include "utility/core/text_field.h"
 
 namespace kest {
 namespace {
@@ -21,114 +23,122 @@ struct SharedBlock {
 
 // All under the shared settings' mutex.
 SharedBlock *g_pstBlock = nullptr;
-char g_szPresetCmd[kPresetCmdSize] = "";
+PresetText g_szPresetCmd = "";
 uint8_t g_bPresetCmd = 0;
 
 SharedSettings *MappedSettings() {
   return g_pstBlock == nullptr ? nullptr : g_pstBlock->pstSettings;
 }
 
-bool AllocateBlock() {
+SharedBlock *AllocateBlock() {
   void *pv = nullptr;
-  if (ze_kest_Utility_MemoryAlloc(&pv, sizeof(SharedBlock)) != ZE_KEST_OK) return false;
+  if (ze_kest_Utility_MemoryAlloc(&pv, sizeof(SharedBlock)) != ZE_KEST_OK) return nullptr;
   Owned<SharedBlock> block(static_cast<SharedBlock *>(pv));
   void *pvAddr = nullptr;
   const uint32_t u32Result =
       ze_kest_Utility_ShmAlloc(kBlockName, &block->s32ShmFd, &block->s32LockFd, &pvAddr);
-  if (u32Result != ZE_KEST_OK) return false;
+  if (u32Result != ZE_KEST_OK) return nullptr;
   block->pstSettings = static_cast<SharedSettings *>(pvAddr);
-  g_pstBlock = block.release();
-  return true;
+  return block.release();
 }
 
-// Another process may be writing the text: the copy ends within the field whatever stands there.
-bool CopyPresetText(const char *pszFunction, char (&szTo)[kPresetCmdSize], const char *pszFrom) {
-  if (CopyText(szTo, pszFrom)) return true;
-  KEST_ERR_AS(pszFunction, "Err! Strncpy failed!\n");
-  return false;
+SharedBlock *ReplaceBlock(SharedBlock *pstBlock) {
+  const HoldingShm holding;
+  std::swap(pstBlock, g_pstBlock);
+  return pstBlock;
 }
 
-void PublishLocked() {
-  SharedSettings *pstShared = MappedSettings();
-  if (pstShared == nullptr) return;
-  Store(pstShared->u32DebugLevel, Load(u32KestDebugLevel));
-  CopyPresetText("_ZE_KEST_Debug_SetShm", pstShared->szPresetCmd, g_szPresetCmd);
-  Store(pstShared->bPresetCmd, g_bPresetCmd);
+// Nothing is reported while the mutex is held: a report may be the first one of the process, which sets the
+// base up and needs the mutex for that.
+bool CopyPresetText(PresetText &szTo, const char *pszFrom) {
+  const HoldingShm holding;
+  return CopyText(szTo, pszFrom);
 }
 
-// A level of 0 means that no process has set the block up.
-void AdoptLocked() {
+// A level of 0 means that no process has set the block up. False for that one.
+bool Adopt() {
+  const HoldingShm holding;
   const SharedSettings &shared = *MappedSettings();
   const uint32_t u32Level = Load(shared.u32DebugLevel);
-  if (u32Level == 0) {
-    g_bPresetCmd = 0;
-    Store(u32KestDebugLevel, static_cast<uint32_t>(ZE_KEST_LEVEL_PRINT));
-    PublishLocked();
-    return;
-  }
+  if (u32Level == 0) return false;
   Store(u32KestDebugLevel, u32Level);
-  CopyPresetText("_ZE_KEST_Debug_GetShm", g_szPresetCmd, shared.szPresetCmd);
   g_bPresetCmd = Load(shared.bPresetCmd);
+  // Another process may be writing the text: the copy ends within the field whatever stands there.
+  return CopyText(g_szPresetCmd, shared.szPresetCmd);
+}
+
+void SetPresetFlag(uint8_t bPreset) {
+  const HoldingShm holding;
+  g_bPresetCmd = bPreset;
 }
 
 }  // namespace
 
 void _ZE_KEST_Debug_ShmInit() {
-  const HoldingShm holding;
-  if (MappedSettings() == nullptr && !AllocateBlock()) {
+  SharedBlock *pstBlock = AllocateBlock();
+  if (pstBlock == nullptr) {
     KEST_ERR("Err! shared memory initialization fails\n");
     return;
   }
-  AdoptLocked();
+  ReplaceBlock(pstBlock);
+  if (Adopt()) return;
+  SetPresetFlag(0);
+  Store(u32KestDebugLevel, static_cast<uint32_t>(ZE_KEST_LEVEL_PRINT));
+  _ZE_KEST_Debug_SetShm();
 }
 
 void FreeSharedSettings() {
-  const HoldingShm holding;
-  if (MappedSettings() == nullptr) return;
-  const Owned<SharedBlock> block(g_pstBlock);
-  g_pstBlock = nullptr;
+  const Owned<SharedBlock> block(ReplaceBlock(nullptr));
+  if (block == nullptr) return;
   ze_kest_Utility_ShmFree(kBlockName, &block->s32ShmFd, &block->s32LockFd, block->pstSettings);
 }
 
 void _ZE_KEST_Debug_SetShm() {
   const HoldingShm holding;
-  PublishLocked();
+  SharedSettings *pstShared = MappedSettings();
+  if (pstShared == nullptr) return;
+  Store(pstShared->u32DebugLevel, Load(u32KestDebugLevel));
+  Store(pstShared->bPresetCmd, g_bPresetCmd);
+  static_cast<void>(CopyText(pstShared->szPresetCmd, g_szPresetCmd));  // fails for no text alone
 }
 
 uint32_t SetPresetCommand(const char *pszText) {
   constexpr const char *kFunction = "_ZE_KEST_Debug_Cmd_TriggerCallback";
-  const HoldingShm holding;
-  g_bPresetCmd = 1;
-  if (!CopyPresetText(kFunction, g_szPresetCmd, pszText)) return ZE_KEST_FAILED;
-  KEST_INFO_AS(kFunction, "szPresetCmd:%s\n", g_szPresetCmd);
-  PublishLocked();
+  KEST_PRINT_AS(kFunction, "kest_debug_preset_cmd=all\n");
+  if (!CopyPresetText(g_szPresetCmd, pszText)) {
+    KEST_ERR_AS(kFunction, "Err! Strncpy failed!\n");
+    return ZE_KEST_FAILED;
+  }
+  SetPresetFlag(1);
+  KEST_INFO_AS(kFunction, "szPresetCmd:%.*s\n", static_cast<int>(kPresetCmdSize - 1), pszText);
+  _ZE_KEST_Debug_SetShm();
   return ZE_KEST_OK;
 }
 
 void ClearPresetCommand() {
-  const HoldingShm holding;
-  g_bPresetCmd = 0;
-  PublishLocked();
+  KEST_PRINT_AS("_ZE_KEST_Debug_Cmd_TriggerCallback", "kest_debug_preset_cmd=off\n");
+  SetPresetFlag(0);
+  _ZE_KEST_Debug_SetShm();
 }
 
-bool CopyPresetCommand(char (&szText)[kPresetCmdSize]) {
+bool CopyPresetCommand(PresetText &szText) {
   const HoldingShm holding;
   const SharedSettings *pstShared = MappedSettings();
   const uint8_t bPreset = pstShared == nullptr ? g_bPresetCmd : Load(pstShared->bPresetCmd);
   if (bPreset != 1) return false;
-  return CopyPresetText(__func__, szText, pstShared == nullptr ? g_szPresetCmd : pstShared->szPresetCmd);
+  return CopyText(szText, pstShared == nullptr ? g_szPresetCmd : pstShared->szPresetCmd);
 }
 
-uint32_t PrintSharedSettings() {
+bool CopySharedSettings(SharedSettings *pstOwn, SharedSettings *pstShared) {
   const HoldingShm holding;
-  const SharedSettings *pstShared = MappedSettings();
-  KEST_REQUIRE_OR(pstShared != nullptr, ZE_KEST_NOT_INITIALISED, "Err! Not initialized yet!\n");
-  char szSharedCmd[kPresetCmdSize];
-  if (!CopyPresetText(__func__, szSharedCmd, pstShared->szPresetCmd)) return ZE_KEST_FAILED;
-  KEST_PRINT("DebugLevel:0x%x,0x%x\n", Load(u32KestDebugLevel), Load(pstShared->u32DebugLevel));
-  KEST_PRINT("DebugPresetCmd:%s,%s\n", g_szPresetCmd, szSharedCmd);
-  KEST_PRINT("bDebugPresetCmd:%d,%d\n", g_bPresetCmd, Load(pstShared->bPresetCmd));
-  return ZE_KEST_OK;
+  const SharedSettings *pstMapped = MappedSettings();
+  if (pstMapped == nullptr) return false;
+  pstOwn->u32DebugLevel = Load(u32KestDebugLevel);
+  pstOwn->bPresetCmd = g_bPresetCmd;
+  pstShared->u32DebugLevel = Load(pstMapped->u32DebugLevel);
+  pstShared->bPresetCmd = Load(pstMapped->bPresetCmd);
+  return CopyText(pstOwn->szPresetCmd, g_szPresetCmd) &&
+         CopyText(pstShared->szPresetCmd, pstMapped->szPresetCmd);
 }
 
 }  // namespace kest

@@ -9,10 +9,11 @@
 namespace kest {
 
 constexpr size_t kPresetCmdSize = 256;
+using PresetText = char[kPresetCmdSize];
 
 struct SharedSettings {
   uint32_t u32DebugLevel;  // 0: no process has set the block up yet
-  char szPresetCmd[kPresetCmdSize];
+  PresetText szPresetCmd;
   uint8_t bPresetCmd;
 };
 static_assert(offsetof(SharedSettings, szPresetCmd) == 4 && offsetof(SharedSettings, bPresetCmd) == 260,
@@ -27,15 +28,15 @@ void FreeSharedSettings();
 // Writes this process's settings into the block; the last writer wins.
 void _ZE_KEST_Debug_SetShm();
 
-// Sets and publishes the preset command of the debug callbacks. ZE_KEST_FAILED when there is no text.
+// Sets and publishes the preset command of the debug callbacks. ZE_KEST_FAILED for NULL.
 uint32_t SetPresetCommand(const char *pszText);
 void ClearPresetCommand();
 
 // The preset command that a filter gets when it registers, from whichever process it was given to. False when
 // none is set.
-bool CopyPresetCommand(char (&szText)[kPresetCmdSize]);
+bool CopyPresetCommand(PresetText &szText);
 
-// Prints this process's and the block's settings. ZE_KEST_NOT_INITIALISED without a block.
-uint32_t PrintSharedSettings();
+// This process's settings and the block's. False without a block.
+bool CopySharedSettings(SharedSettings *pstOwn, SharedSettings *pstShared);
 
 }  // namespace kest

@@ -76,7 +76,10 @@ uint32_t ze_kest_Debug_Init(void) {
   kest::Store(pFileKestDebugPipeline, static_cast<FILE *>(nullptr));
   if (kest::GetBase() == kest::Base::kShutDown) kest::SetBase(kest::Base::kFresh);
   kest::_ZE_KEST_Debug_Init();
-  KEST_REQUIRE_OR(!kest::IsStarted(), ZE_KEST_OK, "Exit for double init\n");
+  if (kest::IsStarted()) {
+    KEST_ERR("Exit for double init\n");
+    return ZE_KEST_OK;
+  }
 
   kest::_ZE_KEST_Debug_SetMode(kest::kLogToFile, 1);
   const uint32_t u32Result = kest::_ZE_KEST_Debug_CreateThread(kest::kCommandThread);
@@ -91,7 +94,8 @@ uint32_t ze_kest_Debug_DeInit(void) {
     return ZE_KEST_OK;
   }
 
-  kest::_ZE_KEST_Debug_SetMode(kest::kLogToFile, 0);
+  KEST_PRINT("Log to file(%d)\n", 0);
+  kest::CloseLogFile();
   kest::_ZE_KEST_Debug_DestroyThread();
   if (kest::GetBase() == kest::Base::kReady) kest::FreeSharedSettings();
   kest::_ZE_KEST_Debug_Mutex_Unlock();
@@ -100,6 +104,6 @@ uint32_t ze_kest_Debug_DeInit(void) {
   kest::Store(kest::g_bStarted, uint8_t{0});
   kest::SetBase(kest::Base::kShutDown);
   // The last line of the pipe may have opened the log file again.
-  kest::ResetLogSinks();
+  kest::CloseLogFile();
   return ZE_KEST_OK;
 }

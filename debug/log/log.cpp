@@ -6,21 +6,11 @@
 
 #include "debug/control/debug_mutex.h"
 #include "debug/control/startup.h"
+#include "debug/log/inside_log.h"
 #include "debug/log/log_file.h"
 #include "utility/core/report.h"
 
 namespace {
-
-// A report from inside the log goes to the Android log alone: it would end up here again without end.
-thread_local bool t_bLogging = false;
-
-class Logging {
- public:
-  Logging() { t_bLogging = true; }
-  ~Logging() { t_bLogging = false; }
-  Logging(const Logging &) = delete;
-  Logging &operator=(const Logging &) = delete;
-};
 
 __attribute__((format(printf, 3, 0))) void WriteMessage(const char *pszFunction, FILE *pFile,
                                                         const char *pszFormat, va_list arguments) {
@@ -49,8 +39,8 @@ __attribute__((format(printf, 2, 0))) void LogMessage(unsigned int u32Level, con
 }  // namespace
 
 void ze_kest_Debug_Log(unsigned int u32Level, const char *pszFormat, ...) {
-  if (t_bLogging || pszFormat == nullptr) return;
-  const Logging logging;
+  if (kest::InsideLog::IsThisThread() || pszFormat == nullptr) return;
+  const kest::InsideLog inside;
   kest::_ZE_KEST_Debug_Init();
   if (!kest::IsStarted()) return;
 

@@ -6,6 +6,7 @@
 #include "ze_kest/utility.h"
 
 #include "debug/control/debug_mutex.h"
+#include "debug/log/inside_log.h"
 #include "utility/core/debug_dir.h"
 #include "utility/core/report.h"
 
@@ -21,6 +22,12 @@ int32_t g_s32LogSizeMax = 20 * 1024 * 1024;
 int32_t g_s32RestartCount = 0;
 uint32_t g_u32Messages = 0;
 FILE *g_pFile = nullptr;  // under the log mutex
+
+// Holds the file for a scope in which a failure may be reported.
+class HoldingFile {
+  const InsideLog inside_;
+  const HoldingLog holding_;
+};
 
 void CloseLog() {
   if (g_pFile == nullptr) return;
@@ -48,21 +55,28 @@ bool IsLogTooLong() {
   return fstat(fileno(g_pFile), &stFile) == 0 && stFile.st_size > Load(g_s32LogSizeMax);
 }
 
+bool OpenOrCloseLog(int bOn) {
+  const HoldingFile holding;
+  if (bOn != 0) return OpenLog();
+  CloseLog();
+  return true;
+}
+
 uint32_t SetLogToFile(int bOn) {
+  constexpr const char *kFunction = "_ZE_KEST_Debug_SetMode";
   Store(g_bToFile, static_cast<uint8_t>(bOn != 0));
-  KEST_PRINT_AS("_ZE_KEST_Debug_SetMode", "Log to file(%d)\n", bOn);
-  bool bDone = true;
-  {
-    const HoldingLog holding;
-    if (bOn != 0) {
-      bDone = OpenLog();
-    } else {
-      CloseLog();
-    }
-  }
-  KEST_REQUIRE_OR_AS("_ZE_KEST_Debug_SetMode", bDone, ZE_KEST_FAILED,
-                     "Err! ze_kest_Utility_FileOpen failed!\n");
-  return ZE_KEST_OK;
+  KEST_PRINT_AS(kFunction, "Log to file(%d)\n", bOn);
+  if (OpenOrCloseLog(bOn)) return ZE_KEST_OK;
+  KEST_ERR_AS(kFunction, "Err! ze_kest_Utility_FileOpen failed!\n");
+  return ZE_KEST_FAILED;
+}
+
+// Of two restarts at once the second finds file logging as the first one leaves it.
+bool SwitchOffAndEmptyLog(int *pbWasOn) {
+  const HoldingFile holding;
+  *pbWasOn = Load(g_bToFile);
+  Store(g_bToFile, uint8_t{0});
+  return EmptyLog();
 }
 
 }  // namespace
@@ -82,15 +96,12 @@ uint32_t _ZE_KEST_Debug_SetMode(unsigned int eMode, int bOn) {
 }
 
 uint32_t _ZE_KEST_Debug_LogRestart() {
-  const int bWasOn = Load(g_bToFile);
   KEST_PRINT("Log to file(%d)\n", 0);
-  Store(g_bToFile, uint8_t{0});
-  bool bEmptied = false;
-  {
-    const HoldingLog holding;
-    bEmptied = EmptyLog();
+  int bWasOn = 0;
+  if (!SwitchOffAndEmptyLog(&bWasOn)) {
+    KEST_ERR("Err! fopen failed!\n");
+    return ZE_KEST_FAILED;
   }
-  KEST_REQUIRE_OR(bEmptied, ZE_KEST_FAILED, "Err! fopen failed!\n");
   return _ZE_KEST_Debug_SetMode(kLogToFile, bWasOn);
 }
 
@@ -107,8 +118,12 @@ int32_t LogRestartCount() {
 }
 
 void ResetLogSinks() {
-  const HoldingLog holding;
   Store(g_bToConsole, uint8_t{0});
+  CloseLogFile();
+}
+
+void CloseLogFile() {
+  const HoldingFile holding;
   Store(g_bToFile, uint8_t{0});
   CloseLog();
 }

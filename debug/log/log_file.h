@@ -25,8 +25,11 @@ bool IsLogToConsole();
 // How often the file was restarted; part of every prefix.
 int32_t LogRestartCount();
 
-// Both sinks off and the file closed, without a report.
+// Both sinks off and the file closed.
 void ResetLogSinks();
+
+// File logging off and the file closed.
+void CloseLogFile();
 
 // With the mutex held: counts one message, restarts a file that has grown too long, and gives the file to
 // write to, NULL when there is none.

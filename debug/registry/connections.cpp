@@ -6,8 +6,8 @@
 
 #include "debug/control/debug_mutex.h"
 #include "debug/registry/registry.h"
-#include "utility/core/name_field.h"
 #include "utility/core/report.h"
+#include "utility/core/text_field.h"
 
 namespace {
 

@@ -7,9 +7,9 @@
 
 #include "debug/control/debug_mutex.h"
 #include "debug/control/shared_settings.h"
-#include "utility/core/name_field.h"
 #include "utility/core/owned_memory.h"
 #include "utility/core/report.h"
+#include "utility/core/text_field.h"
 
 namespace kest {
 

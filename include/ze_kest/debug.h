@@ -19,7 +19,8 @@
 extern "C" {
 #endif
 
-/* The verbosity in force, a level of result.h; 0 until the debug layer is set up. Set it by the command
+/* The verbosity in force, a level of result.h; 0 until the first log line of the
+ * process, or ze_kest_Debug_Init, takes it over from the shared settings. Set it by the command
  * "kest_log_level", which also tells the other processes. Read from any thread without a lock. */
 extern ZE_KEST_API uint32_t u32KestDebugLevel;
 

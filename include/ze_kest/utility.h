@@ -43,7 +43,7 @@ ZE_KEST_API size_t ze_kest_Utility_Strlen(const char *psz);
 ZE_KEST_API int ze_kest_Utility_Strcmp(const char *pszA, const char *pszB);
 
 /* The standard functions of the same names. NULL counts as "" where a string is read; where a result string
- * is due, a NULL argument gives NULL. Strncpy fills and terminates like strncpy. */
+ * is due, a NULL argument gives NULL. Like strncpy, Strncpy leaves a text that it cuts unterminated. */
 ZE_KEST_API int ze_kest_Utility_Strncmp(const char *pszA, const char *pszB, size_t sztCount);
 ZE_KEST_API char *ze_kest_Utility_Strncpy(char *pszDst, const char *pszSrc, size_t sztCount);
 ZE_KEST_API char *ze_kest_Utility_Strncat(char *pszDst, const char *pszSrc, size_t sztCount);
@@ -66,7 +66,7 @@ ZE_KEST_API int32_t ze_kest_Utility_GetTid(void);
 /* Sleeps for u32Ms milliseconds. */
 ZE_KEST_API void ze_kest_Utility_DelayMs(unsigned int u32Ms);
 
-/* Deadline: now on the monotonic clock plus u64Us microseconds. pstOut is zero plus that span when the clock
+/* Deadline: now on the monotonic clock plus u64Us microseconds. pstOut is zero when the clock
  * cannot be read. */
 ZE_KEST_API void ze_kest_Utility_MicrosecondToTimespec(struct timespec *pstOut, uint64_t u64Us);
 

@@ -5,6 +5,14 @@
 
 #include <gtest/gtest.h>
 
+// Exhausted memory is an answer, not an error of the program under test.
+extern "C" const char *__asan_default_options() {
+  return "allocator_may_return_null=1";
+}
+extern "C" const char *__tsan_default_options() {
+  return "allocator_may_return_null=1";
+}
+
 int main(int argc, char **argv) {
   testing::InitGoogleTest(&argc, argv);
   const bool bListing = testing::GTEST_FLAG(list_tests);

@@ -16,7 +16,7 @@ constexpr const char *kDecodeFormat[] = {
     "MPEGH",  "DRA",  "DTS",    "DTSHD", "DTSUHD", "MP3",   "MSADPCM", "IMAADPCM", "WMA",
     "WMAPRO", "COOK", "VORBIS", "ALAC",  "OPUS",   "AMRNB", "AMRWB",   "FLAC"};
 
-// The first entry was "NON"; the name that is shown for it is this one.
+// 0 is shown as "Not Connected", not as the enumerator's own "NON".
 constexpr const char *kDigitalOutput[] = {"Not Connected", "PCM",    "DD",  "DDP",
                                           "MAT",           "BYPASS", "DTS", "DTSHD"};
 

@@ -48,7 +48,7 @@
 #define KEST_INFO(text, ...) KEST_INFO_AS(__func__, text, ##__VA_ARGS__)
 #define KEST_PRINT(text, ...) KEST_PRINT_AS(__func__, text, ##__VA_ARGS__)
 
-// An argument check: reports the text at ERR level and leaves the function with result.
+// Unless the condition holds, reports the text at ERR level and leaves the function with result.
 #define KEST_REQUIRE_OR_AS(function, condition, result, text) \
   do {                                                        \
     if (!(condition)) {                                       \
