@@ -1,0 +1,81 @@
+#!/usr/bin/env bash
+# demo.sh [AUDIO]: plays AUDIO through the player's pipelines and, while it plays, types commands into the pipe
+# and shows the replies as they reach the log. Default: a recording from Debian's alsa-utils.
+called_from=$PWD
+source "$(dirname "${BASH_SOURCE[0]}")/common.sh"
+
+audio=${1:-/usr/share/sounds/alsa/Front_Center.wav}
+case $audio in /*) ;; *) audio=$called_from/$audio ;; esac
+
+# Says why when the debug directory, or what an earlier run left in it, cannot be used.
+make_debug_dir() {
+  [ -w "$debug_dir" ] || { as_root mkdir -p "$debug_dir" && as_root chmod 777 "$debug_dir"; } || return 1
+  local file
+  for file in D KestLog.txt shm_global shm_flock_global; do
+    [ ! -e "$debug_dir$file" ] || [ -w "$debug_dir$file" ] || fail "$debug_dir$file belongs to another user"
+  done
+}
+
+# Waits until the player's command thread reads the pipe.
+wait_for_pipe() {
+  local tries
+  for tries in $(seq 100); do
+    [ -p "${debug_dir}D" ] && return 0
+    kill -0 "$player" 2>/dev/null || return 1
+    sleep 0.1
+  done
+  return 1
+}
+
+# Types one line into the pipe; the reply comes from the log file.
+command_to_pipe() {
+  say "" "\$ echo $1 >D"
+  timeout 5 sh -c 'echo "$1" >"$2"' sh "$1" "${debug_dir}D" || fail "Nobody reads the pipe ${debug_dir}D"
+  sleep 0.5
+}
+
+stop_all() { kill "${player:-}" "${tail:-}" 2>/dev/null || true; }
+
+need "${build_packages[@]}"
+[ -r "$audio" ] || fail "There is no readable audio file $audio"
+
+if why=$(make_debug_dir 2>&1); then
+  build_dir=$root/build/release
+  build_preset release -DKEST_BUILD_TESTS=OFF
+else
+  say "$debug_dir cannot be used: $why"
+  debug_dir=$root/build/local/kest/
+  build_dir=$root/build/local
+  say "Using a build with the debug directory $debug_dir instead."
+  mkdir -p "$debug_dir"
+  build local --preset release -B "$build_dir" -DKEST_DEBUG_DIR="$debug_dir"
+fi
+
+output=$root/build/demo.wav
+touch "${debug_dir}KestLog.txt"
+trap stop_all EXIT
+
+say "Playing $audio through Decoder_13 (Lpcm, Volume) and SpeakerOutput (Mixer, Delay, SpeakerOutput) ..."
+tail -n 0 -f "${debug_dir}KestLog.txt" &
+tail=$!
+"$build_dir/kest-player" "$audio" -o "$output" --loop --seconds 12 &
+player=$!
+wait_for_pipe || { wait "$player"; exit 1; }
+
+sleep 0.5
+command_to_pipe help
+command_to_pipe kest_log_level=info
+command_to_pipe ascii_color
+command_to_pipe kest_debug_preset_cmd=all,adc_filter=dump_pcm
+command_to_pipe kest_print_current_shm
+command_to_pipe kest_debug_preset_cmd=off
+command_to_pipe kest_log_to_file=off
+command_to_pipe kest_log_to_file=on
+command_to_pipe no_such_command
+command_to_pipe kest_log_level=none
+
+say "" "Waiting for the end of the audio ..."
+wait "$player"
+sleep 0.2
+kill "$tail" 2>/dev/null || true
+say "" "Output: $output" "Log:    ${debug_dir}KestLog.txt" "Pipe:   ${debug_dir}D (while a player runs)"

@@ -1,0 +1,76 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <gmock/gmock.h>
+
+#include "tests/support/ports.h"
+
+namespace {
+
+using kest::test::Filter;
+
+struct Account {
+  uint32_t (*pfnUpdateAll)(ZE_KEST_Filter_s *, uint32_t);
+  uint32_t &(*pfnSize)(ZE_KEST_Port_s &);
+  bool bInput, bPcm, bCapped;
+};
+
+// clang-format off
+#define KEST_SIZE(field) [](ZE_KEST_Port_s &stPort) -> uint32_t & { return stPort.field; }
+const Account kAccounts[] = {
+    {ze_kest_Utility_UpdateAllInputPortPcmReadSize, KEST_SIZE(stPcm.sztPcmReadSize), true, true, true},
+    {ze_kest_Utility_UpdateAllOutputPortPcmWriteSize, KEST_SIZE(stPcm.sztPcmWriteSize), false, true, true},
+    {ze_kest_Utility_UpdateAllInputPortMetadataReadSize, KEST_SIZE(stMeta.sztReadSize), true, false, false},
+    {ze_kest_Utility_UpdateAllOutputPortMetadataWriteSize, KEST_SIZE(stMeta.sztWriteSize), false, false, true},
+    {ze_kest_Utility_UpdateAllInputPortRawReadSize, KEST_SIZE(stRaw.sztReadSize), true, false, false},
+    {ze_kest_Utility_UpdateAllOutputPortRawWriteSize, KEST_SIZE(stRaw.sztWriteSize), false, false, false},
+};
+// clang-format on
+
+}  // namespace
+
+TEST(Accounting, TheFirstPortAndConnectedOnesAreUpdatedSomeUpToTheirCapacity) {
+  for (const Account &account : kAccounts) {
+    Filter filter;
+    std::vector<uint32_t *> sizes;
+    for (const uint32_t slot : {1u, 2u, 4u}) {
+      ZE_KEST_Port_s &stPort = account.bInput ? filter.In(slot).st : filter.Out(slot).st;
+      stPort.stPcm.sztPcmRingSamples = stPort.stMeta.sztSize = stPort.stRaw.sztSize = 1024;
+      stPort.bConnected = slot == 4 ? 1 : 0;
+      sizes.push_back(&account.pfnSize(stPort));
+      *sizes.back() = 900;
+    }
+    EXPECT_EQ(account.bPcm ? ZE_KEST_NO : ZE_KEST_OK, account.pfnUpdateAll(filter, 0));
+    EXPECT_THAT(sizes, testing::Each(testing::Pointee(900)));
+    EXPECT_EQ(ZE_KEST_OK, account.pfnUpdateAll(filter, 200));
+    const uint32_t u32Sum = account.bCapped ? 1024 : 1100;
+    EXPECT_EQ(u32Sum, *sizes[0]) << (&account - kAccounts);
+    EXPECT_EQ(900u, *sizes[1]) << "not connected";
+    EXPECT_EQ(u32Sum, *sizes[2]);
+    EXPECT_EQ(ZE_KEST_OK, account.pfnUpdateAll(filter, UINT32_MAX));
+    EXPECT_EQ(account.bCapped ? 1024u : 1099u, *sizes[0]) << "beyond 32 bits";
+  }
+}
+
+TEST(Accounting, OnePortIsUpdatedUnconnectedAndAMissingOneIsNoError) {
+  Filter filter;
+  ZE_KEST_Port_s &stIn = filter.In(1).st;
+  ZE_KEST_Port_s &stOut = filter.Out(1).st;
+  stIn.bConnected = stOut.bConnected = 0;
+  stIn.stPcm.sztPcmRingSamples = stOut.stPcm.sztPcmRingSamples = 150;
+  stIn.stPcm.sztPcmTotalRead = stIn.stMeta.sztTotalRead = stIn.stRaw.sztTotalRead = UINT32_MAX;
+  for (const uint32_t port : {0u, 1u, 2u, 8u, UINT32_MAX}) {
+    for (const uint32_t count : {200u, 0u, 100u}) {
+      const uint32_t u32Pcm = count == 0 ? ZE_KEST_NO : ZE_KEST_OK;
+      EXPECT_EQ(u32Pcm, ze_kest_Utility_UpdateSpecificInputPortPcmReadSize(filter, count, port));
+      EXPECT_EQ(u32Pcm, ze_kest_Utility_UpdateSpecificOutputPortPcmWriteSize(filter, count, port));
+      EXPECT_EQ(ZE_KEST_OK, ze_kest_Utility_UpdateSpecificInputPortMetadataReadSize(filter, count, port));
+      EXPECT_EQ(ZE_KEST_OK, ze_kest_Utility_UpdateSpecificInputPortRawReadSize(filter, count, port));
+    }
+  }
+  const auto values = {stIn.stPcm.sztPcmReadSize, stOut.stPcm.sztPcmWriteSize, stIn.stMeta.sztReadSize,
+                       stIn.stRaw.sztReadSize};
+  EXPECT_THAT(values, testing::ElementsAre(150, 150, 300, 300));
+  const auto totals = {stIn.stPcm.sztPcmTotalRead, stIn.stMeta.sztTotalRead, stIn.stRaw.sztTotalRead};
+  EXPECT_THAT(totals, testing::Each(299)) << "uncapped, wrapping";
+  const auto updates = {stIn.stPcm.u64PcmReadCount, stIn.stMeta.au64Count[0], stIn.stRaw.au64Count[0]};
+  EXPECT_THAT(updates, testing::Each(2)) << "those with data";
+}
