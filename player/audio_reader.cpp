@@ -96,7 +96,7 @@ uint32_t AudioReader::ReadFloatingPoint(int32_t *interleaved, uint32_t frames) {
     const uint32_t wanted = std::min(frames - done, chunkFrames);
     const uint32_t got = Checked(sf_readf_double(file_.get(), chunk.data(), wanted), wanted);
     interleaved =
-        std::transform(chunk.begin(), chunk.begin() + ptrdiff_t{got} * Channels(), interleaved, ToFixedPoint);
+        std::transform(chunk.data(), chunk.data() + size_t{got} * Channels(), interleaved, ToFixedPoint);
     done += got;
     if (got < wanted) break;
   }
