@@ -8,6 +8,7 @@
 #include <cstring>
 
 #include <fcntl.h>
+#include <sys/stat.h>
 
 #include "player/player_error.h"
 
@@ -25,11 +26,20 @@ int32_t ToFixedPoint(double sample) {
   return static_cast<int32_t>(std::llrint(scaled));
 }
 
+// A pipe would keep the player waiting where no signal ends it.
+UniqueFd OpenRegularFile(const std::string &path) {
+  UniqueFd fd(open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+  if (!fd.IsOpen()) throw PlayerError("cannot read " + path + ": " + std::strerror(errno));
+  struct stat status {};
+  if (fstat(fd.Get(), &status) != 0 || !S_ISREG(status.st_mode)) {
+    throw PlayerError(path + " is not a regular file; give the name of an audio file");
+  }
+  return fd;
+}
+
 }  // namespace
 
-AudioReader::AudioReader(const std::string &path)
-    : path_(path), fd_(open(path.c_str(), O_RDONLY | O_CLOEXEC)) {
-  if (!fd_.IsOpen()) throw PlayerError("cannot read " + path + ": " + std::strerror(errno));
+AudioReader::AudioReader(const std::string &path) : path_(path), fd_(OpenRegularFile(path)) {
   file_.reset(sf_open_fd(fd_.Get(), SFM_READ, &info_, SF_FALSE));
   if (!file_) {
     throw PlayerError(
@@ -86,7 +96,7 @@ uint32_t AudioReader::ReadFloatingPoint(int32_t *interleaved, uint32_t frames) {
     const uint32_t wanted = std::min(frames - done, chunkFrames);
     const uint32_t got = Checked(sf_readf_double(file_.get(), chunk.data(), wanted), wanted);
     interleaved =
-        std::transform(chunk.begin(), chunk.begin() + ptrdiff_t{got} * Channels(), interleaved, ToFixedPoint);
+        std::transform(chunk.data(), chunk.data() + size_t{got} * Channels(), interleaved, ToFixedPoint);
     done += got;
     if (got < wanted) break;
   }

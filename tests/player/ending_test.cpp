@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // How a run ends before its inputs do, beside others on the same command pipe.
 #include <csignal>
-#include <cstdio>
 
 #include <fcntl.h>
 #include <gmock/gmock.h>
@@ -10,29 +9,27 @@
 
 #include "tests/player/audio_data.h"
 #include "tests/player/player_process.h"
+#include "tests/player/player_test.h"
 
 namespace kest::test {
 namespace {
 
-constexpr const char *kOut = "/mnt/out.wav";
-
-bool HasBytes(const char *path, off_t bytes) {
+bool HasBytes(const std::string &path, off_t bytes) {
   struct stat status {};
-  return stat(path, &status) == 0 && status.st_size > bytes;
+  return stat(path.c_str(), &status) == 0 && status.st_size > bytes;
 }
 
-class PlayerEnding : public testing::TestWithParam<int> {};
+class PlayerEnding : public PlayerTest, public testing::WithParamInterface<int> {};
 
 TEST_P(PlayerEnding, ASignalEndsARealTimeRunWithAReadableFile) {
-  std::remove(kOut);
-  PlayerProcess player({kRecording, "-o", kOut, "--loop"});
-  ASSERT_TRUE(WaitWhilePlaying(player, [] { return HasBytes(kOut, 10000); })) << player.Wait().err;
+  PlayerProcess player({kRecording, "-o", out_, "--loop"});
+  ASSERT_TRUE(WaitWhilePlaying(player, [this] { return HasBytes(out_, 10000); })) << player.Wait().err;
   player.Signal(GetParam());
   const PlayerResult result = player.Wait();
   EXPECT_EQ(0, result.exitCode) << result.err;
 
   const AudioData recording = ReadAudio(kRecording);
-  const AudioData output = ReadAudio(kOut);
+  const AudioData output = ReadAudio(out_);
   EXPECT_THAT(result.out, testing::StartsWith("played " + std::to_string(output.Frames()) + " frames"));
   ASSERT_GT(output.Frames(), 4000u);
   for (size_t i = 0; i < output.samples.size(); ++i) {
@@ -43,11 +40,12 @@ TEST_P(PlayerEnding, ASignalEndsARealTimeRunWithAReadableFile) {
 INSTANTIATE_TEST_SUITE_P(Signals, PlayerEnding, testing::Values(SIGINT, SIGTERM),
                          [](const auto &test) { return test.param == SIGINT ? "SIGINT" : "SIGTERM"; });
 
-TEST(PlayerOnASharedPipe, EndsAlsoWhenAnotherReaderTakesItsLines) {
+using PlayerOnASharedPipe = PlayerTest;
+
+TEST_F(PlayerOnASharedPipe, EndsAlsoWhenAnotherReaderTakesItsLines) {
   constexpr const char *kPipe = KEST_DEBUG_DIR "D";
-  std::remove(kOut);
-  PlayerProcess player({kRecording, "-o", kOut, "--loop"});
-  ASSERT_TRUE(WaitWhilePlaying(player, [] { return HasBytes(kOut, 0) && access(kPipe, F_OK) == 0; }));
+  PlayerProcess player({kRecording, "-o", out_, "--loop"});
+  ASSERT_TRUE(WaitWhilePlaying(player, [this] { return HasBytes(out_, 0) && access(kPipe, F_OK) == 0; }));
   const int otherReader = open(kPipe, O_RDONLY | O_NONBLOCK);
   ASSERT_GE(otherReader, 0);
   player.Signal(SIGINT);

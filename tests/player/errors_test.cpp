@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
 // Runs that fail: the exit code, what is said, and what happens to the files.
-#include <cstdio>
 #include <fstream>
 
 #include <gmock/gmock.h>
@@ -10,6 +9,7 @@
 
 #include "tests/player/audio_data.h"
 #include "tests/player/player_process.h"
+#include "tests/player/player_test.h"
 
 namespace kest::test {
 namespace {
@@ -17,8 +17,9 @@ namespace {
 using testing::AllOf;
 using testing::HasSubstr;
 
-constexpr const char *kOut = "/mnt/out.wav";
 constexpr int kWav16 = SF_FORMAT_WAV | SF_FORMAT_PCM_16;
+
+class PlayerErrors : public PlayerTest {};
 
 void ExpectError(const std::vector<std::string> &arguments, const testing::Matcher<std::string> &message) {
   const PlayerResult result = PlayFast(arguments);
@@ -27,76 +28,79 @@ void ExpectError(const std::vector<std::string> &arguments, const testing::Match
   EXPECT_THAT(result.err, AllOf(testing::StartsWith("kest-player: "), message));
 }
 
-TEST(PlayerErrors, InputsThatCannotBePlayedLeaveTheOutputAlone) {
-  std::remove(kOut);
-  std::ofstream("/mnt/text.wav") << "not audio at all, however often it is read\n";
-  WriteAudio("/mnt/eleven.wav", Noise(11, kWav16, 100));
-  WriteAudio("/mnt/stereo.wav", Noise(2, kWav16, 100));
+TEST_F(PlayerErrors, InputsThatCannotBePlayedLeaveTheOutputAlone) {
+  std::ofstream(Path("text.wav")) << "not audio at all, however often it is read\n";
+  WriteAudio(Path("eleven.wav"), Noise(11, kWav16, 100));
+  WriteAudio(Path("stereo.wav"), Noise(2, kWav16, 100));
   AudioData slower = Noise(2, kWav16, 100);
   slower.sampleRate = 44100;
-  WriteAudio("/mnt/slower.wav", slower);
+  WriteAudio(Path("slower.wav"), slower);
 
-  ExpectError({"/mnt/missing.wav", "-o", kOut}, HasSubstr("/mnt/missing.wav: No such file"));
-  ExpectError({"/mnt", "-o", kOut}, HasSubstr("/mnt is not an audio file"));
-  ExpectError({"/mnt/text.wav", "-o", kOut}, HasSubstr("/mnt/text.wav is not an audio file"));
-  ExpectError({"/mnt/eleven.wav", "-o", kOut},
+  ExpectError({Path("missing.wav"), "-o", out_}, HasSubstr("/missing.wav: No such file"));
+  ExpectError({Path(""), "-o", out_}, HasSubstr("is not a regular file"));
+  ExpectError({Path("text.wav"), "-o", out_}, HasSubstr("/text.wav is not an audio file"));
+  ExpectError({Path("eleven.wav"), "-o", out_},
               AllOf(HasSubstr("unsupported layout"), HasSubstr("11 channels")));
-  ExpectError({"/mnt/stereo.wav", "/mnt/slower.wav", "-o", kOut},
+  ExpectError({Path("stereo.wav"), Path("slower.wav"), "-o", out_},
               AllOf(HasSubstr("inputs differ"), HasSubstr("44100 Hz")));
-  ExpectError({kRecording, "/mnt/stereo.wav", "-o", kOut}, HasSubstr("inputs differ"));
-  EXPECT_NE(0, access(kOut, F_OK));
+  ExpectError({kRecording, Path("stereo.wav"), "-o", out_}, HasSubstr("inputs differ"));
+  EXPECT_NE(0, access(out_.c_str(), F_OK));
 }
 
-TEST(PlayerErrors, AnInputIsNeverOverwritten) {
+TEST_F(PlayerErrors, AnInputIsNeverOverwritten) {
   const AudioData input = Noise(2, kWav16, 1000);
-  WriteAudio("/mnt/in.wav", input);
-  ASSERT_EQ(0, symlink("/mnt/in.wav", "/mnt/same.wav"));
-  ExpectError({kRecording, "-o", "/mnt/missing/out.wav"}, HasSubstr("cannot create /mnt/missing/out.wav"));
-  ExpectError({kRecording, "-o", "/mnt"}, HasSubstr("cannot create /mnt"));
-  ExpectError({"/mnt/in.wav", "-o", "/mnt/in.wav"}, HasSubstr("also an input"));
-  ExpectError({"/mnt/in.wav", "-o", "/mnt/same.wav"}, HasSubstr("also an input"));
-  EXPECT_TRUE(input.samples == ReadAudio("/mnt/in.wav").samples);
+  WriteAudio(Path("in.wav"), input);
+  ASSERT_EQ(0, symlink(Path("in.wav").c_str(), Path("same.wav").c_str()));
+  ExpectError({kRecording, "-o", Path("missing/out.wav")},
+              HasSubstr("cannot create " + Path("missing/out.wav")));
+  ExpectError({kRecording, "-o", Path("")}, HasSubstr("cannot create "));
+  ExpectError({Path("in.wav"), "-o", Path("in.wav")}, HasSubstr("also an input"));
+  ExpectError({Path("in.wav"), "-o", Path("same.wav")}, HasSubstr("also an input"));
+  EXPECT_TRUE(input.samples == ReadAudio(Path("in.wav")).samples);
 }
 
-TEST(PlayerErrors, ADamagedInputIsPlayedAsFarAsItGoes) {
-  WriteAudio("/mnt/in.flac", Noise(2, SF_FORMAT_FLAC | SF_FORMAT_PCM_16, 50000));
+TEST_F(PlayerErrors, ADamagedInputIsPlayedAsFarAsItGoes) {
+  WriteAudio(Path("in.flac"), Noise(2, SF_FORMAT_FLAC | SF_FORMAT_PCM_16, 50000));
   {
-    std::fstream file("/mnt/in.flac", std::ios::in | std::ios::out | std::ios::binary);
+    std::fstream file(Path("in.flac"), std::ios::in | std::ios::out | std::ios::binary);
     file.seekp(100000);
     file << std::string(1000, '\0');
   }
-  ExpectError({"/mnt/in.flac", "-o", kOut}, HasSubstr("/mnt/in.flac is damaged"));
-  EXPECT_GT(ReadAudio(kOut).Frames(), 4000u);
+  ExpectError({Path("in.flac"), "-o", out_}, HasSubstr("/in.flac is damaged"));
+  EXPECT_GT(ReadAudio(out_).Frames(), 4000u);
 }
 
-TEST(PlayerErrors, AFullDiskIsReported) {
-  ASSERT_EQ(0, mkdir("/mnt/small", 0700));
-  ASSERT_EQ(0, mount("kest-test", "/mnt/small", "tmpfs", 0, "size=64k"));
-  const PlayerResult result = PlayFast({kRecording, "-o", "/mnt/small/out.wav"});
+TEST_F(PlayerErrors, AFullDiskIsReported) {
+  const std::string disk = Path("disk");
+  ASSERT_EQ(0, mkdir(disk.c_str(), 0700));
+  if (mount("kest-test", disk.c_str(), "tmpfs", 0, "size=64k") != 0) GTEST_SKIP() << "needs a small disk";
+  const PlayerResult result = PlayFast({kRecording, "-o", disk + "/out.wav"});
+  umount(disk.c_str());
   EXPECT_EQ(1, result.exitCode);
   EXPECT_EQ("", result.out);
-  EXPECT_THAT(result.err, HasSubstr("cannot write /mnt/small/out.wav: "));
+  EXPECT_THAT(result.err, HasSubstr("cannot write " + disk + "/out.wav: "));
   EXPECT_THAT(result.err, HasSubstr("No space left on device"));
 }
 
-TEST(PlayerErrors, AWrongCommandLineHasItsOwnExitCode) {
-  std::remove(kOut);
+TEST_F(PlayerErrors, AWrongCommandLineHasItsOwnExitCode) {
+  std::vector<std::string> nineInputs(9, kRecording);
+  nineInputs.insert(nineInputs.end(), {"-o", out_});
   const std::vector<std::vector<std::string>> commandLines = {{},
                                                               {kRecording},
-                                                              {"-o", kOut},
-                                                              {kRecording, "-o", kOut, "--loud"},
-                                                              {kRecording, "-o", kOut, "--gain-db", "54"},
-                                                              {kRecording, "-o", kOut, "--delay-ms", "1001"},
-                                                              {kRecording, "-o", kOut, "--seconds", "0"},
-                                                              {kRecording, "-o", kOut, "--seconds", "nan"},
-                                                              {kRecording, "-o", kOut, "--fast", "--loop"},
-                                                              std::vector<std::string>(9, kRecording)};
+                                                              {"-o", out_},
+                                                              {kRecording, "-o", out_, "--loud"},
+                                                              {kRecording, "-o", out_, "--gain-db", "54"},
+                                                              {kRecording, "-o", out_, "--delay-ms", "1001"},
+                                                              {kRecording, "-o", out_, "--seconds", "0"},
+                                                              {kRecording, "-o", out_, "--seconds", "nan"},
+                                                              {kRecording, "-o", out_, "--fast", "--loop"},
+                                                              nineInputs};
   for (const auto &arguments : commandLines) {
     const PlayerResult result = PlayerProcess(arguments).Wait();
     EXPECT_EQ(2, result.exitCode) << testing::PrintToString(arguments);
     EXPECT_NE("", result.err) << testing::PrintToString(arguments);
   }
-  EXPECT_NE(0, access(kOut, F_OK));
+  EXPECT_NE(0, access(out_.c_str(), F_OK));
 }
 
 }  // namespace

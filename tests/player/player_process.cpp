@@ -11,6 +11,8 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include "tests/player/player_test.h"
+
 namespace kest::test {
 namespace {
 
@@ -53,7 +55,7 @@ pid_t Spawn(const std::vector<std::string> &words, const std::string &outPath, c
 
 PlayerProcess::PlayerProcess(const std::vector<std::string> &arguments) {
   static int count = 0;
-  const std::string stem = "/mnt/player-" + std::to_string(++count);
+  const std::string stem = PlayerTest::Path("player" + std::to_string(++count));
   outPath_ = stem + ".out";
   errPath_ = stem + ".err";
   pid_ = Spawn(CommandLine(arguments), outPath_, errPath_);

@@ -2,30 +2,34 @@
 // What the player makes of its inputs.
 #include <algorithm>
 #include <cmath>
+#include <filesystem>
 
 #include <gmock/gmock.h>
 
 #include "tests/player/audio_data.h"
 #include "tests/player/player_process.h"
+#include "tests/player/player_test.h"
 
 namespace kest::test {
 namespace {
 
 using testing::HasSubstr;
 
-constexpr const char *kOut = "/mnt/out.wav";
 constexpr int kWav16 = SF_FORMAT_WAV | SF_FORMAT_PCM_16;
 constexpr int kWav24 = SF_FORMAT_WAV | SF_FORMAT_PCM_24;
 
-// Gives the output of a run that must succeed.
-AudioData Played(const std::vector<std::string> &arguments) {
-  std::vector<std::string> all = arguments;
-  all.insert(all.end(), {"-o", kOut});
-  const PlayerResult result = PlayFast(all);
-  EXPECT_EQ(0, result.exitCode) << result.err;
-  EXPECT_EQ("", result.err);
-  return ReadAudio(kOut);
-}
+class Player : public PlayerTest {
+ protected:
+  // Gives the output of a run that must succeed.
+  [[nodiscard]] AudioData Played(const std::vector<std::string> &arguments) const {
+    std::vector<std::string> all = arguments;
+    all.insert(all.end(), {"-o", out_});
+    const PlayerResult result = PlayFast(all);
+    EXPECT_EQ(0, result.exitCode) << result.err;
+    EXPECT_EQ("", result.err);
+    return ReadAudio(out_);
+  }
+};
 
 int32_t SaturatedSum(int64_t a, int64_t b) {
   return static_cast<int32_t>(std::clamp<int64_t>(a + b, INT32_MIN, INT32_MAX));
@@ -43,13 +47,13 @@ void PrintTo(const Case &file, std::ostream *stream) {
   *stream << file.name;
 }
 
-class PlayerExactness : public testing::TestWithParam<Case> {};
+class PlayerExactness : public Player, public testing::WithParamInterface<Case> {};
 
 TEST_P(PlayerExactness, TheOutputHoldsEverySampleOfTheInput) {
   const Case &file = GetParam();
   const AudioData input = Noise(file.channels, file.format, file.frames);
-  WriteAudio("/mnt/in", input);
-  const AudioData output = Played({"/mnt/in"});
+  WriteAudio(Path("in"), input);
+  const AudioData output = Played({Path("in")});
   EXPECT_EQ(input.channels, output.channels);
   EXPECT_EQ(input.sampleRate, output.sampleRate);
   EXPECT_EQ(file.outputFormat & SF_FORMAT_SUBMASK, output.format & SF_FORMAT_SUBMASK);
@@ -68,49 +72,50 @@ INSTANTIATE_TEST_SUITE_P(
                     Case{"TenChannels", 10, kWav24, 5001, kWav24}, Case{"NoFrames", 2, kWav16, 0, kWav16}),
     [](const auto &test) { return test.param.name; });
 
-TEST(Player, PlaysARealRecordingToItsEnd) {
+TEST_F(Player, PlaysARealRecordingToItsEnd) {
   const AudioData recording = ReadAudio(kRecording);
-  const PlayerResult result = PlayFast({kRecording, "-o", kOut});
+  const PlayerResult result = PlayFast({kRecording, "-o", out_});
   EXPECT_EQ(0, result.exitCode) << result.err;
-  EXPECT_EQ("played 68545 frames (1.43 s) and 267 metadata blocks in order to /mnt/out.wav\n", result.out);
-  EXPECT_TRUE(recording.samples == ReadAudio(kOut).samples);
+  EXPECT_EQ("played 68545 frames (1.43 s) and 267 metadata blocks in order to " + out_ + "\n", result.out);
+  EXPECT_TRUE(recording.samples == ReadAudio(out_).samples);
 }
 
-TEST(Player, FloatingPointInputsSaturateAtFullScale) {
-  WriteFloats("/mnt/in.wav", {0.0, 0.5, -0.25, 1.0, 1.5, -1.0, -7.0, std::nan("")});
-  const AudioData output = Played({"/mnt/in.wav"});
+TEST_F(Player, FloatingPointInputsSaturateAtFullScale) {
+  WriteFloats(Path("in.wav"), {0.0, 0.5, -0.25, 1.0, 1.5, -1.0, -7.0, std::nan("")});
+  const AudioData output = Played({Path("in.wav")});
   EXPECT_EQ(SF_FORMAT_PCM_32, output.format & SF_FORMAT_SUBMASK);
   EXPECT_THAT(output.samples,
               testing::ElementsAre(0, 1 << 30, -(1 << 29), INT32_MAX, INT32_MAX, INT32_MIN, INT32_MIN, 0));
 }
 
-TEST(Player, InputsOfDifferentLengthAndWidthMixToTheSaturatedSum) {
+TEST_F(Player, InputsOfDifferentLengthAndWidthMixToTheSaturatedSum) {
   const AudioData shorter = Noise(2, kWav24, 3001, 1);
   const AudioData longer = Noise(2, kWav16, 9003, 2);
-  WriteAudio("/mnt/shorter.wav", shorter);
-  WriteAudio("/mnt/longer.wav", longer);
+  WriteAudio(Path("shorter.wav"), shorter);
+  WriteAudio(Path("longer.wav"), longer);
   std::vector<int32_t> sum = longer.samples;
   std::transform(shorter.samples.begin(), shorter.samples.end(), sum.begin(), sum.begin(), SaturatedSum);
   for (int32_t &sample : sum) {
     sample &= ~0xFF;  // what 24 bits hold of full scale
   }
 
-  EXPECT_TRUE(sum == Played({"/mnt/shorter.wav", "/mnt/longer.wav"}).samples);
-  const PlayerResult result = PlayFast({"/mnt/shorter.wav", "/mnt/longer.wav", "-o", kOut});
+  EXPECT_TRUE(sum == Played({Path("shorter.wav"), Path("longer.wav")}).samples);
+  const PlayerResult result = PlayFast({Path("shorter.wav"), Path("longer.wav"), "-o", out_});
   EXPECT_THAT(result.out, HasSubstr("played 9003 frames (0.19 s) and 35 metadata blocks in order"));
 
   for (int32_t &sample : sum) {
     sample &= ~0xFFFF;
   }
-  EXPECT_TRUE(sum == Played({"/mnt/longer.wav", "/mnt/shorter.wav"}).samples) << "16 bits as the first input";
+  EXPECT_TRUE(sum == Played({Path("longer.wav"), Path("shorter.wav")}).samples)
+      << "16 bits as the first input";
 }
 
-TEST(Player, MixesEightInputs) {
+TEST_F(Player, MixesEightInputs) {
   const AudioData input = Noise(2, kWav16, 1000);
   std::vector<int32_t> sum;
   std::vector<std::string> paths;
   for (int i = 0; i < 8; ++i) {
-    paths.push_back("/mnt/in" + std::to_string(i) + ".wav");
+    paths.push_back(Path(std::to_string(i) + ".wav"));
     AudioData quiet = input;
     for (int32_t &sample : quiet.samples) {
       sample = sample / (8 << 16) * (1 << 16);
@@ -124,11 +129,11 @@ TEST(Player, MixesEightInputs) {
   EXPECT_TRUE(sum == Played(paths).samples);
 }
 
-TEST(Player, GainChangesTheLevelAndSaturates) {
+TEST_F(Player, GainChangesTheLevelAndSaturates) {
   const AudioData input = Noise(2, kWav24, 5001);
-  WriteAudio("/mnt/in.wav", input);
+  WriteAudio(Path("in.wav"), input);
   for (const int gainDb : {-6, 20}) {
-    const AudioData output = Played({"/mnt/in.wav", "--gain-db", std::to_string(gainDb)});
+    const AudioData output = Played({Path("in.wav"), "--gain-db", std::to_string(gainDb)});
     ASSERT_EQ(input.samples.size(), output.samples.size());
     const double gain = std::pow(10.0, gainDb / 20.0);
     double largestError = 0.0;
@@ -141,45 +146,47 @@ TEST(Player, GainChangesTheLevelAndSaturates) {
   }
 }
 
-TEST(Player, DelayPutsSilenceFirstAndLosesNothing) {
+TEST_F(Player, DelayPutsSilenceFirstAndLosesNothing) {
   const AudioData input = Noise(2, kWav16, 5001);
-  WriteAudio("/mnt/in.wav", input);
+  WriteAudio(Path("in.wav"), input);
   for (const size_t delayMs : {10u, 1000u}) {
     std::vector<int32_t> delayed(delayMs * 48 * 2, 0);
     delayed.insert(delayed.end(), input.samples.begin(), input.samples.end());
-    const std::vector<std::string> arguments = {"/mnt/in.wav", "--delay-ms", std::to_string(delayMs)};
+    const std::vector<std::string> arguments = {Path("in.wav"), "--delay-ms", std::to_string(delayMs)};
     EXPECT_TRUE(delayed == Played(arguments).samples) << delayMs << " ms";
   }
-  const PlayerResult result = PlayFast({"/mnt/in.wav", "--delay-ms", "10", "-o", kOut});
+  const PlayerResult result = PlayFast({Path("in.wav"), "--delay-ms", "10", "-o", out_});
   EXPECT_THAT(result.out, HasSubstr("played 5481 frames (0.11 s) and 19 metadata blocks in order"));
 }
 
-TEST(Player, SecondsCutTheOutputAndLoopFillsIt) {
+TEST_F(Player, SecondsCutTheOutputAndLoopFillsIt) {
   const AudioData input = Noise(2, kWav16, 5001);
-  WriteAudio("/mnt/in.wav", input);
-  AudioData output = Played({"/mnt/in.wav", "--seconds", "0.1"});
+  WriteAudio(Path("in.wav"), input);
+  AudioData output = Played({Path("in.wav"), "--seconds", "0.1"});
   EXPECT_TRUE(std::vector(input.samples.begin(), input.samples.begin() + 9600) == output.samples);
 
-  output = Played({"/mnt/in.wav", "--seconds", "0.5", "--loop"});
+  output = Played({Path("in.wav"), "--seconds", "0.5", "--loop"});
   ASSERT_EQ(24000u, output.Frames());
   for (size_t i = 0; i < output.samples.size(); ++i) {
     ASSERT_EQ(input.samples[i % input.samples.size()], output.samples[i]) << i;
   }
 }
 
-TEST(Player, AnInputWithoutFramesEndsAlsoInALoop) {
-  WriteAudio("/mnt/in.wav", Noise(2, kWav16, 0));
-  EXPECT_EQ(0u, Played({"/mnt/in.wav", "--loop", "--seconds", "1"}).Frames());
+TEST_F(Player, AnInputWithoutFramesEndsAlsoInALoop) {
+  WriteAudio(Path("in.wav"), Noise(2, kWav16, 0));
+  EXPECT_EQ(0u, Played({Path("in.wav"), "--loop", "--seconds", "1"}).Frames());
 }
 
-TEST(Player, PlaysWithoutADebugDirectoryAndSaysHowToHaveOne) {
-  ASSERT_EQ(0, rename("/mnt/vendor", "/mnt/elsewhere"));
-  const PlayerResult result = PlayFast({kRecording, "-o", kOut});
+TEST_F(Player, PlaysWithoutADebugDirectoryAndSaysHowToHaveOne) {
+  const std::filesystem::path directory = std::filesystem::path(KEST_DEBUG_DIR).parent_path();
+  const std::filesystem::path elsewhere = Path("elsewhere");
+  std::filesystem::rename(directory, elsewhere);
+  const PlayerResult result = PlayFast({kRecording, "-o", out_});
   EXPECT_EQ(0, result.exitCode);
   EXPECT_THAT(result.err, HasSubstr("no log and no command pipe"));
   EXPECT_THAT(result.err, HasSubstr("mkdir -p " KEST_DEBUG_DIR));
-  EXPECT_EQ(68545u, ReadAudio(kOut).Frames());
-  ASSERT_EQ(0, rename("/mnt/elsewhere", "/mnt/vendor"));
+  EXPECT_EQ(68545u, ReadAudio(out_).Frames());
+  std::filesystem::rename(elsewhere, directory);
 }
 
 }  // namespace
