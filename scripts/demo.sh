@@ -48,7 +48,7 @@ else
   build_dir=$root/build/local
   say "Using a build with the debug directory $debug_dir instead."
   mkdir -p "$debug_dir"
-  build local --preset release -B "$build_dir" -DKEST_DEBUG_DIR="$debug_dir"
+  build local --preset release -B "$build_dir" -DKEST_BUILD_TESTS=OFF -DKEST_DEBUG_DIR="$debug_dir"
 fi
 
 output=$root/build/demo.wav

@@ -1,6 +1,4 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "debug/control/command_thread.h"
-
 #include <algorithm>
 #include <filesystem>
 
@@ -76,12 +74,6 @@ TEST(CommandThread, EmptyLinesRubbishAndEndlessLinesAreRefusedAndTheNextCommandW
   EXPECT_TRUE(WaitFor([&] { return capture.Has("<PRINT>", "LogSizeMax:55\n"); }));
   // One empty, the rubbish (its newline makes two, its length three), three of the x, one of conversions.
   EXPECT_EQ(8u, RefusedLines(capture));
-}
-
-TEST(CommandThread, IsCreatedOnceAndUnknownKindsAreIgnored) {
-  const DebugLayer layer;
-  EXPECT_EQ(ZE_KEST_OK, kest::_ZE_KEST_Debug_CreateThread(kest::kCommandThread));
-  EXPECT_EQ(ZE_KEST_OK, kest::_ZE_KEST_Debug_CreateThread(77));
 }
 
 TEST(CommandThread, AnExistingPipeIsUsed) {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "debug/control/startup.h"
 
+#include <atomic>
 #include <filesystem>
 #include <thread>
 
@@ -9,6 +10,7 @@
 
 #include "ze_kest/debug.h"
 
+#include "debug/control/command_thread.h"
 #include "debug/control/debug_mutex.h"
 #include "debug/control/shared_settings.h"
 #include "tests/support/debug_layer.h"
@@ -45,6 +47,8 @@ TEST(StartUp, ASecondStartIsReportedAndStartsNoSecondThread) {
   const ReportCapture capture;
   EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_Init());
   EXPECT_EQ((std::vector<std::string>{"Exit for double init\n"}), capture.Texts("<ERR>"));
+  EXPECT_EQ(ZE_KEST_OK, kest::_ZE_KEST_Debug_CreateThread(kest::kCommandThread));
+  EXPECT_EQ(ZE_KEST_OK, kest::_ZE_KEST_Debug_CreateThread(77));  // no such kind
   EXPECT_EQ(1, ThreadsNamed("KestDebug"));
 }
 
@@ -78,7 +82,7 @@ TEST(StartUp, ALaterProcessAdoptsTheLevelAndThePresetCommand) {
   ASSERT_EQ(ZE_KEST_OK, ze_kest_Debug_Init());
   EXPECT_EQ(ZE_KEST_LEVEL_WRN, u32KestDebugLevel);
   const ReportCapture capture;
-  EXPECT_EQ(ZE_KEST_OK, kest::PrintSharedSettings());
+  EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_SetParameter("kest_print_current_shm"));
   EXPECT_TRUE(capture.Has("<PRINT>", "DebugPresetCmd:a=b,c=d,a=b,c=d\n"));
   EXPECT_TRUE(capture.Has("<PRINT>", "bDebugPresetCmd:1,1\n"));
   kest::test::ShutDown();
@@ -97,6 +101,27 @@ TEST(StartUp, TheFirstLogLineOfAnyThreadSetsTheBaseUpOnce) {
     thread.join();
   EXPECT_TRUE(std::filesystem::exists(KEST_DEBUG_DIR "shm_global"));
   EXPECT_FALSE(std::filesystem::exists(kest::test::kLogFile));
+}
+
+TEST(StartUp, CommandsOfOtherThreadsGoOnThroughShutDownsAndStarts) {
+  kest::test::EmptyDebugDirectory();
+  std::atomic<bool> bDone{false};
+  std::vector<std::thread> threads;
+  for (const char *pszLine :
+       {"kest_log_level=all", "kest_debug_preset_cmd=all,x", "kest_print_current_shm", "kest_log_restart"}) {
+    threads.emplace_back([&bDone, pszLine] {
+      while (!bDone)
+        ze_kest_Debug_SetParameter(pszLine);
+    });
+  }
+  const ReportCapture capture;  // also keeps the reports from the terminal
+  for (int i = 0; i < 20; ++i) {
+    EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_Init());
+    EXPECT_EQ(ZE_KEST_OK, kest::test::ShutDown());
+  }
+  bDone = true;
+  for (std::thread &thread : threads)
+    thread.join();
 }
 
 TEST(StartUp, WithoutADebugDirectoryTheLayerWorksAndEndsByItself) {

@@ -19,6 +19,7 @@ using kest::test::DebugLayer;
 using kest::test::kLogFile;
 using kest::test::ReadFile;
 using kest::test::ReportCapture;
+using testing::AllOf;
 using testing::EndsWith;
 using testing::HasSubstr;
 using testing::MatchesRegex;
@@ -48,17 +49,24 @@ void ReplaceLogFileBy(const char *pszTarget) {
 
 }  // namespace
 
-TEST(Log, NothingIsWrittenBeforeStartAndAfterShutDown) {
+TEST(Log, NothingIsWrittenBeforeStartAndAfterShutDownThoughTheSinksAreOn) {
   kest::test::EmptyDebugDirectory();
+  const auto switchOnAndLog = [](const char *pszText) {
+    ze_kest_Debug_Log(ZE_KEST_LEVEL_PRINT, "%s", "");  // sets the base up, which switches the sinks off
+    kest::_ZE_KEST_Debug_SetMode(kest::kLogToConsole, 1);
+    kest::_ZE_KEST_Debug_SetMode(kest::kLogToFile, 1);
+    ze_kest_Debug_Log(ZE_KEST_LEVEL_ERR, "%s", pszText);
+  };
   testing::internal::CaptureStdout();
-  ze_kest_Debug_Log(ZE_KEST_LEVEL_ERR, "early\n");
-  EXPECT_FALSE(std::filesystem::exists(kLogFile));
+  switchOnAndLog("early\n");
   ASSERT_EQ(ZE_KEST_OK, ze_kest_Debug_Init());
-  Command("kest_log_to_print=on");
   kest::test::ShutDown();
-  ze_kest_Debug_Log(ZE_KEST_LEVEL_ERR, "late\n");
-  EXPECT_THAT(testing::internal::GetCapturedStdout(), Not(HasSubstr("late")));
-  EXPECT_THAT(ReadFile(kLogFile), Not(HasSubstr("late")));
+  std::filesystem::remove(KEST_DEBUG_DIR "shm_global");
+  switchOnAndLog("late\n");
+  kest::ResetLogSinks();
+  for (const std::string &sink : {testing::internal::GetCapturedStdout(), ReadFile(kLogFile)}) {
+    EXPECT_THAT(sink, AllOf(Not(HasSubstr("early")), Not(HasSubstr("late"))));
+  }
   // The late line did not set the base up anew.
   EXPECT_FALSE(std::filesystem::exists(KEST_DEBUG_DIR "shm_global"));
 }
@@ -195,6 +203,20 @@ TEST(Log, AFailingWriteIsReportedToTheAndroidLogOnceAndDoesNotRecurse) {
   const std::vector<std::string> errors = capture.Texts("<ERR>");
   EXPECT_EQ(1, std::count(errors.begin(), errors.end(), "Error! Fail to fflush()!\n"));
   EXPECT_EQ("ze_kest_Debug_Log", capture.Reports().back().function);
+}
+
+TEST(Log, AFileThatCannotBeClosedIsReportedAndNothingHangs) {
+  const DebugLayer layer;
+  const ReportCapture capture;
+  for (const auto &entry : std::filesystem::directory_iterator("/proc/self/fd")) {
+    std::error_code error;
+    if (std::filesystem::read_symlink(entry.path(), error) != kLogFile) continue;
+    close(std::stoi(entry.path().filename()));
+    break;
+  }
+  Command("kest_log_to_file=off");
+  EXPECT_TRUE(capture.Has("<ERR>", "Error! Fail to close file\n"));
+  Command("kest_log_to_file=on");
 }
 
 TEST(Log, AnUnknownModeIsReportedAndNoFailure) {

@@ -1,7 +1,4 @@
 // SPDX-License-Identifier: Apache-2.0
-#include <filesystem>
-#include <memory>
-
 #include <gtest/gtest.h>
 
 #include "ze_kest/utility.h"
@@ -9,7 +6,6 @@
 #include "tests/support/debug_layer.h"
 #include "tests/support/report_capture.h"
 #include "utility/core/owned_file.h"
-#include "utility/core/owned_memory.h"
 
 using kest::OwnedFile;
 using kest::test::ReportCapture;
@@ -19,68 +15,7 @@ namespace {
 
 constexpr const char *kPath = KEST_DEBUG_DIR "file";
 
-// All lines of a file with the contents, read through a scratch buffer of the size.
-std::vector<std::string> LinesOf(const std::string &contents, int s32ScratchSize) {
-  WriteFile(kPath, contents);
-  const OwnedFile file(ze_kest_Utility_FileOpen(kPath, "r"));
-  std::vector<char> scratch(static_cast<size_t>(s32ScratchSize));
-  std::vector<std::string> lines;
-  while (true) {
-    const kest::Owned<char> line(ze_kest_Utility_FileReadLine(scratch.data(), s32ScratchSize, file.get()));
-    if (line == nullptr) return lines;
-    lines.emplace_back(line.get());
-  }
-}
-
 }  // namespace
-
-TEST(FileLine, LinesOfAnyLengthComeWholeAndWithoutTheirEnds) {
-  const std::string longLine(1000, 'x');
-  const std::vector<std::string> expected = {"one", "", "two", longLine, "last"};
-  for (const char *pszEnd : {"\n", "\r\n"}) {
-    std::string contents;
-    for (const std::string &line : expected)
-      contents += line + pszEnd;
-    for (const int s32Scratch : {2, 3, 8, 2000})
-      EXPECT_EQ(expected, LinesOf(contents, s32Scratch));
-  }
-  EXPECT_EQ((std::vector<std::string>{"a", "b"}), LinesOf("a\nb", 16));
-  EXPECT_EQ((std::vector<std::string>{"a"}), LinesOf("a\r", 16));
-  EXPECT_TRUE(LinesOf("", 16).empty());
-}
-
-TEST(FileToString, GivesTheWholeFileZeroFilledToTheNextPageAboveItsSize) {
-  for (const size_t sztSize : {size_t{1}, size_t{4095}, size_t{4096}, size_t{10000}}) {
-    WriteFile(kPath, std::string(sztSize, 'j'));
-    char *psz = nullptr;
-    size_t sztRead = 0;
-    ASSERT_EQ(ZE_KEST_OK, ze_kest_Utility_FileToString(kPath, &psz, &sztRead));
-    const kest::Owned<char> string(psz);
-    EXPECT_EQ(sztSize, sztRead);
-    const size_t sztBuffer = (sztSize / 4096 + 1) * 4096;
-    std::string expected(sztBuffer, '\0');
-    expected.replace(0, sztSize, sztSize, 'j');
-    EXPECT_EQ(expected, std::string(psz, sztBuffer));
-  }
-}
-
-TEST(FileToString, WhatCannotBeReadFailsWithItsReport) {
-  const ReportCapture capture;
-  char szAnything[] = "x";
-  char *psz = szAnything;
-  size_t sztSize = 1;
-  EXPECT_EQ(ZE_KEST_FAILED, ze_kest_Utility_FileToString(KEST_DEBUG_DIR "missing", &psz, &sztSize));
-  WriteFile(kPath, "");
-  EXPECT_EQ(ZE_KEST_FAILED, ze_kest_Utility_FileToString(kPath, &psz, &sztSize));
-  EXPECT_EQ(ZE_KEST_FAILED, ze_kest_Utility_FileToString(KEST_DEBUG_DIR, &psz, &sztSize));
-  EXPECT_EQ(nullptr, psz);
-  EXPECT_EQ(0u, sztSize);
-  EXPECT_EQ(ZE_KEST_INVALID_ARGUMENT, ze_kest_Utility_FileToString(nullptr, &psz, &sztSize));
-  EXPECT_EQ(ZE_KEST_INVALID_ARGUMENT, ze_kest_Utility_FileToString(kPath, nullptr, &sztSize));
-  EXPECT_EQ(ZE_KEST_INVALID_ARGUMENT, ze_kest_Utility_FileToString(kPath, &psz, nullptr));
-  EXPECT_TRUE(capture.Has("<ERR>", "Err! ze_kest_Utility_FileOpen failed!\n"));
-  EXPECT_TRUE(capture.Has("<ERR>", "Invalid file size.\n"));
-}
 
 TEST(Files, SizeIsTakenAndTheFileLeftAtItsStart) {
   WriteFile(kPath, "12345");

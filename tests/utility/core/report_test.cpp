@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "utility/core/report.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "tests/support/debug_layer.h"
 #include "tests/support/report_capture.h"
 
 using kest::test::Report;
@@ -56,6 +58,17 @@ TEST(Report, EveryLevelHasItsPriorityAndTheTagAndNamesItsSite) {
     EXPECT_EQ("<KEST>", reports[i].tag);
     EXPECT_EQ("ReportAtEveryLevel", reports[i].function);
   }
+}
+
+TEST(Report, ReachesTheLibrarysOwnLogWithNameAndLineAndPrintWithNeither) {
+  const kest::test::DebugLayer layer;
+  const ReportCapture capture(ZE_KEST_LEVEL_WRN);
+  const size_t sztBefore = kest::test::ReadFile(kest::test::kLogFile).size();
+  ReportAtEveryLevel();
+  const std::string log = kest::test::ReadFile(kest::test::kLogFile).substr(sztBefore);
+  EXPECT_THAT(log, testing::MatchesRegex(".*<ERR>\033\\[0mReportAtEveryLevel\\[[0-9]+ *]: e\n"
+                                         ".*<WRN>\033\\[0mReportAtEveryLevel\\[[0-9]+ *]: w\n"
+                                         "p\n"));
 }
 
 TEST(Report, ArgumentsOfAGatedReportAreNotEvaluated) {

@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <cstdlib>
+
 #include <gtest/gtest.h>
 
 #include "ze_kest/utility.h"
@@ -9,6 +11,20 @@ TEST(Strings, StrcmpOrdersByLengthBeforeContents) {
   EXPECT_LT(ze_kest_Utility_Strcmp("aa", "ab"), 0);
   EXPECT_EQ(0, ze_kest_Utility_Strcmp(nullptr, ""));
   EXPECT_EQ(0, ze_kest_Utility_Strcmp(nullptr, nullptr));
+}
+
+TEST(Strings, TheOthersAreTheStandardFunctions) {
+  char sz[16] = "abc";
+  EXPECT_LT(ze_kest_Utility_Strncmp("abc", "abd", 3), 0);
+  EXPECT_EQ(0, ze_kest_Utility_Strncmp("abc", "abd", 2));
+  EXPECT_STREQ("abcde", ze_kest_Utility_Strncat(sz, "defg", 2));
+  EXPECT_EQ(sz + 3, ze_kest_Utility_Strchr(sz, 'd'));
+  EXPECT_STREQ("xycde", ze_kest_Utility_Strncpy(sz, "xyz", 2));
+  char *pszCopy = ze_kest_Utility_Strdup("k=v");
+  char *pszRest = pszCopy;
+  EXPECT_STREQ("k", ze_kest_Utility_Strsep(&pszRest, "="));
+  EXPECT_STREQ("v", pszRest);
+  free(pszCopy);
 }
 
 TEST(Strings, MissingStringsAreTolerated) {

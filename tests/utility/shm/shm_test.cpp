@@ -40,9 +40,25 @@ unsigned int ModeOf(const char *pszPath) {
   return stFile.st_mode & 0777u;
 }
 
+size_t OpenDescriptors() {
+  size_t sztCount = 0;
+  for ([[maybe_unused]] const auto &entry : std::filesystem::directory_iterator("/proc/self/fd"))
+    ++sztCount;
+  return sztCount;
+}
+
 class Shm : public testing::Test {
  protected:
-  void SetUp() override { kest::test::EmptyDebugDirectory(); }
+  void SetUp() override {
+    kest::test::EmptyDebugDirectory();
+    const ReportCapture capture;  // the first report of the process opens the shared settings
+    sztDescriptors_ = OpenDescriptors();
+  }
+  // Whatever a case does, on success and on failure, no descriptor stays open.
+  void TearDown() override { EXPECT_EQ(sztDescriptors_, OpenDescriptors()); }
+
+ private:
+  size_t sztDescriptors_ = 0;
 };
 
 }  // namespace
