@@ -8,6 +8,7 @@
 #include "debug/control/ascii_color.h"
 #include "debug/control/help.h"
 #include "debug/control/log_commands.h"
+#include "debug/control/registry_commands.h"
 #include "debug/control/shared_commands.h"
 
 namespace kest {
@@ -15,6 +16,8 @@ namespace {
 
 constexpr const char *kEverySeparator = "{[]\".: =,\t\n";
 constexpr Split kTokens = {kEverySeparator, kEverySeparator};
+// A value may hold points and slashes.
+constexpr Split kBlankOrEquals = {" =", " ="};
 // The text behind the first comma stays whole, "=" signs and further commas included.
 constexpr Split kText = {" =", ","};
 
@@ -39,8 +42,24 @@ constexpr Command kCommands[] = {
     {"kest_atrace", "on", &kTokens, "kest_atrace=on\n", SwitchAtrace, 1},
     {"kest_atrace", "off", &kTokens, "kest_atrace=off\n", SwitchAtrace, 0},
     {"kest_log_size", kAnyValue, &kTokens, nullptr, SetLogSize, 0},
+    {"kest_debug_node", "register", &kBlankOrEquals, "kest_debug_node=register\n", RegisterTestFilter, 0},
+    {"kest_debug_node", "remove_filter", &kBlankOrEquals, "kest_debug_node=remove_filter\n", RemoveTestFilter,
+     0},
+    {"kest_debug_node", "remove_pipeline", &kBlankOrEquals, "kest_debug_node=remove_pipeline\n",
+     RemoveTestPipeline, 0},
+    {"kest_debug_node", "release", &kBlankOrEquals, "kest_debug_node=release\n", ReleaseRegistry, 0},
+    {"kest_debug_node", "pipeline_connect", &kBlankOrEquals, "pipeline_connect\n", ConnectTestPipelines, 0},
+    {"kest_debug_node", "pipeline_disconnect", &kBlankOrEquals, "pipeline_disconnect\n",
+     DisconnectTestPipelines, 0},
+    // The lists confirm under the other keyword, on purpose.
+    {"kest_debug_list", "print", &kBlankOrEquals, "kest_debug_node=print\n", ListRegistry, 0},
+    {"kest_debug_list", "status", &kBlankOrEquals, "kest_debug_node=status\n", ListStatus, 0},
+    {"kest_debug_list", "parameter", &kBlankOrEquals, "kest_debug_node=parameter\n", ListParameters, 0},
+    {kEveryLine, kAnyValue, nullptr, nullptr, _ZE_KEST_Debug_Cmd_SetParameter, 0},
+    {"kest_debug_send_cmd", kAnyValue, &kText, nullptr, SendCommandByIndex, 0},
     {"kest_debug_preset_cmd", "all", &kText, nullptr, PresetForAll, 0},
     {"kest_debug_preset_cmd", "off", &kText, nullptr, PresetOff, 0},
+    {"kest_debug_send_cmd_by_text", kAnyValue, &kText, nullptr, SendCommandByText, 0},
 };
 
 }  // namespace

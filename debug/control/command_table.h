@@ -20,8 +20,8 @@ struct CommandArguments {
 };
 
 struct Command {
-  const char *pszKeyword;
-  const char *pszValue;  // the value itself, kAnyValue or kNoValue
+  const char *pszKeyword;  // kEveryLine: the action gets the whole line as its rest and splits it itself
+  const char *pszValue;    // the value itself, kAnyValue or kNoValue
   const Split *pstSplit;
   const char *pszConfirmation;                               // printed before the action; NULL for none
   uint32_t (*pfnAction)(const CommandArguments &arguments);  // ZE_KEST_OK: the line is taken
@@ -31,6 +31,7 @@ struct Command {
 // Reports of the commands carry the dispatcher's name.
 constexpr const char *kDispatcher = "_ZE_KEST_Debug_SetParameter";
 
+constexpr const char *kEveryLine = nullptr;
 constexpr const char *kAnyValue = nullptr;
 constexpr const char *kNoValue = "";
 

@@ -28,6 +28,8 @@ bool TakesValue(const Command &command, const char *pszValue) {
 uint32_t Try(const Command &command, const char *pszLine) {
   const Owned<char> copy = Duplicate(pszLine);
   char *pszRest = copy.get();
+  if (pszRest == nullptr) return ZE_KEST_OUT_OF_MEMORY;
+  if (command.pszKeyword == kEveryLine) return command.pfnAction({nullptr, pszRest, command.u32Constant});
   const char *pszKeyword = ze_kest_Utility_Strsep(&pszRest, command.pstSplit->pszKeywordEnd);
   if (ze_kest_Utility_Strcmp(pszKeyword, command.pszKeyword) != 0) return ZE_KEST_INVALID_ARGUMENT;
 

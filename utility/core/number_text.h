@@ -15,6 +15,13 @@ inline int32_t ParseS32(const char *pszText, int s32Base = 10) {
   return static_cast<int32_t>(s64Value);
 }
 
+// strtoul of the target: saturates at UINT32_MAX, and a negative number wraps.
+inline uint32_t ParseU32(const char *pszText) {
+  const long long s64Value = strtoll(pszText, nullptr, 10);
+  if (s64Value > UINT32_MAX || s64Value < -static_cast<long long>(UINT32_MAX)) return UINT32_MAX;
+  return static_cast<uint32_t>(s64Value);
+}
+
 // What a saturated result means to those who read numbers: a limit itself is refused like a number beyond it.
 inline bool IsOutOfRange(int32_t s32Value) {
   return s32Value == INT32_MAX || s32Value == INT32_MIN;

@@ -1,0 +1,80 @@
+// SPDX-License-Identifier: Apache-2.0
+// "kest_debug_set_parameter=PIPELINE,FILTER,PARAMETER,VALUE,SIZE"
+#include "ze_kest/utility.h"
+
+#include "debug/control/registry_commands.h"
+#include "debug/registry/parameters.h"
+#include "utility/core/number_text.h"
+#include "utility/core/report.h"
+
+namespace kest {
+namespace {
+
+constexpr const char *kFunction = "_ZE_KEST_Debug_Cmd_SetParameter";
+
+struct Fields {
+  const char *pszPipeline;
+  const char *pszFilter;
+  const char *pszParameter;
+  const char *pszValue;
+  const char *pszSize;
+};
+
+// Prints why when a field is missing.
+bool SplitFields(char *pszRest, Fields *pstFields) {
+  pstFields->pszPipeline = ze_kest_Utility_Strsep(&pszRest, ",");
+  pstFields->pszFilter = ze_kest_Utility_Strsep(&pszRest, ",");
+  pstFields->pszParameter = ze_kest_Utility_Strsep(&pszRest, ",");
+  pstFields->pszValue = ze_kest_Utility_Strsep(&pszRest, ",");
+  pstFields->pszSize = pszRest;
+  if (pstFields->pszPipeline == nullptr) {
+    KEST_PRINT_AS(kFunction, "%s pszPipelineName is NULL, format error\n", kFunction);
+  } else if (pstFields->pszFilter == nullptr) {
+    KEST_PRINT_AS(kFunction, "%s pszFilterName is NULL, format error\n", kFunction);
+  } else if (pstFields->pszParameter == nullptr) {
+    KEST_PRINT_AS(kFunction, "%s pszParameterName is NULL, format error\n", kFunction);
+  } else if (pstFields->pszValue == nullptr) {
+    KEST_PRINT_AS(kFunction, "%s pszParameter is NULL, format error\n", kFunction);
+  }
+  return pstFields->pszValue != nullptr;
+}
+
+// Prints why when a number is missing or out of range.
+bool ReadNumbers(const Fields &fields, int32_t *ps32Value, uint32_t *pu32Size) {
+  *ps32Value = ParseS32(fields.pszValue);
+  if (IsOutOfRange(*ps32Value)) {
+    KEST_PRINT_AS(kFunction, "%s wrong s32Parameter is NULL, format error\n", kFunction);
+    return false;
+  }
+  *pu32Size = fields.pszSize == nullptr ? UINT32_MAX : ParseU32(fields.pszSize);
+  if (*pu32Size == UINT32_MAX) {
+    KEST_PRINT_AS(kFunction, "%s wrong u32ParameterSize is NULL, format error\n", kFunction);
+    return false;
+  }
+  return true;
+}
+
+}  // namespace
+
+uint32_t _ZE_KEST_Debug_Cmd_SetParameter(const CommandArguments &arguments) {
+  char *pszCmd = arguments.pszRest;
+  KEST_PRINT("%s pszDup=%s\n", __func__, pszCmd);
+  const char *pszSub = ze_kest_Utility_Strsep(&pszCmd, "=");
+  KEST_REQUIRE(pszCmd != nullptr, "pszCmd is NULL, format error\n");
+  KEST_PRINT("%s pszSub=%s, pszCmd=%s\n", __func__, pszSub, pszCmd);
+  if (ze_kest_Utility_Strcmp(pszSub, "kest_debug_set_parameter") != 0) return ZE_KEST_INVALID_ARGUMENT;
+
+  Fields fields;
+  int32_t s32Value = 0;
+  uint32_t u32Size = 0;
+  if (!SplitFields(pszCmd, &fields) || !ReadNumbers(fields, &s32Value, &u32Size)) {
+    return ZE_KEST_INVALID_ARGUMENT;
+  }
+  KEST_PRINT("%s %s:%s set parameter %s %d %u\n", __func__, fields.pszPipeline, fields.pszFilter,
+             fields.pszParameter, s32Value, u32Size);
+  _ZE_KEST_Debug_SetFilterParameter(fields.pszPipeline, fields.pszFilter, fields.pszParameter, &s32Value,
+                                    u32Size);
+  return ZE_KEST_OK;
+}
+
+}  // namespace kest
