@@ -1,0 +1,162 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <map>
+#include <sstream>
+
+#include "tests/debug/registry/registry_fixture.h"
+
+namespace kest::test {
+namespace {
+
+class Status : public RegistryTest {
+ protected:
+  // The prints between the two SAD lines and the rule before the graph, joined.
+  static std::string NodesOf(const Texts &prints) {
+    std::string text;
+    for (size_t i = 5; i < prints.size() && prints[i] != kRule; ++i)
+      text += prints[i];
+    return text;
+  }
+
+  static inline const std::string kRule = "===============\n";
+};
+
+std::map<std::string, uint64_t> g_values;
+
+// Answers every parameter that is set, in the size that is asked for.
+uint32_t Get(ZE_KEST_Filter_s * /*pstFilter*/, const char *pszName, void *pData, uint32_t u32Size) {
+  if (g_values.count(pszName) == 0) return 0x13;
+  memcpy(pData, &g_values[pszName], u32Size);
+  return ZE_KEST_OK;
+}
+
+TEST_F(Status, AnEmptyRegistryShowsTheCapabilitiesAndTheRules) {
+  uint8_t au8Sad[ZE_KEST_SAD_SIZE] = {};
+  const auto entry = [&au8Sad](int s32Format, uint8_t u8Support, uint32_t u32Byte3) {
+    au8Sad[24 * s32Format] = u8Support;
+    memcpy(&au8Sad[24 * s32Format + 16], &u32Byte3, 4);
+  };
+  entry(2, 1, 0x50);
+  entry(6, 2, 0x60);
+  entry(7, 3, 0x70);
+  entry(10, 4, 0x12345678);
+  entry(11, 5, 0xB0);
+  entry(12, 255, 0xC0);
+  EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_SetSAD(au8Sad, ZE_KEST_SAD_SIZE));
+  const Texts expected = {
+      "kest_debug_node=status\n",
+      kRule,
+      "[AudioStatusInfo]\n",
+      "[EDID_Arc][Cap] dd:1, ddp:4(atmos:12345678), dts:3, aac:2, mat(truhd):255, dtshd:5\n",
+      "[EDID_Arc][Byte3] dd:50, ddp:12345678, dts:70, aac:60, mat(truhd):c0, dtshd:b0\n",
+      kRule,
+      kRule,
+      kRule};
+  EXPECT_EQ(expected, PrintsOf("kest_debug_list=status"));
+
+  // Another size keeps the block, and is no failure.
+  const ReportCapture capture;
+  EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_SetSAD(au8Sad + 1, 383));
+  EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_SetSAD(nullptr, ZE_KEST_SAD_SIZE));
+  EXPECT_EQ((Texts{"Error!! Size 383 of not match with expect 384\n", "pu8Sad is NULL.\n"}),
+            capture.Texts("<ERR>"));
+  EXPECT_EQ(expected, PrintsOf("kest_debug_list=status"));
+}
+
+TEST_F(Status, EveryKindOfFilterTellsItsOwn) {
+  g_values = {{"OkFrmCnt", 0x1a},
+              {"ErrFrmCnt", 2},
+              {"MdVol", 0x60},
+              {"AdVol", 0x400},
+              {"DrcMode", 1},
+              {"DmxMode", 3},
+              {"DolbyTb11Enable", 1},
+              {"RfSignalType", 2},
+              {"Gain", static_cast<uint32_t>(-6)},
+              {"Mute", 1},
+              {"DelayTime", 10},
+              {"RawDelayTime", 20},
+              {"SyncStatus", 2},
+              {"CurrentPTS", 1ull << 40},
+              {"CurrentSTC", 7},
+              {"DataEmpty", 9},
+              {"SyncEnable", 1},
+              {"OutputEnable", 2},
+              {"BypassEnable", 3},
+              {"IsPCM", 1}};
+  ZE_KEST_Port_s stPort = {};
+  stPort.stPcm.u64PcmXrunCount = 11;
+  stPort.stPcm.u64PcmPassCount = 12;
+  stPort.stPcm.u64PcmSkipCount = 13;
+  const std::string decoder =
+      "[Decoder Info] \n"
+      "                                         FrmCnt        : Ok=0001a,Err=00002\n"
+      "                                         main/asoc Vol : 0x60, 0x400 (mute[10] | int[9:3] | fra[2:0], "
+      "0x60:0dB)\n"
+      "                                         dolby drcMode : 1  (0:Line, 1:RF)\n"
+      "                                               dmxMode : 3  (0:LtRt, 1:LoRo, 3:Arib)\n"
+      "                                               tb11    : 1  (1:enable)\n"
+      "                                         rfSignalType  : 2  (0:Dvb, 1:Atsc, 2:Dtmb, 3:others)\n";
+  const struct {
+    const char *pszNames;  // filters of one kind
+    std::string text;
+  } aKinds[] = {{"Aac Ac3 Ac4 AmrNb Alac Cook Dra Dts Flac Gaac ImaAdpcm Lpcm Mpeg MpegH Mat Opus Vorbis "
+                 "WmaPro Xpcm MsAdpcm",
+                 decoder},
+                {"Src SpeakerOutput HeadphoneOutput LineOutput", " in[0] underrun:11  \n"},
+                {"Mixer", " in[0] underrun:11    in[1] underrun:0    \n"},
+                {"Volume", " gain:-6, mute:1\n"},
+                {"Delay", " pcm delay:10, raw delay:20\n"},
+                {"Sync",
+                 " bSyncEn[1] bOutputEn[2] okCnt[12] skipCnt[13] emptyCnt[9] STC[7] PTS[1099511627776] "
+                 "TD[-1099511627769] "
+                 "Status[2] (0:invalid, 1:freerun, 2:sync, 3:drop frame) Bypass[3]\n"},
+                {"SpdifOutput ArcOutput EarcOutput", " in[0] underrun pcm:11\n"},
+                {"Adc Atv Hdmi", " out[0] overrun:11  \n"},
+                {"Volume2 volume Vol X", ""}};
+  for (const auto &kind : aKinds) {
+    std::istringstream names(kind.pszNames);
+    for (std::string name; names >> name;) {
+      ZE_KEST_Filter_s &filter = AddFilter("P", name.c_str());
+      filter.pfnGetParameter = Get;
+      filter.u32InPortCount = 2;
+      filter.apstInPort[0] = &stPort;
+      filter.apstOutPort[0] = &stPort;
+      char szHead[64];
+      snprintf(szHead, sizeof(szHead), "p:%-20s f:%-15s", "P", name.c_str());
+      EXPECT_EQ(szHead + kind.text, NodesOf(PrintsOf("kest_debug_list=status")));
+      ze_kest_Debug_UnRegisterInfo("P", nullptr);
+    }
+  }
+  g_values["IsPCM"] = 0;
+  AddFilter("P", "ArcOutput").pfnGetParameter = Get;
+  EXPECT_THAT(NodesOf(PrintsOf("kest_debug_list=status")), testing::EndsWith(" in[0] underrun npcm:0\n"));
+}
+
+TEST_F(Status, PipelinesAndTheirGraphFrameTheFilters) {
+  AddPipeline("Decoder_13");
+  AddFilter("Decoder_13", "Unknown");
+  AddPipeline("SpeakerOutput");
+  ze_kest_Debug_ConnectPipeline("Decoder_13", "SpeakerOutput");
+  const Texts prints = PrintsOf("kest_debug_list=status");
+  EXPECT_EQ((Texts{"p:Decoder_13           =================\n", "p:Decoder_13           f:Unknown        ",
+                   "p:SpeakerOutput        =================\n", kRule, "Decoder_13\n",
+                   "           -> (0)SpeakerOutput\n", "SpeakerOutput\n", kRule}),
+            Texts(prints.begin() + 5, prints.end()));
+}
+
+TEST_F(Status, AFilterThatDoesNotAnswerIsReportedAndStillGetsItsLine) {
+  g_values = {{"Mute", 1}};
+  AddFilter("P", "Volume").pfnGetParameter = Get;
+  AddFilter("P", "Delay");  // has no entry at all
+  const ReportCapture capture;
+  EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_SetParameter("kest_debug_list=status"));
+  EXPECT_TRUE(capture.Has("<PRINT>", " gain:0, mute:1\n"));
+  EXPECT_TRUE(capture.Has("<PRINT>", " pcm delay:0, raw delay:0\n"));
+  EXPECT_EQ((Texts{"Error (0x00000013)! Fail to get parameter from filter:'Volume'\n",
+                   "Error (0x00000008)! Fail to get parameter from filter:'Delay'\n",
+                   "Error (0x00000008)! Fail to get parameter from filter:'Delay'\n"}),
+            capture.Texts("<ERR>"));
+}
+
+}  // namespace
+}  // namespace kest::test
