@@ -5,15 +5,15 @@
 
 #include "debug/control/command_table.h"
 #include "debug/control/startup.h"
+#include "debug/datapath/requests.h"
+#include "debug/registry/process_status.h"
+#include "utility/core/command_line.h"
 #include "utility/core/owned_memory.h"
 #include "utility/core/report.h"
+#include "utility/perf/perf_target.h"
 
 namespace kest {
 namespace {
-
-bool IsEmpty(const char *psz) {
-  return psz == nullptr || *psz == '\0';
-}
 
 bool TakesNoValue(const Command &command) {
   return command.pszValue != kAnyValue && *command.pszValue == '\0';
@@ -44,6 +44,27 @@ uint32_t Try(const Command &command, const char *pszLine) {
   return command.pfnAction({pszValue, pszRest, command.u32Constant});
 }
 
+using Handler = uint32_t (*)(const char *pszLine);
+
+// In the order in which they are tried, which matters: what a handler does when another command's line comes
+// by stands behind it.
+constexpr Handler kHandlers[] = {
+    _ZE_KEST_Debug_Cmd_SetPerfEventTarget,  // drops its target
+    _ZE_KEST_Debug_Cmd_QueryProcessStatus,  // drops its query
+    _ZE_KEST_Debug_Cmd_SendTestTone,        // drops its request
+    _ZE_KEST_Debug_Cmd_CalPcmLev,           // makes its request, of every filter
+    _ZE_KEST_Debug_Cmd_CalculateDataRate,   // nothing
+};
+
+uint32_t OfferToHandlers(const char *pszLine) {
+  uint32_t u32Result = ZE_KEST_INVALID_ARGUMENT;
+  for (const Handler pfnHandler : kHandlers) {
+    u32Result = pfnHandler(pszLine);
+    if (u32Result == ZE_KEST_OK) break;
+  }
+  return u32Result;
+}
+
 }  // namespace
 
 uint32_t _ZE_KEST_Debug_SetParameter(const char *pszLine) {
@@ -52,7 +73,7 @@ uint32_t _ZE_KEST_Debug_SetParameter(const char *pszLine) {
     // A command that fails leaves the line to those behind it.
     if (Try(command, pszLine) == ZE_KEST_OK) return ZE_KEST_OK;
   }
-  return ZE_KEST_INVALID_ARGUMENT;
+  return OfferToHandlers(pszLine);
 }
 
 }  // namespace kest

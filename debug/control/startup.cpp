@@ -11,8 +11,11 @@
 #include "debug/control/debug_mutex.h"
 #include "debug/control/lock_owner.h"
 #include "debug/control/shared_settings.h"
+#include "debug/datapath/requests.h"
 #include "debug/log/log_file.h"
+#include "debug/registry/process_status.h"
 #include "utility/core/report.h"
+#include "utility/perf/perf_target.h"
 
 uint8_t bKestAtraceEnable = 0;
 FILE *pFileKestDebugPipeline = nullptr;
@@ -40,6 +43,9 @@ Base GetBase() {
 
 void InitialiseBase() {
   Store(bKestAtraceEnable, uint8_t{0});
+  ResetPerfEventTarget();
+  ResetProcessStatusQuery();
+  ResetRequests();
   _ZE_KEST_Debug_MutexInit();
   _ZE_KEST_Debug_ShmInit();
   Store(g_bStarted, uint8_t{0});

@@ -31,6 +31,54 @@ extern ZE_KEST_API uint8_t bKestAtraceEnable;
 /* The trace file of the latest filter-io watch; NULL when there is none. */
 extern ZE_KEST_API FILE *pFileKestDebugPipeline;
 
+/* ---- Requests of an engineer, published for the framework's filters. ----
+ *
+ * Commands write them, processing threads read them in every cycle, without a lock: a reader may meet a new
+ * number beside an old name for a moment. A name is cut at 63 characters and always terminated within its
+ * field; a reader that needs it to hold still copies it. The numbers are 0 at start. */
+
+/* What a perf-event target or a process-status query means. */
+enum ZE_KEST_Target_e {
+  ZE_KEST_TARGET_NONE = 0,
+  ZE_KEST_TARGET_PIPELINE = 16, /* the pipeline of the first name */
+  ZE_KEST_TARGET_FILTER = 32    /* the filter of the second name in the pipeline of the first */
+};
+
+/* Whether a test tone, PCM level or data rate is asked for. */
+enum ZE_KEST_Request_e { ZE_KEST_REQUEST_NONE = 0, ZE_KEST_REQUEST_MADE = 16 };
+
+/* What the performance measurement watches: a target, its pipeline and filter ("kest_perf_event_target"). */
+extern ZE_KEST_API uint32_t u32KestPerfEventTarget;
+extern ZE_KEST_API char szKestPerfEventTargetName1[ZE_KEST_NAME_SIZE];
+extern ZE_KEST_API char szKestPerfEventTargetName2[ZE_KEST_NAME_SIZE];
+
+/* Who reports its processing status: a target, its pipeline and its filter ("kest_process_status"). */
+extern ZE_KEST_API uint32_t u32KestQueryProcessStatus;
+extern ZE_KEST_API char szKestQueryProcessStatusName1[ZE_KEST_NAME_SIZE];
+extern ZE_KEST_API char szKestQueryProcessStatusName2[ZE_KEST_NAME_SIZE];
+
+/* Who plays a test tone: a request, pipeline, filter and number of the input port ("kest_send_test_tone"). */
+extern ZE_KEST_API uint32_t u32KestSendTestTone;
+extern ZE_KEST_API char szKestSendTestToneName1[ZE_KEST_NAME_SIZE];
+extern ZE_KEST_API char szKestSendTestToneName2[ZE_KEST_NAME_SIZE];
+extern ZE_KEST_API uint32_t u32KestSendTestToneInputPort;
+
+/* Who measures its PCM level, and over how many cycles: a request, pipeline and filter, the cycles asked for
+ * and those still to go, which the measuring filter counts down ("kest_calpcmlev"). */
+extern ZE_KEST_API uint32_t u32KestCalPcmLev;
+extern ZE_KEST_API char szKestCalPcmLevName1[ZE_KEST_NAME_SIZE];
+extern ZE_KEST_API char szKestCalPcmLevName2[ZE_KEST_NAME_SIZE];
+extern ZE_KEST_API uint32_t u32KestCalPcmLevMaxCount;
+extern ZE_KEST_API uint32_t u32KestCalPcmLevCount;
+
+/* Who measures its data rate: a request, pipeline and filter, the numbers of the input and the output port
+ * ("kest_calculate_data_rate"). */
+extern ZE_KEST_API uint32_t u32KestCalculateDataRate;
+extern ZE_KEST_API char szKestCalculateDataRateName1[ZE_KEST_NAME_SIZE];
+extern ZE_KEST_API char szKestCalculateDataRateName2[ZE_KEST_NAME_SIZE];
+extern ZE_KEST_API uint32_t u32KestCalculateDataRateInputPort;
+extern ZE_KEST_API uint32_t u32KestCalculateDataRateOutputPort;
+
 /* Brings the debug layer up: the settings shared between the processes, the log file, the command thread.
  * Returns ZE_KEST_OK, also when it is up already (reported at ERR level); ZE_KEST_FAILED when the command
  * thread could not be created, the layer is up all the same. A debug directory that is missing or cannot be

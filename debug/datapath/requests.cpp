@@ -1,0 +1,12 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "debug/datapath/requests.h"
+
+namespace kest {
+
+void ResetRequests() {
+  ClearTestToneRequest();
+  ClearPcmLevelRequest();
+  ClearDataRateRequest();
+}
+
+}  // namespace kest

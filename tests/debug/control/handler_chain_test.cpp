@@ -1,0 +1,95 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <gtest/gtest.h>
+
+#include "ze_kest/debug.h"
+
+#include "tests/support/debug_layer.h"
+#include "tests/support/requests.h"
+
+using kest::test::DataRate;
+using kest::test::DebugLayer;
+using kest::test::PcmLevel;
+using kest::test::PerfTarget;
+using kest::test::StatusQuery;
+using kest::test::TestTone;
+
+namespace {
+
+using AllRequests = std::vector<std::string>;
+
+AllRequests AllGlobals() {
+  return {PerfTarget(), StatusQuery(), TestTone(), PcmLevel(), DataRate()};
+}
+
+// Every request made, by the last of them first: a line changes only what it passes on its way.
+void MakeEveryRequest() {
+  for (const char *pszLine :
+       {"kest_calculate_data_rate=p5,f5:1,2", "kest_calpcmlev=p4,f4,9", "kest_send_test_tone=p3,f3:7",
+        "kest_process_status=filter,p2:f2", "kest_perf_event_target=filter,p1:f1"}) {
+    EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_SetParameter(pszLine)) << pszLine;
+  }
+  EXPECT_EQ((AllRequests{"32|p1|f1", "32|p2|f2", "16|p3|f3|7", "16|p4|f4|9|9", "16|p5|f5|1|2"}),
+            AllGlobals());
+}
+
+}  // namespace
+
+TEST(HandlerChain, ALineChangesTheRequestsThatItComesByUntilOneTakesIt) {
+  const DebugLayer layer;
+  struct {
+    const char *pszLine;
+    uint32_t u32Result;
+    AllRequests globals;
+  } const aLines[] = {
+      {"kest_log_size=5", 0, {"32|p1|f1", "32|p2|f2", "16|p3|f3|7", "16|p4|f4|9|9", "16|p5|f5|1|2"}},
+      {"kest_perf_event_target=none", 0, {"0||", "32|p2|f2", "16|p3|f3|7", "16|p4|f4|9|9", "16|p5|f5|1|2"}},
+      {"kest_process_status=none", 0, {"0||", "0||", "16|p3|f3|7", "16|p4|f4|9|9", "16|p5|f5|1|2"}},
+      {"kest_send_test_tone=off", 0, {"0||", "0||", "0|||0", "16|p4|f4|9|9", "16|p5|f5|1|2"}},
+      {"kest_calpcmlev=off", 0, {"0||", "0||", "0|||0", "0|||0|0", "16|p5|f5|1|2"}},
+      {"kest_calculate_data_rate=off", 0, {"0||", "0||", "0|||0", "16|||9|9", "0|||0|0"}},
+      {"kest_log_level=loud", 8, {"0||", "0||", "0|||0", "16|||9|9", "16|p5|f5|1|2"}},
+      {"no_equals_sign", 8, {"0||", "0||", "0|||0", "16|||9|9", "16|p5|f5|1|2"}},
+      {"", 8, {"0||", "0||", "0|||0", "16|||9|9", "16|p5|f5|1|2"}},
+      // Refused by its own handler, so it goes on to the others.
+      {"kest_perf_event_target=pipeline,", 8, {"16|p1|f1", "0||", "0|||0", "16|||9|9", "16|p5|f5|1|2"}},
+  };
+  for (const auto &line : aLines) {
+    MakeEveryRequest();
+    EXPECT_EQ(line.u32Result, ze_kest_Debug_SetParameter(line.pszLine)) << line.pszLine;
+    EXPECT_EQ(line.globals, AllGlobals()) << line.pszLine;
+  }
+}
+
+TEST(HandlerChain, EveryNameIsCutAt63Characters) {
+  const DebugLayer layer;
+  const std::string p(100, 'p');
+  const std::string f(100, 'f');
+  const std::string names = "|" + p.substr(0, 63) + "|" + f.substr(0, 63);
+  struct {
+    std::string line;
+    kest::test::Globals pfnGlobals;
+    std::string globals;
+  } const aLines[] = {
+      {"kest_perf_event_target=filter," + p + ":" + f, PerfTarget, "32" + names},
+      {"kest_process_status=filter," + p + ":" + f, StatusQuery, "32" + names},
+      {"kest_send_test_tone=" + p + "," + f + ":1", TestTone, "16" + names + "|1"},
+      {"kest_calpcmlev=" + p + "," + f + ",2", PcmLevel, "16" + names + "|2|2"},
+      {"kest_calculate_data_rate=" + p + "," + f + ":3,4", DataRate, "16" + names + "|3|4"},
+  };
+  for (const auto &line : aLines) {
+    EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_SetParameter(line.line.c_str()));
+    EXPECT_EQ(line.globals, line.pfnGlobals());
+  }
+}
+
+TEST(HandlerChain, AStartFindsNoRequest) {
+  { const DebugLayer before; }
+  for (uint32_t *pu32 :
+       {&u32KestPerfEventTarget, &u32KestQueryProcessStatus, &u32KestSendTestTone,
+        &u32KestSendTestToneInputPort, &u32KestCalPcmLev, &u32KestCalPcmLevMaxCount, &u32KestCalPcmLevCount,
+        &u32KestCalculateDataRate, &u32KestCalculateDataRateInputPort, &u32KestCalculateDataRateOutputPort}) {
+    *pu32 = 16;
+  }
+  const DebugLayer layer;
+  EXPECT_EQ((AllRequests{"0||", "0||", "0|||0", "0|||0|0", "0|||0|0"}), AllGlobals());
+}
