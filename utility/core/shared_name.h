@@ -5,7 +5,7 @@
 
 #include "ze_kest/model.h"
 
-#include "utility/core/name_field.h"
+#include "utility/core/text_field.h"
 #include "utility/core/report.h"
 #include "utility/core/shared_value.h"
 
