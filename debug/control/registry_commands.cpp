@@ -49,8 +49,8 @@ uint32_t ReleaseRegistry(const CommandArguments & /*arguments*/) {
 }
 
 uint32_t ConnectTestPipelines(const CommandArguments & /*arguments*/) {
-  const uint32_t u32Result = ze_kest_Debug_ConnectPipeline(kDecoder, kSpeaker);
-  return u32Result != ZE_KEST_OK ? u32Result : ze_kest_Debug_ConnectPipeline(kDecoder, kLoopback);
+  ze_kest_Debug_ConnectPipeline(kDecoder, kSpeaker);
+  return ze_kest_Debug_ConnectPipeline(kDecoder, kLoopback);
 }
 
 uint32_t DisconnectTestPipelines(const CommandArguments & /*arguments*/) {

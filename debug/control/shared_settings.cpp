@@ -21,7 +21,8 @@ struct SharedBlock {
   SharedSettings *pstSettings;
 };
 
-// All under the shared settings' mutex.
+// All under the shared settings' mutex. Nothing is reported while it is held: a report may be the first one
+// of the process, which sets the base up and needs the mutex for that.
 SharedBlock *g_pstBlock = nullptr;
 PresetText g_szPresetCmd = "";
 uint8_t g_bPresetCmd = 0;
@@ -48,13 +49,6 @@ SharedBlock *ReplaceBlock(SharedBlock *pstBlock) {
   return pstBlock;
 }
 
-// Nothing is reported while the mutex is held: a report may be the first one of the process, which sets the
-// base up and needs the mutex for that.
-bool CopyPresetText(PresetText &szTo, const char *pszFrom) {
-  const HoldingShm holding;
-  return CopyText(szTo, pszFrom);
-}
-
 // A level of 0 means that no process has set the block up. False for that one.
 bool Adopt() {
   const HoldingShm holding;
@@ -67,9 +61,27 @@ bool Adopt() {
   return CopyText(g_szPresetCmd, shared.szPresetCmd);
 }
 
-void SetPresetFlag(uint8_t bPreset) {
+// With the mutex held.
+void Publish() {
+  SharedSettings *pstShared = MappedSettings();
+  if (pstShared == nullptr) return;
+  Store(pstShared->u32DebugLevel, Load(u32KestDebugLevel));
+  Store(pstShared->bPresetCmd, g_bPresetCmd);
+  static_cast<void>(CopyText(pstShared->szPresetCmd, g_szPresetCmd));  // fails for no text alone
+}
+
+bool SetAndPublishPreset(const char *pszText) {
   const HoldingShm holding;
-  g_bPresetCmd = bPreset;
+  if (!CopyText(g_szPresetCmd, pszText)) return false;
+  g_bPresetCmd = 1;
+  Publish();
+  return true;
+}
+
+void ClearAndPublishPreset() {
+  const HoldingShm holding;
+  g_bPresetCmd = 0;
+  Publish();
 }
 
 }  // namespace
@@ -82,9 +94,8 @@ void _ZE_KEST_Debug_ShmInit() {
   }
   ReplaceBlock(pstBlock);
   if (Adopt()) return;
-  SetPresetFlag(0);
   Store(u32KestDebugLevel, static_cast<uint32_t>(ZE_KEST_LEVEL_PRINT));
-  _ZE_KEST_Debug_SetShm();
+  ClearAndPublishPreset();
 }
 
 void FreeSharedSettings() {
@@ -95,30 +106,23 @@ void FreeSharedSettings() {
 
 void _ZE_KEST_Debug_SetShm() {
   const HoldingShm holding;
-  SharedSettings *pstShared = MappedSettings();
-  if (pstShared == nullptr) return;
-  Store(pstShared->u32DebugLevel, Load(u32KestDebugLevel));
-  Store(pstShared->bPresetCmd, g_bPresetCmd);
-  static_cast<void>(CopyText(pstShared->szPresetCmd, g_szPresetCmd));  // fails for no text alone
+  Publish();
 }
 
 uint32_t SetPresetCommand(const char *pszText) {
   constexpr const char *kFunction = "_ZE_KEST_Debug_Cmd_TriggerCallback";
   KEST_PRINT_AS(kFunction, "kest_debug_preset_cmd=all\n");
-  if (!CopyPresetText(g_szPresetCmd, pszText)) {
+  if (!SetAndPublishPreset(pszText)) {
     KEST_ERR_AS(kFunction, "Err! Strncpy failed!\n");
     return ZE_KEST_FAILED;
   }
-  SetPresetFlag(1);
   KEST_INFO_AS(kFunction, "szPresetCmd:%.*s\n", static_cast<int>(kPresetCmdSize - 1), pszText);
-  _ZE_KEST_Debug_SetShm();
   return ZE_KEST_OK;
 }
 
 void ClearPresetCommand() {
   KEST_PRINT_AS("_ZE_KEST_Debug_Cmd_TriggerCallback", "kest_debug_preset_cmd=off\n");
-  SetPresetFlag(0);
-  _ZE_KEST_Debug_SetShm();
+  ClearAndPublishPreset();
 }
 
 bool CopyPresetCommand(PresetText &szText) {

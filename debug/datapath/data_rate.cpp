@@ -18,20 +18,6 @@ namespace {
 
 constexpr const char *kFunction = "_ZE_KEST_Debug_Cmd_CalculateDataRate";
 
-// An empty name keeps the previous one.
-void TakePipelineName(const char *pszName) {
-  if (IsEmpty(pszName)) return;
-  StoreName(kFunction, szKestCalculateDataRateName1, pszName);
-  KEST_PRINT_AS(kFunction, "[CAL_DATA_RATE]Pipeline Name=%s\n",
-                NameCopy(szKestCalculateDataRateName1).c_str());
-}
-
-void TakeFilterName(const char *pszName) {
-  if (IsEmpty(pszName)) return;
-  StoreName(kFunction, szKestCalculateDataRateName2, pszName);
-  KEST_PRINT_AS(kFunction, "[CAL_DATA_RATE]Filter Name=%s\n", NameCopy(szKestCalculateDataRateName2).c_str());
-}
-
 void TakePorts(const char *pszInput, const char *pszOutput) {
   const auto u32Input = static_cast<uint32_t>(ParseS32(pszInput));
   Store(u32KestCalculateDataRateInputPort, u32Input);
@@ -42,10 +28,16 @@ void TakePorts(const char *pszInput, const char *pszOutput) {
 }
 
 uint32_t RequestRate(const char *pszPipeline, CommandLine &line) {
-  TakePipelineName(pszPipeline);
+  if (TakeName(kFunction, szKestCalculateDataRateName1, pszPipeline)) {
+    KEST_PRINT_AS(kFunction, "[CAL_DATA_RATE]Pipeline Name=%s\n",
+                  NameCopy(szKestCalculateDataRateName1).c_str());
+  }
   const char *pszSub2 = line.Next(":");
   KEST_REQUIRE_AS(kFunction, pszSub2 != nullptr, "pszSub2 is NULL, format error\n");
-  TakeFilterName(pszSub2);
+  if (TakeName(kFunction, szKestCalculateDataRateName2, pszSub2)) {
+    KEST_PRINT_AS(kFunction, "[CAL_DATA_RATE]Filter Name=%s\n",
+                  NameCopy(szKestCalculateDataRateName2).c_str());
+  }
   const char *pszSub3 = line.Next(",");
   // A second port has to follow: an input port without "," is refused like no ports.
   KEST_REQUIRE_AS(kFunction, line.Rest() != nullptr, "pszSub3 is NULL, format error\n");

@@ -23,27 +23,18 @@ void ClearNames() {
   ClearName(szKestCalPcmLevName2);
 }
 
-// An empty name keeps the previous one.
-void TakePipelineName(const char *pszName) {
-  if (IsEmpty(pszName)) return;
-  StoreName(kFunction, szKestCalPcmLevName1, pszName);
-  KEST_PRINT_AS(kFunction, "[CAL_PCM_LEV]Pipeline Name=%s\n", NameCopy(szKestCalPcmLevName1).c_str());
-}
-
-void TakeFilterName(const char *pszName) {
-  if (IsEmpty(pszName)) return;
-  StoreName(kFunction, szKestCalPcmLevName2, pszName);
-  KEST_PRINT_AS(kFunction, "[CAL_PCM_LEV]Filter Name=%s\n", NameCopy(szKestCalPcmLevName2).c_str());
-}
-
 uint32_t RequestLevel(const char *pszSub2, CommandLine &line) {
-  TakePipelineName(pszSub2);
+  if (TakeName(kFunction, szKestCalPcmLevName1, pszSub2)) {
+    KEST_PRINT_AS(kFunction, "[CAL_PCM_LEV]Pipeline Name=%s\n", NameCopy(szKestCalPcmLevName1).c_str());
+  }
   const char *pszSub1 = line.Next(",");
   KEST_REQUIRE_AS(kFunction, pszSub1 != nullptr, "pszSub1 is NULL, format error\n");
   KEST_PRINT_AS(kFunction, "[CAL_PCM_LEV]pszSub3=%s,pszSub2=%s,pszSub1=%s\n", Shown(line.Rest()), pszSub2,
                 pszSub1);
   KEST_PRINT_AS(kFunction, "[CAL_PCM_LEV]Cmd=%s\n", pszSub1);
-  TakeFilterName(pszSub1);
+  if (TakeName(kFunction, szKestCalPcmLevName2, pszSub1)) {
+    KEST_PRINT_AS(kFunction, "[CAL_PCM_LEV]Filter Name=%s\n", NameCopy(szKestCalPcmLevName2).c_str());
+  }
   const uint32_t u32Count = IsEmpty(line.Rest()) ? 0 : static_cast<uint32_t>(ParseS32(line.Rest()));
   Store(u32KestCalPcmLevMaxCount, u32Count);
   Store(u32KestCalPcmLevCount, u32Count);

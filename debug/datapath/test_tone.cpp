@@ -17,25 +17,16 @@ namespace {
 
 constexpr const char *kFunction = "_ZE_KEST_Debug_Cmd_SendTestTone";
 
-// An empty name keeps the previous one.
-void TakePipelineName(const char *pszName) {
-  if (IsEmpty(pszName)) return;
-  StoreName(kFunction, szKestSendTestToneName1, pszName);
-  KEST_PRINT_AS(kFunction, "[SEND_TEST_TONE]Pipeline Name=%s\n", NameCopy(szKestSendTestToneName1).c_str());
-}
-
-void TakeFilterName(const char *pszName) {
-  if (IsEmpty(pszName)) return;
-  StoreName(kFunction, szKestSendTestToneName2, pszName);
-  KEST_PRINT_AS(kFunction, "[SEND_TEST_TONE]Filter Name=%s\n", NameCopy(szKestSendTestToneName2).c_str());
-}
-
 uint32_t RequestTone(const char *pszPipeline, CommandLine &line) {
-  TakePipelineName(pszPipeline);
+  if (TakeName(kFunction, szKestSendTestToneName1, pszPipeline)) {
+    KEST_PRINT_AS(kFunction, "[SEND_TEST_TONE]Pipeline Name=%s\n", NameCopy(szKestSendTestToneName1).c_str());
+  }
   const char *pszSub2 = line.Next(":");
   // A port has to follow: a filter name without ":" is refused like no filter name.
   KEST_REQUIRE_AS(kFunction, line.Rest() != nullptr, "pszSub2 is NULL, format error\n");
-  TakeFilterName(pszSub2);
+  if (TakeName(kFunction, szKestSendTestToneName2, pszSub2)) {
+    KEST_PRINT_AS(kFunction, "[SEND_TEST_TONE]Filter Name=%s\n", NameCopy(szKestSendTestToneName2).c_str());
+  }
   const auto u32Port = static_cast<uint32_t>(ParseS32(line.Rest()));
   Store(u32KestSendTestToneInputPort, u32Port);
   KEST_PRINT_AS(kFunction, "[SEND_TEST_TONE]Input Port Number=%u\n", u32Port);

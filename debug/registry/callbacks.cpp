@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "debug/registry/callbacks.h"
 
-#include <cstring>
-
 #include "ze_kest/utility.h"
 
 #include "debug/control/debug_mutex.h"
@@ -56,9 +54,7 @@ uint32_t _ZE_KEST_Debug_Cmd_TriggerCallback_Parse_By_Text(const char *pszPipelin
   for (const ZE_KEST_DebugInfo_s &info : Registry()) {
     const char *pszName = info.pstFilter == nullptr ? "" : info.pstFilter->szName;
     KEST_INFO("PipelineName=%s,FilterName=%s\n", info.szName, pszName);
-    if (info.pstFilter == nullptr || strcmp(info.szName, szPipeline) != 0 || strcmp(pszName, szFilter) != 0) {
-      continue;
-    }
+    if (!IsFilterNamed(info, szPipeline, szFilter)) continue;
     KEST_INFO("Founded!!!\n");
     return CallBack(info, pszCommand);
   }

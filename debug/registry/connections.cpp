@@ -9,20 +9,12 @@
 #include "utility/core/report.h"
 #include "utility/core/text_field.h"
 
-namespace {
-
-bool IsPipelineNamed(const kest::ZE_KEST_DebugInfo_s &info, const char *pszName) {
-  return info.pstFilter == nullptr && strcmp(info.szName, pszName) == 0;
-}
-
-}  // namespace
-
 // The first pipeline of the name gets the connection; with all its slots in use it is dropped.
 uint32_t ze_kest_Debug_ConnectPipeline(const char *pszPipelineName, const char *pszFedPipelineName) {
   KEST_REQUIRE(pszPipelineName != nullptr, "pszPipelineName is NULL.\n");
   const kest::HoldingDebug holding;
   for (kest::ZE_KEST_DebugInfo_s &info : kest::Registry()) {
-    if (!IsPipelineNamed(info, pszPipelineName)) continue;
+    if (!kest::IsPipelineNamed(info, pszPipelineName)) continue;
     for (auto &szConnected : info.aszConnected) {
       if (*szConnected != '\0') continue;
       const bool bCopied = kest::CopyText(szConnected, pszFedPipelineName);
@@ -40,7 +32,7 @@ uint32_t ze_kest_Debug_DisconnectPipeline(const char *pszPipelineName, const cha
   KEST_REQUIRE_OR(pszFedPipelineName != nullptr, ZE_KEST_OK, "pszFedPipelineName is NULL.\n");
   const kest::HoldingDebug holding;
   for (kest::ZE_KEST_DebugInfo_s &info : kest::Registry()) {
-    if (!IsPipelineNamed(info, pszPipelineName)) continue;
+    if (!kest::IsPipelineNamed(info, pszPipelineName)) continue;
     for (auto &szConnected : info.aszConnected) {
       if (strcmp(szConnected, pszFedPipelineName) == 0) memset(szConnected, 0, sizeof(szConnected));
     }

@@ -16,6 +16,15 @@ Counter CounterOf(const ZE_KEST_Port_s *pstPort, uint64_t ZE_KEST_PcmBuffer_s::*
   return pstPort == nullptr ? 0 : Load(pstPort->stPcm.*pu64Counter);
 }
 
+// NULL past the count: what a slot holds there may be stale.
+const ZE_KEST_Port_s *PortAt(ZE_KEST_Port_s *const *apstPort, uint32_t u32Count, uint32_t u32Index) {
+  return u32Index < u32Count && u32Index < ZE_KEST_MAX_PORTS ? apstPort[u32Index] : nullptr;
+}
+
+const ZE_KEST_Port_s *InPort(const ZE_KEST_Filter_s &filter, uint32_t u32Index = 0) {
+  return PortAt(filter.apstInPort, filter.u32InPortCount, u32Index);
+}
+
 // Underruns of an input port, overruns of an output port.
 Counter XrunsOf(const ZE_KEST_Port_s *pstPort) {
   return CounterOf(pstPort, &ZE_KEST_PcmBuffer_s::u64PcmXrunCount);
@@ -52,7 +61,7 @@ void _ZE_KEST_Debug_PrintDecoderInfo(ZE_KEST_Filter_s &filter) {
 void _ZE_KEST_Debug_PrintMixerInfo(ZE_KEST_Filter_s &filter) {
   const uint32_t u32Ports = std::min<uint32_t>(filter.u32InPortCount, ZE_KEST_MAX_PORTS);
   for (uint32_t i = 0; i < u32Ports; ++i) {
-    KEST_PRINT(" in[%u] underrun:%-4llu ", i, XrunsOf(filter.apstInPort[i]));
+    KEST_PRINT(" in[%u] underrun:%-4llu ", i, XrunsOf(InPort(filter, i)));
   }
   KEST_PRINT("\n");
 }
@@ -77,7 +86,7 @@ void _ZE_KEST_Debug_PrintSyncInfo(ZE_KEST_Filter_s &filter) {
   const auto bSync = Query<uint8_t>(__func__, filter, "SyncEnable");
   const auto bOutput = Query<uint8_t>(__func__, filter, "OutputEnable");
   const auto bBypass = Query<uint8_t>(__func__, filter, "BypassEnable");
-  const ZE_KEST_Port_s *pstIn = filter.apstInPort[0];
+  const ZE_KEST_Port_s *pstIn = InPort(filter);
   KEST_PRINT(
       " bSyncEn[%d] bOutputEn[%d] okCnt[%llu] skipCnt[%llu] emptyCnt[%llu] STC[%llu] PTS[%llu] TD[%lld] "
       "Status[%u] (0:invalid, 1:freerun, 2:sync, 3:drop frame) Bypass[%d]\n",
@@ -89,7 +98,7 @@ void _ZE_KEST_Debug_PrintSyncInfo(ZE_KEST_Filter_s &filter) {
 
 void _ZE_KEST_Debug_PrintDigitalOutInfo(ZE_KEST_Filter_s &filter) {
   const auto u32IsPcm = Query<uint32_t>(__func__, filter, "IsPCM");
-  const Counter u64Underruns = XrunsOf(filter.apstInPort[0]);
+  const Counter u64Underruns = XrunsOf(InPort(filter));
   if (u32IsPcm != 0) {
     KEST_PRINT(" in[0] underrun pcm:%llu\n", u64Underruns);
   } else {
@@ -98,11 +107,12 @@ void _ZE_KEST_Debug_PrintDigitalOutInfo(ZE_KEST_Filter_s &filter) {
 }
 
 void PrintUnderruns(ZE_KEST_Filter_s &filter) {
-  KEST_PRINT(" in[0] underrun:%-4llu\n", XrunsOf(filter.apstInPort[0]));
+  KEST_PRINT_AS("_ZE_KEST_Debug_PrintStatusInfo", " in[0] underrun:%-4llu\n", XrunsOf(InPort(filter)));
 }
 
 void PrintOverruns(ZE_KEST_Filter_s &filter) {
-  KEST_PRINT(" out[0] overrun:%-4llu\n", XrunsOf(filter.apstOutPort[0]));
+  KEST_PRINT_AS("_ZE_KEST_Debug_PrintStatusInfo", " out[0] overrun:%-4llu\n",
+                XrunsOf(PortAt(filter.apstOutPort, filter.u32OutPortCount, 0)));
 }
 
 struct FilterKind {

@@ -24,16 +24,14 @@ void ClearQuery() {
 
 // Both are false, with the previous name kept, when there is no name.
 bool TakePipelineName(const char *pszName) {
-  if (IsEmpty(pszName)) return false;
-  StoreName(kFunction, szKestQueryProcessStatusName1, pszName);
+  if (!TakeName(kFunction, szKestQueryProcessStatusName1, pszName)) return false;
   KEST_INFO_AS(kFunction, "[PROCESS_STATUS]Pipeline Name=%s\n",
                NameCopy(szKestQueryProcessStatusName1).c_str());
   return true;
 }
 
 bool TakeFilterName(const char *pszName) {
-  if (IsEmpty(pszName)) return false;
-  StoreName(kFunction, szKestQueryProcessStatusName2, pszName);
+  if (!TakeName(kFunction, szKestQueryProcessStatusName2, pszName)) return false;
   KEST_INFO_AS(kFunction, "[PROCESS_STATUS]Filter Name=%s\n",
                NameCopy(szKestQueryProcessStatusName2).c_str());
   return true;

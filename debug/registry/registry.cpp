@@ -92,12 +92,16 @@ bool CopyOptional(const char *pszFunction, char (&szField)[kSize], const char *p
   return false;
 }
 
-bool IsFilterNamed(const Info &info, const char *pszPipelineName, const char *pszFilterName) {
+}  // namespace
+
+bool IsPipelineNamed(const ZE_KEST_DebugInfo_s &info, const char *pszName) {
+  return info.pstFilter == nullptr && HasName(info, pszName);
+}
+
+bool IsFilterNamed(const ZE_KEST_DebugInfo_s &info, const char *pszPipelineName, const char *pszFilterName) {
   return info.pstFilter != nullptr && HasName(info, pszPipelineName) &&
          strcmp(info.pstFilter->szName, pszFilterName) == 0;
 }
-
-}  // namespace
 
 uint32_t _ZE_KEST_Debug_ReleaseDebugInfoList() {
   const HoldingDebug holding;

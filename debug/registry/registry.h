@@ -48,6 +48,10 @@ class Registry {
   [[nodiscard]] Iterator end() const { return Iterator(nullptr); }
 };
 
+// Exact comparisons.
+bool IsPipelineNamed(const ZE_KEST_DebugInfo_s &info, const char *pszName);
+bool IsFilterNamed(const ZE_KEST_DebugInfo_s &info, const char *pszPipelineName, const char *pszFilterName);
+
 // Frees the whole list. ZE_KEST_FAILED when it is empty.
 uint32_t _ZE_KEST_Debug_ReleaseDebugInfoList();
 

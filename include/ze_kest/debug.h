@@ -116,9 +116,11 @@ ZE_KEST_API uint32_t ze_kest_Debug_SetParameter(const char *pszParameterPairs);
  * unregisters what ends; shut-down does not empty the registry. Names are cut at 63 characters. Any thread;
  * takes a lock and allocates, so not real-time safe. */
 
-/* A filter's entry for debug commands. pszCommand: the command's text, not to be changed; returns ZE_KEST_OK
- * when it took it. Called on the command thread with the registry locked, or on the registering thread
- * without: it must not call back into the registry. */
+/* A filter's entry for debug commands.
+ * pstFilter: as it was registered, NULL for an entry without a filter; pszCommand: the command's text, not to
+ * be changed. Returns ZE_KEST_OK when it took the command. Called with the registry locked, on the thread
+ * that carries out the command, or without the lock on the thread that registers the filter. It must not call
+ * back into the registry. */
 typedef unsigned int (*ZE_KEST_DebugCallback)(ZE_KEST_Filter_s *pstFilter, signed char *pszCommand);
 
 /* A parameter that the framework's filters support; the framework owns the list. */
@@ -147,7 +149,8 @@ ZE_KEST_API uint32_t ze_kest_Debug_UnRegisterInfo(const char *pszPipelineName,
                                                   const ZE_KEST_Filter_s *pstFilter);
 
 /* Notes that a pipeline feeds another one, or no longer does. ZE_KEST_OK also when the first is not
- * registered or feeds 8 already. */
+ * registered or feeds 8 already. Connecting: ZE_KEST_INVALID_ARGUMENT for a NULL first name, ZE_KEST_FAILED
+ * when the second one is due and NULL. Disconnecting is always ZE_KEST_OK; a NULL name is reported. */
 ZE_KEST_API uint32_t ze_kest_Debug_ConnectPipeline(const char *pszPipelineName,
                                                    const char *pszFedPipelineName);
 ZE_KEST_API uint32_t ze_kest_Debug_DisconnectPipeline(const char *pszPipelineName,

@@ -20,6 +20,7 @@ namespace kest::test {
 DebugLayer::DebugLayer() {
   EmptyDebugDirectory();
   EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_Init());
+  WriteToPipe("");  // the command thread reads it: from here on it says and does nothing by itself
 }
 
 DebugLayer::~DebugLayer() {

@@ -24,15 +24,13 @@ void ClearTarget() {
 
 // Both are false, with the previous name kept, when there is no name.
 bool TakePipelineName(const char *pszName) {
-  if (IsEmpty(pszName)) return false;
-  StoreName(kFunction, szKestPerfEventTargetName1, pszName);
+  if (!TakeName(kFunction, szKestPerfEventTargetName1, pszName)) return false;
   KEST_INFO_AS(kFunction, "[PERF_EVENT]Pipeline Name=%s\n", NameCopy(szKestPerfEventTargetName1).c_str());
   return true;
 }
 
 bool TakeFilterName(const char *pszName) {
-  if (IsEmpty(pszName)) return false;
-  StoreName(kFunction, szKestPerfEventTargetName2, pszName);
+  if (!TakeName(kFunction, szKestPerfEventTargetName2, pszName)) return false;
   KEST_INFO_AS(kFunction, "[PERF_EVENT]Filter Name=%s\n", NameCopy(szKestPerfEventTargetName2).c_str());
   return true;
 }

@@ -186,6 +186,7 @@ TEST(Log, ADirectoryThatVanishesWhileTheLayerIsUpStopsTheFileAlone) {
   EXPECT_EQ(0, kest::test::InAnotherProcess([] {
               kest::test::EmptyDebugDirectory();
               EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_Init());
+              kest::test::WriteToPipe("");
               const ReportCapture capture;
               std::filesystem::remove_all(KEST_DEBUG_DIR);
               ze_kest_Debug_Log(ZE_KEST_LEVEL_ERR, "into the unlinked file\n");

@@ -6,15 +6,17 @@
 namespace kest::test {
 namespace {
 
-class Callbacks : public RegistryTest {};
-
 std::string g_received;
 unsigned int g_u32Answer = 0;
 
-unsigned int Receive(ZE_KEST_Filter_s *pstFilter, signed char *pszCommand) {
-  g_received = std::string(pstFilter->szName) + "<-" + reinterpret_cast<char *>(pszCommand);
-  return g_u32Answer;
-}
+class Callbacks : public RegistryTest {
+ protected:
+  static unsigned int Receive(ZE_KEST_Filter_s *pstFilter, signed char *pszCommand) {
+    EXPECT_TRUE(IsRegistryLocked());
+    g_received = std::string(pstFilter->szName) + "<-" + reinterpret_cast<char *>(pszCommand);
+    return g_u32Answer;
+  }
+};
 
 // What reaches a filter of the line; "" when none gets it and the line goes on unrecognised.
 std::string ReceivedOf(const char *pszLine) {
@@ -27,14 +29,15 @@ std::string ReceivedOf(const char *pszLine) {
 }
 
 TEST_F(Callbacks, ACommandByIndexReachesTheEntryAtThatPosition) {
-  AddPipeline("P");
   AddFilter("P", "A", Receive);
+  AddPipeline("P");
   AddFilter("P", "B", Receive);
   AddFilter("P", "mute");
-  EXPECT_EQ("A<-dbgcmd1=test", ReceivedOf("kest_debug_send_cmd=1,dbgcmd1=test"));
+  EXPECT_EQ("A<-dbgcmd1=test", ReceivedOf("kest_debug_send_cmd=0,dbgcmd1=test"));
+  EXPECT_EQ("A<-", ReceivedOf("kest_debug_send_cmd=0,"));
   EXPECT_EQ("B<-a,b=c d", ReceivedOf("kest_debug_send_cmd 2,a,b=c d"));
   EXPECT_EQ("B<-x", ReceivedOf("kest_debug_send_cmd=0x2,x"));
-  for (const char *pszLine : {"kest_debug_send_cmd=0,x", "kest_debug_send_cmd=3,x", "kest_debug_send_cmd=4,x",
+  for (const char *pszLine : {"kest_debug_send_cmd=3,x", "kest_debug_send_cmd=4,x",
                               "kest_debug_send_cmd=-1,x", "kest_debug_send_cmd=1", "kest_debug_send_cmd="}) {
     EXPECT_EQ("", ReceivedOf(pszLine)) << pszLine;
   }

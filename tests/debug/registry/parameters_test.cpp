@@ -6,15 +6,17 @@
 namespace kest::test {
 namespace {
 
-class FilterParameters : public RegistryTest {};
-
 std::string g_set;
 
-uint32_t Set(ZE_KEST_Filter_s *pstFilter, const char *pszName, const void *pData, uint32_t u32Size) {
-  g_set = std::string(pstFilter->szName) + " " + pszName + " " +
-          std::to_string(*static_cast<const int32_t *>(pData)) + " " + std::to_string(u32Size);
-  return strcmp(pszName, "Bad") == 0 ? 0x21 : 0;
-}
+class FilterParameters : public RegistryTest {
+ protected:
+  static uint32_t Set(ZE_KEST_Filter_s *pstFilter, const char *pszName, const void *pData, uint32_t u32Size) {
+    EXPECT_TRUE(IsRegistryLocked());
+    g_set = std::string(pstFilter->szName) + " " + pszName + " " +
+            std::to_string(*static_cast<const int32_t *>(pData)) + " " + std::to_string(u32Size);
+    return strcmp(pszName, "Bad") == 0 ? 0x21 : 0;
+  }
+};
 
 TEST_F(FilterParameters, AreSetInTheFirstFilterWhoseNamesBeginAsGiven) {
   AddPipeline("Decoder_13");

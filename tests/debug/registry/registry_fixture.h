@@ -12,6 +12,7 @@
 
 #include "ze_kest/debug.h"
 
+#include "debug/control/debug_mutex.h"
 #include "debug/registry/registry.h"
 #include "tests/support/debug_layer.h"
 #include "tests/support/report_capture.h"
@@ -63,7 +64,15 @@ class RegistryTest : public testing::Test {
           report.function == "_ZE_KEST_Debug_Cmd_SetParameter" && strncmp(pszLine, "kest_debug_set", 14) != 0;
       if (report.label == "<PRINT>" && !bPassingBy) prints.push_back(report.text);
     }
+    if (prints.size() < 2) return {"no reply at all"};
     return {prints.begin() + 2, prints.end()};
+  }
+
+  // Whether the registry's mutex is held, as it must be around every call into a filter.
+  static bool IsRegistryLocked() {
+    const bool bLocked = pthread_mutex_trylock(&_stKestDebugMutex) == EBUSY;
+    if (!bLocked) pthread_mutex_unlock(&_stKestDebugMutex);
+    return bLocked;
   }
 
   DebugLayer layer_;

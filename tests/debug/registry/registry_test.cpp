@@ -11,14 +11,19 @@
 namespace kest::test {
 namespace {
 
-class RegistryOrder : public RegistryTest {};
-
 std::string g_received;
 
-unsigned int Receive(ZE_KEST_Filter_s *pstFilter, signed char *pszCommand) {
-  g_received += std::string(pstFilter->szName) + "<-" + reinterpret_cast<char *>(pszCommand) + ";";
-  return 99;
-}
+class RegistryOrder : public RegistryTest {
+ public:
+  // Before the entry exists and without the lock.
+  static unsigned int Receive(ZE_KEST_Filter_s *pstFilter, signed char *pszCommand) {
+    EXPECT_FALSE(IsRegistryLocked());
+    for (const std::string &entry : Entries())
+      EXPECT_EQ(std::string::npos, entry.find(pstFilter->szName));
+    g_received += std::string(pstFilter->szName) + "<-" + reinterpret_cast<char *>(pszCommand) + ";";
+    return 99;
+  }
+};
 
 TEST_F(RegistryOrder, FiltersStandBehindTheirPipelineInTheOrderOfRegistration) {
   AddPipeline("P");
@@ -33,6 +38,9 @@ TEST_F(RegistryOrder, FiltersStandBehindTheirPipelineInTheOrderOfRegistration) {
   AddPipeline("P");
   AddFilter("P", "F1");
   EXPECT_EQ((Texts{"P", "P:F1", "P:F2", "P:F3", "P:F1", "Q", "Q:G1", "Orphan:O", "P"}), Entries());
+  // Links hold in both directions after an insertion in the middle.
+  EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_UnRegisterInfo("Q", nullptr));
+  EXPECT_EQ((Texts{"P", "P:F1", "P:F2", "P:F3", "P:F1", "Orphan:O", "P"}), Entries());
 }
 
 TEST_F(RegistryOrder, AFilterWithoutAParentAndAnEntryWithoutNamesGoToTheEnd) {
@@ -106,7 +114,7 @@ TEST(RegistryAcrossProcesses, APresetCommandGivenToAnotherProcessReachesAFilterT
             }));
   ZE_KEST_Filter_s stFilter = {};
   strcpy(stFilter.szName, "F");
-  EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_RegisterInfo("P", &stFilter, 0, nullptr, Receive));
+  EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_RegisterInfo("P", &stFilter, 0, nullptr, RegistryOrder::Receive));
   EXPECT_EQ("F<-from=afar;", g_received);
   EXPECT_EQ(ZE_KEST_OK, _ZE_KEST_Debug_ReleaseDebugInfoList());
   ShutDown();
@@ -138,8 +146,9 @@ TEST_F(RegistryOrder, SurvivesManyThreadsThatRegisterConnectAndUnregisterWhileIt
     });
   }
   while (s32Running > 0) {
-    for (const char *pszLine : {"kest_debug_list=print", "kest_debug_list=status", "kest_debug_send_cmd=3,x",
-                                "kest_debug_set_parameter=pipe,Vol,Gain,1,4"}) {
+    for (const char *pszLine :
+         {"kest_debug_list=print", "kest_debug_list=status", "kest_debug_send_cmd=3,x",
+          "kest_debug_send_cmd_by_text=pipe1,Volume,x", "kest_debug_set_parameter=pipe,Vol,Gain,1,4"}) {
       ze_kest_Debug_SetParameter(pszLine);
     }
   }

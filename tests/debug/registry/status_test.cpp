@@ -21,9 +21,11 @@ class Status : public RegistryTest {
 };
 
 std::map<std::string, uint64_t> g_values;
+std::string g_asked;
 
 // Answers every parameter that is set, in the size that is asked for.
 uint32_t Get(ZE_KEST_Filter_s * /*pstFilter*/, const char *pszName, void *pData, uint32_t u32Size) {
+  g_asked += std::string(pszName) + ":" + std::to_string(u32Size) + " ";
   if (g_values.count(pszName) == 0) return 0x13;
   memcpy(pData, &g_values[pszName], u32Size);
   return ZE_KEST_OK;
@@ -67,10 +69,10 @@ TEST_F(Status, EveryKindOfFilterTellsItsOwn) {
               {"ErrFrmCnt", 2},
               {"MdVol", 0x60},
               {"AdVol", 0x400},
-              {"DrcMode", 1},
+              {"DrcMode", 7},
               {"DmxMode", 3},
               {"DolbyTb11Enable", 1},
-              {"RfSignalType", 2},
+              {"RfSignalType", 5},
               {"Gain", static_cast<uint32_t>(-6)},
               {"Mute", 1},
               {"DelayTime", 10},
@@ -92,10 +94,10 @@ TEST_F(Status, EveryKindOfFilterTellsItsOwn) {
       "                                         FrmCnt        : Ok=0001a,Err=00002\n"
       "                                         main/asoc Vol : 0x60, 0x400 (mute[10] | int[9:3] | fra[2:0], "
       "0x60:0dB)\n"
-      "                                         dolby drcMode : 1  (0:Line, 1:RF)\n"
+      "                                         dolby drcMode : 7  (0:Line, 1:RF)\n"
       "                                               dmxMode : 3  (0:LtRt, 1:LoRo, 3:Arib)\n"
       "                                               tb11    : 1  (1:enable)\n"
-      "                                         rfSignalType  : 2  (0:Dvb, 1:Atsc, 2:Dtmb, 3:others)\n";
+      "                                         rfSignalType  : 5  (0:Dvb, 1:Atsc, 2:Dtmb, 3:others)\n";
   const struct {
     const char *pszNames;  // filters of one kind
     std::string text;
@@ -119,6 +121,7 @@ TEST_F(Status, EveryKindOfFilterTellsItsOwn) {
       ZE_KEST_Filter_s &filter = AddFilter("P", name.c_str());
       filter.pfnGetParameter = Get;
       filter.u32InPortCount = 2;
+      filter.u32OutPortCount = 1;
       filter.apstInPort[0] = &stPort;
       filter.apstOutPort[0] = &stPort;
       char szHead[64];
@@ -127,6 +130,8 @@ TEST_F(Status, EveryKindOfFilterTellsItsOwn) {
       ze_kest_Debug_UnRegisterInfo("P", nullptr);
     }
   }
+  EXPECT_THAT(g_asked, testing::HasSubstr("SyncStatus:4 CurrentPTS:8 CurrentSTC:8 DataEmpty:8 SyncEnable:1 "
+                                          "OutputEnable:1 BypassEnable:1 IsPCM:4"));
   g_values["IsPCM"] = 0;
   AddFilter("P", "ArcOutput").pfnGetParameter = Get;
   EXPECT_THAT(NodesOf(PrintsOf("kest_debug_list=status")), testing::EndsWith(" in[0] underrun npcm:0\n"));
