@@ -14,6 +14,7 @@
 #include "debug/datapath/requests.h"
 #include "debug/log/log_file.h"
 #include "debug/registry/process_status.h"
+#include "debug/thread/thread_watch.h"
 #include "utility/core/report.h"
 #include "utility/perf/perf_target.h"
 
@@ -50,6 +51,7 @@ void InitialiseBase() {
   _ZE_KEST_Debug_ShmInit();
   Store(g_bStarted, uint8_t{0});
   SetMonitorSleepTime(kMonitorSleepTimeMs);
+  WatchEveryThread();
   ResetLogSinks();
 }
 
