@@ -2,11 +2,10 @@
 #include "debug/control/command_thread.h"
 
 #include <fcntl.h>
-#include <pthread.h>
-#include <sched.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "debug/control/debug_thread.h"
 #include "debug/control/dispatcher.h"
 #include "utility/core/debug_dir.h"
 #include "utility/core/report.h"
@@ -17,15 +16,13 @@ namespace {
 constexpr const char *kPipePath = KEST_DEBUG_PATH("D");
 constexpr size_t kLineSize = 128;
 
-pthread_t g_thread;
-pthread_attr_t _stKestDebugRuntimeMonitorThreadAttr;
-struct sched_param _stKestDebugRuntimeMonitorSched;
-uint8_t g_bRunning = 0;
-bool g_bToJoin = false;  // the thread was created and nobody has waited for its end yet
+void *_ZE_KEST_Debug_RuntimeMonitor(void *pvUnused);
 
-bool IsRunning() {
-  return Load(g_bRunning) != 0;
-}
+KEST_DEFINE_THREAD_ATTRIBUTES(SetAttributes, DestroyAttributes, _stKestDebugRuntimeMonitorThreadAttr,
+                              _stKestDebugRuntimeMonitorSched, OTHER)
+
+DebugThread g_stCommandThread = {"KestDebug", _ZE_KEST_Debug_RuntimeMonitor,
+                                 &_stKestDebugRuntimeMonitorThreadAttr, SetAttributes, DestroyAttributes};
 
 int OpenPipe() {
   const int s32Made = mkfifo(kPipePath, 0777);
@@ -63,7 +60,7 @@ void ReadLine(int s32Fd, char (&szLine)[kLineSize]) {
 
 void ServeCommands(int s32Fd) {
   char szLine[kLineSize] = {};
-  while (IsRunning()) {
+  while (IsRunning(g_stCommandThread)) {
     ReadLine(s32Fd, szLine);
     const uint32_t u32Result = _ZE_KEST_Debug_SetParameter(szLine);
     if (u32Result != ZE_KEST_OK) {
@@ -79,65 +76,21 @@ void *_ZE_KEST_Debug_RuntimeMonitor(void * /*pvUnused*/) {
     ServeCommands(s32Fd);
     close(s32Fd);
   } else {
-    Store(g_bRunning, uint8_t{0});
+    Store(g_stCommandThread.bRunning, uint8_t{0});
   }
   KEST_INFO("End\n");
   return nullptr;
 }
 
-void SetThreadAttributes() {
-  constexpr const char *kFunction = "_ZE_KEST_Debug_CreateThread";
-  KEST_THREAD_CALL_AS(kFunction, pthread_attr_init(&_stKestDebugRuntimeMonitorThreadAttr));
-  // The size stands as the report of a failure quotes it.
-  KEST_THREAD_CALL_AS(kFunction,
-                      // NOLINTNEXTLINE(bugprone-implicit-widening-of-multiplication-result)
-                      pthread_attr_setstacksize(&_stKestDebugRuntimeMonitorThreadAttr, (2 * 4096) * 8));
-  KEST_THREAD_CALL_AS(
-      kFunction, pthread_attr_setdetachstate(&_stKestDebugRuntimeMonitorThreadAttr, PTHREAD_CREATE_JOINABLE));
-  KEST_THREAD_CALL_AS(
-      kFunction, pthread_attr_setinheritsched(&_stKestDebugRuntimeMonitorThreadAttr, PTHREAD_EXPLICIT_SCHED));
-  KEST_THREAD_CALL_AS(kFunction,
-                      pthread_attr_setschedpolicy(&_stKestDebugRuntimeMonitorThreadAttr, SCHED_OTHER));
-  KEST_THREAD_CALL_AS(kFunction, pthread_attr_getschedparam(&_stKestDebugRuntimeMonitorThreadAttr,
-                                                            &_stKestDebugRuntimeMonitorSched));
-  // Refused where the policy knows no priorities; the thread runs with the default one then.
-  _stKestDebugRuntimeMonitorSched.sched_priority = 40;
-  KEST_THREAD_CALL_AS(kFunction, pthread_attr_setschedparam(&_stKestDebugRuntimeMonitorThreadAttr,
-                                                            &_stKestDebugRuntimeMonitorSched));
-}
-
-uint32_t CreateCommandThread() {
-  constexpr const char *kFunction = "_ZE_KEST_Debug_CreateThread";
-  if (IsRunning()) return ZE_KEST_OK;
-  _ZE_KEST_Debug_DestroyThread();
-  Store(g_bRunning, uint8_t{1});
-  SetThreadAttributes();
-  if (pthread_create(&g_thread, &_stKestDebugRuntimeMonitorThreadAttr, _ZE_KEST_Debug_RuntimeMonitor,
-                     nullptr) != 0) {
-    Store(g_bRunning, uint8_t{0});
-    pthread_attr_destroy(&_stKestDebugRuntimeMonitorThreadAttr);
-    KEST_ERR_AS(kFunction, "Err! pthread_create failed!\n");
-    return ZE_KEST_FAILED;
-  }
-  g_bToJoin = true;
-  KEST_THREAD_CALL_AS(kFunction, pthread_setname_np(g_thread, "KestDebug"));
-  return ZE_KEST_OK;
-}
-
 }  // namespace
 
-uint32_t _ZE_KEST_Debug_CreateThread(unsigned int u32Index) {
-  if (u32Index == kCommandThread) return CreateCommandThread();
-  return ZE_KEST_OK;
+uint32_t CreateCommandThread() {
+  return CreateDebugThread(g_stCommandThread);
 }
 
 // A thread that found no pipe has ended by itself and is waited for all the same.
 void _ZE_KEST_Debug_DestroyThread() {
-  if (!g_bToJoin) return;
-  g_bToJoin = false;
-  Store(g_bRunning, uint8_t{0});
-  KEST_THREAD_CALL(pthread_attr_destroy(&_stKestDebugRuntimeMonitorThreadAttr));
-  KEST_THREAD_CALL(pthread_join(g_thread, nullptr));
+  DestroyDebugThread(g_stCommandThread);
 }
 
 }  // namespace kest

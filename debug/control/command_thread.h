@@ -6,11 +6,8 @@
 
 namespace kest {
 
-enum ThreadKind : unsigned int { kCommandThread = 0 };
-
-// Creates a debug thread. ZE_KEST_OK also when it runs already or the kind is unknown; ZE_KEST_FAILED when it
-// cannot be created.
-uint32_t _ZE_KEST_Debug_CreateThread(unsigned int u32Index);
+// ZE_KEST_OK also when it runs already; ZE_KEST_FAILED when it cannot be created.
+uint32_t CreateCommandThread();
 
 // Ends the command thread and waits for it: it notices after the next line of the pipe. Returns at once when
 // it was never created or has found no pipe.

@@ -7,6 +7,7 @@
 #include "debug/control/startup.h"
 #include "debug/datapath/requests.h"
 #include "debug/registry/process_status.h"
+#include "debug/thread/thread_commands.h"
 #include "utility/core/command_line.h"
 #include "utility/core/owned_memory.h"
 #include "utility/core/report.h"
@@ -49,6 +50,9 @@ using Handler = uint32_t (*)(const char *pszLine);
 // In the order in which they are tried, which matters: what a handler does when another command's line comes
 // by stands behind it.
 constexpr Handler kHandlers[] = {
+    _ZE_KEST_Debug_Cmd_WatchCurrentTids,    // nothing
+    _ZE_KEST_Debug_Cmd_WatchTid,            // nothing
+    _ZE_KEST_Debug_Cmd_PthreadSignal,       // nothing
     _ZE_KEST_Debug_Cmd_SetPerfEventTarget,  // drops its target
     _ZE_KEST_Debug_Cmd_QueryProcessStatus,  // drops its query
     _ZE_KEST_Debug_Cmd_SendTestTone,        // drops its request

@@ -8,12 +8,15 @@
 #include "ze_kest/debug.h"
 
 #include "debug/control/command_thread.h"
+#include "debug/control/create_thread.h"
 #include "debug/control/debug_mutex.h"
 #include "debug/control/lock_owner.h"
 #include "debug/control/shared_settings.h"
 #include "debug/datapath/requests.h"
 #include "debug/log/log_file.h"
 #include "debug/registry/process_status.h"
+#include "debug/thread/test_threads.h"
+#include "debug/thread/thread_watch.h"
 #include "utility/core/report.h"
 #include "utility/perf/perf_target.h"
 
@@ -50,6 +53,8 @@ void InitialiseBase() {
   _ZE_KEST_Debug_ShmInit();
   Store(g_bStarted, uint8_t{0});
   SetMonitorSleepTime(kMonitorSleepTimeMs);
+  WatchEveryThread();
+  ResetTestThreads();
   ResetLogSinks();
 }
 
@@ -103,6 +108,8 @@ uint32_t ze_kest_Debug_DeInit(void) {
   KEST_PRINT("Log to file(%d)\n", 0);
   kest::CloseLogFile();
   kest::_ZE_KEST_Debug_DestroyThread();
+  // After the command thread, whose last line may have created one.
+  kest::EndTestThreads();
   if (kest::GetBase() == kest::Base::kReady) kest::FreeSharedSettings();
   kest::_ZE_KEST_Debug_Mutex_Unlock();
   kest::_ZE_KEST_Debug_ShmMutex_Unlock();

@@ -8,6 +8,7 @@
 #include "debug/control/startup.h"
 #include "debug/log/inside_log.h"
 #include "debug/log/log_file.h"
+#include "debug/thread/thread_watch.h"
 #include "utility/core/report.h"
 
 namespace {
@@ -42,7 +43,7 @@ void ze_kest_Debug_Log(unsigned int u32Level, const char *pszFormat, ...) {
   if (kest::InsideLog::IsThisThread() || pszFormat == nullptr) return;
   const kest::InsideLog inside;
   kest::_ZE_KEST_Debug_Init();
-  if (!kest::IsStarted()) return;
+  if (!kest::IsStarted() || !kest::IsThisThreadLogged()) return;
 
   va_list arguments;
   va_start(arguments, pszFormat);

@@ -86,15 +86,16 @@ extern ZE_KEST_API uint32_t u32KestCalculateDataRateOutputPort;
  * process, not real-time safe. */
 ZE_KEST_API uint32_t ze_kest_Debug_Init(void);
 
-/* Takes the debug layer down: closes the log file, ends the command thread and removes the shared settings.
- * Waits until the command thread has read one more line from the pipe. Returns ZE_KEST_OK, also when the
- * layer is not up (reported at INFO level). Called by the thread that calls ze_kest_Debug_Init, not real-time
- * safe. */
+/* Takes the debug layer down: closes the log file, ends the command thread and the test
+ * threads, and removes the shared settings. Waits until the command thread has read one more line from the
+ * pipe. Returns ZE_KEST_OK, also when the layer is not up (reported at INFO level). Called by the thread that
+ * calls ze_kest_Debug_Init, not real-time safe. */
 ZE_KEST_API uint32_t ze_kest_Debug_DeInit(void);
 
 /* Writes one message to the console and to the log file, as far as they are switched on. Writes nothing
- * before ze_kest_Debug_Init and after ze_kest_Debug_DeInit. u32Level: a level of result.h; it chooses the
- * prefix in the file (PRINT has none) and does not filter. pszFormat: printf-like; the message ends in "\n".
+ * before ze_kest_Debug_Init and after ze_kest_Debug_DeInit, nor for a thread that a command has narrowed the
+ * log down from. u32Level: a level of result.h; it chooses the prefix in the file (PRINT has none) and does
+ * not filter. pszFormat: printf-like; the message ends in "\n".
  * Any thread; takes a lock and writes a file, so not real-time safe. */
 ZE_KEST_API void ze_kest_Debug_Log(unsigned int u32Level, const char *pszFormat, ...) ZE_KEST_PRINTF(2, 3);
 

@@ -68,6 +68,14 @@ bool WaitFor(const std::function<bool()> &condition) {
   return true;
 }
 
+int ThreadsNamed(const std::string &name) {
+  int s32Count = 0;
+  for (const auto &task : std::filesystem::directory_iterator("/proc/self/task")) {
+    if (ReadFile(task.path() / "comm") == name + "\n") ++s32Count;
+  }
+  return s32Count;
+}
+
 std::string ReadFile(const std::string &path) {
   std::ifstream file(path, std::ios::binary);
   return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};

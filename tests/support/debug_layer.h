@@ -30,6 +30,9 @@ void WriteToPipe(const std::string &bytes);
 // Waits until the condition holds; false when it does not within a generous time.
 bool WaitFor(const std::function<bool()> &condition);
 
+// The threads of this process that bear the name.
+int ThreadsNamed(const std::string &name);
+
 std::string ReadFile(const std::string &path);
 void WriteFile(const std::string &path, const std::string &contents);
 

@@ -10,7 +10,7 @@
 
 #include "ze_kest/debug.h"
 
-#include "debug/control/command_thread.h"
+#include "debug/control/create_thread.h"
 #include "debug/control/debug_mutex.h"
 #include "debug/control/shared_settings.h"
 #include "tests/support/debug_layer.h"
@@ -18,19 +18,7 @@
 
 using kest::test::DebugLayer;
 using kest::test::ReportCapture;
-
-namespace {
-
-// The threads of this process that bear the name.
-int ThreadsNamed(const std::string &name) {
-  int s32Count = 0;
-  for (const auto &task : std::filesystem::directory_iterator("/proc/self/task")) {
-    if (kest::test::ReadFile(task.path() / "comm") == name + "\n") ++s32Count;
-  }
-  return s32Count;
-}
-
-}  // namespace
+using kest::test::ThreadsNamed;
 
 TEST(StartUp, TheFirstProcessSetsTheLevelToPrintAndOpensThePipe) {
   const DebugLayer layer;
@@ -108,7 +96,8 @@ TEST(StartUp, CommandsOfOtherThreadsGoOnThroughShutDownsAndStarts) {
   std::atomic<bool> bDone{false};
   std::vector<std::thread> threads;
   for (const char *pszLine :
-       {"kest_log_level=all", "kest_debug_preset_cmd=all,x", "kest_print_current_shm", "kest_log_restart"}) {
+       {"kest_log_level=all", "kest_debug_preset_cmd=all,x", "kest_print_current_shm", "kest_log_restart",
+        "kest_debug_watch=create_test", "kest_debug_watch_tid=1", "kest_debug_watch_current_tids=off"}) {
     threads.emplace_back([&bDone, pszLine] {
       while (!bDone)
         ze_kest_Debug_SetParameter(pszLine);

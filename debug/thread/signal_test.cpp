@@ -1,0 +1,98 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "debug/thread/signal_test.h"
+
+#include "ze_kest/utility.h"
+
+#include "debug/thread/monotonic_condition.h"
+
+namespace kest {
+namespace {
+
+constexpr const char *kMonitor = "_ZE_KEST_Debug_PthreadSignalTestMonitor";
+constexpr uint64_t kLongestWaitUs = 5000000;
+
+pthread_mutex_t _stKestDebugPthreadSignalTestMutex = PTHREAD_MUTEX_INITIALIZER;
+pthread_cond_t _stKestDebugPthreadSignalTestCond;
+pthread_once_t g_once = PTHREAD_ONCE_INIT;
+uint8_t g_bRun = 0;
+
+bool IsAlive() {
+  return IsRunning(_stKestDebugPthreadSignalTest);
+}
+
+void InitialiseOnce() {
+  InitialiseMonotonicCondition("_ZE_KEST_Debug_PthreadSignalTestInit", &_stKestDebugPthreadSignalTestCond);
+}
+
+void SignalCondition(const char *pszCaller) {
+  KEST_THREAD_CALL_AS(pszCaller, pthread_cond_signal(&_stKestDebugPthreadSignalTestCond));
+}
+
+// With the mutex held, so that a "run" is not lost between the test of its flag and the wait. A stop that
+// came before is not waited for either.
+void WaitUnlessRun() {
+  struct timespec outtime;
+  ze_kest_Utility_MicrosecondToTimespec(&outtime, kLongestWaitUs);
+  if (Load(g_bRun) != 0 || !IsAlive()) return;
+  KEST_PRINT_AS(kMonitor, "Pthread signal: wait\n");
+  KEST_THREAD_CALL_AS(kMonitor, pthread_cond_timedwait(&_stKestDebugPthreadSignalTestCond,
+                                                       &_stKestDebugPthreadSignalTestMutex, &outtime));
+  KEST_PRINT_AS(kMonitor, "Pthread signal: continue\n");
+}
+
+void RunOnce() {
+  KEST_THREAD_CALL_AS(kMonitor, pthread_mutex_lock(&_stKestDebugPthreadSignalTestMutex));
+  WaitUnlessRun();
+  KEST_PRINT_AS(kMonitor, "Pthread Signal Test: running\n");
+  KEST_THREAD_CALL_AS(kMonitor, pthread_mutex_unlock(&_stKestDebugPthreadSignalTestMutex));
+}
+
+void *_ZE_KEST_Debug_PthreadSignalTestMonitor(void * /*pvUnused*/) {
+  if (IsAlive()) {
+    KEST_PRINT("Pthread signal: start\n");
+    do {
+      RunOnce();
+    } while (IsAlive());
+  }
+  KEST_PRINT("Pthread Signal Test: end\n");
+  return nullptr;
+}
+
+KEST_DEFINE_THREAD_ATTRIBUTES(SetAttributes, DestroyAttributes,
+                              _stKestDebugPthreadSignalTestMonitorThreadAttr,
+                              _stKestDebugPthreadSignalTestMonitorSched, RR)
+
+}  // namespace
+
+DebugThread _stKestDebugPthreadSignalTest = {"KestSignalTest", _ZE_KEST_Debug_PthreadSignalTestMonitor,
+                                             &_stKestDebugPthreadSignalTestMonitorThreadAttr, SetAttributes,
+                                             DestroyAttributes};
+
+void ResetSignalTest() {
+  pthread_once(&g_once, InitialiseOnce);
+  Store(_stKestDebugPthreadSignalTest.bRunning, uint8_t{0});
+  Store(g_bRun, uint8_t{0});
+}
+
+void LetSignalTestRun(const char *pszCaller) {
+  KEST_THREAD_CALL_AS(pszCaller, pthread_mutex_lock(&_stKestDebugPthreadSignalTestMutex));
+  Store(g_bRun, uint8_t{1});
+  SignalCondition(pszCaller);
+  KEST_THREAD_CALL_AS(pszCaller, pthread_mutex_unlock(&_stKestDebugPthreadSignalTestMutex));
+}
+
+// Without the mutex, which a thread that runs without a pause hardly ever leaves to others.
+void LetSignalTestWait() {
+  Store(g_bRun, uint8_t{0});
+}
+
+void StopSignalTest() {
+  constexpr const char *kFunction = "_ZE_KEST_Debug_DestroyThread";
+  // Before the mutex is asked for, so that a thread that runs without a pause lets go of it.
+  Store(_stKestDebugPthreadSignalTest.bRunning, uint8_t{0});
+  KEST_THREAD_CALL_AS(kFunction, pthread_mutex_lock(&_stKestDebugPthreadSignalTestMutex));
+  SignalCondition(kFunction);
+  KEST_THREAD_CALL_AS(kFunction, pthread_mutex_unlock(&_stKestDebugPthreadSignalTestMutex));
+}
+
+}  // namespace kest

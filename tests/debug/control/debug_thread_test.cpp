@@ -1,0 +1,49 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "debug/control/debug_thread.h"
+
+#include <atomic>
+
+#include <gtest/gtest.h>
+
+#include "tests/support/debug_layer.h"
+#include "tests/support/report_capture.h"
+
+namespace kest::test {
+namespace {
+
+KEST_DEFINE_THREAD_ATTRIBUTES(SetAttributes, DestroyAttributes, g_stAttributes, g_stSched, OTHER)
+
+std::atomic<int> g_s32Started{0};
+
+void *EndByItself(void *pv);
+DebugThread g_stThread = {"KestTestBody", EndByItself, &g_stAttributes, SetAttributes, DestroyAttributes};
+
+void *EndByItself(void *pv) {
+  ++g_s32Started;
+  Store(g_stThread.bRunning, uint8_t{0});
+  return pv;
+}
+
+}  // namespace
+
+// The thread sanitizer tells when one is not.
+TEST(DebugThread, OneThatHasEndedByItselfIsWaitedForByTheNextCreationOrItsDestruction) {
+  DestroyDebugThread(g_stThread);  // never created
+  for (int i = 1; i <= 3; ++i) {
+    EXPECT_EQ(ZE_KEST_OK, CreateDebugThread(g_stThread));
+    EXPECT_TRUE(WaitFor([] { return !IsRunning(g_stThread); }));
+    EXPECT_EQ(i, g_s32Started);
+  }
+  DestroyDebugThread(g_stThread);
+}
+
+// Time-sharing threads have no priorities.
+TEST(DebugThread, ARefusedAttributeIsQuotedAndTheThreadCreatedAllTheSame) {
+  const ReportCapture capture;
+  EXPECT_EQ(ZE_KEST_OK, CreateDebugThread(g_stThread));
+  DestroyDebugThread(g_stThread);
+  EXPECT_TRUE(capture.Has(
+      "<WRN>", "pthread_attr_setschedparam(&g_stAttributes, &g_stSched) error:22,Invalid argument \n"));
+}
+
+}  // namespace kest::test

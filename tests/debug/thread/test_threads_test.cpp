@@ -1,0 +1,200 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "debug/thread/test_threads.h"
+
+#include <algorithm>
+#include <thread>
+
+#include <gtest/gtest.h>
+
+#include "ze_kest/debug.h"
+
+#include "debug/control/create_thread.h"
+#include "debug/thread/signal_test.h"
+#include "debug/thread/thread_commands.h"
+#include "debug/thread/tid_test.h"
+#include "tests/support/debug_layer.h"
+#include "tests/support/report_capture.h"
+
+namespace kest::test {
+namespace {
+
+using Texts = std::vector<std::string>;
+
+constexpr const char *kCreateTidTest = "kest_debug_watch=create_test";
+constexpr const char *kCreateSignalTest = "kest_pthread_signal=create_test";
+
+void Command(const std::string &line) {
+  EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_SetParameter(line.c_str())) << line;
+}
+
+bool MayRunRoundRobin() {
+  pthread_attr_t stAttributes;
+  struct sched_param stSched = {};
+  stSched.sched_priority = 40;
+  pthread_attr_init(&stAttributes);
+  pthread_attr_setinheritsched(&stAttributes, PTHREAD_EXPLICIT_SCHED);
+  pthread_attr_setschedpolicy(&stAttributes, SCHED_RR);
+  pthread_attr_setschedparam(&stAttributes, &stSched);
+  pthread_t stThread;
+  const auto pfnNothing = [](void *pv) { return pv; };
+  const bool bMay = pthread_create(&stThread, &stAttributes, pfnNothing, nullptr) == 0;
+  if (bMay) pthread_join(stThread, nullptr);
+  pthread_attr_destroy(&stAttributes);
+  return bMay;
+}
+
+// A test thread, started by its command. Where the process has no right to run it round robin its body runs
+// on a plain thread instead. It is ended with this object, or with the debug layer before.
+class TestThread {
+ public:
+  TestThread(const char *pszCommand, DebugThread &thread) {
+    if (MayRunRoundRobin()) {
+      Command(pszCommand);
+      return;
+    }
+    Store(thread.bRunning, uint8_t{1});
+    Command(pszCommand);  // it counts as running, so this does nothing
+    plain_ = std::thread(thread.pfnBody, nullptr);
+  }
+  ~TestThread() {
+    EndTestThreads();
+    if (plain_.joinable()) plain_.join();
+  }
+  TestThread(const TestThread &) = delete;
+  TestThread &operator=(const TestThread &) = delete;
+
+ private:
+  std::thread plain_;
+};
+
+long Count(const ReportCapture &capture, const std::string &text) {
+  const Texts prints = capture.Texts("<PRINT>");
+  return std::count(prints.begin(), prints.end(), text);
+}
+
+void WaitForCount(const ReportCapture &capture, const std::string &text, long s32Count) {
+  EXPECT_TRUE(WaitFor([&] { return Count(capture, text) >= s32Count; })) << text;
+}
+
+}  // namespace
+
+TEST(TestThreads, AreCreatedOnceWhereTheProcessMayRunThemAndReportedElsewhere) {
+  const DebugLayer layer;
+  const ReportCapture capture;
+  const bool bMay = MayRunRoundRobin();
+  for (const unsigned int u32Kind : {kTidTestThread, kSignalTestThread}) {
+    for (int i = 0; i < 2; ++i)
+      EXPECT_EQ(bMay ? ZE_KEST_OK : ZE_KEST_FAILED, _ZE_KEST_Debug_CreateThread(u32Kind));
+  }
+  EXPECT_EQ(bMay ? 1 : 0, ThreadsNamed("KestTidTest"));
+  EXPECT_EQ(bMay ? 1 : 0, ThreadsNamed("KestSignalTest"));
+  const Texts errors = capture.Texts("<ERR>");
+  EXPECT_EQ(bMay ? 0 : 4, std::count(errors.begin(), errors.end(), "Err! pthread_create failed!\n"));
+}
+
+TEST(TestThreads, EndWithTheDebugLayerAndStartAnewWithTheNext) {
+  for (int i = 0; i < 3; ++i) {
+    const DebugLayer layer;
+    Store(s32KestDebugTidTestDelayMs, INT32_MAX);
+    const ReportCapture capture;
+    const TestThread tidTest(kCreateTidTest, _stKestDebugTidTest);
+    const TestThread signalTest(kCreateSignalTest, _stKestDebugPthreadSignalTest);
+    WaitForCount(capture, "Pthread signal: wait\n", 1);  // a "run" of the layer before is forgotten
+    if (i == 1) Command("kest_pthread_signal_test=run");
+    EXPECT_EQ(ZE_KEST_OK, ShutDown());
+    WaitForCount(capture, "Pthread Signal Test: end\n", 1);
+    EXPECT_EQ(0, ThreadsNamed("KestTidTest") + ThreadsNamed("KestSignalTest"));
+  }
+}
+
+TEST(TestThreads, AreRefusedWhileTheLayerIsDown) {
+  { const DebugLayer layer; }
+  const ReportCapture capture;
+  EXPECT_EQ(ZE_KEST_NOT_INITIALISED, _ZE_KEST_Debug_Cmd_WatchTid(kCreateTidTest));
+  EXPECT_EQ(ZE_KEST_NOT_INITIALISED, _ZE_KEST_Debug_Cmd_PthreadSignal(kCreateSignalTest));
+  EXPECT_EQ((Texts{"kest_debug_watch_tid=create_test\n", "echo kest_pthread_signal=create_test\n"}),
+            capture.Texts("<PRINT>"));
+}
+
+TEST(TidTest, LogsAtIntervalsFromItsOwnThreadWhichCanBeWatched) {
+  const DebugLayer layer;
+  EXPECT_EQ(5000, s32KestDebugTidTestDelayMs);
+  Store(s32KestDebugTidTestDelayMs, 1);
+  const ReportCapture capture;
+  const TestThread test(kCreateTidTest, _stKestDebugTidTest);
+  const auto findTid = [&capture] {
+    int s32Tid = 0;
+    for (const std::string &text : capture.Texts("<PRINT>"))
+      if (sscanf(text.c_str(), "[TidTest] tid:%d\n", &s32Tid) == 1) break;
+    return s32Tid;
+  };
+  ASSERT_TRUE(WaitFor([&] { return findTid() != 0; }));
+  EXPECT_EQ(MayRunRoundRobin() ? SCHED_RR : SCHED_OTHER, sched_getscheduler(findTid()));
+  const std::string tid = std::to_string(findTid());
+  const auto waitForLines = [&](long s32Lines) {
+    const std::string line = "[TidTest] tid:" + tid + "\n";
+    WaitForCount(capture, line, Count(capture, line) + s32Lines);
+  };
+  // Whether its next lines reach the file; a line that was under way is let pass.
+  const auto reachesTheFile = [&] {
+    waitForLines(2);
+    const size_t sztBefore = ReadFile(kLogFile).size();
+    waitForLines(3);
+    return ReadFile(kLogFile).size() > sztBefore;
+  };
+  Command("kest_debug_watch_tid=" + tid);
+  EXPECT_TRUE(reachesTheFile());
+  Command("kest_debug_watch_tid=1");
+  EXPECT_FALSE(reachesTheFile());
+}
+
+TEST(PthreadSignalTest, WaitsUntilItMayRunAndRunsUntilItShallWait) {
+  const DebugLayer layer;
+  const ReportCapture capture;
+  {
+    const TestThread test(kCreateSignalTest, _stKestDebugPthreadSignalTest);
+    WaitForCount(capture, "Pthread signal: wait\n", 1);
+    Command("kest_pthread_signal_test=run");
+    WaitForCount(capture, "Pthread Signal Test: running\n", 3);
+    Command("kest_pthread_signal_test=wait");
+    WaitForCount(capture, "Pthread signal: wait\n", 2);
+  }
+  Texts prints;
+  for (const Report &report : capture.Reports()) {
+    if (report.function == "_ZE_KEST_Debug_PthreadSignalTestMonitor") prints.push_back(report.text);
+  }
+  ASSERT_LT(8u, prints.size());
+  EXPECT_EQ((Texts{"Pthread signal: start\n", "Pthread signal: wait\n", "Pthread signal: continue\n",
+                   "Pthread Signal Test: running\n", "Pthread Signal Test: running\n"}),
+            Texts(prints.begin(), prints.begin() + 5));
+  EXPECT_EQ((Texts{"Pthread signal: wait\n", "Pthread signal: continue\n", "Pthread Signal Test: running\n",
+                   "Pthread Signal Test: end\n"}),
+            Texts(prints.end() - 4, prints.end()));
+  EXPECT_EQ(Texts{}, capture.Texts("<WRN>"));
+}
+
+TEST(PthreadSignalTest, AWaitEndsByItselfButNotAtOnce) {
+  const DebugLayer layer;
+  const ReportCapture capture;
+  const TestThread test(kCreateSignalTest, _stKestDebugPthreadSignalTest);
+  WaitForCount(capture, "Pthread signal: wait\n", 2);
+  // Against a deadline of another clock it would have made a great many rounds by now.
+  EXPECT_EQ(2, Count(capture, "Pthread signal: wait\n"));
+  EXPECT_EQ(1, Count(capture, "Pthread Signal Test: running\n"));
+}
+
+TEST(PthreadSignalTest, TakesItsOwnLinesAloneAndConfirmsThem) {
+  const ReportCapture capture;
+  for (const char *pszLine : {"kest_pthread_signal_test=run", "kest_pthread_signal_test wait"})
+    EXPECT_EQ(ZE_KEST_OK, _ZE_KEST_Debug_Cmd_PthreadSignal(pszLine)) << pszLine;
+  for (const char *pszLine :
+       {"", "kest_pthread_signal", "kest_pthread_signal=run", "kest_pthread_signal_test",
+        "kest_pthread_signal_test=", "kest_pthread_signal_test=runs", "kest_pthread_signal_test=create_test",
+        "kest_pthread_signal=create_test=", "kest_pthread_signal_testx=run"}) {
+    EXPECT_EQ(ZE_KEST_INVALID_ARGUMENT, _ZE_KEST_Debug_Cmd_PthreadSignal(pszLine)) << pszLine;
+  }
+  EXPECT_EQ((Texts{"kest_pthread_signal_test=run\n", "kest_pthread_signal_test=wait\n"}),
+            capture.Texts("<PRINT>"));
+}
+
+}  // namespace kest::test
