@@ -9,6 +9,7 @@
 #include <android/log.h>
 #include <unistd.h>
 
+#include "player/capabilities.h"
 #include "player/debug_session.h"
 #include "player/options.h"
 #include "player/playback.h"
@@ -59,6 +60,7 @@ int Main(int argc, char **argv) {
   const sigset_t endSignals = BlockEndSignals();
   __android_log_set_logger(options.logcat ? LogToStderr : LogNowhere);
   const DebugSession session;
+  AnnounceCapabilities();
   Play(options, endSignals);
   return 0;
 }

@@ -117,8 +117,7 @@ void Playback::BuildDecoder(const Options &options, AudioReader reader, uint32_t
   pipeline->Append(std::move(volume));
 
   links_.push_back(std::make_unique<PipelineLink>(format_, PortCapacity::ForFrames(kLinkFrames)));
-  pipeline->FeedInto(*links_.back());
-  pipelines_.front()->FeedFrom(*links_.back());
+  pipeline->FeedInto(*pipelines_.front(), *links_.back());
   pipelines_.push_back(std::move(pipeline));
 }
 

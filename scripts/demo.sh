@@ -57,7 +57,7 @@ trap stop_player EXIT
 
 say "Playing $audio through Decoder_13 (Lpcm, Volume) and SpeakerOutput (Mixer, Delay, SpeakerOutput) ..."
 log_bytes=$(stat -c %s "${debug_dir}KestLog.txt")
-"$build_dir/kest-player" "$audio" -o "$output" --loop --seconds 8 &
+"$build_dir/kest-player" "$audio" -o "$output" --loop --seconds 12 &
 player=$!
 # Behind what the log held before; the help's empty rows squeezed into one.
 tail -c +$((log_bytes + 1)) -f --pid="$player" "${debug_dir}KestLog.txt" | cat -s &
@@ -67,6 +67,13 @@ sleep 0.5
 command_to_pipe help
 command_to_pipe kest_log_level=info
 command_to_pipe ascii_color
+command_to_pipe kest_log_level=none
+command_to_pipe kest_debug_list=print
+command_to_pipe kest_debug_list=parameter
+command_to_pipe kest_debug_set_parameter=Decoder_13,Volume,Gain,-6,4
+command_to_pipe kest_debug_list=status
+command_to_pipe kest_debug_send_cmd_by_text=Decoder_13,Volume,state
+command_to_pipe kest_log_level=info
 command_to_pipe kest_debug_preset_cmd=all,adc_filter=dump_pcm
 command_to_pipe kest_print_current_shm
 command_to_pipe kest_debug_preset_cmd=off

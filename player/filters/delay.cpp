@@ -5,10 +5,22 @@
 
 #include "ze_kest/utility.h"
 
+#include "player/framework/parameter_rows.h"
+
 namespace kest::player {
+namespace {
+
+constexpr Parameter kParameters[] = {
+    Settable<uint32_t, &Delay::DelayMs, &Delay::SetDelayMs>("DelayTime", "of PCM, ms, 0 to 1000"),
+    Fixed<uint32_t{0}>("RawDelayTime", "of compressed data, which it has none of"),
+};
+
+}  // namespace
+
+const FilterKind Delay::kKind = {"Delay", kParameters, {}};
 
 Delay::Delay(const PcmFormat &format)
-    : Filter("Delay", format), line_(format, MsToFrames(kMaxDelayMs) + kCycleFrames) {}
+    : Filter(kKind, format), line_(format, MsToFrames(kMaxDelayMs) + kCycleFrames) {}
 
 void Delay::SetDelayMs(uint32_t delayMs) {
   delayMs_ = std::min(delayMs, kMaxDelayMs);

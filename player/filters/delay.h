@@ -13,6 +13,8 @@ class Delay : public Filter {
  public:
   static constexpr uint32_t kMaxDelayMs = 1000;
 
+  static const FilterKind kKind;
+
   explicit Delay(const PcmFormat &format);
 
   // From any thread; in force from the next cycle: a longer delay inserts silence, a shorter one drops what

@@ -3,10 +3,37 @@
 
 #include "ze_kest/utility.h"
 
+#include "player/framework/parameter_rows.h"
+
 namespace kest::player {
+namespace {
+
+// Volumes of the metadata: bit 10 mute, bits 9 to 3 whole decibels, bits 2 to 0 eighths; 0x60 stands for 0
+// dB.
+constexpr uint32_t kUnityVolume = 0x60;
+constexpr uint32_t kNoVolume = 0x400 | kUnityVolume;
+constexpr uint32_t kLineMode = 0;
+constexpr uint32_t kPlainStereo = 1;
+constexpr uint32_t kOtherSignal = 3;
+
+// Behind the counts: what other decoders do to the sound, and this one does not.
+constexpr Parameter kParameters[] = {
+    ReadOnly<uint32_t, &Lpcm::BlocksDecoded>("OkFrmCnt", "blocks of 256 frames decoded"),
+    Fixed<uint32_t{0}>("ErrFrmCnt", "damaged blocks; none, since one ends the run"),
+    Fixed<kUnityVolume>("MdVol", "volume of the main programme"),
+    Fixed<kNoVolume>("AdVol", "volume of an associated programme"),
+    Fixed<kLineMode>("DrcMode", "0 line, 1 RF"),
+    Fixed<kPlainStereo>("DmxMode", "0 LtRt, 1 LoRo, 3 Arib"),
+    Fixed<uint32_t{0}>("DolbyTb11Enable", "1 is on"),
+    Fixed<kOtherSignal>("RfSignalType", "0 Dvb, 1 Atsc, 2 Dtmb, 3 others"),
+};
+
+}  // namespace
+
+const FilterKind Lpcm::kKind = {"Lpcm", kParameters, {}};
 
 Lpcm::Lpcm(const PcmFormat &format, AudioReader reader, uint32_t source, bool loop)
-    : Filter("Lpcm", format), reader_(std::move(reader)), loop_(loop) {
+    : Filter(kKind, format), reader_(std::move(reader)), loop_(loop) {
   Record().pszConfig = "InputSource=MM";
   block_.source = source;
   block_.payloadLength = kMetadataPayloadBytes;
@@ -54,6 +81,7 @@ void Lpcm::WriteMetadata(uint32_t frames) {
         reinterpret_cast<const uint8_t *>(&block_), kMetadataBlockBytes, 0, 0, kMetadataBlockBytes);
     ze_kest_Utility_UpdateAllOutputPortMetadataWriteSize(&Record(), kMetadataBlockBytes);
     ++block_.number;
+    ++blocksDecoded_;
     block_.framePosition += ZE_KEST_METADATA_SAMPLES;
   }
 }

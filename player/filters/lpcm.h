@@ -2,6 +2,8 @@
 // The decoder of the player: reads an audio file and makes its metadata.
 #pragma once
 
+#include <atomic>
+
 #include "player/audio_reader.h"
 #include "player/framework/filter.h"
 #include "player/framework/metadata_block.h"
@@ -10,8 +12,13 @@ namespace kest::player {
 
 class Lpcm : public Filter {
  public:
+  static const FilterKind kKind;
+
   // source: number of the input, which marks its metadata; loop: begin anew at the end of the file.
   Lpcm(const PcmFormat &format, AudioReader reader, uint32_t source, bool loop);
+
+  // Complete blocks of ZE_KEST_METADATA_SAMPLES frames so far. From any thread.
+  [[nodiscard]] uint32_t BlocksDecoded() const { return blocksDecoded_; }
 
  protected:
   void Process() override;
@@ -28,6 +35,7 @@ class Lpcm : public Filter {
   bool atEnd_ = false;
   uint64_t framesSinceStart_ = 0;  // of the file
   uint32_t framesOfBlock_ = 0;     // produced for the block that is not complete yet
+  std::atomic<uint32_t> blocksDecoded_{0};
   MetadataBlock block_{};
   FrameBuffer buffer_;
 };

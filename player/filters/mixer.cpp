@@ -9,6 +9,8 @@
 
 namespace kest::player {
 
+const FilterKind Mixer::kKind = {"Mixer", {}, {}};
+
 void Mixer::Process() {
   const uint32_t frames = FramesToProcess();
   if (frames == 0) return;

@@ -10,7 +10,9 @@ namespace kest::player {
 
 class Mixer : public Filter {
  public:
-  explicit Mixer(const PcmFormat &format) : Filter("Mixer", format) {}
+  static const FilterKind kKind;
+
+  explicit Mixer(const PcmFormat &format) : Filter(kKind, format) {}
 
  protected:
   void Process() override;

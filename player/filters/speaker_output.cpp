@@ -7,8 +7,10 @@
 
 namespace kest::player {
 
+const FilterKind SpeakerOutput::kKind = {"SpeakerOutput", {}, {}};
+
 SpeakerOutput::SpeakerOutput(const PcmFormat &format, AudioWriter writer, uint64_t frameLimit, bool realTime)
-    : Filter("SpeakerOutput", format), writer_(std::move(writer)), frameLimit_(frameLimit) {
+    : Filter(kKind, format), writer_(std::move(writer)), frameLimit_(frameLimit) {
   if (realTime) clock_.emplace(format.sampleRate);
 }
 

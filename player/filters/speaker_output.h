@@ -14,6 +14,7 @@ namespace kest::player {
 
 class SpeakerOutput : public Filter {
  public:
+  static const FilterKind kKind;
   static constexpr uint64_t kNoLimit = UINT64_MAX;
 
   // frameLimit: frames after which the output ends.

@@ -5,6 +5,7 @@
 
 #include "ze_kest/utility.h"
 
+#include "player/framework/parameter_rows.h"
 #include "player/framework/saturate.h"
 
 namespace kest::player {
@@ -30,7 +31,20 @@ void Amplify(const Sample *source, Sample *target, uint32_t frames, uint32_t gai
   }
 }
 
+template <bool kMute>
+void SwitchMute(Filter &filter) {
+  static_cast<Volume &>(filter).SetMute(kMute);
+}
+
+constexpr Parameter kParameters[] = {
+    Settable<int32_t, &Volume::GainDb, &Volume::SetGainDb>("Gain", "dB, -144 to 53"),
+    Settable<uint32_t, &Volume::Mute, &Volume::SetMute>("Mute", "1 is silence"),
+};
+constexpr FilterCommand kCommands[] = {{"mute=on", SwitchMute<true>}, {"mute=off", SwitchMute<false>}};
+
 }  // namespace
+
+const FilterKind Volume::kKind = {"Volume", kParameters, kCommands};
 
 void Volume::SetGainDb(int gainDb) {
   gainDb_ = std::clamp(gainDb, kMinGainDb, kMaxGainDb);

@@ -14,7 +14,9 @@ class Volume : public Filter {
   static constexpr int kMinGainDb = -144;
   static constexpr int kMaxGainDb = 53;
 
-  explicit Volume(const PcmFormat &format) : Filter("Volume", format) {}
+  static const FilterKind kKind;
+
+  explicit Volume(const PcmFormat &format) : Filter(kKind, format) {}
 
   // From any thread; in force from the next cycle. Gains outside the limits become the nearest limit.
   void SetGainDb(int gainDb);

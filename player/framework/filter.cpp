@@ -5,6 +5,7 @@
 
 #include "ze_kest/utility.h"
 
+#include "player/framework/filter_entries.h"
 #include "player/framework/metadata_block.h"
 
 namespace kest::player {
@@ -25,8 +26,11 @@ uint32_t WriteAllOutputs(const ZE_KEST_Filter_s *pstFilter, uint32_t frames, int
 
 }  // namespace
 
-Filter::Filter(const char *name, const PcmFormat &format) : format_(format) {
-  ze_kest_Utility_Strncpy(record_.szName, name, sizeof(record_.szName) - 1);
+Filter::Filter(const FilterKind &kind, const PcmFormat &format) : kind_(kind), format_(format) {
+  ze_kest_Utility_Strncpy(record_.szName, kind.name, sizeof(record_.szName) - 1);
+  record_.filter = this;
+  record_.pfnGetParameter = GetFilterParameter;
+  record_.pfnSetParameter = SetFilterParameter;
   record_.sztMaxInPcmProcessSize = kCycleFrames;
   record_.sztMaxOutPcmProcessSize = kCycleFrames;
 }

@@ -6,6 +6,8 @@
 
 #include "ze_kest/model.h"
 
+#include "player/framework/filter_kind.h"
+#include "player/framework/filter_record.h"
 #include "player/framework/frame_buffer.h"
 #include "player/framework/pcm_format.h"
 #include "player/framework/port_storage.h"
@@ -14,11 +16,12 @@ namespace kest::player {
 
 class Filter {
  public:
-  Filter(const char *name, const PcmFormat &format);
+  Filter(const FilterKind &kind, const PcmFormat &format);
   virtual ~Filter() = default;
   Filter(const Filter &) = delete;
   Filter &operator=(const Filter &) = delete;
 
+  [[nodiscard]] const FilterKind &Kind() const { return kind_; }
   [[nodiscard]] ZE_KEST_Filter_s &Record() { return record_; }
   [[nodiscard]] const ZE_KEST_Filter_s &Record() const { return record_; }
   // What its input ports must hold.
@@ -68,8 +71,9 @@ class Filter {
   void CountOverruns();
   [[nodiscard]] uint32_t MetadataBytesToForward() const;
 
+  const FilterKind &kind_;
   PcmFormat format_;
-  ZE_KEST_Filter_s record_{};
+  FilterRecord record_{};
   std::vector<PortStorage *> inputs_;
   std::vector<PortStorage *> outputs_;
   uint32_t metadataRemainder_ = 0;  // frames whose metadata has not been forwarded

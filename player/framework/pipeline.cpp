@@ -8,6 +8,7 @@
 #include "ze_kest/utility.h"
 
 #include "player/framework/published.h"
+#include "player/framework/registration.h"
 
 namespace kest::player {
 namespace {
@@ -44,10 +45,12 @@ void Pipeline::FeedFrom(PipelineLink &link) {
   inputs_.push_back({&link, &port, false});
 }
 
-void Pipeline::FeedInto(PipelineLink &link) {
+void Pipeline::FeedInto(Pipeline &fed, PipelineLink &link) {
   PortStorage &port = AddPort(PortCapacity::ForFrames(kCycleFrames));
   filters_.back()->ConnectOutput(port);
   outputs_.push_back({&link, &port, false});
+  fedPipelines_.emplace_back(fed.record_.szName);
+  fed.FeedFrom(link);
 }
 
 PortStorage &Pipeline::AddPort(PortCapacity capacity) {
@@ -60,6 +63,7 @@ void Pipeline::Start() {
     filter->AnnounceFormat();
   }
   thread_ = std::thread([this] { Run(); });
+  registered_.get_future().wait();
 }
 
 void Pipeline::RequestStop() {
@@ -79,6 +83,14 @@ void Pipeline::Join() {
 
 void Pipeline::Run() {
   pthread_setname_np(pthread_self(), std::string(record_.szName).substr(0, 15).c_str());
+  RunRegistered();
+  ended_ = true;
+}
+
+// The filters outlive the registration, whatever ends the run.
+void Pipeline::RunRegistered() {
+  const Registration registration(record_, filters_, fedPipelines_);
+  registered_.set_value();
   SetState(kRun);
   try {
     RunCycles();
@@ -90,7 +102,6 @@ void Pipeline::Run() {
   }
   SetState(kStop);
   LeaveLinks();
-  ended_ = true;
 }
 
 // The first cycle fills an empty chain: there is no time by which its data should have come.

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <atomic>
+#include <future>
 #include <memory>
 #include <string>
 #include <thread>
@@ -21,11 +22,11 @@ class Pipeline {
   Pipeline(const Pipeline &) = delete;
   Pipeline &operator=(const Pipeline &) = delete;
 
-  // Sets the chain up, before Start. The first filter is fed by the links, the last one feeds the others.
+  // Sets the chain up, before Start. The last filter feeds the first one of the other pipeline.
   void Append(std::unique_ptr<Filter> filter);
-  void FeedFrom(PipelineLink &link);
-  void FeedInto(PipelineLink &link);
+  void FeedInto(Pipeline &fed, PipelineLink &link);
 
+  // Returns when the library knows the pipeline, so that the lists have the order of the starts.
   void Start();
   // Ends the run after the current cycle; what is under way is dropped. From any thread.
   void RequestStop();
@@ -41,7 +42,9 @@ class Pipeline {
   };
 
   PortStorage &AddPort(PortCapacity capacity);
+  void FeedFrom(PipelineLink &link);
   void Run();
+  void RunRegistered();
   void RunCycles();
   bool CollectInputs(PipelineLink::Patience patience);
   bool Collect(LinkedPort &input, PipelineLink::Patience patience);
@@ -57,6 +60,8 @@ class Pipeline {
   std::vector<std::unique_ptr<Filter>> filters_;
   std::vector<LinkedPort> inputs_;
   std::vector<LinkedPort> outputs_;
+  std::vector<std::string> fedPipelines_;
+  std::promise<void> registered_;
   std::thread thread_;
   std::atomic<bool> stopRequested_{false};
   std::atomic<bool> ended_{false};

@@ -9,4 +9,10 @@ void Publish(T &field, T value) {
   __atomic_store_n(&field, value, __ATOMIC_RELAXED);
 }
 
+// The reading side, for other threads than the writer's.
+template <typename T>
+T Published(const T &field) {
+  return __atomic_load_n(&field, __ATOMIC_RELAXED);
+}
+
 }  // namespace kest::player

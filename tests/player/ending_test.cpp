@@ -4,7 +4,6 @@
 
 #include <fcntl.h>
 #include <gmock/gmock.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include "tests/player/audio_data.h"
@@ -14,16 +13,11 @@
 namespace kest::test {
 namespace {
 
-bool HasBytes(const std::string &path, off_t bytes) {
-  struct stat status {};
-  return stat(path.c_str(), &status) == 0 && status.st_size > bytes;
-}
-
 class PlayerEnding : public PlayerTest, public testing::WithParamInterface<int> {};
 
 TEST_P(PlayerEnding, ASignalEndsARealTimeRunWithAReadableFile) {
   PlayerProcess player({kRecording, "-o", out_, "--loop"});
-  ASSERT_TRUE(WaitWhilePlaying(player, [this] { return HasBytes(out_, 10000); })) << player.Wait().err;
+  ASSERT_TRUE(PlayOn(player, 10000)) << player.Wait().err;
   player.Signal(GetParam());
   const PlayerResult result = player.Wait();
   EXPECT_EQ(0, result.exitCode) << result.err;
@@ -45,7 +39,7 @@ using PlayerOnASharedPipe = PlayerTest;
 TEST_F(PlayerOnASharedPipe, EndsAlsoWhenAnotherReaderTakesItsLines) {
   constexpr const char *kPipe = KEST_DEBUG_DIR "D";
   PlayerProcess player({kRecording, "-o", out_, "--loop"});
-  ASSERT_TRUE(WaitWhilePlaying(player, [this] { return HasBytes(out_, 0) && access(kPipe, F_OK) == 0; }));
+  ASSERT_TRUE(WaitWhilePlaying(player, [this] { return OutputSize() > 0 && access(kPipe, F_OK) == 0; }));
   const int otherReader = open(kPipe, O_RDONLY | O_NONBLOCK);
   ASSERT_GE(otherReader, 0);
   player.Signal(SIGINT);

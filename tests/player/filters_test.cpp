@@ -2,9 +2,15 @@
 // What filters do when they are changed while they run, and when their output is full.
 #include <gtest/gtest.h>
 
+#include "ze_kest/result.h"
+
 #include "player/filters/delay.h"
+#include "player/filters/lpcm.h"
 #include "player/filters/metadata_counter.h"
 #include "player/filters/volume.h"
+#include "player/framework/filter_entries.h"
+#include "tests/player/audio_data.h"
+#include "tests/player/player_test.h"
 #include "tests/player/port_access.h"
 
 namespace kest::player {
@@ -138,6 +144,77 @@ TEST(Filter, CountsAnOutputWithoutRoomAndKeepsItsInput) {
   volume.RunCycle(false);
   EXPECT_EQ(1u, bench.OutputPcm().u64PcmXrunCount);
   EXPECT_EQ(SilenceThenNumbers(0, 1, 4 * kCycle), bench.Run(2, true));
+}
+
+template <typename Value>
+Value Get(Filter &filter, const char *name) {
+  Value value{};
+  ZE_KEST_Filter_s &record = filter.Record();
+  EXPECT_EQ(ZE_KEST_OK, record.pfnGetParameter(&record, name, &value, sizeof(value))) << name;
+  return value;
+}
+
+template <typename Value>
+uint32_t Set(Filter &filter, const char *name, Value value) {
+  ZE_KEST_Filter_s &record = filter.Record();
+  return record.pfnSetParameter(&record, name, &value, sizeof(value));
+}
+
+unsigned int Command(Filter &filter, std::string text) {
+  return RunFilterCommand(&filter.Record(), reinterpret_cast<signed char *>(text.data()));
+}
+
+TEST(FilterEntries, ReadAndWriteWhatTheFilterWorksWith) {
+  Volume volume(kMono);
+  EXPECT_EQ(ZE_KEST_OK, Set(volume, "Gain", int32_t{-6}));
+  EXPECT_EQ(ZE_KEST_OK, Set(volume, "Mute", uint32_t{7}));
+  EXPECT_EQ(-6, volume.GainDb());
+  EXPECT_EQ(-6, Get<int32_t>(volume, "Gain"));
+  EXPECT_EQ(1u, Get<uint32_t>(volume, "Mute"));
+  EXPECT_EQ(ZE_KEST_OK, Command(volume, "mute=off"));
+  EXPECT_FALSE(volume.Mute());
+
+  Delay delay(kMono);
+  EXPECT_EQ(ZE_KEST_OK, Set(delay, "DelayTime", uint32_t{20}));
+  EXPECT_EQ(20u, delay.DelayMs());
+  EXPECT_EQ(20u, Get<uint32_t>(delay, "DelayTime"));
+}
+
+TEST(FilterEntries, RefuseWhatTheFilterDoesNotHaveAndChangeNothing) {
+  Volume volume(kMono);
+  volume.SetGainDb(3);
+  ZE_KEST_Filter_s &record = volume.Record();
+  uint64_t value = 0;
+  for (const uint32_t size : {0u, 2u, 8u}) {
+    EXPECT_EQ(ZE_KEST_INVALID_ARGUMENT, record.pfnGetParameter(&record, "Gain", &value, size));
+    EXPECT_EQ(ZE_KEST_INVALID_ARGUMENT, record.pfnSetParameter(&record, "Gain", &value, size));
+  }
+  EXPECT_EQ(ZE_KEST_INVALID_ARGUMENT, record.pfnGetParameter(&record, "DelayTime", &value, 4));
+  EXPECT_EQ(ZE_KEST_INVALID_ARGUMENT, record.pfnGetParameter(&record, nullptr, &value, 4));
+  EXPECT_EQ(ZE_KEST_INVALID_ARGUMENT, record.pfnGetParameter(&record, "Gain", nullptr, 4));
+  for (const char *text : {"", "mute", "mute=onward", "Gain"}) {
+    EXPECT_EQ(ZE_KEST_INVALID_ARGUMENT, Command(volume, text)) << text;
+  }
+  EXPECT_EQ(3, volume.GainDb());
+  EXPECT_FALSE(volume.Mute());
+
+  Delay delay(kMono);
+  EXPECT_EQ(ZE_KEST_INVALID_ARGUMENT, Set(delay, "RawDelayTime", 20u)) << "it can only be read";
+  EXPECT_EQ(ZE_KEST_INVALID_ARGUMENT, Command(delay, "mute=on"));
+}
+
+using LpcmInAFile = test::PlayerTest;
+
+TEST_F(LpcmInAFile, CountsTheCompleteBlocksThatItHasDecoded) {
+  test::WriteAudio(Path("in.wav"), test::Noise(1, SF_FORMAT_WAV | SF_FORMAT_PCM_32, 1000));
+  Lpcm lpcm(kMono, AudioReader(Path("in.wav")), 1, false);
+  PortStorage out(kMono, PortCapacity::ForFrames(2000));
+  lpcm.ConnectOutput(out);
+  for (const uint32_t blocks : {1u, 2u, 3u, 3u, 3u}) {
+    lpcm.RunCycle(false);
+    EXPECT_EQ(blocks, Get<uint32_t>(lpcm, "OkFrmCnt"));
+  }
+  EXPECT_TRUE(lpcm.Ended());
 }
 
 }  // namespace

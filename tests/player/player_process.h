@@ -23,6 +23,7 @@ class PlayerProcess {
   PlayerProcess(const PlayerProcess &) = delete;
   PlayerProcess &operator=(const PlayerProcess &) = delete;
 
+  [[nodiscard]] pid_t Pid() const { return pid_; }
   void Signal(int number) const;
   [[nodiscard]] bool IsRunning();
   PlayerResult Wait();

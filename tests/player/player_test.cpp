@@ -3,6 +3,8 @@
 
 #include <filesystem>
 
+#include "tests/support/debug_layer.h"
+
 namespace kest::test {
 
 namespace fs = std::filesystem;
@@ -10,7 +12,7 @@ namespace fs = std::filesystem;
 PlayerTest::PlayerTest() {
   fs::remove_all(Path(""));
   fs::create_directories(Path(""));
-  fs::create_directories(KEST_DEBUG_DIR);
+  EmptyDebugDirectory();
 }
 
 PlayerTest::~PlayerTest() {
@@ -21,6 +23,17 @@ PlayerTest::~PlayerTest() {
 std::string PlayerTest::Path(const std::string &name) {
   const fs::path directory = fs::path(KEST_DEBUG_DIR).parent_path().parent_path() / "player-test";
   return (directory / name).string();
+}
+
+uint64_t PlayerTest::OutputSize() const {
+  std::error_code missing;
+  const uintmax_t bytes = fs::file_size(out_, missing);
+  return missing ? 0 : bytes;
+}
+
+bool PlayerTest::PlayOn(PlayerProcess &player, uint64_t bytes) const {
+  const uint64_t wanted = OutputSize() + bytes;
+  return WaitWhilePlaying(player, [&] { return OutputSize() >= wanted; });
 }
 
 }  // namespace kest::test

@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/player/player_process.h"
+
 namespace kest::test {
 
 class PlayerTest : public testing::Test {
@@ -16,6 +18,11 @@ class PlayerTest : public testing::Test {
  protected:
   PlayerTest();
   ~PlayerTest() override;
+
+  // Bytes of the output so far; 0 while there is none.
+  [[nodiscard]] uint64_t OutputSize() const;
+  // Waits until the output has grown by so much; false when the player has ended first.
+  bool PlayOn(PlayerProcess &player, uint64_t bytes) const;
 
   const std::string out_ = Path("out.wav");
 };

@@ -1,0 +1,113 @@
+// SPDX-License-Identifier: Apache-2.0
+// What a playback leaves in the registry of its process, and its end while the registry is in use.
+#include <atomic>
+#include <fstream>
+#include <thread>
+
+#include <android/log.h>
+#include <gtest/gtest.h>
+
+#include "ze_kest/debug.h"
+
+#include "player/playback.h"
+#include "tests/player/audio_data.h"
+#include "tests/player/player_test.h"
+#include "tests/support/debug_layer.h"
+
+namespace kest::player {
+namespace {
+
+constexpr int kFlac = SF_FORMAT_FLAC | SF_FORMAT_PCM_16;
+
+bool Takes(const char *command) {
+  return ze_kest_Debug_SetParameter(command) == ZE_KEST_OK;
+}
+
+bool IsPlaying() {
+  return Takes("kest_debug_send_cmd_by_text=SpeakerOutput,Mixer,state");
+}
+
+// An empty registry has nothing to release.
+bool NothingIsRegistered() {
+  return !Takes("kest_debug_node=release");
+}
+
+class PlaybackRegistration : public test::PlayerTest {
+ protected:
+  PlaybackRegistration() {
+    __android_log_set_logger([](const __android_logger_data *, const char *) {});
+    test::WriteAudio(Path("in.flac"), test::Noise(2, kFlac, 20000));
+  }
+
+  [[nodiscard]] Options Fast(const std::string &input) const {
+    Options options;
+    options.inputs = {Path(input), Path(input)};
+    options.output = out_;
+    options.fast = true;
+    return options;
+  }
+  [[nodiscard]] Options Endless() const {
+    Options options = Fast("in.flac");
+    options.fast = false;
+    options.loop = true;
+    return options;
+  }
+
+ private:
+  test::DebugLayer debugLayer_;
+};
+
+TEST_F(PlaybackRegistration, EndsWithTheRunHoweverThatEnds) {
+  {
+    Playback playback(Fast("in.flac"));
+    EXPECT_TRUE(NothingIsRegistered()) << "before the start";
+    playback.Start();
+    playback.Finish();
+    EXPECT_TRUE(NothingIsRegistered()) << "at the end of the inputs";
+  }
+  {
+    Playback playback(Endless());
+    playback.Start();
+    EXPECT_TRUE(IsPlaying());
+    playback.RequestStop();
+    playback.Finish();
+    EXPECT_TRUE(NothingIsRegistered()) << "stopped";
+  }
+  {
+    Playback playback(Endless());
+    playback.Start();
+    EXPECT_TRUE(IsPlaying());
+  }
+  EXPECT_TRUE(NothingIsRegistered()) << "destroyed while it played";
+
+  std::fstream file(Path("in.flac"), std::ios::in | std::ios::out | std::ios::binary);
+  file.seekp(30000);
+  file << std::string(1000, '\0') << std::flush;
+  Playback playback(Fast("in.flac"));
+  playback.Start();
+  EXPECT_ANY_THROW(playback.Finish());
+  EXPECT_TRUE(NothingIsRegistered()) << "a damaged input";
+}
+
+TEST_F(PlaybackRegistration, FiltersAreCalledUntilTheyGoAndNotAfter) {
+  std::atomic<bool> done{false};
+  std::thread engineer([&] {
+    while (!done) {
+      Takes("kest_debug_list=print");
+      Takes("kest_debug_list=status");
+      Takes("kest_debug_set_parameter=Decoder_13,Volume,Gain,-6,4");
+      Takes("kest_debug_send_cmd=2,state");
+    }
+  });
+  for (int i = 0; i < 50; ++i) {
+    Playback playback(Fast("in.flac"));
+    playback.Start();
+    if (i % 2 == 0) playback.Finish();
+  }
+  done = true;
+  engineer.join();
+  EXPECT_TRUE(NothingIsRegistered());
+}
+
+}  // namespace
+}  // namespace kest::player
