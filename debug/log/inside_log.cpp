@@ -8,10 +8,16 @@ thread_local bool t_bInside = false;
 
 }  // namespace
 
-InsideLog::InsideLog() : bBefore_(t_bInside) { t_bInside = true; }
+InsideLog::InsideLog() : bBefore_(t_bInside) {
+  t_bInside = true;
+}
 
-InsideLog::~InsideLog() { t_bInside = bBefore_; }
+InsideLog::~InsideLog() {
+  t_bInside = bBefore_;
+}
 
-bool InsideLog::IsThisThread() { return t_bInside; }
+bool InsideLog::IsThisThread() {
+  return t_bInside;
+}
 
 }  // namespace kest

@@ -4,8 +4,8 @@
 
 namespace kest {
 
-// While one lives, the thread's reports go to the Android log alone: the library's own log would come back here,
-// to a mutex that the thread may hold and a file that has just failed.
+// While one lives, the thread's reports go to the Android log alone: the library's own log would come back
+// here, to a mutex that the thread may hold and a file that has just failed.
 class InsideLog {
  public:
   InsideLog();
