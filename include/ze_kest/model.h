@@ -22,9 +22,8 @@ extern "C" {
 #define ZE_KEST_PCM_GROUPS 3         /* channel groups of a port */
 #define ZE_KEST_PCM_GROUP_SLOTS 10   /* channel slots of a group */
 #define ZE_KEST_PCM_GROUP_ENTRIES 12 /* entries of a group in the per-channel arrays handed to filters */
-#define ZE_KEST_PCM_CHANNEL_ENTRIES                                                                     \
-  36                                /* entries of such an array: slot k of group g stands at 12 * g + k \
-                                     */
+/* Entries of such an array: slot k of group g stands at 12 * g + k. */
+#define ZE_KEST_PCM_CHANNEL_ENTRIES 36
 #define ZE_KEST_NO_BOUND UINT32_MAX /* a process-size bound that never limits */
 
 /* Option bit of a filter: with a bound of the output process size, its PCM writes go straight into the ring
@@ -58,7 +57,8 @@ typedef struct ZE_KEST_PcmInfo_s {
 typedef struct ZE_KEST_PcmGroup_s {
   int32_t ePcmGroupType;    /* the group's own number (0, 1, 2); -1: the port does not carry the group */
   uint32_t u32ChannelCount; /* channel slots in use, 0 to 10 */
-  int32_t as32ChMap[ZE_KEST_PCM_GROUP_SLOTS]; /* one entry per slot; -1: the slot carries no channel */
+  /* One entry per slot; -1: the slot carries no channel. Entries behind u32ChannelCount must be -1. */
+  int32_t as32ChMap[ZE_KEST_PCM_GROUP_SLOTS];
 } ZE_KEST_PcmGroup_s;
 
 /* PCM of a port: one ring per channel, non-interleaved, the rings of a group one after another. */
@@ -102,8 +102,9 @@ typedef struct ZE_KEST_DataBuffer_s {
 
 typedef struct ZE_KEST_Port_s {
   uint32_t u32Reserved;
-  uint32_t
-      bConnected; /* boolean; port 0 is served even when it is not connected, where the operation says so */
+  /* Boolean. Served even when it is not connected: where an operation walks a side's ports, the first port
+   * that is not NULL; where it takes one port's index, slot 0. */
+  uint32_t bConnected;
   uint32_t au32Reserved[4];
   ZE_KEST_PcmBuffer_s stPcm;
   ZE_KEST_DataBuffer_s stRaw;

@@ -262,17 +262,19 @@ ZE_KEST_API uint32_t ze_kest_Utility_ReadOneBlockInputPortMetadataBuffer(const Z
                                                                          uint32_t *pu32Tag,
                                                                          uint32_t *pu32BlockSize);
 
-/* Bytes of metadata that belong to a number of samples: the next sztSamples / 256 blocks of a port, fewer
- * when the ring holds fewer. *pu32LastBlockSize is the size of the last block with a payload and is left
- * alone when there is none. ZE_KEST_INVALID_ARGUMENT without a report when there is no such port. */
+/* Bytes of metadata that belong to a number of samples: the next sztSamples / 256 blocks of a port, up to the
+ * one that reaches the end of the held data, which counts whole. The first is taken from the read position
+ * whatever the ring holds, so an empty ring gives the block there. *pu32LastBlockSize is the size of the last
+ * block with a payload and is left alone when there is none. ZE_KEST_INVALID_ARGUMENT without a report when
+ * there is no such port. */
 ZE_KEST_API uint32_t ze_kest_Utility_QueryInputPortMetadataLen(const ZE_KEST_Filter_s *pstFilter,
                                                                uint32_t u32PortIdx, uint32_t sztSamples,
                                                                uint32_t *pu32Len,
                                                                uint32_t *pu32LastBlockSize);
 
-/* Bytes of metadata that go with a step of sztSamples on input port 0, not more than u32MaxBytes (in whole
- * blocks). *pu32Remainder: samples left over from the step before, in; left over for the next one, out.
- * Returns bytes, not a result code; 0 for NULL, which is not reported. */
+/* Bytes of metadata that go with a step of sztSamples on input port 0, counted in blocks as above, not more
+ * than u32MaxBytes (in whole blocks). *pu32Remainder: samples left over from the step before, in; left over
+ * for the next one, out. Returns bytes, not a result code; 0 for NULL, which is not reported. */
 ZE_KEST_API uint32_t ze_kest_Utility_QueryInputMinMetaProcessSize(const ZE_KEST_Filter_s *pstFilter,
                                                                   uint32_t sztSamples, uint32_t u32MaxBytes,
                                                                   uint32_t *pu32Remainder);
@@ -281,33 +283,34 @@ ZE_KEST_API uint32_t ze_kest_Utility_QueryInputMinMetaProcessSize(const ZE_KEST_
 
 /* Writes sztSamples samples per channel to one output port behind the data that its rings hold.
  * u32PortIdx: 0 to u32OutPortCount - 1, connected unless it is 0; the port has the function's sample width,
- * or, in the 32-bit functions, packed 24-bit samples as the sources then have; aps16Src / aps32Src: 36
- * entries, 12 per group, the source of slot k of group g at 12 * g + k, NULL for none; au16Stride: 36
- * entries, distance of a source's samples, in samples. The caller knows that the rings have the space. With
+ * or, in the 32-bit functions, packed 24-bit samples as the sources then have; apSrc: 36 entries,
+ * 12 per group, the source of slot k of group g at 12 * g + k, NULL for none; au16Stride: 36 entries,
+ * distance of a source's samples, in samples. The caller knows that the rings have the space. With
  * ZE_KEST_OPTION_DIRECT_WRITE and a bound of the output process size the samples are stored without
  * wrap-around. ZE_KEST_INVALID_ARGUMENT: a NULL pointer (reported), no such port. */
 ZE_KEST_API uint32_t ze_kest_Utility_WriteOutputPort16BitPcmBuffer(const ZE_KEST_Filter_s *pstFilter,
                                                                    uint32_t u32PortIdx, uint32_t sztSamples,
-                                                                   int16_t *const *aps16Src,
+                                                                   int16_t *const *apSrc,
                                                                    const uint16_t *au16Stride);
 ZE_KEST_API uint32_t ze_kest_Utility_WriteOutputPort32BitPcmBuffer(const ZE_KEST_Filter_s *pstFilter,
                                                                    uint32_t u32PortIdx, uint32_t sztSamples,
-                                                                   int32_t *const *aps32Src,
+                                                                   int32_t *const *apSrc,
                                                                    const uint16_t *au16Stride);
 
 /* The same to every output port; ports that cannot be written are passed over. */
 ZE_KEST_API uint32_t ze_kest_Utility_WriteAllOutputPort16BitPcmBuffer(const ZE_KEST_Filter_s *pstFilter,
                                                                       uint32_t sztSamples,
-                                                                      int16_t *const *aps16Src,
+                                                                      int16_t *const *apSrc,
                                                                       const uint16_t *au16Stride);
 ZE_KEST_API uint32_t ze_kest_Utility_WriteAllOutputPort32BitPcmBuffer(const ZE_KEST_Filter_s *pstFilter,
                                                                       uint32_t sztSamples,
-                                                                      int32_t *const *aps32Src,
+                                                                      int32_t *const *apSrc,
                                                                       const uint16_t *au16Stride);
 
 /* Forwards sztBytes unread bytes of one input port's ring to the ring of every connected output port. A port
- * without the space, or an input without the data, is passed over; sizes that contradict each other are
- * reported and passed over. ZE_KEST_INVALID_ARGUMENT: a NULL filter (reported), no such input port. */
+ * without the space, or an input without the data, is passed over, and so is a ring without a buffer; sizes
+ * that contradict each other are reported and passed over. ZE_KEST_INVALID_ARGUMENT: a NULL filter
+ * (reported), no such input port. */
 ZE_KEST_API uint32_t ze_kest_Utility_WriteAllOutputPortMetadataBuffer(const ZE_KEST_Filter_s *pstFilter,
                                                                       uint32_t u32InPortIdx,
                                                                       uint32_t sztBytes);
@@ -367,16 +370,16 @@ ZE_KEST_API uint32_t ze_kest_Utility_UpdatePcmGroupToAllOutputPort(ZE_KEST_Filte
 
 /* Pointers to the unread samples of every channel of an input port, valid up to the ring's end; the caller
  * handles the wrap.
- * aps16Ch / aps32Ch: out, 36 entries, slot k of group g at 12 * g + k, NULL where there is no channel;
+ * apCh: out, 36 entries, slot k of group g at 12 * g + k, NULL where there is no channel;
  * au16Stride: out, 36 entries, all 1; pbGroupPresent: out, 1 when the port has group records, else left
  * alone. A channel count that contradicts the port's format is reported and does not change the result.
  * ZE_KEST_INVALID_ARGUMENT: a NULL pointer (reported), no such port. */
 ZE_KEST_API uint32_t ze_kest_Utility_AnalyzeInputPort16BitPcmGroup(const ZE_KEST_Filter_s *pstFilter,
-                                                                   uint32_t u32PortIdx, int16_t **aps16Ch,
+                                                                   uint32_t u32PortIdx, int16_t **apCh,
                                                                    uint16_t *au16Stride,
                                                                    uint8_t *pbGroupPresent);
 ZE_KEST_API uint32_t ze_kest_Utility_AnalyzeInputPort32BitPcmGroup(const ZE_KEST_Filter_s *pstFilter,
-                                                                   uint32_t u32PortIdx, int32_t **aps32Ch,
+                                                                   uint32_t u32PortIdx, int32_t **apCh,
                                                                    uint16_t *au16Stride,
                                                                    uint8_t *pbGroupPresent);
 

@@ -8,6 +8,8 @@
 #include <memory>
 #include <vector>
 
+#include <gtest/gtest.h>
+
 #include "ze_kest/utility.h"
 
 namespace kest::test {
@@ -28,18 +30,19 @@ inline Bytes Noise(size_t sztCount, uint32_t u32Seed) {
 class Guarded {
  public:
   explicit Guarded(Bytes content = {}) : all_(std::move(content)) {
-    all_.insert(all_.begin(), kGuard.begin(), kGuard.end());
-    all_.insert(all_.end(), kGuard.begin(), kGuard.end());
+    all_.insert(all_.begin(), kGuard, 0xA5);
+    all_.insert(all_.end(), kGuard, 0xA5);
   }
-  [[nodiscard]] uint8_t *Data() { return all_.data() + kGuard.size(); }
-  // Empty when a guard is damaged.
+  [[nodiscard]] uint8_t *Data() { return all_.data() + kGuard; }
+  // The test fails when a guard is damaged.
   [[nodiscard]] Bytes Content() const {
-    const Bytes content(all_.begin() + kGuard.size(), all_.end() - kGuard.size());
-    return Guarded(content).all_ == all_ ? content : Bytes();
+    const Bytes content(all_.begin() + kGuard, all_.end() - kGuard);
+    if (Guarded(content).all_ != all_) ADD_FAILURE() << "written beside the content";
+    return content;
   }
 
  private:
-  static constexpr std::array<uint8_t, 64> kGuard = {0xA5, 0x5A, 0xA5};
+  static constexpr ptrdiff_t kGuard = 64;
   Bytes all_;
 };
 
@@ -52,6 +55,8 @@ struct Port {
     st.stPcm.stPcmInfo = {slots[0] + slots[1] + slots[2], 48000, u32Bits, {}};
     for (uint32_t g = 0; g < ZE_KEST_PCM_GROUPS; ++g) {
       st.stPcm.astPcmGroup[g] = {slots[g] == 0 ? -1 : static_cast<int32_t>(g), slots[g], {}};
+      std::fill(st.stPcm.astPcmGroup[g].as32ChMap + slots[g], std::end(st.stPcm.astPcmGroup[g].as32ChMap),
+                -1);
       groups[g] = Guarded(Noise(size_t{slots[g]} * sztRingSamples * (u32Bits / 8), g));
       if (slots[g] != 0) st.stPcm.apu8PcmGroupBuf[g] = groups[g].Data();
     }

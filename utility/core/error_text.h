@@ -15,7 +15,7 @@ class ErrorText {
   [[nodiscard]] const char *c_str() const { return psz_; }
 
  private:
-  char szBuf_[256] = {};
+  char szBuf_[128] = {};
   const char *psz_;
 };
 

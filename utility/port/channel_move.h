@@ -29,9 +29,15 @@ struct MoverTable {
   RingMover pfn4;
   uint32_t u32LinearBytes;  // width in the linear buffer; 0: as in the ring
 
-  // A stride of 1 copies the ring's bytes as they are: no width is refused, and no conversion made.
   [[nodiscard]] ChannelWay<RingMover> For(uint32_t u32BytesPerSample, uint32_t u32Stride) const {
-    if (u32Stride == 1) return {pfnBytes, 1};
+    return u32Stride == 1 ? Contiguous() : Strided(u32BytesPerSample);
+  }
+
+  // For a stride of 1. It copies the ring's bytes as they are: no width is refused, and no conversion made.
+  [[nodiscard]] ChannelWay<RingMover> Contiguous() const { return {pfnBytes, 1}; }
+
+  // For every other stride.
+  [[nodiscard]] ChannelWay<RingMover> Strided(uint32_t u32BytesPerSample) const {
     const RingMover pfnSamples = ForWidth(u32BytesPerSample);
     if (pfnSamples == nullptr) return {pfnBytes, 0};
     return {pfnSamples, u32BytesPerSample};

@@ -6,50 +6,50 @@
 
 namespace {
 
-// One kind of data: its ring, the exported function that forwards it, and that function's reports.
+// One kind of data: its ring, and the reports of the function that forwards it.
 struct Metadata {
   static constexpr auto kRing = &ZE_KEST_Port_s::stMeta;
-  static constexpr const char *kFunction = "ze_kest_Utility_WriteAllOutputPortMetadataBuffer";
 
-  static void ReportOut(const ZE_KEST_Filter_s &stFilter, size_t sztBytes,
+  static void ReportOut(const char *pszFunction, const ZE_KEST_Filter_s &stFilter, size_t sztBytes,
                         const ZE_KEST_DataBuffer_s &stOut) {
-    KEST_ERR_AS(kFunction, "[%s:%s]outMetaBfOverflow[%zu][%zu][%zu][%zu]\n", kest::PipelineName(stFilter),
+    KEST_ERR_AS(pszFunction, "[%s:%s]outMetaBfOverflow[%zu][%zu][%zu][%zu]\n", kest::PipelineName(stFilter),
                 stFilter.szName, sztBytes, size_t{stOut.sztLevel}, size_t{stOut.sztWriteSize},
                 size_t{stOut.sztSize});
   }
-  static void ReportIn(const ZE_KEST_Filter_s &stFilter, size_t sztBytes, const ZE_KEST_DataBuffer_s &stIn) {
-    KEST_ERR_AS(kFunction, "[%s:%s]InMetaBfOverflow[%zu][%zu][%zu]\n", kest::PipelineName(stFilter),
+  static void ReportIn(const char *pszFunction, const ZE_KEST_Filter_s &stFilter, size_t sztBytes,
+                       const ZE_KEST_DataBuffer_s &stIn) {
+    KEST_ERR_AS(pszFunction, "[%s:%s]InMetaBfOverflow[%zu][%zu][%zu]\n", kest::PipelineName(stFilter),
                 stFilter.szName, sztBytes, size_t{stIn.sztReadSize}, size_t{stIn.sztSize});
   }
 };
 
 struct Raw {
   static constexpr auto kRing = &ZE_KEST_Port_s::stRaw;
-  static constexpr const char *kFunction = "ze_kest_Utility_WriteAllOutputPortRawBuffer";
 
-  static void ReportOut(const ZE_KEST_Filter_s &stFilter, size_t sztBytes,
+  static void ReportOut(const char *pszFunction, const ZE_KEST_Filter_s &stFilter, size_t sztBytes,
                         const ZE_KEST_DataBuffer_s &stOut) {
-    KEST_ERR_AS(kFunction, "[%s:%s]outRawBfOverflow[%zu][%zu][%zu][%zu]\n", kest::PipelineName(stFilter),
+    KEST_ERR_AS(pszFunction, "[%s:%s]outRawBfOverflow[%zu][%zu][%zu][%zu]\n", kest::PipelineName(stFilter),
                 stFilter.szName, sztBytes, size_t{stOut.sztLevel}, size_t{stOut.sztWriteSize},
                 size_t{stOut.sztSize});
   }
-  static void ReportIn(const ZE_KEST_Filter_s &stFilter, size_t sztBytes, const ZE_KEST_DataBuffer_s &stIn) {
-    KEST_ERR_AS(kFunction, "[%s:%s]InRawBfOverflow[%zu][%zu][%zu]\n", kest::PipelineName(stFilter),
+  static void ReportIn(const char *pszFunction, const ZE_KEST_Filter_s &stFilter, size_t sztBytes,
+                       const ZE_KEST_DataBuffer_s &stIn) {
+    KEST_ERR_AS(pszFunction, "[%s:%s]InRawBfOverflow[%zu][%zu][%zu]\n", kest::PipelineName(stFilter),
                 stFilter.szName, sztBytes, size_t{stIn.sztReadSize}, size_t{stIn.sztSize});
   }
 };
 
 // The sums are taken in 64 bits, so that sizes that contradict each other cannot wrap past the tests.
 template <typename Kind>
-void ForwardTo(const ZE_KEST_Filter_s &stFilter, const ZE_KEST_DataBuffer_s &stIn,
+void ForwardTo(const char *pszFunction, const ZE_KEST_Filter_s &stFilter, const ZE_KEST_DataBuffer_s &stIn,
                const ZE_KEST_DataBuffer_s &stOut, uint32_t sztBytes) {
   if (stIn.sztLevel < sztBytes || stOut.sztSpace < sztBytes) return;
   if (uint64_t{stOut.sztWriteSize} + stOut.sztLevel + sztBytes > stOut.sztSize) {
-    Kind::ReportOut(stFilter, sztBytes, stOut);
+    Kind::ReportOut(pszFunction, stFilter, sztBytes, stOut);
     return;
   }
   if (stIn.sztSize < uint64_t{stIn.sztReadSize} + sztBytes) {
-    Kind::ReportIn(stFilter, sztBytes, stIn);
+    Kind::ReportIn(pszFunction, stFilter, sztBytes, stIn);
     return;
   }
   if (stIn.pu8Buf == nullptr || stOut.pu8Buf == nullptr) return;
@@ -59,12 +59,13 @@ void ForwardTo(const ZE_KEST_Filter_s &stFilter, const ZE_KEST_DataBuffer_s &stI
 }
 
 template <typename Kind>
-uint32_t Forward(const ZE_KEST_Filter_s *pstFilter, uint32_t u32InPortIdx, uint32_t sztBytes) {
-  KEST_REQUIRE_AS(Kind::kFunction, pstFilter != nullptr, "pstFilter is NULL.\n");
+uint32_t Forward(const char *pszFunction, const ZE_KEST_Filter_s *pstFilter, uint32_t u32InPortIdx,
+                 uint32_t sztBytes) {
+  KEST_REQUIRE_AS(pszFunction, pstFilter != nullptr, "pstFilter is NULL.\n");
   const ZE_KEST_Port_s *pstIn = kest::InputSide(*pstFilter).ServedAt(u32InPortIdx);
   if (pstIn == nullptr) return ZE_KEST_INVALID_ARGUMENT;
   kest::OutputSide(*pstFilter).ForEachConnected([&](const ZE_KEST_Port_s &stOut) {
-    ForwardTo<Kind>(*pstFilter, pstIn->*Kind::kRing, stOut.*Kind::kRing, sztBytes);
+    ForwardTo<Kind>(pszFunction, *pstFilter, pstIn->*Kind::kRing, stOut.*Kind::kRing, sztBytes);
   });
   return ZE_KEST_OK;
 }
@@ -73,12 +74,12 @@ uint32_t Forward(const ZE_KEST_Filter_s *pstFilter, uint32_t u32InPortIdx, uint3
 
 uint32_t ze_kest_Utility_WriteAllOutputPortMetadataBuffer(const ZE_KEST_Filter_s *pstFilter,
                                                           uint32_t u32InPortIdx, uint32_t sztBytes) {
-  return Forward<Metadata>(pstFilter, u32InPortIdx, sztBytes);
+  return Forward<Metadata>(__func__, pstFilter, u32InPortIdx, sztBytes);
 }
 
 uint32_t ze_kest_Utility_WriteAllOutputPortRawBuffer(const ZE_KEST_Filter_s *pstFilter, uint32_t u32InPortIdx,
                                                      uint32_t sztBytes) {
-  return Forward<Raw>(pstFilter, u32InPortIdx, sztBytes);
+  return Forward<Raw>(__func__, pstFilter, u32InPortIdx, sztBytes);
 }
 
 uint32_t ze_kest_Utility_IsOutputMetadataBufferExist(const ZE_KEST_Filter_s *pstFilter) {

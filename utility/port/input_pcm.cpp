@@ -4,7 +4,6 @@
 #include "ze_kest/utility.h"
 
 #include "utility/core/report.h"
-#include "utility/port/channel_groups.h"
 #include "utility/port/channel_move.h"
 #include "utility/port/pcm_rings.h"
 #include "utility/port/port_walk.h"
@@ -13,6 +12,12 @@
 namespace {
 
 constexpr uint32_t kLastGroup = ZE_KEST_PCM_GROUPS - 1;
+
+// One past the last global channel of each group.
+constexpr uint32_t kGroupEndChIdx[ZE_KEST_PCM_GROUPS] = {2, 12, 22};
+
+// What a reader reads of the last group.
+enum class LastGroup { kWholeOf32Bits, kOneChannel };
 
 // What a caller asks for.
 struct Request {
@@ -40,6 +45,14 @@ struct PortRead {
   uint32_t u32LinearBytes;
   bool bWholeLastGroup;
 };
+
+// The group of a global channel; ZE_KEST_PCM_GROUPS for one beyond the last group.
+uint32_t GroupOf(uint32_t u32Channel) {
+  uint32_t u32Group = 0;
+  while (u32Group < ZE_KEST_PCM_GROUPS && u32Channel >= kGroupEndChIdx[u32Group])
+    ++u32Group;
+  return u32Group;
+}
 
 const ZE_KEST_Port_s *PortOf(const ZE_KEST_Filter_s &stFilter, const Request &stRequest) {
   if (stRequest.u32LastCh < stRequest.u32FirstCh) return nullptr;
@@ -78,7 +91,7 @@ void ReadRun(const PortRead &stRead, const ChannelRun &stRun, uint8_t *pu8Dst) {
 ChannelRun RunFrom(uint32_t u32Channel, uint32_t u32Group, const Request &stRequest, bool bWholeLastGroup) {
   const uint32_t u32Slot = u32Group == 0 ? 0 : u32Channel - sztPcmGroupBaseChIdx[u32Group];
   if (u32Group == kLastGroup && !bWholeLastGroup) return {u32Group, u32Slot, 1};
-  const uint32_t u32LastInGroup = kest::kPcmGroupEndChIdx[u32Group] - 1;
+  const uint32_t u32LastInGroup = kGroupEndChIdx[u32Group] - 1;
   return {u32Group, u32Slot, std::min(u32LastInGroup, stRequest.u32LastCh) - u32Channel + 1};
 }
 
@@ -95,7 +108,7 @@ uint32_t ReadChannels(const char *pszFunction, const PortRead &stRead, const Req
     if (u32Group == kLastGroup && !stRead.bWholeLastGroup) {
       return RefuseChannel(pszFunction, u32Channel, u32Group);
     }
-    u32Group = kest::GroupOf(u32Channel);
+    u32Group = GroupOf(u32Channel);
     if (u32Group > kLastGroup) return RefuseChannel(pszFunction, u32Channel, u32Group);
     const ChannelRun stRun = RunFrom(u32Channel, u32Group, stRequest, stRead.bWholeLastGroup);
     ReadRun(stRead, stRun, pu8Dst);
@@ -107,11 +120,12 @@ uint32_t ReadChannels(const char *pszFunction, const PortRead &stRead, const Req
 
 // The checks of all readers behind that of the filter, and the read.
 uint32_t ReadPort(const char *pszFunction, const ZE_KEST_Filter_s &stFilter, const Request &stRequest,
-                  const kest::MoverTable<kest::RingReader> &stTable, bool bWholeLastGroupOf32) {
+                  const kest::MoverTable<kest::RingReader> &stTable, LastGroup eLastGroup) {
   const ZE_KEST_Port_s *pstPort = PortOf(stFilter, stRequest);
   if (pstPort == nullptr) return ZE_KEST_INVALID_ARGUMENT;
   KEST_REQUIRE_AS(pszFunction, stRequest.pvDst != nullptr, "pvDst is NULL.\n");
-  const bool bWholeLastGroup = bWholeLastGroupOf32 && pstPort->stPcm.stPcmInfo.u32BitWidth == 32;
+  const bool bWholeLastGroup =
+      eLastGroup == LastGroup::kWholeOf32Bits && pstPort->stPcm.stPcmInfo.u32BitWidth == 32;
   return ReadChannels(pszFunction, PlanRead(pstPort->stPcm, stRequest, stTable, bWholeLastGroup), stRequest);
 }
 
@@ -122,7 +136,7 @@ uint32_t ze_kest_Utility_ReadInputPortPcmBuffer(const ZE_KEST_Filter_s *pstFilte
                                                 uint32_t u32LastCh, uint32_t u32DstChNum) {
   KEST_REQUIRE_AS("_ZE_KEST_UTILITY_ReadInputCheckSanity", pstFilter != nullptr, "pstFilter is NULL.\n");
   return ReadPort(__func__, *pstFilter, {u32PortIdx, pvDst, sztSamples, u32FirstCh, u32LastCh, u32DstChNum},
-                  kest::kReadAsIs, true);
+                  kest::kReadAsIs, LastGroup::kWholeOf32Bits);
 }
 
 uint32_t ze_kest_Utility_ReadInputPortPcmBuffer_To16Bit(const ZE_KEST_Filter_s *pstFilter,
@@ -131,7 +145,7 @@ uint32_t ze_kest_Utility_ReadInputPortPcmBuffer_To16Bit(const ZE_KEST_Filter_s *
                                                         uint32_t u32DstChNum) {
   KEST_REQUIRE(pstFilter != nullptr, "pstFilter is NULL.\n");
   return ReadPort(__func__, *pstFilter, {u32PortIdx, pvDst, sztSamples, u32FirstCh, u32LastCh, u32DstChNum},
-                  kest::kReadTo16, false);
+                  kest::kReadTo16, LastGroup::kOneChannel);
 }
 
 uint32_t ze_kest_Utility_ReadInputPortPcmBuffer_To24Le(const ZE_KEST_Filter_s *pstFilter, uint32_t u32PortIdx,
@@ -139,5 +153,5 @@ uint32_t ze_kest_Utility_ReadInputPortPcmBuffer_To24Le(const ZE_KEST_Filter_s *p
                                                        uint32_t u32LastCh, uint32_t u32DstChNum) {
   KEST_REQUIRE(pstFilter != nullptr, "pstFilter is NULL.\n");
   return ReadPort(__func__, *pstFilter, {u32PortIdx, pvDst, sztSamples, u32FirstCh, u32LastCh, u32DstChNum},
-                  kest::kReadTo24Le, false);
+                  kest::kReadTo24Le, LastGroup::kOneChannel);
 }

@@ -26,11 +26,11 @@ kest::RingPlan PlanDirect(uint32_t u32Position, uint32_t sztSamples, uint32_t u3
   return {size_t{u32Position} * u32Width, {size_t{sztSamples} * u32Width / u32Unit, 0}, {}};
 }
 
-PortWrite PlanWrite(const ZE_KEST_PcmBuffer_s &stPcm, uint32_t sztSamples, uint32_t u32Stride, bool bDirect) {
+PortWrite PlanWrite(const ZE_KEST_PcmBuffer_s &stPcm, const kest::ChannelWay<kest::RingWriter> &stWay,
+                    uint32_t sztSamples, bool bDirect) {
   const uint32_t u32Width = kest::BytesPerSample(stPcm);
   const uint32_t u32Position =
       kest::WrapOnce(stPcm.sztPcmLevel + stPcm.sztPcmReadOffset, stPcm.sztPcmRingSamples);
-  const auto stWay = kest::kWriteAsIs.For(u32Width, u32Stride);
   return {stWay, bDirect ? PlanDirect(u32Position, sztSamples, u32Width, stWay.u32Unit)
                          : kest::PlanPort(stPcm, u32Position, sztSamples, stWay.u32Unit)};
 }
@@ -53,49 +53,40 @@ void WriteGroup(const ZE_KEST_PcmBuffer_s &stPcm, uint32_t u32Group, const PortW
 template <typename Sample>
 void WritePort(const ZE_KEST_Filter_s &stFilter, const ZE_KEST_PcmBuffer_s &stPcm, uint32_t sztSamples,
                Sample *const *apSrc, const uint16_t *au16Stride) {
-  constexpr uint32_t kAnyButOne = 2;
   const bool bDirect = WritesDirectly(stFilter);
-  const PortWrite stContiguous = PlanWrite(stPcm, sztSamples, 1, bDirect);
-  const PortWrite stStrided = PlanWrite(stPcm, sztSamples, kAnyButOne, bDirect);
+  const PortWrite stContiguous = PlanWrite(stPcm, kest::kWriteAsIs.Contiguous(), sztSamples, bDirect);
+  const PortWrite stStrided =
+      PlanWrite(stPcm, kest::kWriteAsIs.Strided(kest::BytesPerSample(stPcm)), sztSamples, bDirect);
   for (uint32_t u32Group = 0; u32Group < ZE_KEST_PCM_GROUPS; ++u32Group) {
     const uint32_t u32Entry = u32Group * ZE_KEST_PCM_GROUP_ENTRIES;
     WriteGroup(stPcm, u32Group, stContiguous, stStrided, apSrc + u32Entry, au16Stride + u32Entry);
   }
 }
 
-// The exported function and its name for the sources, as reports give them.
-struct Site {
-  const char *pszFunction;
-  const char *pszSources;
-};
-
 template <typename Sample>
-bool HasSources(const Site &stSite, Sample *const *apSrc, const uint16_t *au16Stride) {
-  if (apSrc == nullptr) {
-    KEST_ERR_AS(stSite.pszFunction, "%s is NULL.\n", stSite.pszSources);
-    return false;
-  }
-  KEST_REQUIRE_OR_AS(stSite.pszFunction, au16Stride != nullptr, false, "au16Stride is NULL.\n");
+bool HasSources(const char *pszFunction, Sample *const *apSrc, const uint16_t *au16Stride) {
+  KEST_REQUIRE_OR_AS(pszFunction, apSrc != nullptr, false, "apSrc is NULL.\n");
+  KEST_REQUIRE_OR_AS(pszFunction, au16Stride != nullptr, false, "au16Stride is NULL.\n");
   return true;
 }
 
 template <typename Sample>
-uint32_t WriteOne(const Site &stSite, const ZE_KEST_Filter_s *pstFilter, uint32_t u32PortIdx,
+uint32_t WriteOne(const char *pszFunction, const ZE_KEST_Filter_s *pstFilter, uint32_t u32PortIdx,
                   uint32_t sztSamples, Sample *const *apSrc, const uint16_t *au16Stride) {
-  KEST_REQUIRE_AS(stSite.pszFunction, pstFilter != nullptr, "pstFilter is NULL.\n");
+  KEST_REQUIRE_AS(pszFunction, pstFilter != nullptr, "pstFilter is NULL.\n");
   const ZE_KEST_Port_s *pstPort = kest::OutputSide(*pstFilter).ServedAt(u32PortIdx);
   if (pstPort == nullptr) return ZE_KEST_INVALID_ARGUMENT;
-  if (!HasSources(stSite, apSrc, au16Stride)) return ZE_KEST_INVALID_ARGUMENT;
+  if (!HasSources(pszFunction, apSrc, au16Stride)) return ZE_KEST_INVALID_ARGUMENT;
   WritePort(*pstFilter, pstPort->stPcm, sztSamples, apSrc, au16Stride);
   return ZE_KEST_OK;
 }
 
 // Slot 0 is written unconnected, also when it is not the first port: the single-port rule, not that of walks.
 template <typename Sample>
-uint32_t WriteAll(const Site &stSite, const ZE_KEST_Filter_s *pstFilter, uint32_t sztSamples,
+uint32_t WriteAll(const char *pszFunction, const ZE_KEST_Filter_s *pstFilter, uint32_t sztSamples,
                   Sample *const *apSrc, const uint16_t *au16Stride) {
-  KEST_REQUIRE_AS(stSite.pszFunction, pstFilter != nullptr, "pstFilter is NULL.\n");
-  if (!HasSources(stSite, apSrc, au16Stride)) return ZE_KEST_INVALID_ARGUMENT;
+  KEST_REQUIRE_AS(pszFunction, pstFilter != nullptr, "pstFilter is NULL.\n");
+  if (!HasSources(pszFunction, apSrc, au16Stride)) return ZE_KEST_INVALID_ARGUMENT;
   const kest::PortSide stSide = kest::OutputSide(*pstFilter);
   for (uint32_t u32PortIdx = 0; u32PortIdx < stSide.Count(); ++u32PortIdx) {
     const ZE_KEST_Port_s *pstPort = stSide.ServedAt(u32PortIdx);
@@ -107,25 +98,25 @@ uint32_t WriteAll(const Site &stSite, const ZE_KEST_Filter_s *pstFilter, uint32_
 }  // namespace
 
 uint32_t ze_kest_Utility_WriteOutputPort16BitPcmBuffer(const ZE_KEST_Filter_s *pstFilter, uint32_t u32PortIdx,
-                                                       uint32_t sztSamples, int16_t *const *aps16Src,
+                                                       uint32_t sztSamples, int16_t *const *apSrc,
                                                        const uint16_t *au16Stride) {
-  return WriteOne({__func__, "aps16Src"}, pstFilter, u32PortIdx, sztSamples, aps16Src, au16Stride);
+  return WriteOne(__func__, pstFilter, u32PortIdx, sztSamples, apSrc, au16Stride);
 }
 
 uint32_t ze_kest_Utility_WriteOutputPort32BitPcmBuffer(const ZE_KEST_Filter_s *pstFilter, uint32_t u32PortIdx,
-                                                       uint32_t sztSamples, int32_t *const *aps32Src,
+                                                       uint32_t sztSamples, int32_t *const *apSrc,
                                                        const uint16_t *au16Stride) {
-  return WriteOne({__func__, "aps32Src"}, pstFilter, u32PortIdx, sztSamples, aps32Src, au16Stride);
+  return WriteOne(__func__, pstFilter, u32PortIdx, sztSamples, apSrc, au16Stride);
 }
 
 uint32_t ze_kest_Utility_WriteAllOutputPort16BitPcmBuffer(const ZE_KEST_Filter_s *pstFilter,
-                                                          uint32_t sztSamples, int16_t *const *aps16Src,
+                                                          uint32_t sztSamples, int16_t *const *apSrc,
                                                           const uint16_t *au16Stride) {
-  return WriteAll({__func__, "aps16Src"}, pstFilter, sztSamples, aps16Src, au16Stride);
+  return WriteAll(__func__, pstFilter, sztSamples, apSrc, au16Stride);
 }
 
 uint32_t ze_kest_Utility_WriteAllOutputPort32BitPcmBuffer(const ZE_KEST_Filter_s *pstFilter,
-                                                          uint32_t sztSamples, int32_t *const *aps32Src,
+                                                          uint32_t sztSamples, int32_t *const *apSrc,
                                                           const uint16_t *au16Stride) {
-  return WriteAll({__func__, "aps32Src"}, pstFilter, sztSamples, aps32Src, au16Stride);
+  return WriteAll(__func__, pstFilter, sztSamples, apSrc, au16Stride);
 }

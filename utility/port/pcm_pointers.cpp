@@ -8,12 +8,6 @@
 
 namespace {
 
-// The exported function and its name for the channel pointers, as reports give them.
-struct Site {
-  const char *pszFunction;
-  const char *pszChannels;
-};
-
 template <typename Sample>
 void Clear(Sample **apCh, uint16_t *au16Stride) {
   for (uint32_t u32Entry = 0; u32Entry < ZE_KEST_PCM_CHANNEL_ENTRIES; ++u32Entry) {
@@ -22,10 +16,10 @@ void Clear(Sample **apCh, uint16_t *au16Stride) {
   }
 }
 
-// A group without storage, and a position beyond the ring, give no pointers.
+// A group without storage gives no pointers. The position is not tested: nothing is copied through them here.
 template <typename Sample>
 void PointInto(const ZE_KEST_PcmBuffer_s &stPcm, uint32_t u32Group, uint32_t u32Position, Sample **apCh) {
-  if (stPcm.apu8PcmGroupBuf[u32Group] == nullptr || u32Position >= stPcm.sztPcmRingSamples) return;
+  if (stPcm.apu8PcmGroupBuf[u32Group] == nullptr) return;
   const ZE_KEST_PcmGroup_s &stGroup = stPcm.astPcmGroup[u32Group];
   const size_t sztPosition = size_t{u32Position} * kest::BytesPerSample(stPcm);
   for (uint32_t u32Slot = 0; u32Slot < kest::SlotCount(stGroup); ++u32Slot) {
@@ -51,24 +45,21 @@ uint32_t PointIntoGroups(const ZE_KEST_PcmBuffer_s &stPcm, Sample **apCh) {
 }
 
 template <typename Sample>
-bool HasOutputs(const Site &stSite, Sample *const *apCh, const uint16_t *au16Stride,
+bool HasOutputs(const char *pszFunction, Sample *const *apCh, const uint16_t *au16Stride,
                 const uint8_t *pbGroupPresent) {
-  if (apCh == nullptr) {
-    KEST_ERR_AS(stSite.pszFunction, "%s is NULL.\n", stSite.pszChannels);
-    return false;
-  }
-  KEST_REQUIRE_OR_AS(stSite.pszFunction, au16Stride != nullptr, false, "au16Stride is NULL.\n");
-  KEST_REQUIRE_OR_AS(stSite.pszFunction, pbGroupPresent != nullptr, false, "pbGroupPresent is NULL.\n");
+  KEST_REQUIRE_OR_AS(pszFunction, apCh != nullptr, false, "apCh is NULL.\n");
+  KEST_REQUIRE_OR_AS(pszFunction, au16Stride != nullptr, false, "au16Stride is NULL.\n");
+  KEST_REQUIRE_OR_AS(pszFunction, pbGroupPresent != nullptr, false, "pbGroupPresent is NULL.\n");
   return true;
 }
 
 template <typename Sample>
-uint32_t Analyze(const Site &stSite, const ZE_KEST_Filter_s *pstFilter, uint32_t u32PortIdx, Sample **apCh,
-                 uint16_t *au16Stride, uint8_t *pbGroupPresent) {
-  KEST_REQUIRE_AS(stSite.pszFunction, pstFilter != nullptr, "pstFilter is NULL.\n");
+uint32_t Analyze(const char *pszFunction, const ZE_KEST_Filter_s *pstFilter, uint32_t u32PortIdx,
+                 Sample **apCh, uint16_t *au16Stride, uint8_t *pbGroupPresent) {
+  KEST_REQUIRE_AS(pszFunction, pstFilter != nullptr, "pstFilter is NULL.\n");
   const ZE_KEST_Port_s *pstPort = kest::InputSide(*pstFilter).ServedAt(u32PortIdx);
   if (pstPort == nullptr) return ZE_KEST_INVALID_ARGUMENT;
-  if (!HasOutputs(stSite, apCh, au16Stride, pbGroupPresent)) return ZE_KEST_INVALID_ARGUMENT;
+  if (!HasOutputs(pszFunction, apCh, au16Stride, pbGroupPresent)) return ZE_KEST_INVALID_ARGUMENT;
 
   const ZE_KEST_PcmBuffer_s &stPcm = pstPort->stPcm;
   Clear(apCh, au16Stride);
@@ -78,9 +69,9 @@ uint32_t Analyze(const Site &stSite, const ZE_KEST_Filter_s *pstFilter, uint32_t
     u32Channels = PointIntoGroups(stPcm, apCh);
   }
   if (u32Channels != stPcm.stPcmInfo.u32TotalChannels) {
-    KEST_ERR_AS(
-        stSite.pszFunction, "[%s:%s]PcmGroup information error:u32TotalChannels=%u,u32ChannelCount=%u\n",
-        kest::PipelineName(*pstFilter), pstFilter->szName, stPcm.stPcmInfo.u32TotalChannels, u32Channels);
+    KEST_ERR_AS(pszFunction, "[%s:%s]PcmGroup information error:u32TotalChannels=%u,u32ChannelCount=%u\n",
+                kest::PipelineName(*pstFilter), pstFilter->szName, stPcm.stPcmInfo.u32TotalChannels,
+                u32Channels);
   }
   return ZE_KEST_OK;
 }
@@ -88,13 +79,13 @@ uint32_t Analyze(const Site &stSite, const ZE_KEST_Filter_s *pstFilter, uint32_t
 }  // namespace
 
 uint32_t ze_kest_Utility_AnalyzeInputPort16BitPcmGroup(const ZE_KEST_Filter_s *pstFilter, uint32_t u32PortIdx,
-                                                       int16_t **aps16Ch, uint16_t *au16Stride,
+                                                       int16_t **apCh, uint16_t *au16Stride,
                                                        uint8_t *pbGroupPresent) {
-  return Analyze({__func__, "aps16Ch"}, pstFilter, u32PortIdx, aps16Ch, au16Stride, pbGroupPresent);
+  return Analyze(__func__, pstFilter, u32PortIdx, apCh, au16Stride, pbGroupPresent);
 }
 
 uint32_t ze_kest_Utility_AnalyzeInputPort32BitPcmGroup(const ZE_KEST_Filter_s *pstFilter, uint32_t u32PortIdx,
-                                                       int32_t **aps32Ch, uint16_t *au16Stride,
+                                                       int32_t **apCh, uint16_t *au16Stride,
                                                        uint8_t *pbGroupPresent) {
-  return Analyze({__func__, "aps32Ch"}, pstFilter, u32PortIdx, aps32Ch, au16Stride, pbGroupPresent);
+  return Analyze(__func__, pstFilter, u32PortIdx, apCh, au16Stride, pbGroupPresent);
 }

@@ -32,9 +32,11 @@ inline uint32_t SlotCount(const ZE_KEST_PcmGroup_s &stGroup) {
   return std::min<uint32_t>(stGroup.u32ChannelCount, ZE_KEST_PCM_GROUP_SLOTS);
 }
 
-// The plan of a transfer that every channel ring of the port shares. Position and amount are in samples.
+// The plan of a transfer that every channel ring of the port shares. Position and amount are in samples; a
+// position beyond the ring is refused before it becomes bytes, which could wrap around to lie inside.
 inline RingPlan PlanPort(const ZE_KEST_PcmBuffer_s &stPcm, uint32_t u32Position, uint32_t sztSamples,
                          uint32_t u32Unit) {
+  if (u32Position > stPcm.sztPcmRingSamples) return {};
   const uint32_t u32Width = BytesPerSample(stPcm);
   return PlanRing(RingBytes(stPcm), size_t{u32Position} * u32Width, uint64_t{sztSamples} * u32Width, u32Unit);
 }

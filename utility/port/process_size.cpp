@@ -12,7 +12,8 @@ using Value = uint32_t (*)(const ZE_KEST_Port_s &);
 using Counts = bool (*)(const ZE_KEST_Port_s &);
 
 // The least value of the ports that count; 0 when none does.
-uint32_t LeastOf(const kest::PortSide &stSide, Counts pfnCounts, Value pfnValue) {
+template <Counts pfnCounts>
+uint32_t LeastOf(const kest::PortSide &stSide, Value pfnValue) {
   uint32_t u32Least = UINT32_MAX;
   stSide.ForEach([&](const ZE_KEST_Port_s &stPort) {
     if (pfnCounts(stPort)) u32Least = std::min(u32Least, pfnValue(stPort));
@@ -75,26 +76,27 @@ uint32_t Unwritten(const ZE_KEST_Port_s &stPort) {
 // Which ports of a side count, and for how much.
 struct Rule {
   kest::PortSide (*pfnSide)(const ZE_KEST_Filter_s &);
-  Counts pfnCounts;  // NULL: those from the first one with data on
+  uint32_t (*pfnLeast)(const kest::PortSide &, Value);
   Value pfnValue;
   uint32_t ZE_KEST_Filter_s::*pBound;  // NULL: none
 };
 
-constexpr Rule kInputPcm = {kest::InputSide, nullptr, PcmLevel, &ZE_KEST_Filter_s::sztMaxInPcmProcessSize};
-constexpr Rule kOutputPcm = {kest::OutputSide, HasPcm, PcmSpace, &ZE_KEST_Filter_s::sztMaxOutPcmProcessSize};
-constexpr Rule kInputMeta = {kest::InputSide, nullptr, Unread<&ZE_KEST_Port_s::stMeta>, nullptr};
-constexpr Rule kOutputMeta = {kest::OutputSide, HasMetaConnected, Unwritten<&ZE_KEST_Port_s::stMeta>,
+constexpr Rule kInputPcm = {kest::InputSide, LeastBehindFirstData, PcmLevel,
+                            &ZE_KEST_Filter_s::sztMaxInPcmProcessSize};
+constexpr Rule kOutputPcm = {kest::OutputSide, LeastOf<HasPcm>, PcmSpace,
+                             &ZE_KEST_Filter_s::sztMaxOutPcmProcessSize};
+constexpr Rule kInputMeta = {kest::InputSide, LeastBehindFirstData, Unread<&ZE_KEST_Port_s::stMeta>, nullptr};
+constexpr Rule kOutputMeta = {kest::OutputSide, LeastOf<HasMetaConnected>, Unwritten<&ZE_KEST_Port_s::stMeta>,
                               nullptr};
-constexpr Rule kInputRaw = {kest::InputSide, HasRaw, Unread<&ZE_KEST_Port_s::stRaw>, nullptr};
-constexpr Rule kOutputRaw = {kest::OutputSide, HasRawConnected, Unwritten<&ZE_KEST_Port_s::stRaw>, nullptr};
+constexpr Rule kInputRaw = {kest::InputSide, LeastOf<HasRaw>, Unread<&ZE_KEST_Port_s::stRaw>, nullptr};
+constexpr Rule kOutputRaw = {kest::OutputSide, LeastOf<HasRawConnected>, Unwritten<&ZE_KEST_Port_s::stRaw>,
+                             nullptr};
 
 uint32_t Calculate(const char *pszFunction, const Rule &stRule, const ZE_KEST_Filter_s *pstFilter,
                    uint32_t *psztProcessSize) {
   KEST_REQUIRE_AS(pszFunction, pstFilter != nullptr, "pstFilter is NULL.\n");
   KEST_REQUIRE_AS(pszFunction, psztProcessSize != nullptr, "psztProcessSize is NULL.\n");
-  const kest::PortSide stSide = stRule.pfnSide(*pstFilter);
-  uint32_t u32Size = stRule.pfnCounts == nullptr ? LeastBehindFirstData(stSide, stRule.pfnValue)
-                                                 : LeastOf(stSide, stRule.pfnCounts, stRule.pfnValue);
+  uint32_t u32Size = stRule.pfnLeast(stRule.pfnSide(*pstFilter), stRule.pfnValue);
   if (stRule.pBound != nullptr) u32Size = std::min(u32Size, pstFilter->*stRule.pBound);
   *psztProcessSize = u32Size;
   return u32Size == 0 ? ZE_KEST_NOTHING_TO_PROCESS : ZE_KEST_OK;

@@ -24,6 +24,7 @@ struct RingPlan {
 // The units that begin within the next u64Bytes bytes of a segment; a partial last one counts.
 inline RingSegment SegmentOf(size_t sztSegment, uint64_t u64Bytes, size_t sztUnit) {
   const size_t sztBytes = u64Bytes < sztSegment ? static_cast<size_t>(u64Bytes) : sztSegment;
+  if (sztUnit == 1) return {sztBytes, 0};
   const size_t sztUnits = sztBytes / sztUnit + (sztBytes % sztUnit != 0 ? 1 : 0);
   const size_t sztWhole = std::min(sztUnits, sztSegment / sztUnit);
   return {sztWhole, sztUnits > sztWhole ? sztSegment % sztUnit : 0};
@@ -36,6 +37,7 @@ inline RingPlan PlanRing(size_t sztRing, size_t sztStart, uint64_t u64Bytes, siz
   const RingSegment stFirst = SegmentOf(sztRing - sztStart, u64Bytes, sztUnit);
   const uint64_t u64Moved = uint64_t{sztUnit} * (stFirst.sztWhole + (stFirst.sztCut != 0 ? 1 : 0));
   const uint64_t u64Rest = u64Bytes > u64Moved ? u64Bytes - u64Moved : 0;
+  if (u64Rest == 0) return {sztStart, stFirst, {}};
   return {sztStart, stFirst, SegmentOf(sztRing, u64Rest, sztUnit)};
 }
 

@@ -40,12 +40,16 @@ TEST(Forward, UnreadBytesFollowWhatTheOutputsHoldAcrossBothEnds) {
     ports.out0.sztReadOffset = 50;
     ports.out0.sztLevel = 3;
     ports.out0.sztWriteSize = 2;
+    ports.in.sztLevel = ports.out1.sztSpace = 40;  // as much as is forwarded
+    ports.out1.sztLevel = 20;
+    ports.out1.sztWriteSize = 4;
     Bytes expected = Noise(64, 64);
+    Bytes expected1 = expected;
     for (size_t i = 0; i < 40; ++i)
-      expected[(55 + i) % 64] = Noise(128, 128)[(110 + i) % 128];
+      expected[(55 + i) % 64] = expected1[24 + i] = Noise(128, 128)[(110 + i) % 128];
     EXPECT_EQ(ZE_KEST_OK, kind.pfnForward(ports, 0, 40));
     EXPECT_EQ(expected, ports.Content(0));
-    EXPECT_EQ(Noise(128, 128)[110], ports.Content(1)[0]);
+    EXPECT_EQ(expected1, ports.Content(1));
     EXPECT_EQ(2u, ports.out0.sztWriteSize) << "a write commits nothing";
   }
 }
@@ -75,6 +79,7 @@ TEST(Forward, SizesThatContradictEachOtherAreReportedAndPassedOver) {
     Ports ports(kind);
     ports.out0.sztLevel = 30;
     ports.out0.sztWriteSize = 10;
+    ports.in.sztReadSize = 103;  // up to the size
     EXPECT_EQ(ZE_KEST_OK, kind.pfnForward(ports, 0, 25));
     EXPECT_EQ(Noise(64, 64), ports.Content(0));
     EXPECT_NE(Noise(64, 64), ports.Content(1)) << "the port behind is served";
@@ -90,7 +95,8 @@ TEST(Forward, SizesThatContradictEachOtherAreReportedAndPassedOver) {
 
 TEST(Forward, AnOutputWithAMetadataRingIsFoundConnectedOrNot) {
   kest::test::Filter filter;
-  filter.Out(2).st.bConnected = 0;
+  for (const uint32_t slot : {1u, 2u, 3u})
+    filter.Out(slot).st.bConnected = slot == 2 ? 0 : 1;
   EXPECT_EQ(0u, ze_kest_Utility_IsOutputMetadataBufferExist(filter));
   filter.Out(2).st.stMeta.sztSize = 1;
   EXPECT_EQ(1u, ze_kest_Utility_IsOutputMetadataBufferExist(filter));

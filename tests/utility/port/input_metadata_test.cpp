@@ -62,6 +62,8 @@ TEST_F(InputMetadata, TheLengthCoversABlockPer256SamplesUntilTheDataEnds) {
   EXPECT_EQ(Pair(96, 24), Length(100 * 256));
   stMeta.sztLevel = 16 + 32;
   EXPECT_EQ(Pair(32, 32), Length(3 * 256));
+  stMeta.sztLevel = 16;
+  EXPECT_EQ(Pair(32, 32), Length(256)) << "the block at the read position of an empty ring";
   Put(16, {16, 0, 24});
   EXPECT_EQ(Pair(32, 32), Length(UINT32_MAX)) << "a block without payload is met again and again";
   stMeta.pu8Buf = nullptr;

@@ -42,22 +42,28 @@ TEST(PcmPointers, PointAtTheReadPositionOfEveryChannel) {
 
 TEST(PcmPointers, GroupsThatContradictTheFormatAreReportedOnly) {
   Filter filter;
-  ZE_KEST_PcmBuffer_s &pcm = filter.In(0).Pcm(32, 16, {2, 6, 0});
+  ZE_KEST_PcmBuffer_s &pcm = filter.In(0).Pcm(32, 16, {2, 10, 10});
   pcm.astPcmGroup[0].ePcmGroupType = 1;
-  pcm.astPcmGroup[1].u32ChannelCount = 99;
-  pcm.astPcmGroup[2] = {2, 1, {}};  // without storage
+  pcm.astPcmGroup[1].ePcmGroupType = -1;
+  pcm.astPcmGroup[2].u32ChannelCount = 99;
+  pcm.sztPcmRingSamples = 0;
+  pcm.sztPcmReadOffset = 3;  // no ring contains it
   const kest::test::ReportCapture capture;
   Pointers pointers;
   EXPECT_EQ(ZE_KEST_OK, pointers.Analyze(filter));
-  EXPECT_EQ(26, std::count(std::begin(pointers.aps32), std::end(pointers.aps32), nullptr));
-  EXPECT_NE(nullptr, pointers.aps32[12 + 9]);
-  pcm.sztPcmReadOffset = 32;  // beyond the ring
+  for (uint32_t entry = 0; entry < ZE_KEST_PCM_CHANNEL_ENTRIES; ++entry) {
+    const void *pv = entry >= 24 && entry < 34 ? pcm.apu8PcmGroupBuf[2] + 3 * 4 : nullptr;
+    EXPECT_EQ(pv, pointers.aps32[entry]) << entry;
+  }
+  pcm.sztPcmReadOffset = 1;
+  pcm.apu8PcmGroupBuf[2] = nullptr;
   EXPECT_EQ(ZE_KEST_OK, pointers.Analyze(filter));
-  EXPECT_THAT(pointers.aps32, testing::Each(nullptr));
+  EXPECT_THAT(pointers.aps32, testing::Each(nullptr)) << "without storage";
   pcm.u32PcmGroupNum = 0;
   pointers.u8Present = 7;
   EXPECT_EQ(ZE_KEST_OK, pointers.Analyze(filter));
   EXPECT_EQ(7, pointers.u8Present);
-  const std::string text = "[pipe:filter]PcmGroup information error:u32TotalChannels=8,u32ChannelCount=";
-  EXPECT_THAT(capture.Texts("<ERR>"), testing::ElementsAre(text + "100\n", text + "100\n", text + "0\n"));
+  const std::string text = "[pipe:filter]PcmGroup information error:u32TotalChannels=22,u32ChannelCount=";
+  EXPECT_THAT(capture.Texts("<ERR>"), testing::ElementsAre(text + "99\n", text + "99\n", text + "0\n"));
+  EXPECT_EQ("ze_kest_Utility_AnalyzeInputPort32BitPcmGroup", capture.Reports()[0].function);
 }

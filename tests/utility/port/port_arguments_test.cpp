@@ -12,6 +12,8 @@ uint8_t au8[64];
 uint32_t u32A, u32B;
 int16_t *aps16[ZE_KEST_PCM_CHANNEL_ENTRIES];
 int32_t *aps32[ZE_KEST_PCM_CHANNEL_ENTRIES];
+int16_t *aps16Ch[ZE_KEST_PCM_CHANNEL_ENTRIES];  // outputs: nobody writes through what a case leaves there
+int32_t *aps32Ch[ZE_KEST_PCM_CHANNEL_ENTRIES];
 uint16_t au16[ZE_KEST_PCM_CHANNEL_ENTRIES];
 const ZE_KEST_PcmGroup_s astGroups[ZE_KEST_PCM_GROUPS] = {};
 
@@ -32,7 +34,7 @@ const Call kOnePort[] = {
     KEST_CALL("", WriteOutputPort16BitPcmBuffer, p, 1, aps16, au16),
     KEST_CALL("", WriteAllOutputPortMetadataBuffer, p, 0),
     KEST_CALL("", WriteAllOutputPortRawBuffer, p, 0),
-    KEST_CALL("", AnalyzeInputPort16BitPcmGroup, p, aps16, au16, au8),
+    KEST_CALL("", AnalyzeInputPort16BitPcmGroup, p, aps16Ch, au16, au8),
 };
 
 const Call kAllPorts[] = {
@@ -52,12 +54,12 @@ const Call kMissing[] = {
     KEST_CALL("pu32BlockSize", ReadOneBlockInputPortMetadataBuffer, p, 0, &u32A, nullptr),
     KEST_CALL("pu32Len", QueryInputPortMetadataLen, p, 256, nullptr, &u32B),
     KEST_CALL("pu32LastBlockSize", QueryInputPortMetadataLen, p, 256, &u32A, nullptr),
-    KEST_CALL("aps16Src", WriteOutputPort16BitPcmBuffer, p, 1, nullptr, au16),
+    KEST_CALL("apSrc", WriteOutputPort16BitPcmBuffer, p, 1, nullptr, au16),
     KEST_CALL("au16Stride", WriteOutputPort32BitPcmBuffer, p, 1, aps32, nullptr),
-    KEST_CALL("aps32Src", WriteAllOutputPort32BitPcmBuffer, 1, nullptr, au16),
-    KEST_CALL("aps16Ch", AnalyzeInputPort16BitPcmGroup, p, nullptr, au16, au8),
-    KEST_CALL("au16Stride", AnalyzeInputPort32BitPcmGroup, p, aps32, nullptr, au8),
-    KEST_CALL("pbGroupPresent", AnalyzeInputPort32BitPcmGroup, p, aps32, au16, nullptr),
+    KEST_CALL("apSrc", WriteAllOutputPort32BitPcmBuffer, 1, nullptr, au16),
+    KEST_CALL("apCh", AnalyzeInputPort16BitPcmGroup, p, nullptr, au16, au8),
+    KEST_CALL("au16Stride", AnalyzeInputPort32BitPcmGroup, p, aps32Ch, nullptr, au8),
+    KEST_CALL("pbGroupPresent", AnalyzeInputPort32BitPcmGroup, p, aps32Ch, au16, nullptr),
     KEST_CALL("psztProcessSize", CalculateInputPortPcmProcessSize, nullptr),
     KEST_CALL("pstPcmInfo", UpdatePcmInfoToAllOutputPort, nullptr),
     KEST_CALL("pastPcmGroup", UpdatePcmGroupToAllOutputPort, 0, nullptr),

@@ -12,21 +12,24 @@ struct PortState {
 };
 
 // Gives the value to every kind of data, each times a factor of its own (those below), and to the byte rings
-// 5 more that this cycle has used up.
-void Set(ZE_KEST_Port_s &stPort, const PortState &state) {
+// what this cycle has used up on top. What the other side asks for differs by one.
+void Set(ZE_KEST_Port_s &stPort, const PortState &state, bool bInput) {
+  const uint32_t in = state.value + (bInput ? 0 : 1);
+  const uint32_t out = state.value + (bInput ? 1 : 0);
   stPort.bConnected = state.connected;
   stPort.stPcm.sztPcmRingSamples = state.rings & kPcm;
-  stPort.stPcm.sztPcmLevel = state.value;
-  stPort.stPcm.sztPcmSpace = 2 * state.value;
+  stPort.stPcm.sztPcmLevel = in;
+  stPort.stPcm.sztPcmSpace = 2 * out;
   stPort.stPcm.sztPcmReadSize = stPort.stPcm.sztPcmWriteSize = 5;  // not subtracted
   stPort.stMeta.sztSize = state.rings & kMeta;
-  stPort.stMeta.sztLevel = 3 * state.value + 5;
-  stPort.stMeta.sztSpace = 4 * state.value + 5;
+  stPort.stMeta.sztLevel = 3 * in + 5;
+  stPort.stMeta.sztSpace = 4 * out + 7;
   stPort.stRaw.sztSize = state.rings & kRaw;
-  stPort.stRaw.sztLevel = 5 * state.value + 5;
-  stPort.stRaw.sztSpace = 6 * state.value + 5;
+  stPort.stRaw.sztLevel = 5 * in + 5;
+  stPort.stRaw.sztSpace = 6 * out + 7;
   for (ZE_KEST_DataBuffer_s *pstRing : {&stPort.stMeta, &stPort.stRaw}) {
-    pstRing->sztReadSize = pstRing->sztWriteSize = 5;
+    pstRing->sztReadSize = 5;
+    pstRing->sztWriteSize = 7;
   }
 }
 
@@ -65,8 +68,8 @@ TEST(ProcessSize, EachKindCountsItsOwnPorts) {
     if (c.ports.size() == 1) filter.st->sztMaxInPcmProcessSize = 200;
     if (c.ports.size() == 1) filter.st->sztMaxOutPcmProcessSize = 300;
     for (uint32_t i = 0; i < c.ports.size(); ++i) {
-      Set(filter.In(2 * i).st, c.ports[i]);  // with empty slots between the ports
-      Set(filter.Out(2 * i).st, c.ports[i]);
+      Set(filter.In(2 * i).st, c.ports[i], true);  // with empty slots between the ports
+      Set(filter.Out(2 * i).st, c.ports[i], false);
     }
     for (size_t i = 0; i < 6; ++i) {
       uint32_t u32Size = 77;
