@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "ze_kest/utility.h"
@@ -6,6 +7,7 @@
 #include "tests/support/debug_layer.h"
 #include "tests/support/report_capture.h"
 #include "utility/core/owned_file.h"
+#include "utility/core/owned_memory.h"
 
 using kest::OwnedFile;
 using kest::test::ReportCapture;
@@ -14,6 +16,19 @@ using kest::test::WriteFile;
 namespace {
 
 constexpr const char *kPath = KEST_DEBUG_DIR "file";
+
+// All lines of a file with the contents, read through a scratch buffer of the size.
+std::vector<std::string> LinesOf(const std::string &contents, int s32ScratchSize) {
+  WriteFile(kPath, contents);
+  const OwnedFile file(ze_kest_Utility_FileOpen(kPath, "r"));
+  std::vector<char> scratch(static_cast<size_t>(s32ScratchSize));
+  std::vector<std::string> lines;
+  while (true) {
+    const kest::Owned<char> line(ze_kest_Utility_FileReadLine(scratch.data(), s32ScratchSize, file.get()));
+    if (line == nullptr) return lines;
+    lines.emplace_back(line.get());
+  }
+}
 
 }  // namespace
 
@@ -49,10 +64,10 @@ TEST(Files, WhatTheDeviceRefusesIsReported) {
   EXPECT_NE(0, ze_kest_Utility_FileSeek(pPipe, 0, SEEK_SET));
   EXPECT_EQ(0u, ze_kest_Utility_GetFileSize(pPipe));
   pclose(pPipe);
-  EXPECT_TRUE(capture.Has("<ERR>", "Error! Fail to fseek file\n"));
-  EXPECT_TRUE(capture.Has("<ERR>", "Error! Fail to fseek()!\n"));
-  EXPECT_TRUE(capture.Has("<ERR>", "Error! Fail to ftell()!\n"));
-  EXPECT_TRUE(capture.Has("<ERR>", "Err! ZE_KEST_FTELL ret: -1\n"));
+  for (const char *pszText : {"Error! Fail to fseek file\n", "Error! Fail to fseek()!\n",
+                              "Error! Fail to ftell()!\n", "Err! ZE_KEST_FTELL ret: -1\n"}) {
+    EXPECT_TRUE(capture.Has("<ERR>", pszText)) << pszText;
+  }
 }
 
 TEST(Files, MissingArgumentsAreReportedAndAnswered) {
@@ -60,21 +75,70 @@ TEST(Files, MissingArgumentsAreReportedAndAnswered) {
   WriteFile(kPath, "x");
   const OwnedFile file(ze_kest_Utility_FileOpen(kPath, "r"));
   char sz[4];
-  EXPECT_EQ(nullptr, ze_kest_Utility_FileOpen(nullptr, "r"));
-  EXPECT_EQ(nullptr, ze_kest_Utility_FileOpen(kPath, nullptr));
+  EXPECT_THAT(
+      (std::vector<void *>{ze_kest_Utility_FileOpen(nullptr, "r"), ze_kest_Utility_FileOpen(kPath, nullptr),
+                           ze_kest_Utility_FileReadLine(nullptr, 4, file.get()),
+                           ze_kest_Utility_FileReadLine(sz, 1, file.get()),
+                           ze_kest_Utility_FileReadLine(sz, 4, nullptr)}),
+      testing::Each(nullptr));
+  EXPECT_THAT(
+      (std::vector<size_t>{
+          ze_kest_Utility_FileRead(nullptr, 1, 1, file.get()), ze_kest_Utility_FileRead(sz, 1, 1, nullptr),
+          ze_kest_Utility_FileWrite(nullptr, 1, 1, file.get()), ze_kest_Utility_FileWrite(sz, 1, 1, nullptr),
+          ze_kest_Utility_GetFileSize(nullptr)}),
+      testing::Each(0u));
   EXPECT_EQ(EOF, ze_kest_Utility_FileClose(nullptr));
-  EXPECT_EQ(0u, ze_kest_Utility_FileRead(nullptr, 1, 1, file.get()));
-  EXPECT_EQ(0u, ze_kest_Utility_FileRead(sz, 1, 1, nullptr));
-  EXPECT_EQ(0u, ze_kest_Utility_FileWrite(nullptr, 1, 1, file.get()));
-  EXPECT_EQ(0u, ze_kest_Utility_FileWrite(sz, 1, 1, nullptr));
-  EXPECT_EQ(nullptr, ze_kest_Utility_FileReadLine(nullptr, 4, file.get()));
-  EXPECT_EQ(nullptr, ze_kest_Utility_FileReadLine(sz, 1, file.get()));
-  EXPECT_EQ(nullptr, ze_kest_Utility_FileReadLine(sz, 4, nullptr));
   EXPECT_NE(0, ze_kest_Utility_FileSeek(nullptr, 0, SEEK_SET));
-  EXPECT_NE(0, ze_kest_Utility_FileSetPos(nullptr, nullptr));
-  EXPECT_NE(0, ze_kest_Utility_FileSetPos(file.get(), nullptr));
-  EXPECT_NE(0, ze_kest_Utility_FileGetPos(nullptr, nullptr));
-  EXPECT_NE(0, ze_kest_Utility_FileGetPos(file.get(), nullptr));
-  EXPECT_EQ(0u, ze_kest_Utility_GetFileSize(nullptr));
+  for (FILE *const pFile : {static_cast<FILE *>(nullptr), file.get()}) {
+    EXPECT_NE(0, ze_kest_Utility_FileSetPos(pFile, nullptr));
+    EXPECT_NE(0, ze_kest_Utility_FileGetPos(pFile, nullptr));
+  }
   EXPECT_EQ(16u, capture.Texts("<ERR>").size());
+}
+
+TEST(FileLine, LinesOfAnyLengthComeWholeAndWithoutTheirEnds) {
+  const std::string longLine(1000, 'x');
+  const std::vector<std::string> expected = {"one", "", "two", longLine, "last"};
+  for (const char *pszEnd : {"\n", "\r\n"}) {
+    std::string contents;
+    for (const std::string &line : expected)
+      contents += line + pszEnd;
+    for (const int s32Scratch : {2, 3, 8, 2000})
+      EXPECT_EQ(expected, LinesOf(contents, s32Scratch));
+  }
+  EXPECT_EQ((std::vector<std::string>{"a", "b"}), LinesOf("a\nb", 16));
+  EXPECT_EQ((std::vector<std::string>{"a"}), LinesOf("a\r", 16));
+  EXPECT_TRUE(LinesOf("", 16).empty());
+}
+
+TEST(FileToString, GivesTheWholeFileZeroFilledToTheNextPageAboveItsSize) {
+  for (const size_t sztSize : {size_t{1}, size_t{4095}, size_t{4096}, size_t{10000}}) {
+    WriteFile(kPath, std::string(sztSize, 'j'));
+    char *psz = nullptr;
+    size_t sztRead = 0;
+    ASSERT_EQ(ZE_KEST_OK, ze_kest_Utility_FileToString(kPath, &psz, &sztRead));
+    const kest::Owned<char> string(psz);
+    EXPECT_EQ(sztSize, sztRead);
+    const size_t sztBuffer = (sztSize / 4096 + 1) * 4096;
+    EXPECT_EQ(std::string(sztSize, 'j') + std::string(sztBuffer - sztSize, '\0'),
+              std::string(psz, sztBuffer));
+  }
+}
+
+TEST(FileToString, WhatCannotBeReadFailsWithItsReport) {
+  const ReportCapture capture;
+  char szAnything[] = "x";
+  char *psz = szAnything;
+  size_t sztSize = 1;
+  EXPECT_EQ(ZE_KEST_FAILED, ze_kest_Utility_FileToString(KEST_DEBUG_DIR "missing", &psz, &sztSize));
+  WriteFile(kPath, "");
+  EXPECT_EQ(ZE_KEST_FAILED, ze_kest_Utility_FileToString(kPath, &psz, &sztSize));
+  EXPECT_EQ(ZE_KEST_FAILED, ze_kest_Utility_FileToString(KEST_DEBUG_DIR, &psz, &sztSize));
+  EXPECT_EQ(nullptr, psz);
+  EXPECT_EQ(0u, sztSize);
+  EXPECT_EQ(ZE_KEST_INVALID_ARGUMENT, ze_kest_Utility_FileToString(nullptr, &psz, &sztSize));
+  EXPECT_EQ(ZE_KEST_INVALID_ARGUMENT, ze_kest_Utility_FileToString(kPath, nullptr, &sztSize));
+  EXPECT_EQ(ZE_KEST_INVALID_ARGUMENT, ze_kest_Utility_FileToString(kPath, &psz, nullptr));
+  EXPECT_TRUE(capture.Has("<ERR>", "Err! ze_kest_Utility_FileOpen failed!\n"));
+  EXPECT_TRUE(capture.Has("<ERR>", "Invalid file size.\n"));
 }

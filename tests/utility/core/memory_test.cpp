@@ -23,13 +23,12 @@ TEST(Memory, AnImpossibleRequestIsReportedAndLeavesNull) {
     void *pv = &s32Anything;
     EXPECT_EQ(ZE_KEST_FAILED, ze_kest_Utility_MemoryAlloc(&pv, sztSize));
     EXPECT_EQ(nullptr, pv);
+    EXPECT_EQ(ZE_KEST_FAILED, ze_kest_Utility_MemoryFree(&pv));
   }
-  void *pvNull = nullptr;
-  EXPECT_EQ(ZE_KEST_FAILED, ze_kest_Utility_MemoryFree(&pvNull));
   EXPECT_EQ(ZE_KEST_INVALID_ARGUMENT, ze_kest_Utility_MemoryAlloc(nullptr, 1));
   EXPECT_EQ(ZE_KEST_INVALID_ARGUMENT, ze_kest_Utility_MemoryFree(nullptr));
-  const std::vector<std::string> expected = {"Error! MALLOC error! \n", "Error! MALLOC error! \n",
-                                             "Error! FREE error! \n", "ppvOut is NULL.\n",
-                                             "ppvInOut is NULL.\n"};
-  EXPECT_EQ(expected, capture.Texts("<ERR>"));
+  EXPECT_EQ(
+      (std::vector<std::string>{"Error! MALLOC error! \n", "Error! FREE error! \n", "Error! MALLOC error! \n",
+                                "Error! FREE error! \n", "ppvOut is NULL.\n", "ppvInOut is NULL.\n"}),
+      capture.Texts("<ERR>"));
 }

@@ -8,6 +8,7 @@
 using kest::test::ReportCapture;
 
 TEST(SourceType, TheFirstSourceOfTheSearchOrderWins) {
+  const ReportCapture capture;
   ZE_KEST_Filter_s stFilter = {};
   const auto sourceOf = [&stFilter](const char *pszConfig) {
     unsigned int eSource = 99;
@@ -22,11 +23,8 @@ TEST(SourceType, TheFirstSourceOfTheSearchOrderWins) {
   EXPECT_EQ(1u, sourceOf("InputSource=ANALOG"));
   EXPECT_EQ(0u, sourceOf("InputSource="));
   EXPECT_EQ(0u, sourceOf(nullptr));
-
-  const ReportCapture capture;
   unsigned int eSource = 0;
   EXPECT_EQ(ZE_KEST_INVALID_ARGUMENT, ze_kest_Utility_GetSourceType(nullptr, &eSource));
   EXPECT_EQ(ZE_KEST_INVALID_ARGUMENT, ze_kest_Utility_GetSourceType(&stFilter, nullptr));
-  sourceOf("InputSource=MM");
   EXPECT_TRUE(capture.Has("<INFO>", "eSourceType:5\n"));
 }
