@@ -26,22 +26,15 @@ size_t RefusedLines(const ReportCapture &capture) {
 
 }  // namespace
 
-TEST(CommandThread, ALineOfThePipeIsCarriedOut) {
+TEST(CommandThread, ALineOfThePipeIsCarriedOutThoughItComesInPiecesFromSeveralWriters) {
   const DebugLayer layer;
   const ReportCapture capture;
-  WriteToPipe("kest_log_level=wrn\nkest_atrace=on\n");
+  WriteToPipe("kest_log_level=wrn\nkest_at");
+  WriteToPipe("race=");
+  WriteToPipe("on\n");
   EXPECT_TRUE(WaitFor([&] { return capture.Has("<PRINT>", "kest_atrace=on\n"); }));
   EXPECT_EQ(ZE_KEST_LEVEL_WRN, __atomic_load_n(&u32KestDebugLevel, __ATOMIC_RELAXED));
   EXPECT_TRUE(WaitFor([] { return __atomic_load_n(&bKestAtraceEnable, __ATOMIC_RELAXED) == 1; }));
-}
-
-TEST(CommandThread, ALineThatComesInPiecesFromSeveralWritersIsOneLine) {
-  const DebugLayer layer;
-  const ReportCapture capture;
-  WriteToPipe("kest_log");
-  WriteToPipe("_size=");
-  WriteToPipe("4096\n");
-  EXPECT_TRUE(WaitFor([&] { return capture.Has("<PRINT>", "LogSizeMax:4096\n"); }));
 }
 
 TEST(CommandThread, ALongLineIsCutAt127BytesLosesOneByteAndGoesOnAsTheNextLine) {

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <cstring>
 #include <filesystem>
 
 #include <gmock/gmock.h>
@@ -17,11 +18,15 @@ namespace {
 
 using Texts = std::vector<std::string>;
 
+uint32_t g_u32LevelBehind = 0;  // in force behind the latest line
+
 // Label and text of every report that a line makes behind its echo and the empty line of the dispatcher.
 // Without those of the set-parameter command, which reports on every line that comes as far.
-Texts RepliesTo(const std::string &line, uint32_t u32Expected = ZE_KEST_OK) {
-  const ReportCapture capture(u32KestDebugLevel);
+Texts RepliesTo(const std::string &line, uint32_t u32Expected = ZE_KEST_OK,
+                uint32_t u32Level = ZE_KEST_LEVEL_PRINT) {
+  const ReportCapture capture(u32Level);
   EXPECT_EQ(u32Expected, ze_kest_Debug_SetParameter(line.c_str())) << line;
+  g_u32LevelBehind = u32KestDebugLevel;
   Texts replies;
   for (const Report &report : capture.Reports()) {
     if (report.function == "_ZE_KEST_Debug_Cmd_SetParameter") continue;
@@ -71,20 +76,15 @@ TEST(Dispatcher, EveryLogLevelShowsTheTestLinesThatItLetsThrough) {
   struct {
     const char *pszName;
     uint32_t u32Level;
-    size_t sztFirstTest;
+    long firstTest;
   } const aLevels[] = {{"all", 240, 0}, {"trace", 80, 0}, {"info", 64, 0}, {"wrn", 48, 1},
                        {"err", 32, 2},  {"sync", 33, 2},  {"hdmi", 34, 2}, {"none", 1, 3}};
   for (const auto &level : aLevels) {
     const std::string line = std::string("kest_log_level=") + level.pszName;
-    const ReportCapture capture(u32KestDebugLevel);
-    EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_SetParameter(line.c_str()));
-    EXPECT_EQ(level.u32Level, u32KestDebugLevel);
     Texts expected = {"<PRINT>" + line + "\n"};
-    expected.insert(expected.end(), tests.begin() + static_cast<long>(level.sztFirstTest), tests.end());
-    Texts replies;
-    for (const Report &report : capture.Reports())
-      replies.push_back(report.label + report.text);
-    EXPECT_EQ(expected, Texts(replies.begin() + 2, replies.end()));
+    expected.insert(expected.end(), tests.begin() + level.firstTest, tests.end());
+    EXPECT_EQ(expected, RepliesTo(line));
+    EXPECT_EQ(level.u32Level, g_u32LevelBehind);
   }
 }
 
@@ -97,6 +97,10 @@ TEST(Dispatcher, ElevenSeparatorsSplitALineAndWhatFollowsTheValueIsIgnored) {
   // The preset's text is split at its first comma alone.
   EXPECT_EQ((Texts{"<PRINT>kest_debug_preset_cmd=all\n"}), RepliesTo("kest_debug_preset_cmd all,x.y:z=1,2"));
   EXPECT_EQ("<PRINT>DebugPresetCmd:x.y:z=1,2,x.y:z=1,2\n", RepliesTo("kest_print_current_shm")[1]);
+  // And cut at 255 characters.
+  RepliesTo("kest_debug_preset_cmd=all," + std::string(300, 't'));
+  const std::string kept(255, 't');
+  EXPECT_EQ("<PRINT>DebugPresetCmd:" + kept + "," + kept + "\n", RepliesTo("kest_print_current_shm")[1]);
 }
 
 TEST(Dispatcher, WhatNoCommandTakesGivesEightAndChangesNothing) {
@@ -122,25 +126,15 @@ TEST(Dispatcher, WhatNoCommandTakesGivesEightAndChangesNothing) {
                               "kest_debug_list=",
                               "kest_debug_list=all"}) {
     EXPECT_EQ(Texts{}, RepliesTo(pszLine, ZE_KEST_INVALID_ARGUMENT)) << pszLine;
+    EXPECT_EQ(ZE_KEST_LEVEL_PRINT, g_u32LevelBehind);
   }
-  EXPECT_EQ(ZE_KEST_LEVEL_PRINT, u32KestDebugLevel);
   EXPECT_EQ(0, bKestAtraceEnable);
   EXPECT_EQ((Texts{"<PRINT>kest_debug_preset_cmd=all\n"}),
             RepliesTo("kest_debug_preset_cmd=all", ZE_KEST_INVALID_ARGUMENT));
   EXPECT_EQ("<PRINT>bDebugPresetCmd:0,0\n", RepliesTo("kest_print_current_shm")[2]);
 }
 
-TEST(Dispatcher, ANumberOutOfRangeIsAFormatErrorThoughItIsStored) {
-  const DebugLayer layer;
-  for (const char *pszKeyword : {"kest_log_size", "kest_monitor_sleep_time"}) {
-    for (const char *pszNumber : {"2147483647", "-2147483648", "99999999999999999999"}) {
-      EXPECT_EQ((Texts{std::string("<PRINT>format error: ") + pszNumber + "\n"}),
-                RepliesTo(std::string(pszKeyword) + "=" + pszNumber, ZE_KEST_INVALID_ARGUMENT));
-    }
-  }
-}
-
-TEST(Dispatcher, ALogSizeOutOfRangeIsTheLimitFromThenOn) {
+TEST(Dispatcher, ANumberOutOfRangeIsAFormatErrorThoughItsLimitIsStored) {
   const DebugLayer layer;
   const auto restartsIn1000Messages = [] {
     const auto sztBefore = std::filesystem::file_size(kest::test::kLogFile);
@@ -148,10 +142,13 @@ TEST(Dispatcher, ALogSizeOutOfRangeIsTheLimitFromThenOn) {
       ze_kest_Debug_Log(ZE_KEST_LEVEL_PRINT, "x\n");
     return std::filesystem::file_size(kest::test::kLogFile) < sztBefore + 2000;
   };
-  RepliesTo("kest_log_size=-99999999999", ZE_KEST_INVALID_ARGUMENT);
-  EXPECT_TRUE(restartsIn1000Messages());
-  RepliesTo("kest_log_size=99999999999", ZE_KEST_INVALID_ARGUMENT);
-  EXPECT_FALSE(restartsIn1000Messages());
+  for (const char *pszKeyword : {"kest_monitor_sleep_time", "kest_log_size"}) {
+    for (const char *pszNumber : {"2147483647", "-2147483648", "-99999999999", "99999999999999999999"}) {
+      EXPECT_EQ((Texts{std::string("<PRINT>format error: ") + pszNumber + "\n"}),
+                RepliesTo(std::string(pszKeyword) + "=" + pszNumber, ZE_KEST_INVALID_ARGUMENT));
+      EXPECT_EQ(*pszNumber == '-' && strcmp(pszKeyword, "kest_log_size") == 0, restartsIn1000Messages());
+    }
+  }
 }
 
 TEST(Dispatcher, TheHelpHas128RowsAndTheVersion) {
@@ -171,24 +168,11 @@ TEST(Dispatcher, TheHelpHas128RowsAndTheVersion) {
 
 TEST(Dispatcher, TheColourSamplesComeAtInfoLevel) {
   const DebugLayer layer;
-  const ReportCapture capture(ZE_KEST_LEVEL_INFO);
-  EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_SetParameter("ascii_color"));
-  Texts samples;
-  for (const Report &report : capture.Reports()) {
-    if (report.function == "_ZE_KEST_Debug_PrintAsciiColor") samples.push_back(report.text);
-  }
+  const Texts samples = RepliesTo("ascii_color", ZE_KEST_OK, ZE_KEST_LEVEL_INFO);
   ASSERT_EQ(24u, samples.size());
-  EXPECT_EQ("<01>\033[30mCOLOR_BLACK\033[0m\n", samples[0]);
-  EXPECT_EQ("<13>\033[1;34mCOLOR_BLUE\033[0m\n", samples[12]);
-  EXPECT_EQ("<24>\033[1;7;37mCOLOR_INVERSE_WHITE\033[0m\n", samples[23]);
-}
-
-TEST(Dispatcher, APresetCommandIsCutAt255Characters) {
-  const DebugLayer layer;
-  const std::string text(300, 't');
-  EXPECT_EQ((Texts{"<PRINT>kest_debug_preset_cmd=all\n"}), RepliesTo("kest_debug_preset_cmd=all," + text));
-  const std::string kept = text.substr(0, 255);
-  EXPECT_EQ("<PRINT>DebugPresetCmd:" + kept + "," + kept + "\n", RepliesTo("kest_print_current_shm")[1]);
+  EXPECT_EQ("<INFO><01>\033[30mCOLOR_BLACK\033[0m\n", samples[0]);
+  EXPECT_EQ("<INFO><13>\033[1;34mCOLOR_BLUE\033[0m\n", samples[12]);
+  EXPECT_EQ("<INFO><24>\033[1;7;37mCOLOR_INVERSE_WHITE\033[0m\n", samples[23]);
 }
 
 TEST(Dispatcher, TheExportedEntryRefusesNullAndALayerThatIsNotUp) {

@@ -6,13 +6,7 @@
 #include "tests/support/debug_layer.h"
 #include "tests/support/requests.h"
 
-using kest::test::DataRate;
-using kest::test::DebugLayer;
-using kest::test::PcmLevel;
-using kest::test::PerfTarget;
-using kest::test::StatusQuery;
-using kest::test::TestTone;
-
+namespace kest::test {
 namespace {
 
 using AllRequests = std::vector<std::string>;
@@ -31,8 +25,6 @@ void MakeEveryRequest() {
   EXPECT_EQ((AllRequests{"32|p1|f1", "32|p2|f2", "16|p3|f3|7", "16|p4|f4|9|9", "16|p5|f5|1|2"}),
             AllGlobals());
 }
-
-}  // namespace
 
 TEST(HandlerChain, ALineChangesTheRequestsThatItComesByUntilOneTakesIt) {
   const DebugLayer layer;
@@ -67,7 +59,7 @@ TEST(HandlerChain, EveryNameIsCutAt63Characters) {
   const std::string names = "|" + p.substr(0, 63) + "|" + f.substr(0, 63);
   struct {
     std::string line;
-    kest::test::Globals pfnGlobals;
+    Globals pfnGlobals;
     std::string globals;
   } const aLines[] = {
       {"kest_perf_event_target=filter," + p + ":" + f, PerfTarget, "32" + names},
@@ -93,3 +85,6 @@ TEST(HandlerChain, AStartFindsNoRequest) {
   const DebugLayer layer;
   EXPECT_EQ((AllRequests{"0||", "0||", "0|||0", "0|||0|0", "0|||0|0"}), AllGlobals());
 }
+
+}  // namespace
+}  // namespace kest::test

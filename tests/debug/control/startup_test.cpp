@@ -20,17 +20,15 @@ using kest::test::DebugLayer;
 using kest::test::ReportCapture;
 using kest::test::ThreadsNamed;
 
-TEST(StartUp, TheFirstProcessSetsTheLevelToPrintAndOpensThePipe) {
+TEST(StartUp, TheFirstSetsTheLevelToPrintAndOpensThePipeAndASecondDoesNothing) {
   const DebugLayer layer;
   EXPECT_EQ(ZE_KEST_LEVEL_PRINT, u32KestDebugLevel);
   EXPECT_EQ(nullptr, pFileKestDebugPipeline);
   EXPECT_TRUE(kest::test::WaitFor(
       [] { return std::filesystem::is_fifo(std::filesystem::status(kest::test::kPipe)); }));
   EXPECT_TRUE(std::filesystem::exists(kest::test::kLogFile));
-}
 
-TEST(StartUp, ASecondStartIsReportedAndStartsNoSecondThread) {
-  const DebugLayer layer;
+  // A second start is reported and starts no second thread.
   EXPECT_TRUE(kest::test::WaitFor([] { return ThreadsNamed("KestDebug") == 1; }));
   const ReportCapture capture;
   EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_Init());
@@ -40,24 +38,20 @@ TEST(StartUp, ASecondStartIsReportedAndStartsNoSecondThread) {
   EXPECT_EQ(1, ThreadsNamed("KestDebug"));
 }
 
-TEST(ShutDown, EndsTheThreadAndRemovesTheSharedBlockAndASecondOneIsOnlyReported) {
-  {
-    const DebugLayer layer;
-    EXPECT_TRUE(std::filesystem::exists(KEST_DEBUG_DIR "shm_global"));
+TEST(ShutDown, EndsTheThreadAndRemovesTheSharedBlockUntilTheNextStartAndASecondOneIsOnlyReported) {
+  for (int i = 0; i < 3; ++i) {
+    {
+      const DebugLayer layer;
+      EXPECT_TRUE(std::filesystem::exists(KEST_DEBUG_DIR "shm_global"));
+      EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_SetParameter("kest_log_level=info"));
+      EXPECT_EQ(ZE_KEST_LEVEL_INFO, u32KestDebugLevel);
+    }
+    EXPECT_EQ(0, ThreadsNamed("KestDebug"));
+    EXPECT_FALSE(std::filesystem::exists(KEST_DEBUG_DIR "shm_global"));
   }
-  EXPECT_EQ(0, ThreadsNamed("KestDebug"));
-  EXPECT_FALSE(std::filesystem::exists(KEST_DEBUG_DIR "shm_global"));
   const ReportCapture capture;
   EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_DeInit());
   EXPECT_EQ((std::vector<std::string>{"DeInit\n", "Exit for double DeInit\n"}), capture.Texts("<INFO>"));
-}
-
-TEST(StartUp, WorksAgainAfterAShutDown) {
-  for (int i = 0; i < 3; ++i) {
-    const DebugLayer layer;
-    EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_SetParameter("kest_log_level=info"));
-    EXPECT_EQ(ZE_KEST_LEVEL_INFO, u32KestDebugLevel);
-  }
 }
 
 TEST(StartUp, ALaterProcessAdoptsTheLevelAndThePresetCommand) {

@@ -5,11 +5,10 @@ namespace kest::test {
 namespace {
 
 class Listing : public RegistryTest {};
-class Connections : public RegistryTest {};
 
 const std::string kRule = "===============\n";
 
-TEST_F(Listing, ShowsPipelinesFiltersConnectionsAndPortsAndCountsTheirBytes) {
+TEST_F(Listing, ShowsPipelinesFiltersConnectionsPortsAndTheirBytesAndEveryState) {
   AddPipeline("Decoder_13", 1234);
   ZE_KEST_Filter_s &filter = AddFilter("Decoder_13", "Volume");
   EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_ConnectPipeline("Decoder_13", "SpeakerOutput"));
@@ -35,7 +34,6 @@ TEST_F(Listing, ShowsPipelinesFiltersConnectionsAndPortsAndCountsTheirBytes) {
   filter.u32OutPortCount = 100;  // more than there are
   filter.apstOutPort[0] = &stOut;
 
-  const Texts prints = PrintsOf("kest_debug_list=print");
   const Texts expected = {
       "kest_debug_node=print\n",
       kRule,
@@ -53,12 +51,9 @@ TEST_F(Listing, ShowsPipelinesFiltersConnectionsAndPortsAndCountsTheirBytes) {
       "Decoder_13 Volume ou 0 0/0(0 0 0) 0/1000 0/0 (x)\n",
       "u64TotalIoSize=26159\n",
       kRule};
-  EXPECT_EQ(expected, prints);
-}
+  EXPECT_EQ(expected, PrintsOf("kest_debug_list=print"));
 
-TEST_F(Listing, NamesEveryStateAndSurvivesWhatHasNone) {
-  AddPipeline("P");
-  ZE_KEST_Filter_s &filter = AddFilter("P", "F");
+  // Every state has its name; a filter without a pipeline shows as unknown.
   const char *const apszStates[] = {"NONE ", "IDLE ", "STOP ", "PREPA", "RUN  ", "PAUSE", "DRAIN", "?    "};
   for (uint32_t i = 0; i < 8; ++i) {
     filter.pstParentPipeline->u32State = i;
@@ -69,7 +64,7 @@ TEST_F(Listing, NamesEveryStateAndSurvivesWhatHasNone) {
   EXPECT_THAT(PrintsOf("kest_debug_list=print")[5], testing::StartsWith("idx:1  ?    "));
 }
 
-TEST_F(Connections, FillTheFirstFreeSlotOfTheFirstPipelineAndTheNinthIsDropped) {
+TEST_F(Listing, ConnectionsFillTheFirstFreeSlotOfTheFirstPipelineAndTheNinthIsDropped) {
   AddPipeline("P");
   AddFilter("P", "F");
   AddPipeline("P");
@@ -89,10 +84,8 @@ TEST_F(Connections, FillTheFirstFreeSlotOfTheFirstPipelineAndTheNinthIsDropped) 
   EXPECT_EQ(",odd,,odd,,odd,,odd,", connectionsOf(first));
   EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_ConnectPipeline("P", "new"));
   EXPECT_EQ("new,odd,,odd,,odd,,odd,", connectionsOf(first));
-}
 
-TEST_F(Connections, MissingNamesAreReported) {
-  AddPipeline("P");
+  // Missing names are reported.
   const ReportCapture capture;
   EXPECT_EQ(ZE_KEST_INVALID_ARGUMENT, ze_kest_Debug_ConnectPipeline(nullptr, "x"));
   EXPECT_EQ(ZE_KEST_FAILED, ze_kest_Debug_ConnectPipeline("P", nullptr));

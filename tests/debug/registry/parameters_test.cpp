@@ -18,7 +18,7 @@ class FilterParameters : public RegistryTest {
   }
 };
 
-TEST_F(FilterParameters, AreSetInTheFirstFilterWhoseNamesBeginAsGiven) {
+TEST_F(FilterParameters, AreSetInTheFirstFilterWhoseNamesBeginAsGivenIfItHasAnEntry) {
   AddPipeline("Decoder_13");
   AddFilter("Decoder_13", "Volume_a").pfnSetParameter = Set;
   AddFilter("Decoder_13", "Volume_b").pfnSetParameter = Set;
@@ -32,10 +32,8 @@ TEST_F(FilterParameters, AreSetInTheFirstFilterWhoseNamesBeginAsGiven) {
   EXPECT_EQ("Volume_a Gain -6 4", g_set);
   PrintsOf("kest_debug_set_parameter=Decoder_13,Volume_b,Gain,1,4294967294");
   EXPECT_EQ("Volume_b Gain 1 4294967294", g_set);
-}
 
-TEST_F(FilterParameters, NoMatchAndNoEntryDoNothingAndARefusalIsReported) {
-  AddPipeline("P");
+  // No match and no entry do nothing, a refusal is reported.
   AddFilter("P", "Silent");
   AddFilter("P", "Volume").pfnSetParameter = Set;
   g_set.clear();
@@ -53,23 +51,19 @@ TEST_F(FilterParameters, NoMatchAndNoEntryDoNothingAndARefusalIsReported) {
 
 TEST_F(FilterParameters, EveryMalformedFieldIsNamed) {
   const struct {
-    const char *pszRest;
-    const char *pszText;
-  } aCases[] = {{"", "pszFilterName is NULL, format error\n"},
-                {"P", "pszFilterName is NULL, format error\n"},
-                {"P,F", "pszParameterName is NULL, format error\n"},
-                {"P,F,N", "pszParameter is NULL, format error\n"},
-                {"P,F,N,2147483647,4", "wrong s32Parameter is NULL, format error\n"},
-                {"P,F,N,-2147483648,4", "wrong s32Parameter is NULL, format error\n"},
-                {"P,F,N,99999999999,4", "wrong s32Parameter is NULL, format error\n"},
-                {"P,F,N,1", "wrong u32ParameterSize is NULL, format error\n"},
-                {"P,F,N,1,4294967295", "wrong u32ParameterSize is NULL, format error\n"},
-                {"P,F,N,1,-1", "wrong u32ParameterSize is NULL, format error\n"}};
+    const char *pszField;
+    Texts rests;
+  } aCases[] = {{"pszFilterName", {"", "P"}},
+                {"pszParameterName", {"P,F"}},
+                {"pszParameter", {"P,F,N"}},
+                {"wrong s32Parameter", {"P,F,N,2147483647,4", "P,F,N,-2147483648,4", "P,F,N,99999999999,4"}},
+                {"wrong u32ParameterSize", {"P,F,N,1", "P,F,N,1,4294967295", "P,F,N,1,-1"}}};
   for (const auto &malformed : aCases) {
-    const std::string line = std::string("kest_debug_set_parameter=") + malformed.pszRest;
-    EXPECT_EQ(std::string("_ZE_KEST_Debug_Cmd_SetParameter ") + malformed.pszText,
-              PrintsOf(line.c_str(), ZE_KEST_INVALID_ARGUMENT).back())
-        << line;
+    for (const std::string &rest : malformed.rests) {
+      const std::string text = std::string(malformed.pszField) + " is NULL, format error\n";
+      EXPECT_EQ("_ZE_KEST_Debug_Cmd_SetParameter " + text,
+                PrintsOf(("kest_debug_set_parameter=" + rest).c_str(), ZE_KEST_INVALID_ARGUMENT).back());
+    }
   }
   const ReportCapture capture;
   EXPECT_EQ(ZE_KEST_INVALID_ARGUMENT, ze_kest_Debug_SetParameter("kest_debug_set_parameter"));

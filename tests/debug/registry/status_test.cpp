@@ -33,16 +33,16 @@ uint32_t Get(ZE_KEST_Filter_s * /*pstFilter*/, const char *pszName, void *pData,
 
 TEST_F(Status, AnEmptyRegistryShowsTheCapabilitiesAndTheRules) {
   uint8_t au8Sad[ZE_KEST_SAD_SIZE] = {};
-  const auto entry = [&au8Sad](int s32Format, uint8_t u8Support, uint32_t u32Byte3) {
-    au8Sad[24 * s32Format] = u8Support;
-    memcpy(&au8Sad[24 * s32Format + 16], &u32Byte3, 4);
-  };
-  entry(2, 1, 0x50);
-  entry(6, 2, 0x60);
-  entry(7, 3, 0x70);
-  entry(10, 4, 0x12345678);
-  entry(11, 5, 0xB0);
-  entry(12, 255, 0xC0);
+  const struct {
+    int s32Format;
+    uint8_t u8Support;
+    uint32_t u32Byte3;
+  } aEntries[] = {{2, 1, 0x50},        {6, 2, 0x60},  {7, 3, 0x70},
+                  {10, 4, 0x12345678}, {11, 5, 0xB0}, {12, 255, 0xC0}};
+  for (const auto &entry : aEntries) {
+    au8Sad[24 * entry.s32Format] = entry.u8Support;
+    memcpy(&au8Sad[24 * entry.s32Format + 16], &entry.u32Byte3, 4);
+  }
   EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_SetSAD(au8Sad, ZE_KEST_SAD_SIZE));
   const Texts expected = {
       "kest_debug_node=status\n",
@@ -65,26 +65,13 @@ TEST_F(Status, AnEmptyRegistryShowsTheCapabilitiesAndTheRules) {
 }
 
 TEST_F(Status, EveryKindOfFilterTellsItsOwn) {
-  g_values = {{"OkFrmCnt", 0x1a},
-              {"ErrFrmCnt", 2},
-              {"MdVol", 0x60},
-              {"AdVol", 0x400},
-              {"DrcMode", 7},
-              {"DmxMode", 3},
-              {"DolbyTb11Enable", 1},
-              {"RfSignalType", 5},
-              {"Gain", static_cast<uint32_t>(-6)},
-              {"Mute", 1},
-              {"DelayTime", 10},
-              {"RawDelayTime", 20},
-              {"SyncStatus", 2},
-              {"CurrentPTS", 1ull << 40},
-              {"CurrentSTC", 7},
-              {"DataEmpty", 9},
-              {"SyncEnable", 1},
-              {"OutputEnable", 2},
-              {"BypassEnable", 3},
-              {"IsPCM", 1}};
+  std::istringstream values(
+      "OkFrmCnt 26 ErrFrmCnt 2 MdVol 96 AdVol 1024 DrcMode 7 DmxMode 3 DolbyTb11Enable 1 RfSignalType 5 "
+      "Gain 4294967290 Mute 1 DelayTime 10 RawDelayTime 20 SyncStatus 2 CurrentPTS 1099511627776 CurrentSTC "
+      "7 "
+      "DataEmpty 9 SyncEnable 1 OutputEnable 2 BypassEnable 3 IsPCM 1");
+  for (std::string name; values >> name;)
+    values >> g_values[name];
   ZE_KEST_Port_s stPort = {};
   stPort.stPcm.u64PcmXrunCount = 11;
   stPort.stPcm.u64PcmPassCount = 12;
