@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "tests/player/audio_data.h"
 
+#include <fstream>
 #include <memory>
 #include <random>
 
@@ -56,6 +57,12 @@ void WriteFloats(const std::string &path, const std::vector<double> &mono) {
   const File file = Create(path, 1, 48000, SF_FORMAT_WAV | SF_FORMAT_FLOAT);
   const auto count = static_cast<sf_count_t>(mono.size());
   EXPECT_EQ(count, sf_write_double(file.get(), mono.data(), count));
+}
+
+void Damage(const std::string &path, std::streamoff position) {
+  std::fstream file(path, std::ios::in | std::ios::out | std::ios::binary);
+  file.seekp(position);
+  file << std::string(1000, '\0');
 }
 
 AudioData ReadAudio(const std::string &path) {

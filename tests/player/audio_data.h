@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <ios>
 #include <string>
 #include <vector>
 
@@ -26,6 +27,9 @@ AudioData Noise(int channels, int format, size_t frames, uint32_t seed = 1);
 
 void WriteAudio(const std::string &path, const AudioData &audio);
 void WriteFloats(const std::string &path, const std::vector<double> &mono);
+
+// Zeroes 1000 bytes of a file.
+void Damage(const std::string &path, std::streamoff position);
 
 // Fails the test when the file cannot be read to its end.
 AudioData ReadAudio(const std::string &path);

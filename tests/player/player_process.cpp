@@ -2,7 +2,6 @@
 #include "tests/player/player_process.h"
 
 #include <algorithm>
-#include <fstream>
 #include <sstream>
 
 #include <fcntl.h>
@@ -12,16 +11,10 @@
 #include <unistd.h>
 
 #include "tests/player/player_test.h"
+#include "tests/support/debug_layer.h"
 
 namespace kest::test {
 namespace {
-
-std::string ReadText(const std::string &path) {
-  std::ifstream file(path);
-  std::ostringstream text;
-  text << file.rdbuf();
-  return text.str();
-}
 
 // The player, behind its emulator where the target is not the host.
 std::vector<std::string> CommandLine(const std::vector<std::string> &arguments) {
@@ -80,7 +73,7 @@ PlayerResult PlayerProcess::Wait() {
   if (running_) waitpid(pid_, &status_, 0);
   running_ = false;
   const int exitCode = WIFEXITED(status_) ? WEXITSTATUS(status_) : 128 + WTERMSIG(status_);
-  return {exitCode, ReadText(outPath_), ReadText(errPath_)};
+  return {exitCode, ReadFile(outPath_), ReadFile(errPath_)};
 }
 
 PlayerResult PlayFast(std::vector<std::string> arguments) {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // What a playback leaves in the registry of its process, and its end while the registry is in use.
 #include <atomic>
-#include <fstream>
+#include <optional>
 #include <thread>
 
 #include <android/log.h>
@@ -39,15 +39,15 @@ class PlaybackRegistration : public test::PlayerTest {
     test::WriteAudio(Path("in.flac"), test::Noise(2, kFlac, 20000));
   }
 
-  [[nodiscard]] Options Fast(const std::string &input) const {
+  [[nodiscard]] Options Fast() const {
     Options options;
-    options.inputs = {Path(input), Path(input)};
+    options.inputs = {Path("in.flac"), Path("in.flac")};
     options.output = out_;
     options.fast = true;
     return options;
   }
   [[nodiscard]] Options Endless() const {
-    Options options = Fast("in.flac");
+    Options options = Fast();
     options.fast = false;
     options.loop = true;
     return options;
@@ -58,34 +58,26 @@ class PlaybackRegistration : public test::PlayerTest {
 };
 
 TEST_F(PlaybackRegistration, EndsWithTheRunHoweverThatEnds) {
-  {
-    Playback playback(Fast("in.flac"));
-    EXPECT_TRUE(NothingIsRegistered()) << "before the start";
-    playback.Start();
-    playback.Finish();
-    EXPECT_TRUE(NothingIsRegistered()) << "at the end of the inputs";
-  }
-  {
-    Playback playback(Endless());
-    playback.Start();
-    EXPECT_TRUE(IsPlaying());
-    playback.RequestStop();
-    playback.Finish();
-    EXPECT_TRUE(NothingIsRegistered()) << "stopped";
-  }
-  {
-    Playback playback(Endless());
-    playback.Start();
-    EXPECT_TRUE(IsPlaying());
-  }
+  std::optional<Playback> playback(std::in_place, Fast());
+  EXPECT_TRUE(NothingIsRegistered()) << "before the start";
+  playback->Start();
+  playback->Finish();
+  EXPECT_TRUE(NothingIsRegistered()) << "at the end of the inputs";
+
+  playback.emplace(Endless()).Start();
+  EXPECT_TRUE(IsPlaying());
+  playback->RequestStop();
+  playback->Finish();
+  EXPECT_TRUE(NothingIsRegistered()) << "stopped";
+
+  playback.emplace(Endless()).Start();
+  EXPECT_TRUE(IsPlaying());
+  playback.reset();
   EXPECT_TRUE(NothingIsRegistered()) << "destroyed while it played";
 
-  std::fstream file(Path("in.flac"), std::ios::in | std::ios::out | std::ios::binary);
-  file.seekp(30000);
-  file << std::string(1000, '\0') << std::flush;
-  Playback playback(Fast("in.flac"));
-  playback.Start();
-  EXPECT_ANY_THROW(playback.Finish());
+  test::Damage(Path("in.flac"), 30000);
+  playback.emplace(Fast()).Start();
+  EXPECT_ANY_THROW(playback->Finish());
   EXPECT_TRUE(NothingIsRegistered()) << "a damaged input";
 }
 
@@ -93,14 +85,15 @@ TEST_F(PlaybackRegistration, FiltersAreCalledUntilTheyGoAndNotAfter) {
   std::atomic<bool> done{false};
   std::thread engineer([&] {
     while (!done) {
-      Takes("kest_debug_list=print");
-      Takes("kest_debug_list=status");
-      Takes("kest_debug_set_parameter=Decoder_13,Volume,Gain,-6,4");
-      Takes("kest_debug_send_cmd=2,state");
+      for (const char *command :
+           {"kest_debug_list=print", "kest_debug_list=status", "kest_debug_send_cmd=2,state",
+            "kest_debug_set_parameter=Decoder_14,Volume,Gain,-6,4",
+            "kest_debug_set_parameter=SpeakerOutput,Delay,DelayTime,1,4"})
+        Takes(command);
     }
   });
   for (int i = 0; i < 50; ++i) {
-    Playback playback(Fast("in.flac"));
+    Playback playback(Fast());
     playback.Start();
     if (i % 2 == 0) playback.Finish();
   }
