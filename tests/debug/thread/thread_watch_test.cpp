@@ -32,7 +32,8 @@ class Talker {
  private:
   void Run() {
     for (u32Tid_ = static_cast<uint32_t>(ze_kest_Utility_GetTid()); u32Tid_ != 0; std::this_thread::yield()) {
-      if (bAsked_) ze_kest_Debug_Log(ZE_KEST_LEVEL_PRINT, "%s", pszName_);
+      if (!bAsked_) continue;
+      ze_kest_Debug_Log(ZE_KEST_LEVEL_PRINT, "%s", pszName_);
       bAsked_ = false;
     }
   }
