@@ -12,10 +12,12 @@ namespace {
 
 // A number is stored before it is tested: one out of range is stored as the limit and then refused, on
 // purpose.
-uint32_t CheckNumber(int32_t s32Value, const char *pszText) {
-  if (!IsOutOfRange(s32Value)) return ZE_KEST_OK;
+bool StoreNumber(const char *pszText, void (*pfnStore)(int32_t), int32_t *ps32Value) {
+  *ps32Value = ParseS32(pszText);
+  pfnStore(*ps32Value);
+  if (!IsOutOfRange(*ps32Value)) return true;
   KEST_PRINT_AS(kDispatcher, "format error: %s\n", pszText);
-  return ZE_KEST_INVALID_ARGUMENT;
+  return false;
 }
 
 }  // namespace
@@ -42,11 +44,10 @@ uint32_t SetLogLevel(const CommandArguments &arguments) {
 }
 
 uint32_t SetLogSize(const CommandArguments &arguments) {
-  const int32_t s32Bytes = ParseS32(arguments.pszValue);
-  SetLogSizeMax(s32Bytes);
-  const uint32_t u32Result = CheckNumber(s32Bytes, arguments.pszValue);
-  if (u32Result == ZE_KEST_OK) KEST_PRINT_AS(kDispatcher, "LogSizeMax:%d\n", s32Bytes);
-  return u32Result;
+  int32_t s32Value = 0;
+  if (!StoreNumber(arguments.pszValue, SetLogSizeMax, &s32Value)) return ZE_KEST_INVALID_ARGUMENT;
+  KEST_PRINT_AS(kDispatcher, "LogSizeMax:%d\n", s32Value);
+  return ZE_KEST_OK;
 }
 
 uint32_t SwitchAtrace(const CommandArguments &arguments) {
@@ -55,11 +56,10 @@ uint32_t SwitchAtrace(const CommandArguments &arguments) {
 }
 
 uint32_t SetMonitorSleep(const CommandArguments &arguments) {
-  const int32_t s32Ms = ParseS32(arguments.pszValue);
-  SetMonitorSleepTime(s32Ms);
-  const uint32_t u32Result = CheckNumber(s32Ms, arguments.pszValue);
-  if (u32Result == ZE_KEST_OK) KEST_PRINT_AS(kDispatcher, "sleep time:%d ms\n", s32Ms);
-  return u32Result;
+  int32_t s32Value = 0;
+  if (!StoreNumber(arguments.pszValue, SetMonitorSleepTime, &s32Value)) return ZE_KEST_INVALID_ARGUMENT;
+  KEST_PRINT_AS(kDispatcher, "sleep time:%d ms\n", s32Value);
+  return ZE_KEST_OK;
 }
 
 }  // namespace kest
