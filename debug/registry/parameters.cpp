@@ -8,17 +8,13 @@
 #include "debug/control/debug_mutex.h"
 #include "debug/control/startup.h"
 #include "debug/registry/registry.h"
+#include "utility/core/begins_with.h"
 #include "utility/core/report.h"
 
 namespace kest {
 namespace {
 
 const ZE_KEST_SupportedParameter_s *_pstKestSupportedParameterList = nullptr;
-
-// On purpose a match of prefixes: "Decoder" finds "Decoder_13".
-bool BeginsWith(const char *pszText, const char *pszPrefix) {
-  return ze_kest_Utility_Strncmp(pszText, pszPrefix, ze_kest_Utility_Strlen(pszPrefix)) == 0;
-}
 
 ZE_KEST_Filter_s *FindFilter(const char *pszPipelineName, const char *pszFilterName) {
   for (const ZE_KEST_DebugInfo_s &info : Registry()) {

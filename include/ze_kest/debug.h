@@ -111,6 +111,56 @@ ZE_KEST_API void ze_kest_Utility_LogToFile(FILE *pFile, const char *pszFormat, .
  * Any thread, not real-time safe. */
 ZE_KEST_API uint32_t ze_kest_Debug_SetParameter(const char *pszParameterPairs);
 
+/* ---- The data path: what filters and pipelines call in every cycle ----
+ *
+ * Real-time safe as long as an engineer has switched nothing on: no lock, no allocation, no system call and
+ * no report then. What is switched on prints, allocates and writes files on the calling thread. */
+
+/* Prints a filter's port levels, dumps its ports to files, writes a sine over its output and finds the burst
+ * of a latency measurement, as far as these are switched on for it ("kest_print_filter_info",
+ * "kest_dump_...", "kest_output_sinewave", "kest_latency"). Called by every filter once per cycle, on the
+ * thread that runs it, after it has accounted for what it read and wrote and before that is released and
+ * committed. ZE_KEST_INVALID_ARGUMENT: NULL; ZE_KEST_FAILED: the filter has no parent pipeline (both
+ * reported); ZE_KEST_OUT_OF_MEMORY: a port-level line could not be printed, which skips the rest in this
+ * cycle. Files that cannot be written are reported and do not change the result. */
+ZE_KEST_API int32_t ze_kest_Debug_Filter(const ZE_KEST_Filter_s *pstFilter);
+
+/* The sides of a latency measurement. */
+enum ZE_KEST_Latency_e {
+  ZE_KEST_LATENCY_START = 4, /* silences the input of the start filter and writes the burst into it */
+  ZE_KEST_LATENCY_END = 5    /* looks for the burst in the output of the end filter */
+};
+
+/* One side of the latency measurement ("kest_latency"). Call ZE_KEST_LATENCY_START once per filter and cycle,
+ * on the thread that runs the filter, before it reads its input; ze_kest_Debug_Filter does the other side.
+ * u32Kind: ZE_KEST_Latency_e; any other does nothing. Results as of ze_kest_Debug_Filter, without the last.
+ */
+ZE_KEST_API int32_t ze_kest_Debug_MeasureLatency(const ZE_KEST_Filter_s *pstFilter, uint32_t u32Kind);
+
+/* 1 when a pipeline is watched and the timing trace is on ("kest_debug_filter_io"), else 0: whether time
+ * stamps for ze_kest_Debug_Io are worth taking. */
+ZE_KEST_API uint32_t ze_kest_Debug_Io_Is_Enable(void);
+
+/* What a call of ze_kest_Debug_Io stands for. */
+enum ZE_KEST_IoType_e {
+  ZE_KEST_IO_PIPELINE_END = 1, /* a pipeline has ended its cycle: writes a line */
+  ZE_KEST_IO_FILTER_END = 3,   /* a filter has ended its turn: writes a line */
+  ZE_KEST_IO_FILTER_START = 5  /* a filter begins its turn: keeps the time for its end */
+};
+
+/* Writes one event of a cycle to the trace files of the watched pipelines whose names begin alike.
+ * pszPipelineName: not NULL; pszFilterName: may be NULL, then a filter's end is not written; u32Type:
+ * ZE_KEST_IoType_e, any other writes nothing; u64Start, u64Now: when the cycle began and now, in the caller's
+ * unit. The latest filter start is kept once for all pipelines, so filters of several pipelines that are
+ * traced together mix their starts. When the trace is on it takes a lock and writes files. */
+ZE_KEST_API void ze_kest_Debug_Io(const char *pszPipelineName, const char *pszFilterName, uint32_t u32Type,
+                                  uint64_t u64Start, uint64_t u64Now);
+
+#define ZE_KEST_SINE_SAMPLES 48
+
+/* One period of 1 kHz at 48 kHz, left-aligned in 32 bits, about 6 dB below full scale. */
+extern ZE_KEST_API const int32_t _as32KestSine1K48Mono[ZE_KEST_SINE_SAMPLES];
+
 /* ---- The registry: which pipelines and filters run, and on which threads ----
  *
  * The framework registers a pipeline, then its filters, connects pipelines that feed each other, and
