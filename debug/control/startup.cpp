@@ -12,7 +12,10 @@
 #include "debug/control/debug_mutex.h"
 #include "debug/control/lock_owner.h"
 #include "debug/control/shared_settings.h"
+#include "debug/datapath/hook_switches.h"
+#include "debug/datapath/io_trace.h"
 #include "debug/datapath/requests.h"
+#include "debug/datapath/sine_output.h"
 #include "debug/log/log_file.h"
 #include "debug/registry/process_status.h"
 #include "debug/thread/test_threads.h"
@@ -44,6 +47,12 @@ Base GetBase() {
   return g_base.load(std::memory_order_acquire);
 }
 
+void ResetInstrumentation() {
+  SwitchOff(kPrintFilterInfo);
+  ResetSelection(_stKestSineSelection);
+  RestartSine();
+}
+
 void InitialiseBase() {
   Store(bKestAtraceEnable, uint8_t{0});
   ResetPerfEventTarget();
@@ -56,6 +65,7 @@ void InitialiseBase() {
   WatchEveryThread();
   ResetTestThreads();
   ResetLogSinks();
+  ResetInstrumentation();
 }
 
 }  // namespace
@@ -85,7 +95,10 @@ void SetMonitorSleepTime(int32_t s32Ms) {
 
 uint32_t ze_kest_Debug_Init(void) {
   kest::Store(pFileKestDebugPipeline, static_cast<FILE *>(nullptr));
-  if (kest::GetBase() == kest::Base::kShutDown) kest::SetBase(kest::Base::kFresh);
+  if (kest::GetBase() == kest::Base::kShutDown) {
+    kest::ResetIoTrace();
+    kest::SetBase(kest::Base::kFresh);
+  }
   kest::_ZE_KEST_Debug_Init();
   if (kest::IsStarted()) {
     KEST_ERR("Exit for double init\n");

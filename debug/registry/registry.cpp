@@ -20,13 +20,6 @@ namespace {
 using Info = ZE_KEST_DebugInfo_s;
 using Node = ZE_KEST_DebugInfoNode_s;
 
-template <typename T>
-Owned<T> Allocate() {
-  void *pv = nullptr;
-  ze_kest_Utility_MemoryAlloc(&pv, sizeof(T));
-  return Owned<T>(static_cast<T *>(pv));
-}
-
 bool HasName(const Info &info, const char *pszName) {
   return strcmp(info.szName, pszName) == 0;
 }

@@ -15,6 +15,14 @@ struct ReleaseMemory {
 template <typename T>
 using Owned = std::unique_ptr<T, ReleaseMemory>;
 
+// Uninitialised room for one T, or for a buffer of so many bytes; empty when memory is exhausted.
+template <typename T>
+Owned<T> Allocate(size_t sztBytes = sizeof(T)) {
+  void *pv = nullptr;
+  ze_kest_Utility_MemoryAlloc(&pv, sztBytes);
+  return Owned<T>(static_cast<T *>(pv));
+}
+
 // A modifiable copy of a text; empty when memory is exhausted.
 inline Owned<char> Duplicate(const char *psz) {
   return Owned<char>(ze_kest_Utility_Strdup(psz));

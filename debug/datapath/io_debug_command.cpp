@@ -1,0 +1,104 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "debug/datapath/io_debug_command.h"
+
+#include "ze_kest/result.h"
+
+#include "debug/control/debug_mutex.h"
+#include "debug/datapath/keyword_commands.h"
+#include "debug/datapath/sine_output.h"
+#include "debug/registry/registry.h"
+#include "utility/core/begins_with.h"
+
+namespace kest {
+namespace {
+
+constexpr const char *kFunction = "_ZE_KEST_Debug_Cmd_DebugIo";
+
+uint32_t SelectSineFilter(CommandLine &value) {
+  const char *pszPipelineName = NextOfSeveral(kFunction, value);
+  if (pszPipelineName == nullptr) return ZE_KEST_INVALID_ARGUMENT;
+  SelectFilter(kFunction, _stKestSineSelection, pszPipelineName, value.Rest());
+  KEST_INFO_AS(kFunction, "%s output sine wave pipeline:%s filter:%s\n", kFunction,
+               NameCopy(_stKestSineSelection.szPipelineName).c_str(),
+               NameCopy(_stKestSineSelection.szFilterName).c_str());
+  return ZE_KEST_OK;
+}
+
+void EnableSine() {
+  RestartSine();
+  SwitchOn(kOutputSineWave);
+  KEST_INFO_AS(kFunction, "%s output sine wave enable %s:%s\n", kFunction,
+               NameCopy(_stKestSineSelection.szPipelineName).c_str(),
+               NameCopy(_stKestSineSelection.szFilterName).c_str());
+}
+
+void DisableSine() {
+  SwitchOff(kOutputSineWave);
+  KEST_INFO_AS(kFunction, "%s output sine wave disable %s:%s\n", kFunction,
+               NameCopy(_stKestSineSelection.szPipelineName).c_str(),
+               NameCopy(_stKestSineSelection.szFilterName).c_str());
+}
+
+void EnablePortLines() {
+  SwitchOn(kPrintFilterInfo);
+  KEST_INFO_AS(kFunction, "%s print filter enable\n", kFunction);
+}
+
+void DisablePortLines() {
+  SwitchOff(kPrintFilterInfo);
+  KEST_INFO_AS(kFunction, "%s print filter disable\n", kFunction);
+}
+
+struct LevelWord {
+  const char *pszWord;
+  uint32_t u32Level;
+  const char *pszShown;  // "all" and "trace" are shown as "info", on purpose
+};
+
+constexpr LevelWord kLevelWords[] = {
+    {"all", ZE_KEST_LEVEL_ENTER, "info"}, {"trace", ZE_KEST_LEVEL_TRACE, "info"},
+    {"info", ZE_KEST_LEVEL_INFO, "info"}, {"wrn", ZE_KEST_LEVEL_WRN, "warn"},
+    {"err", ZE_KEST_LEVEL_ERR, "error"},  {"none", 0, "none"},
+};
+
+// An unknown word is 0, too, and not shown.
+uint32_t LevelOf(const char *pszFilterName, const char *pszWord) {
+  for (const LevelWord &word : kLevelWords) {
+    if (ze_kest_Utility_Strcmp(pszWord, word.pszWord) != 0) continue;
+    KEST_PRINT_AS(kFunction, "%s filter %s debug level %s\n", kFunction, pszFilterName, word.pszShown);
+    return word.u32Level;
+  }
+  return 0;
+}
+
+void _ZE_KEST_Debug_SetFilterDebugLevel(const char *pszFilterName, uint32_t u32Level) {
+  const HoldingDebug holding;
+  for (const ZE_KEST_DebugInfo_s &info : Registry()) {
+    if (info.pstFilter == nullptr || !BeginsWith(info.pstFilter->szName, pszFilterName)) continue;
+    Store(info.pstFilter->u32DbgLvl, u32Level);
+    KEST_PRINT("%s setDbgLvl %u\n", info.pstFilter->szName, u32Level);
+  }
+}
+
+uint32_t SetFilterLevel(CommandLine &value) {
+  const char *pszFilterName = NextOfSeveral(kFunction, value);
+  if (pszFilterName == nullptr) return ZE_KEST_INVALID_ARGUMENT;
+  _ZE_KEST_Debug_SetFilterDebugLevel(pszFilterName, LevelOf(pszFilterName, value.Rest()));
+  return ZE_KEST_OK;
+}
+
+constexpr KeywordCommand kCommands[] = {
+    {"kest_output_sinewave_filter", SelectSineFilter},
+    {"kest_output_sinewave", [](CommandLine &value) { return Switch(value, EnableSine, DisableSine); }},
+    {"kest_print_filter_info",
+     [](CommandLine &value) { return Switch(value, EnablePortLines, DisablePortLines); }},
+    {"kest_filter_debug_level", SetFilterLevel},
+};
+
+}  // namespace
+
+uint32_t _ZE_KEST_Debug_Cmd_DebugIo(const char *pszLine) {
+  return RunKeyword(kFunction, kCommands, pszLine);
+}
+
+}  // namespace kest

@@ -1,0 +1,117 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <cstdio>
+
+#include "ze_kest/debug.h"
+
+#include "debug/datapath/io_trace.h"
+#include "utility/core/command_line.h"
+#include "utility/core/debug_dir.h"
+#include "utility/core/owned_file.h"
+#include "utility/core/report.h"
+#include "utility/core/text_field.h"
+
+namespace kest {
+namespace {
+
+constexpr const char *kFunction = "_ZE_KEST_Debug_Cmd_Io";
+
+void Stop() {
+  KEST_PRINT_AS(kFunction, "kest_debug_filter_io=stop\n");
+  SwitchIoTrace(false);
+}
+
+void Restart() {
+  KEST_PRINT_AS(kFunction, "kest_debug_filter_io=restart\n");
+  SwitchIoTrace(true);
+}
+
+void Release() {
+  KEST_PRINT_AS(kFunction, "kest_debug_filter_io=release\n");
+  SwitchIoTrace(false);
+  _ZE_KEST_Debug_ReleaseFilterIoList();
+}
+
+void PrintWatchList() {
+  KEST_PRINT_AS(kFunction, "print_watch_list\n");
+  KEST_PRINT_AS(kFunction, "bIoDebug=%d\n", IsIoTraceOn() ? 1 : 0);
+  _ZE_KEST_Debug_PrintFilterIoList();
+}
+
+constexpr struct {
+  const char *pszWord;
+  void (*pfnAction)();
+} kWords[] = {
+    {"stop", Stop},
+    {"restart", Restart},
+    {"release", Release},
+    {"print_watch_list", PrintWatchList},
+};
+
+bool CarryOut(const char *pszToken) {
+  for (const auto &word : kWords) {
+    if (ze_kest_Utility_Strcmp(pszToken, word.pszWord) != 0) continue;
+    word.pfnAction();
+    return true;
+  }
+  return false;
+}
+
+template <size_t kSize>
+void CopyName(char (&szField)[kSize], const char *pszName) {
+  if (!CopyText(szField, pszName)) KEST_ERR_AS(kFunction, "Err! Strncpy failed!\n");
+}
+
+// The names of a line. A new watch switches the trace off, on purpose: a list is complete before it runs.
+struct WatchNames {
+  void Take(const char *pszName) {
+    SwitchIoTrace(false);
+    ++u32Count;
+    if (u32Count == 1) {
+      KEST_PRINT_AS(kFunction, "PipelineName=%s\n", pszName);
+      CopyName(entry.szPipelineName, pszName);
+    } else if (u32Count == 2) {
+      KEST_PRINT_AS(kFunction, "Filter=%s\n", pszName);
+      CopyName(entry.szFilterName, pszName);
+    }
+  }
+
+  FilterIoEntry entry = {};
+  uint32_t u32Count = 0;
+};
+
+// Whether it could be opened, else that is reported.
+bool Open(OwnedFile &file, const char *pszPath, const char *pszMode) {
+  file.reset(ze_kest_Utility_FileOpen(pszPath, pszMode));
+  if (file == nullptr) KEST_ERR_AS(kFunction, "Err! ze_kest_Utility_FileOpen failed!\n");
+  return file != nullptr;
+}
+
+// The trace file begins empty and is appended to after that.
+uint32_t AddWatch(FilterIoEntry &entry) {
+  snprintf(entry.szFile, sizeof(entry.szFile), KEST_DEBUG_PATH("%s.txt"), entry.szPipelineName);
+  KEST_PRINT_AS(kFunction, "szFile=%s\n", entry.szFile);
+  OwnedFile file;
+  const bool bEmptied = Open(file, entry.szFile, "wb+");
+  const bool bOpened = Open(file, entry.szFile, "ab+");
+  entry.pFile = file.release();
+  Store(pFileKestDebugPipeline, entry.pFile);
+  _ZE_KEST_Debug_AddFilterIo(entry);
+  return bEmptied && bOpened ? ZE_KEST_OK : ZE_KEST_FAILED;
+}
+
+}  // namespace
+
+uint32_t _ZE_KEST_Debug_Cmd_Io(const char *pszLine) {
+  CommandLine line(pszLine);
+  if (ze_kest_Utility_Strcmp(line.Next(" ="), "kest_debug_filter_io") != 0) return ZE_KEST_INVALID_ARGUMENT;
+  uint32_t u32Result = ZE_KEST_INVALID_ARGUMENT;
+  WatchNames names;
+  while (const char *pszToken = line.Next(",")) {
+    if (*pszToken == '\0') continue;
+    u32Result = ZE_KEST_OK;
+    if (!CarryOut(pszToken)) names.Take(pszToken);
+  }
+  return names.u32Count == 0 ? u32Result : AddWatch(names.entry);
+}
+
+}  // namespace kest

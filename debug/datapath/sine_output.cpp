@@ -1,0 +1,61 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "debug/datapath/sine_output.h"
+
+#include <cstring>
+
+#include "ze_kest/debug.h"
+
+#include "debug/datapath/hook_filter.h"
+#include "utility/port/pcm_rings.h"
+
+namespace kest {
+
+FilterSelection _stKestSineSelection = {kOutputSineWave, "", "", 0};
+
+namespace {
+
+constexpr uint32_t kDefaultChannels = 2;
+constexpr size_t kSampleBytes = sizeof(int16_t);
+
+uint32_t u32SineWavePos = 0;  // the next sample, for all filters
+
+int16_t NextSample(uint32_t &u32Pos) {
+  const auto s16Sample = static_cast<int16_t>(_as32KestSine1K48Mono[u32Pos] >> 16);
+  u32Pos = u32Pos + 1 == ZE_KEST_SINE_SAMPLES ? 0 : u32Pos + 1;
+  return s16Sample;
+}
+
+// On purpose the level and the write size, which count samples, are taken for bytes here, the frames are
+// interleaved and do not wrap. They end with the storage of the group.
+void WriteSine(const ZE_KEST_PcmBuffer_s &pcm, uint32_t u32Channels) {
+  const size_t sztStorage = sztPcmGroupChNumber[0] * RingBytes(pcm);
+  const size_t sztFrameBytes = u32Channels * kSampleBytes;
+  uint32_t u32Pos = Load(u32SineWavePos);
+  size_t sztAt = pcm.sztPcmLevel;
+  for (size_t sztDone = 0; sztDone < pcm.sztPcmWriteSize; sztDone += sztFrameBytes) {
+    const int16_t s16Sample = NextSample(u32Pos);
+    for (uint32_t u32Channel = 0; u32Channel < u32Channels; ++u32Channel, sztAt += kSampleBytes) {
+      if (sztAt + kSampleBytes > sztStorage) break;
+      memcpy(pcm.apu8PcmGroupBuf[0] + sztAt, &s16Sample, kSampleBytes);
+    }
+  }
+  Store(u32SineWavePos, u32Pos);
+}
+
+}  // namespace
+
+uint32_t _ZE_KEST_Debug_OutputSineWave(const ZE_KEST_Filter_s *pstFilter) {
+  KEST_REQUIRE_PIPELINE(pstFilter);
+  if (!IsSelected(_stKestSineSelection, *pstFilter)) return ZE_KEST_OK;
+  const ZE_KEST_Port_s *pstPort = pstFilter->apstOutPort[0];
+  if (pstPort == nullptr || pstPort->stPcm.apu8PcmGroupBuf[0] == nullptr) return ZE_KEST_OK;
+  const uint32_t u32Channels = pstPort->stPcm.stPcmInfo.u32TotalChannels;
+  WriteSine(pstPort->stPcm, u32Channels == 0 ? kDefaultChannels : u32Channels);
+  return ZE_KEST_OK;
+}
+
+void RestartSine() {
+  Store(u32SineWavePos, uint32_t{0});
+}
+
+}  // namespace kest

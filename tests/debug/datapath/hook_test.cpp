@@ -1,0 +1,165 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "ze_kest/debug.h"
+
+#include "tests/support/debug_layer.h"
+#include "tests/support/ports.h"
+#include "tests/support/report_capture.h"
+
+namespace kest::test {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::MatchesRegex;
+
+// Turns one switch on for the length of a scope.
+class Switched {
+ public:
+  explicit Switched(const std::string &keyword) : keyword_(keyword) { Set("=on"); }
+  ~Switched() { Set("=off"); }
+
+ private:
+  void Set(const char *pszValue) {
+    EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_SetParameter((keyword_ + pszValue).c_str()));
+  }
+  std::string keyword_;
+};
+
+TEST(Hook, RefusesAFilterThatIsMissingOrHasNoPipeline) {
+  Filter filter;
+  filter.st->pstParentPipeline = nullptr;
+  const ReportCapture capture;
+  EXPECT_EQ(ZE_KEST_INVALID_ARGUMENT, ze_kest_Debug_Filter(nullptr));
+  EXPECT_EQ(ZE_KEST_FAILED, ze_kest_Debug_Filter(filter));
+  EXPECT_THAT(capture.Texts("<ERR>"),
+              ElementsAre("pstFilter is NULL.\n",
+                          "Error (0x00000003)! Pipeline should not be NULL in filter 'filter'!\n"));
+}
+
+// The line of each kind is told by the counters, 1 to 4 for PCM and so on; "x" at its end.
+TEST(Hook, PrintsALineOfPortLevelsForEachKindOfData) {
+  const DebugLayer layer;
+  Filter filter;
+  ZE_KEST_Port_s &in = filter.In(0).st;
+  in.bConnected = 0;  // slot 0 is shown all the same
+  in.stPcm.u64PcmReadCount = 1, in.stPcm.u64PcmXrunCount = 2, in.stPcm.u64PcmPassCount = 3;
+  in.stPcm.u64PcmSkipCount = 4, in.stPcm.sztPcmLevel = 5, in.stPcm.sztPcmSpace = 6;
+  in.stPcm.sztPcmRingSamples = 7, in.stPcm.sztPcmReadSize = 8, in.stPcm.s64PcmPts = -9;
+  filter.In(1).st.bConnected = 0;
+  in.stMeta.au64Count[0] = 11, in.stMeta.sztSize = 12;
+  in.stRaw.au64Count[3] = 21, in.stRaw.sztReadSize = 22;
+  filter.Out(3).st.stPcm.sztPcmWriteSize = 31;
+  filter.Out(3).st.stRaw.sztWriteSize = 32;
+
+  const Switched lines("kest_print_filter_info");
+  const ReportCapture capture(ZE_KEST_LEVEL_PRINT);
+  EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_Filter(filter));
+  const std::vector<Report> reports = capture.Reports();
+  const std::string names = " [1-9][0-9]* +pipe           :filter          ";
+  const std::string empty = "l:0         ,a:0         ,s:0         ,";
+  struct {
+    const char *pszFunction;
+    std::string line;
+  } const aLines[] = {
+      {"_ZE_KEST_Debug_FilterPcmInfo",
+       "\\[pcm  level\\]" + names +
+           "  in0:cnt:1         ,2 ,3 ,4  l:5         ,a:6         ,s:7         ,r:8          pts:-9"
+           "                  \\| out3:cnt:0         ,0 ,0 ,0  " +
+           empty + "w:31         pts:0                   \\|\n"},
+      {"_ZE_KEST_Debug_FilterMetadataInfo",
+       "\\[meta level\\]" + names +
+           "  in0:cnt:11        ,0 ,0 ,0  l:0         ,a:0         ,s:12        ,r:0          pts:0"
+           "                   \\| out3:cnt:0         ,0 ,0 ,0  " +
+           empty + "w:0          pts:0                   \\|\n"},
+      {"_ZE_KEST_Debug_FilterRawInfo",
+       "\\[raw  level\\]" + names + "  in0:cnt:0         ,0 ,0 ,21 " + empty +
+           "r:22         pts:0                   \\| out3:cnt:0         ,0 ,0 ,0  " + empty +
+           "w:32         pts:0                   \\|\n"},
+  };
+  ASSERT_EQ(3u, reports.size());
+  for (size_t i = 0; i < 3; ++i) {
+    EXPECT_EQ(aLines[i].pszFunction, reports[i].function);
+    EXPECT_THAT(reports[i].text, MatchesRegex(aLines[i].line));
+  }
+}
+
+TEST(Hook, CutsAPortLevelLineAt511Characters) {
+  const DebugLayer layer;
+  Filter filter;
+  for (uint32_t u32Slot = 0; u32Slot < ZE_KEST_MAX_PORTS; ++u32Slot)
+    filter.In(u32Slot);
+  const Switched lines("kest_print_filter_info");
+  const ReportCapture capture;
+  EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_Filter(filter));
+  const std::string line = capture.Reports().at(0).text;
+  EXPECT_EQ(512u, line.size());
+  EXPECT_THAT(line, HasSubstr("|  in3:cnt:"));
+}
+
+// What 16-bit samples stand behind each other in the storage of group 0.
+std::vector<int16_t> StorageOf(Port &port) {
+  const Bytes bytes = port.groups[0].Content();
+  std::vector<int16_t> samples(bytes.size() / 2);
+  memcpy(samples.data(), bytes.data(), samples.size() * 2);
+  return samples;
+}
+
+int16_t Sine(size_t sztPosition) {
+  return static_cast<int16_t>(_as32KestSine1K48Mono[sztPosition % ZE_KEST_SINE_SAMPLES] / 65536);
+}
+
+// The level and the write size count as bytes, and every channel of a frame gets the same sample.
+TEST(Hook, WritesASineOverTheFirstOutputOfTheSelectedFilter) {
+  const DebugLayer layer;
+  Filter filter;
+  Port &port = filter.Out(0);
+  ZE_KEST_PcmBuffer_s &pcm = port.Pcm(16, 120, {2, 0, 0});
+  pcm.sztPcmLevel = 4;
+  pcm.sztPcmWriteSize = 6;
+  std::vector<int16_t> expected = StorageOf(port);
+  const auto run = [&](const char *pszSelection) {
+    EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_SetParameter(pszSelection));
+    EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_Filter(filter));
+  };
+
+  EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_SetParameter("kest_output_sinewave_filter=pipe,other"));
+  const Switched sine("kest_output_sinewave");
+  EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_Filter(filter));
+  run("kest_output_sinewave_filter=pipeline,");
+  EXPECT_EQ(expected, StorageOf(port));
+
+  run("kest_output_sinewave_filter=pi,fil");  // two frames for 6 bytes
+  expected[2] = expected[3] = Sine(0);
+  expected[4] = expected[5] = Sine(1);
+  EXPECT_EQ(expected, StorageOf(port));
+
+  pcm.sztPcmLevel = 0;
+  pcm.sztPcmWriteSize = 47 * 4;
+  run("kest_output_sinewave_filter=,");  // goes on, and around the table's end
+  for (size_t i = 0; i < 94; ++i)
+    expected[i] = Sine(2 + i / 2);
+  EXPECT_EQ(expected, StorageOf(port));
+
+  pcm.stPcmInfo.u32TotalChannels = 0;  // counts as two; the storage bounds the last frame
+  pcm.sztPcmLevel = 478;
+  pcm.sztPcmWriteSize = 4;
+  run("kest_output_sinewave=on");  // from the first sample again
+  expected[239] = Sine(0);
+  EXPECT_EQ(expected, StorageOf(port));
+
+  pcm.sztPcmWriteSize = 0;
+  filter.st->apstOutPort[1] = nullptr;
+  EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_Filter(filter));
+  pcm.sztPcmWriteSize = 4;
+  pcm.apu8PcmGroupBuf[0] = nullptr;
+  EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_Filter(filter));
+  filter.st->apstOutPort[0] = nullptr;
+  EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_Filter(filter));
+  EXPECT_EQ(expected, StorageOf(port));
+}
+
+}  // namespace
+}  // namespace kest::test

@@ -1,0 +1,133 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "debug/datapath/io_trace.h"
+
+#include <atomic>
+#include <thread>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include "ze_kest/debug.h"
+
+#include "tests/support/debug_layer.h"
+#include "tests/support/report_capture.h"
+
+namespace kest::test {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+class IoTrace : public testing::Test {
+ protected:
+  ~IoTrace() override { Command("release"); }
+
+  static uint32_t Command(const std::string &value) {
+    return _ZE_KEST_Debug_Cmd_Io(("kest_debug_filter_io=" + value).c_str());
+  }
+  static std::string Traced(const std::string &pipeline) {
+    return ReadFile(KEST_DEBUG_DIR + pipeline + ".txt");
+  }
+  static void Cycle(const char *pszPipeline) {
+    ze_kest_Debug_Io(pszPipeline, nullptr, ZE_KEST_IO_FILTER_START, 1000, 1030);
+    ze_kest_Debug_Io(pszPipeline, "eq", ZE_KEST_IO_FILTER_END, 1000, 1050);
+    ze_kest_Debug_Io(pszPipeline, "eq", ZE_KEST_IO_PIPELINE_END, 1000, 1090);
+  }
+
+  DebugLayer layer_;
+};
+
+constexpr const char *kCycle = "[f:eq,t1:30,t2:50,td:20]\n[ct:1000,stop:1090][p:pipe,t:90]\n\n";
+
+TEST_F(IoTrace, WritesTheEventsOfThePipelinesWhoseNamesBeginAlike) {
+  EXPECT_EQ(ZE_KEST_OK, Command(",pipe,,eq,further"));
+  EXPECT_EQ(0u, ze_kest_Debug_Io_Is_Enable());  // a new watch waits for its restart
+  Cycle("pipe");
+  EXPECT_EQ(ZE_KEST_OK, Command("pipe2"));
+  EXPECT_EQ(ZE_KEST_OK, Command("restart"));
+  EXPECT_EQ(1u, ze_kest_Debug_Io_Is_Enable());
+  Cycle("pipe");
+  Cycle("pip");
+  EXPECT_EQ(kCycle, Traced("pipe"));
+  EXPECT_EQ("", Traced("pipe2"));
+
+  // Ends before its start, no name, no known type, a clock that ran backwards.
+  ze_kest_Debug_Io("pipe2", "eq", ZE_KEST_IO_FILTER_END, 1000, 1010);
+  ze_kest_Debug_Io("pipe2", nullptr, ZE_KEST_IO_FILTER_END, 1000, 1010);
+  ze_kest_Debug_Io("pipe2", "eq", 2, 1000, 1010);
+  ze_kest_Debug_Io("pipe2", "eq", ZE_KEST_IO_PIPELINE_END, 1000, 999);
+  const std::string odd = "[f:eq,t1:30,t2:10,td:0]\n[ct:1000,stop:999][p:pipe2,t:0]\n\n";
+  EXPECT_EQ(kCycle + odd, Traced("pipe"));
+  EXPECT_EQ(odd, Traced("pipe2"));
+
+  EXPECT_EQ(ZE_KEST_OK, Command("stop"));
+  Cycle("pipe");
+  EXPECT_EQ(kCycle + odd, Traced("pipe"));
+  EXPECT_EQ(ZE_KEST_OK, Command("restart"));
+  Cycle("pipe");
+  EXPECT_EQ(kCycle + odd + kCycle, Traced("pipe"));
+  EXPECT_EQ(ZE_KEST_OK, Command("pipe"));  // a new watch begins its file anew
+  EXPECT_EQ("", Traced("pipe"));
+}
+
+TEST_F(IoTrace, RepliesToEveryWord) {
+  const auto reports = [](const std::string &value, uint32_t u32Expected) {
+    const ReportCapture capture;
+    EXPECT_EQ(u32Expected, Command(value)) << value;
+    std::vector<std::string> texts;
+    for (const Report &report : capture.Reports())
+      texts.push_back(report.text);
+    return texts;
+  };
+  EXPECT_THAT(reports("", 8), IsEmpty());
+  EXPECT_THAT(reports("release", 0),
+              ElementsAre("kest_debug_filter_io=release\n", "Error! No debug info node in this list!\n"));
+  const std::string path = KEST_DEBUG_DIR "main.txt";
+  EXPECT_THAT(reports("main,eq", 0),
+              ElementsAre("PipelineName=main\n", "Filter=eq\n", "szFile=" + path + "\n"));
+  char szFile[32];
+  snprintf(szFile, sizeof(szFile), "0x%p\n", static_cast<void *>(pFileKestDebugPipeline));
+  EXPECT_THAT(reports("restart,print_watch_list", 0),
+              ElementsAre("kest_debug_filter_io=restart\n", "print_watch_list\n", "bIoDebug=1\n",
+                          "===============\n", "[DebugInfoList]\n", "===============\n",
+                          "idx:0  p:main                 f:eq              pf:" + std::string(szFile),
+                          "===============\n"));
+  EXPECT_THAT(reports("stop,release", 0),
+              ElementsAre("kest_debug_filter_io=stop\n", "kest_debug_filter_io=release\n"));
+  EXPECT_EQ(nullptr, pFileKestDebugPipeline);
+  EXPECT_EQ(8u, _ZE_KEST_Debug_Cmd_Io("kest_debug_filter_io"));
+  EXPECT_EQ(8u, _ZE_KEST_Debug_Cmd_Io("kest_debug_filter=stop"));
+  EXPECT_EQ(0u, _ZE_KEST_Debug_Cmd_Io("kest_debug_filter_io stop"));
+}
+
+TEST_F(IoTrace, WatchesWithoutAFileWhereNoneCanBeOpened) {
+  ASSERT_EQ(0, mkdir(KEST_DEBUG_DIR "dir.txt", 0700));
+  const ReportCapture capture;
+  EXPECT_EQ(ZE_KEST_FAILED, Command("dir"));
+  const std::string failure = "Err! ze_kest_Utility_FileOpen failed!\n";
+  EXPECT_THAT(capture.Texts("<ERR>"), ElementsAre(failure, failure));
+  EXPECT_EQ(nullptr, pFileKestDebugPipeline);
+  EXPECT_EQ(ZE_KEST_OK, Command("restart"));
+  EXPECT_EQ(1u, ze_kest_Debug_Io_Is_Enable());
+  Cycle("dir");
+}
+
+TEST_F(IoTrace, WatchesAndReleasesBesideRunningPipelines) {
+  std::atomic<bool> stop{false};
+  std::thread tracer([&] {
+    while (!stop)
+      Cycle("pipe");
+  });
+  for (int i = 0; i < 100; ++i) {
+    Command("pipe");
+    Command("pi,restart");
+    Command("restart,release");
+  }
+  stop = true;
+  tracer.join();
+  Command("pipe");  // for the release at the end to find something
+}
+
+}  // namespace
+}  // namespace kest::test
