@@ -61,6 +61,8 @@ void AddOptions(CLI::App &app, Options &options) {
   app.add_option("--delay-ms", options.delayMs, "Silence before the sound, milliseconds")
       ->check(CLI::Range(0u, Delay::kMaxDelayMs))
       ->type_name("N");
+  app.add_flag("--wide", options.wide,
+               "Use 32-bit samples in the pipelines also where 16 bits hold the input");
   app.add_flag("--logcat", options.logcat, "Show the library's Android log on stderr");
 }
 

@@ -18,6 +18,7 @@ struct Options {
   std::optional<double> seconds;
   int gainDb = 0;
   uint32_t delayMs = 0;
+  bool wide = false;
   bool logcat = false;
 };
 

@@ -61,10 +61,11 @@ void CheckOutputIsNoInput(const std::vector<AudioReader> &readers, const std::st
   }
 }
 
-// 16 bits when that holds every input exactly.
-PcmFormat CommonFormat(const std::vector<AudioReader> &readers) {
-  const bool all16 = std::all_of(readers.begin(), readers.end(),
-                                 [](const AudioReader &reader) { return reader.Bits() == SampleBits::k16; });
+// 16 bits when that holds every input exactly, unless more are asked for.
+PcmFormat CommonFormat(const std::vector<AudioReader> &readers, bool wide) {
+  const bool all16 = !wide && std::all_of(readers.begin(), readers.end(), [](const AudioReader &reader) {
+    return reader.Bits() == SampleBits::k16;
+  });
   return {readers[0].Channels(), readers[0].SampleRate(), all16 ? 16u : 32u};
 }
 
@@ -79,7 +80,7 @@ Playback::Playback(const Options &options) : outputPath_(options.output) {
   std::vector<AudioReader> readers = OpenInputs(options);
   CheckInputs(readers, options.loop);
   CheckOutputIsNoInput(readers, options.output);
-  format_ = CommonFormat(readers);
+  format_ = CommonFormat(readers, options.wide);
   // In real time an input has as long as a cycle lasts.
   if (!options.fast)
     inputPatience_ = std::chrono::microseconds(kCycleFrames * 1000000ull / format_.sampleRate);

@@ -28,15 +28,15 @@ int16_t NextSample(uint32_t &u32Pos) {
 // On purpose the level and the write size, which count samples, are taken for bytes here, the frames are
 // interleaved and do not wrap. They end with the storage of the group.
 void WriteSine(const ZE_KEST_PcmBuffer_s &pcm, uint32_t u32Channels) {
-  const size_t sztStorage = sztPcmGroupChNumber[0] * RingBytes(pcm);
+  uint8_t *pu8At = pcm.apu8PcmGroupBuf[0] + pcm.sztPcmLevel;
+  const uint8_t *pu8End = SlotRing(pcm, 0, sztPcmGroupChNumber[0]);
   const size_t sztFrameBytes = u32Channels * kSampleBytes;
   uint32_t u32Pos = Load(u32SineWavePos);
-  size_t sztAt = pcm.sztPcmLevel;
   for (size_t sztDone = 0; sztDone < pcm.sztPcmWriteSize; sztDone += sztFrameBytes) {
     const int16_t s16Sample = NextSample(u32Pos);
-    for (uint32_t u32Channel = 0; u32Channel < u32Channels; ++u32Channel, sztAt += kSampleBytes) {
-      if (sztAt + kSampleBytes > sztStorage) break;
-      memcpy(pcm.apu8PcmGroupBuf[0] + sztAt, &s16Sample, kSampleBytes);
+    for (uint32_t u32Channel = 0; u32Channel < u32Channels; ++u32Channel, pu8At += kSampleBytes) {
+      if (pu8End - pu8At < static_cast<ptrdiff_t>(kSampleBytes)) break;
+      memcpy(pu8At, &s16Sample, kSampleBytes);
     }
   }
   Store(u32SineWavePos, u32Pos);

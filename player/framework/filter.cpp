@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include "ze_kest/debug.h"
 #include "ze_kest/utility.h"
 
 #include "player/framework/filter_entries.h"
@@ -62,7 +63,9 @@ void Filter::AnnounceFormat() {
 
 void Filter::RunCycle(bool upstreamEnded) {
   upstreamEnded_ = upstreamEnded;
+  ze_kest_Debug_MeasureLatency(&record_, ZE_KEST_LATENCY_START);
   Process();
+  ze_kest_Debug_Filter(&record_);
   for (PortStorage *input : inputs_) {
     input->ReleaseRead();
   }

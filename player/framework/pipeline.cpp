@@ -7,6 +7,7 @@
 
 #include "ze_kest/utility.h"
 
+#include "player/framework/cycle_trace.h"
 #include "player/framework/published.h"
 #include "player/framework/registration.h"
 
@@ -139,10 +140,14 @@ bool Pipeline::Collect(LinkedPort &input, PipelineLink::Patience patience) {
 bool Pipeline::RunFilters() {
   bool upstreamEnded =
       std::all_of(inputs_.begin(), inputs_.end(), [](const LinkedPort &input) { return input.ended; });
+  const CycleTrace trace(record_.szName);
   for (const auto &filter : filters_) {
+    trace.FilterStarts(filter->Record().szName);
     filter->RunCycle(upstreamEnded);
+    trace.FilterEnds(filter->Record().szName);
     upstreamEnded = filter->Ended();
   }
+  trace.PipelineEnds();
   if (filters_.front()->Ended()) SetState(kDrain);
   return upstreamEnded;
 }
