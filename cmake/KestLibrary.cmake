@@ -11,7 +11,7 @@ target_compile_definitions(kest_objects PRIVATE KEST_DEBUG_DIR="${KEST_DEBUG_DIR
 target_include_directories(kest_objects
   PUBLIC "${PROJECT_SOURCE_DIR}/include"
   PRIVATE "${PROJECT_SOURCE_DIR}")
-target_link_libraries(kest_objects PRIVATE kest_build_flags Android::log Threads::Threads)
+target_link_libraries(kest_objects PRIVATE kest_build_flags Android::log Jsmn::jsmn Threads::Threads)
 
 # Linked as C: the library needs no C++ run-time.
 add_library(kest SHARED)

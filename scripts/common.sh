@@ -3,7 +3,7 @@ set -euo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 debug_dir=/mnt/vendor/tmp/kest/
 
-build_packages=(g++ cmake make pkg-config android-liblog-dev libsndfile1-dev libcli11-dev alsa-utils)
+build_packages=(g++ cmake make pkg-config android-liblog-dev libjsmn-dev libsndfile1-dev libcli11-dev alsa-utils)
 test_packages=(libgtest-dev libgmock-dev)
 
 # Each argument a line.

@@ -7,6 +7,7 @@
 
 #include "debug/control/ascii_color.h"
 #include "debug/control/help.h"
+#include "debug/control/json_command.h"
 #include "debug/control/log_commands.h"
 #include "debug/control/registry_commands.h"
 #include "debug/control/shared_commands.h"
@@ -42,6 +43,7 @@ constexpr Command kCommands[] = {
     {"kest_atrace", "on", &kTokens, "kest_atrace=on\n", SwitchAtrace, 1},
     {"kest_atrace", "off", &kTokens, "kest_atrace=off\n", SwitchAtrace, 0},
     {"kest_log_size", kAnyValue, &kTokens, nullptr, SetLogSize, 0},
+    {"kest_json_parser", kAnyValue, &kBlankOrEquals, nullptr, PrintJsonFile, 0},
     {"kest_debug_node", "register", &kBlankOrEquals, "kest_debug_node=register\n", RegisterTestFilter, 0},
     {"kest_debug_node", "remove_filter", &kBlankOrEquals, "kest_debug_node=remove_filter\n", RemoveTestFilter,
      0},

@@ -122,7 +122,7 @@ TEST(Dispatcher, WhatNoCommandTakesGivesEightAndChangesNothing) {
                               "KEST_LOG_LEVEL=all",
                               "kest_debug_preset_cmd=",
                               "kest_debug_preset_cmd=some,x",
-                              "kest_json_parser=/etc/hosts",
+                              "kest_json_parser=",
                               "kest_debug_list=",
                               "kest_debug_list=all"}) {
     EXPECT_EQ(Texts{}, RepliesTo(pszLine, ZE_KEST_INVALID_ARGUMENT)) << pszLine;

@@ -1,0 +1,11 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "debug/control/command_table.h"
+
+namespace kest {
+
+// Prints a JSON file, the value, and its tokens one by one.
+uint32_t PrintJsonFile(const CommandArguments &arguments);
+
+}  // namespace kest

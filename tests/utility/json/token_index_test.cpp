@@ -1,0 +1,163 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <filesystem>
+
+#include <gmock/gmock.h>
+
+#include "tests/support/debug_layer.h"
+#include "tests/support/ports.h"
+#include "tests/support/report_capture.h"
+#include "tests/utility/json/json_text.h"
+
+using kest::test::JsonText;
+using kest::test::ReportCapture;
+using namespace std::string_literals;
+
+namespace {
+
+constexpr size_t kToken = sizeof(ZE_KEST_JsmnTokenInfo_s);
+constexpr size_t kStep = 4096;
+
+std::string Repeated(size_t sztTimes, const std::string &text) {
+  std::string all;
+  for (size_t i = 0; i < sztTimes; ++i)
+    all += text;
+  return all;
+}
+
+// Short texts that often are JSON, and often nearly.
+std::string Scribble(uint32_t u32Seed) {
+  static const char *const apszBits[] = {"{",  "}",   "[", "]",       ",",   ":",  "\"a\"", "\"k\":", "1",
+                                         "-2", "tru", " ", "{\"o\":", "[7,", "\\", "\"",    "\\u00",  "\x80"};
+  std::string text;
+  for (const uint8_t u8 : kest::test::Noise(3 + u32Seed % 20, u32Seed))
+    text += apszBits[u8 % std::size(apszBits)];
+  return text;
+}
+
+// What the index of a text is must not depend on when its array had to grow.
+void ExpectGrowthLeavesNoTrace(const std::string &text) {
+  JsonText roomy(text, (text.size() + 1) * kToken);
+  const std::string expected = roomy.Tokens();
+  const size_t sztTokens = roomy.st.toknext;
+  for (size_t sztRoom = 1; sztRoom <= sztTokens; ++sztRoom) {
+    JsonText tight(text, sztRoom * kToken);
+    EXPECT_EQ(expected, tight.Tokens()) << text << ", room for " << sztRoom;
+  }
+}
+
+}  // namespace
+
+TEST(TokenIndex, EveryTokenHasItsTypeItsExtentAndItsChildren) {
+  const std::pair<std::string, const char *> aTexts[] = {
+      {"{\"a\":{\"b\":1},\"c\":\"b\"}", "1:0-21/2 3:2-3/1 1:5-12/1 3:7-8/1 4:10-11/0 3:14-15/1 3:18-19/0"},
+      {"[ -1.5e3 ,\ttrue\r\n,null,\"\",[]]", "2:0-30/5 4:2-8/0 4:11-15/0 4:18-22/0 3:24-24/0 2:26-28/0"},
+      {R"({"k\"\\\/\b\f\n\r\t\u00fF":[{},{"x":[]}]})",
+       "1:0-41/1 3:2-24/1 2:26-40/2 1:27-29/0 1:30-38/1 3:32-33/1 2:35-37/0"},
+      {"a:b c,d", "4:0-1/1 4:2-3/1 4:4-5/0 4:6-7/0"},  // bare words, no root
+      {"x\"y{z[", "4:0-6/0"},                          // a bare word holds what it does not end at
+      {"{a:1 b:2}", "1:0-9/1 4:1-2/2 4:3-4/0 4:5-6/1 4:7-8/0"},
+      {"42", "4:0-2/0"},  // at the very end of the text
+      {"[1]\0garbage}"s, "2:0-3/1 4:1-2/0"},
+      {"\"\xC3\xA4\"", "3:1-3/0"},
+  };
+  for (const auto &[text, pszTokens] : aTexts) {
+    JsonText json(text);
+    EXPECT_EQ(pszTokens, json.Tokens()) << text;
+    EXPECT_EQ(pszTokens, json.Tokens()) << "a second fill only confirms";
+    ExpectGrowthLeavesNoTrace(text);
+  }
+}
+
+TEST(TokenIndex, WhatIsNoJsonGivesItsCodeAndTakesTheArrayAway) {
+  const std::pair<std::string, int> aTexts[] = {{"   \t\r\n", 0},
+                                                {"\0{}"s, 0},
+                                                {":,", 0},
+                                                {"{\"a\":1", -3},
+                                                {"[[]", -3},
+                                                {"\"abc", -3},
+                                                {"\"a\0\""s, -3},
+                                                {"\"a\\", -3},
+                                                {"\"\\u12", -3},
+                                                {"[\"\\u", -3},
+                                                {"{\"a\":1]", -2},
+                                                {"[}", -2},
+                                                {"]", -2},
+                                                {"{}}", -2},
+                                                {"\"\\x\"", -2},
+                                                {"\"\\u12\"", -2},
+                                                {"\"\\u00g0\"", -2},
+                                                {"[tr\x01ue]", -2},
+                                                {"[\x7F]", -2},
+                                                {"\xEF\xBB\xBF{}", -2},
+                                                {Repeated(100000, "["), -3}};
+  for (const auto &[text, s32Code] : aTexts) {
+    const ReportCapture capture;
+    JsonText json(text);
+    EXPECT_EQ(ZE_KEST_FAILED, json.Fill()) << text;
+    EXPECT_EQ(nullptr, json.st.pstTokenInfo);
+    EXPECT_EQ(0u, json.st.sztTokenInfoSize);
+    EXPECT_EQ(capture.Texts("<ERR>"),
+              (std::vector<std::string>{"Error (0x00000003)! Fail to fill up token info with error " +
+                                        std::to_string(s32Code) + "!\n"}));
+  }
+}
+
+TEST(TokenIndex, ScribblesAndBinaryTextsStayInsideTheTextWhereverTheArrayGrows) {
+  const ReportCapture capture(ZE_KEST_LEVEL_PRINT);
+  for (uint32_t u32Seed = 0; u32Seed < 500; ++u32Seed) {
+    ExpectGrowthLeavesNoTrace(Scribble(u32Seed));
+    const kest::test::Bytes noise = kest::test::Noise(u32Seed + 1, u32Seed);
+    ExpectGrowthLeavesNoTrace(std::string(noise.begin(), noise.end()));
+  }
+}
+
+TEST(TokenIndex, TheArrayGrowsByStepsAsFarAsTheTextNeeds) {
+  const std::tuple<std::string, uint32_t, size_t> aTexts[] = {
+      {"[" + Repeated(255, "1,") + "]", 256, kStep},
+      {"[" + Repeated(256, "1,") + "]", 257, 2 * kStep},
+      {"{" + Repeated(150, "\"k\":2,") + "}", 301, 2 * kStep},
+      {"[" + Repeated(99999, "\"s\",") + "]", 100000, 391 * kStep},
+      {Repeated(3000, "[") + Repeated(3000, "]"), 3000, 12 * kStep}};
+  for (const auto &[text, u32Tokens, sztBytes] : aTexts) {
+    JsonText json(text);
+    EXPECT_EQ(ZE_KEST_OK, json.Fill());
+    EXPECT_EQ(u32Tokens, json.st.u32TotalTokenCounter);
+    EXPECT_EQ(sztBytes, json.st.sztTokenInfoSize);
+    EXPECT_EQ(static_cast<int32_t>(text.size()), json.st.pstTokenInfo[0].end);
+  }
+}
+
+TEST(TokenIndex, ASizeThatNoMemoryHasLeavesTheArrayInPlace) {
+  for (const size_t sztClaimed : {SIZE_MAX - 2 * kStep + 1, SIZE_MAX - kStep + 1}) {  // the second one wraps
+    const ReportCapture capture;
+    JsonText json("1");
+    json.st.sztTokenInfoSize = sztClaimed;
+    json.st.toknext = UINT32_MAX;  // full
+    EXPECT_EQ(ZE_KEST_OUT_OF_MEMORY, json.Fill());
+    EXPECT_NE(nullptr, json.st.pstTokenInfo);
+    EXPECT_EQ(sztClaimed, json.st.sztTokenInfoSize);
+    EXPECT_TRUE(capture.Has("<ERR>", "Error (0x0000000A)! Fail to allocate " +
+                                         std::to_string(sztClaimed + kStep) +
+                                         " bytes of memory to pstTokenInfoTmp!\n"));
+  }
+}
+
+TEST(TokenIndex, FilesOfARealProjectAreReadToTheirEnds) {
+  size_t sztFiles = 0;
+  for (const auto &entry : std::filesystem::recursive_directory_iterator(KEST_TEST_JSON_DIR)) {
+    if (entry.path().extension() != ".json") continue;
+    SCOPED_TRACE(entry.path());
+    ++sztFiles;
+    const std::string text = kest::test::ReadFile(entry.path());
+    JsonText json(text);
+    JsonText roomy(text, text.size() * kToken);
+    EXPECT_EQ(roomy.Tokens(), json.Tokens());
+    ASSERT_NE(0u, json.st.u32TotalTokenCounter);
+    int32_t s32Children = 0;
+    for (uint32_t i = 0; i < json.st.u32TotalTokenCounter; ++i)
+      s32Children += json.st.pstTokenInfo[i].size;
+    EXPECT_EQ(json.st.u32TotalTokenCounter - 1, static_cast<uint32_t>(s32Children));  // all but the root
+    EXPECT_EQ(text.find_last_of("]}") + 1, static_cast<size_t>(json.st.pstTokenInfo[0].end));
+  }
+  if (sztFiles == 0) GTEST_SKIP() << "no JSON file below " KEST_TEST_JSON_DIR;
+}

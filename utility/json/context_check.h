@@ -1,0 +1,27 @@
+// SPDX-License-Identifier: Apache-2.0
+// Checks of a JSON context that several operations share, reported under the name of the one that asks.
+#pragma once
+
+#include "ze_kest/utility.h"
+
+#include "utility/core/report.h"
+
+namespace kest {
+
+inline bool HasTokenArray(const char *pszFunction, const ZE_KEST_Jsmn_s *pstJsmn) {
+  KEST_REQUIRE_OR_AS(pszFunction, pstJsmn != nullptr, false, "pstJsmn is NULL.\n");
+  KEST_REQUIRE_OR_AS(pszFunction, pstJsmn->pstTokenInfo != nullptr, false,
+                     "pstJsmn->pstTokenInfo is NULL.\n");
+  KEST_REQUIRE_OR_AS(pszFunction, pstJsmn->sztTokenInfoSize != 0, false,
+                     "Invalid parameter: pstJsmn->sztTokenInfoSize!\n");
+  return true;
+}
+
+inline bool HasTokens(const char *pszFunction, const ZE_KEST_Jsmn_s *pstJsmn) {
+  if (!HasTokenArray(pszFunction, pstJsmn)) return false;
+  KEST_REQUIRE_OR_AS(pszFunction, pstJsmn->u32TotalTokenCounter != 0, false,
+                     "Invalid parameter: pstJsmn->u32TotalTokenCounter!\n");
+  return true;
+}
+
+}  // namespace kest
