@@ -7,6 +7,7 @@
 #include "ze_kest/utility.h"
 
 #include "player/framework/filter_entries.h"
+#include "player/framework/measured_work.h"
 #include "player/framework/metadata_block.h"
 
 namespace kest::player {
@@ -63,6 +64,14 @@ void Filter::AnnounceFormat() {
 
 void Filter::RunCycle(bool upstreamEnded) {
   upstreamEnded_ = upstreamEnded;
+  {
+    const MeasuredWork measured(record_.pstParentPipeline->szName, record_.szName, measure_);
+    TakeTurn();
+  }
+  ended_ = IsComplete();
+}
+
+void Filter::TakeTurn() {
   ze_kest_Debug_MeasureLatency(&record_, ZE_KEST_LATENCY_START);
   Process();
   ze_kest_Debug_Filter(&record_);
@@ -72,7 +81,6 @@ void Filter::RunCycle(bool upstreamEnded) {
   for (PortStorage *output : outputs_) {
     output->CommitWritten();
   }
-  ended_ = IsComplete();
 }
 
 bool Filter::IsComplete() const {

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "ze_kest/model.h"
+#include "ze_kest/utility.h"
 
 #include "player/framework/filter_kind.h"
 #include "player/framework/filter_record.h"
@@ -67,6 +68,7 @@ class Filter {
   void CountInputXrun(uint32_t port) { inputs_[port]->CountXrun(); }
 
  private:
+  void TakeTurn();
   [[nodiscard]] bool InputsAreEmpty() const;
   void CountOverruns();
   [[nodiscard]] uint32_t MetadataBytesToForward() const;
@@ -76,6 +78,7 @@ class Filter {
   FilterRecord record_{};
   std::vector<PortStorage *> inputs_;
   std::vector<PortStorage *> outputs_;
+  ZE_KEST_PerformanceMeasure_s measure_{};
   uint32_t metadataRemainder_ = 0;  // frames whose metadata has not been forwarded
   bool upstreamEnded_ = false;
   bool ended_ = false;

@@ -8,6 +8,7 @@
 #include "ze_kest/utility.h"
 
 #include "player/framework/cycle_trace.h"
+#include "player/framework/measured_work.h"
 #include "player/framework/published.h"
 #include "player/framework/registration.h"
 
@@ -140,6 +141,7 @@ bool Pipeline::Collect(LinkedPort &input, PipelineLink::Patience patience) {
 bool Pipeline::RunFilters() {
   bool upstreamEnded =
       std::all_of(inputs_.begin(), inputs_.end(), [](const LinkedPort &input) { return input.ended; });
+  const MeasuredWork measured(record_.szName, nullptr, measure_);
   const CycleTrace trace(record_.szName);
   for (const auto &filter : filters_) {
     trace.FilterStarts(filter->Record().szName);

@@ -9,6 +9,8 @@
 #include <thread>
 #include <vector>
 
+#include "ze_kest/utility.h"
+
 #include "player/framework/filter.h"
 #include "player/framework/pipeline_link.h"
 
@@ -54,6 +56,7 @@ class Pipeline {
   void SetState(uint32_t state);
 
   ZE_KEST_Pipeline_s record_{};
+  ZE_KEST_PerformanceMeasure_s measure_{};
   PcmFormat format_;
   PipelineLink::Patience inputPatience_;
   std::vector<std::unique_ptr<PortStorage>> ports_;

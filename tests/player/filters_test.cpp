@@ -24,6 +24,7 @@ using test::SampleAt;
 class Bench {
  public:
   explicit Bench(Filter &filter) : filter_(filter), in_(kMono, filter.InputCapacity()) {
+    filter_.SetParent(pipeline_);
     filter_.ConnectInput(in_);
     filter_.ConnectOutput(out_);
   }
@@ -74,6 +75,7 @@ class Bench {
     out_.ReleaseRead();
   }
 
+  ZE_KEST_Pipeline_s pipeline_ = {};
   Filter &filter_;
   PortStorage in_;
   PortStorage out_{kMono, PortCapacity::ForFrames(1000)};
@@ -198,6 +200,8 @@ using LpcmInAFile = test::PlayerTest;
 TEST_F(LpcmInAFile, CountsTheCompleteBlocksThatItHasDecoded) {
   test::WriteAudio(Path("in.wav"), test::Noise(1, SF_FORMAT_WAV | SF_FORMAT_PCM_32, 1000));
   Lpcm lpcm(kMono, AudioReader(Path("in.wav")), 1, false);
+  ZE_KEST_Pipeline_s pipeline = {};
+  lpcm.SetParent(pipeline);
   PortStorage out(kMono, PortCapacity::ForFrames(2000));
   lpcm.ConnectOutput(out);
   for (const uint32_t blocks : {1u, 2u, 3u, 3u, 3u}) {
