@@ -11,6 +11,15 @@ namespace kest {
 
 static_assert(__BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__, "a sample's low bytes come first");
 
+// Three bytes are put together in registers: a copy of three would go through memory twice.
+template <size_t kBytes>
+uint32_t LoadSample(const uint8_t *pu8) {
+  if constexpr (kBytes == 3) return uint32_t{pu8[0]} | uint32_t{pu8[1]} << 8 | uint32_t{pu8[2]} << 16;
+  uint32_t u32Sample = 0;
+  memcpy(&u32Sample, pu8, kBytes);
+  return u32Sample;
+}
+
 // kShift: bits to the left, or to the right when it is negative. The sample is read whole before it is
 // stored, and a copy of constant size needs no alignment.
 template <size_t kSrc, size_t kDst, int kShift>
@@ -19,8 +28,7 @@ struct ShiftSample {
   static constexpr size_t kDstBytes = kDst;
 
   static void Move(const uint8_t *pu8Src, uint8_t *pu8Dst) {
-    uint32_t u32Sample = 0;
-    memcpy(&u32Sample, pu8Src, kSrc);
+    uint32_t u32Sample = LoadSample<kSrc>(pu8Src);
     if constexpr (kShift < 0) {
       u32Sample >>= -kShift;
     } else {

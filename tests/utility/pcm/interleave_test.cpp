@@ -54,16 +54,11 @@ void ExpectLikeModel(const Move &m, uint32_t channels, uint32_t bits) {
 
 template <typename Visit>
 void ForEachMove(bool bToFrames, Visit visit) {
-  for (const auto &[offset, advance] : {std::pair{0, 0}, {1, 0}, {2, 0}, {3, 3}, {4, 0}, {4, 4}, {9, 9}}) {
+  for (const auto &[offset, advance] :
+       {std::pair{0u, 0u}, {1u, 0u}, {2u, 0u}, {3u, 3u}, {4u, 0u}, {4u, 4u}, {9u, 9u}}) {
     for (uint32_t i = 0; i < 3 * 13 * 5; ++i) {
-      for (const uint32_t samples : {0, 1, 5, 12}) {
-        const Move move = {bToFrames,
-                           i % 3,
-                           8 + i / 39 * 8,
-                           i / 3 % 13,
-                           static_cast<uint32_t>(offset),
-                           static_cast<uint32_t>(advance),
-                           samples};
+      for (const uint32_t samples : {0u, 1u, 5u, 12u}) {
+        const Move move = {bToFrames, i % 3, 8 + i / 39 * 8, i / 3 % 13, offset, advance, samples};
         ASSERT_NO_FATAL_FAILURE(visit(move));
       }
     }
