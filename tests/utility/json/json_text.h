@@ -36,6 +36,7 @@ class JsonText {
   ~JsonText() {
     const bool bFailed = st.pstTokenInfo == nullptr;  // then there is nothing to release
     EXPECT_EQ(bFailed ? ZE_KEST_INVALID_ARGUMENT : ZE_KEST_OK, ze_kest_Utility_Jsmn_Destroy(&st));
+    EXPECT_EQ(bFailed, st.pszStringData != nullptr);
     munmap(pvMapped_, sztMapped_);
   }
   JsonText(const JsonText &) = delete;
