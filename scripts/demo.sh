@@ -27,10 +27,12 @@ wait_for_pipe() {
   return 1
 }
 
-# Types one line into the pipe; the reply comes from the log file.
+# Types lines into the pipe, all at once; the replies come from the log file.
 command_to_pipe() {
-  say "" "\$ echo $1 >D"
-  timeout 5 sh -c 'echo "$1" >"$2"' sh "$1" "${debug_dir}D" || fail "Nobody reads the pipe ${debug_dir}D"
+  local typed=("${@/#/\$ echo }")
+  say "" "${typed[@]/%/ >D}"
+  timeout 5 sh -c 'pipe=$1; shift; printf "%s\n" "$@" >"$pipe"' sh "${debug_dir}D" "$@" ||
+    fail "Nobody reads the pipe ${debug_dir}D"
   sleep 0.4
 }
 
@@ -56,8 +58,9 @@ touch "${debug_dir}KestLog.txt"
 trap stop_player EXIT
 
 say "Playing $audio through Decoder_13 (Lpcm, Volume) and SpeakerOutput (Mixer, Delay, SpeakerOutput) ..."
+rm -f "$debug_dir"{Dump{In,Out}SpeakerOutputMixer*,Out{,Sig}MixerDelay_*.pcm,Decoder.txt}
 log_bytes=$(stat -c %s "${debug_dir}KestLog.txt")
-"$build_dir/kest-player" "$audio" -o "$output" --loop --seconds 12 &
+"$build_dir/kest-player" "$audio" -o "$output" --loop --seconds 22 --delay-ms 50 --wide &
 player=$!
 # Behind what the log held before; the help's empty rows squeezed into one.
 tail -c +$((log_bytes + 1)) -f --pid="$player" "${debug_dir}KestLog.txt" | cat -s &
@@ -82,7 +85,26 @@ command_to_pipe kest_log_to_file=on
 command_to_pipe no_such_command
 command_to_pipe kest_log_level=none
 
+say "" "What the filters' ports hold, for a moment (two lines at once: the second ends it):"
+command_to_pipe kest_print_filter_info=on kest_print_filter_info=off
+say "" "What the mixer consumes and produces, in files:"
+command_to_pipe kest_dump_filter_io=SpeakerOutput,Mixer
+command_to_pipe kest_dump_io=on
+command_to_pipe kest_dump_io=off
+say "" "When the filters of the decoder pipeline work, in a file:"
+command_to_pipe kest_debug_filter_io=Decoder kest_debug_filter_io=restart
+command_to_pipe kest_debug_filter_io=release
+tail -n 4 "${debug_dir}Decoder.txt"
+say "" "The delay of 50 ms, measured: 500 cycles of silence (2.7 s), then a burst of a sine."
+command_to_pipe kest_latency_config=SpeakerOutput,Mixer,SpeakerOutput,Delay
+command_to_pipe kest_latency=on
+sleep 4
+command_to_pipe kest_latency=off
+
 say "" "Waiting for the end of the audio ..."
 wait "$player"
 wait
-say "" "Output: $output" "Log:    ${debug_dir}KestLog.txt" "Pipe:   ${debug_dir}D (while a player runs)"
+say "" "Output: $output" "Log:    ${debug_dir}KestLog.txt" "Pipe:   ${debug_dir}D (while a player runs)" \
+  "Dumps:  $(cd "$debug_dir" && say Dump*SpeakerOutputMixer* | paste -sd ' ')" \
+  "Trace:  ${debug_dir}Decoder.txt" \
+  "Burst:  ${debug_dir}OutSigMixerDelay_0.pcm, what came out of the delay from the hit on"
