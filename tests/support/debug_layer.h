@@ -2,6 +2,7 @@
 // The debug layer of this process, up for the length of a test, on an empty debug directory.
 #pragma once
 
+#include <cstddef>
 #include <functional>
 #include <string>
 
@@ -32,6 +33,9 @@ bool WaitFor(const std::function<bool()> &condition);
 
 // The threads of this process that bear the name.
 int ThreadsNamed(const std::string &name);
+
+// The descriptors that this process has open.
+std::ptrdiff_t OpenDescriptors();
 
 std::string ReadFile(const std::string &path);
 void WriteFile(const std::string &path, const std::string &contents);

@@ -15,6 +15,14 @@ struct ReleaseMemory {
 template <typename T>
 using Owned = std::unique_ptr<T, ReleaseMemory>;
 
+// A block of sztBytes, uninitialised; empty when memory is exhausted, which is reported.
+template <typename T>
+Owned<T> Allocate(size_t sztBytes) {
+  void *pv = nullptr;
+  ze_kest_Utility_MemoryAlloc(&pv, sztBytes);
+  return Owned<T>(static_cast<T *>(pv));
+}
+
 // A modifiable copy of a text; empty when memory is exhausted.
 inline Owned<char> Duplicate(const char *psz) {
   return Owned<char>(ze_kest_Utility_Strdup(psz));

@@ -6,6 +6,7 @@
 #include "ze_kest/utility.h"
 
 #include "tests/support/report_capture.h"
+#include "utility/core/monotonic_us.h"
 
 using kest::test::ReportCapture;
 
@@ -26,4 +27,16 @@ TEST(Clock, ADeadlineLiesTheGivenTimeAheadWithNormalisedNanoseconds) {
   ze_kest_Utility_MicrosecondToTimespec(nullptr, 1);
   EXPECT_TRUE(capture.Has("<ERR>", "pstOut is NULL."));
   ze_kest_Utility_DelayMs(0);
+}
+
+TEST(Clock, MicrosecondsAreThoseOfTheMonotonicClock) {
+  const auto microseconds = [] {
+    struct timespec st = {};
+    clock_gettime(CLOCK_MONOTONIC, &st);
+    return static_cast<uint64_t>(st.tv_sec) * 1000000 + static_cast<uint64_t>(st.tv_nsec) / 1000;
+  };
+  const uint64_t u64Before = microseconds();
+  const uint64_t u64Us = kest::MonotonicUs();
+  EXPECT_GE(u64Us + 1, u64Before);  // the last nanoseconds may be rounded
+  EXPECT_LE(u64Us, microseconds() + 1);
 }

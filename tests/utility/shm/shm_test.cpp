@@ -13,6 +13,7 @@
 #include "tests/support/report_capture.h"
 
 using kest::test::InAnotherProcess;
+using kest::test::OpenDescriptors;
 using kest::test::ReportCapture;
 
 namespace {
@@ -33,10 +34,6 @@ struct Block {
   }
   [[nodiscard]] char *Text() const { return static_cast<char *>(pvAddr); }
 };
-
-auto OpenDescriptors() {
-  return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});
-}
 
 class Shm : public testing::Test {
  protected:

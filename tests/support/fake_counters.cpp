@@ -1,0 +1,138 @@
+// SPDX-License-Identifier: Apache-2.0
+// The linker gives the tests' calls of a few functions to the __wrap_ ones, which hand all others on.
+#include "tests/support/fake_counters.h"
+
+#include <algorithm>
+#include <atomic>
+#include <cerrno>
+#include <cstdarg>
+#include <cstring>
+
+#include <fcntl.h>
+#include <linux/perf_event.h>
+#include <sys/ioctl.h>
+#include <sys/mman.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+#include "ze_kest/utility.h"
+
+namespace kest::test {
+namespace {
+
+std::atomic<FakeCounters *> g_pFake{nullptr};
+
+// Counts down; true once it has come to its end.
+bool RunsOut(int &s32Left) {
+  if (s32Left == 0) return true;
+  if (s32Left > 0) --s32Left;
+  return false;
+}
+
+}  // namespace
+
+FakeCounters::FakeCounters() {
+  g_pFake = this;
+}
+
+FakeCounters::~FakeCounters() {
+  g_pFake = nullptr;
+}
+
+int FakeCounters::Open(const void *pvAttributes, int s32Pid, int s32Cpu, int s32GroupFd,
+                       unsigned long u32Flags) {
+  if (RunsOut(s32OpensLeft)) {
+    errno = ENOENT;
+    return -1;
+  }
+  uint32_t u32Size = 0;
+  memcpy(&u32Size, static_cast<const uint8_t *>(pvAttributes) + sizeof(uint32_t), sizeof(u32Size));
+  std::vector<uint64_t> attributes(u32Size / sizeof(uint64_t));
+  memcpy(attributes.data(), pvAttributes, attributes.size() * sizeof(uint64_t));
+  const int s32Fd = bReadable ? memfd_create("counter", 0) : open("/dev/null", O_WRONLY);
+  const uint64_t u64Id = 100 + events.size();
+  events.push_back({attributes, s32Pid, s32Cpu, s32GroupFd, u32Flags, s32Fd, u64Id});
+  return s32Fd;
+}
+
+int FakeCounters::Control(int s32Fd, unsigned long u32Request, void *pvArgument) {
+  const auto event =
+      std::find_if(events.rbegin(), events.rend(), [s32Fd](const Event &e) { return e.s32Fd == s32Fd; });
+  if (event == events.rend()) return -1;
+  if (u32Request == PERF_EVENT_IOC_ID) {
+    memcpy(pvArgument, &event->u64Id, sizeof(event->u64Id));
+    return 0;
+  }
+  const bool bGroup =
+      reinterpret_cast<uintptr_t>(pvArgument) == PERF_IOC_FLAG_GROUP && event->s32GroupFd == -1;
+  const char *pszRequest = u32Request == PERF_EVENT_IOC_RESET     ? "reset"
+                           : u32Request == PERF_EVENT_IOC_ENABLE  ? "enable"
+                           : u32Request == PERF_EVENT_IOC_DISABLE ? "disable"
+                                                                  : "?";
+  controls.emplace_back(bGroup ? pszRequest : "?");
+  if (u32Request == PERF_EVENT_IOC_DISABLE && bReadable) Deliver(s32Fd);
+  return 0;
+}
+
+void FakeCounters::Deliver(int s32Fd) const {
+  std::vector<uint64_t> words = group;
+  if (words.empty()) {
+    words = {counts.size()};
+    for (size_t i = 0; i < counts.size(); ++i)
+      words.insert(words.end(), {counts[i], events[events.size() - counts.size() + i].u64Id});
+  }
+  const size_t sztBytes = std::min(sztGroupBytes, words.size() * sizeof(uint64_t));
+  [[maybe_unused]] const ssize_t s32Written = pwrite(s32Fd, words.data(), sztBytes, 0);
+  lseek(s32Fd, 0, SEEK_SET);
+}
+
+}  // namespace kest::test
+
+using kest::test::g_pFake;
+
+extern "C" {
+
+long __real_syscall(long s32Number, ...);
+int __real_ioctl(int s32Fd, unsigned long u32Request, ...);
+uint32_t __real_ze_kest_Utility_MemoryAlloc(void **ppvOut, size_t sztSize);
+uint64_t __real__ZN4kest11MonotonicUsEv();
+
+long __wrap_syscall(long s32Number, ...) {
+  std::array<long, 6> a{};
+  va_list args;
+  va_start(args, s32Number);
+  for (long &s32Argument : a)
+    s32Argument = va_arg(args, long);
+  va_end(args);
+  if (g_pFake == nullptr || s32Number != __NR_perf_event_open) {
+    return __real_syscall(s32Number, a[0], a[1], a[2], a[3], a[4], a[5]);
+  }
+  return g_pFake.load()->Open(reinterpret_cast<const void *>(a[0]), static_cast<int>(a[1]),
+                              static_cast<int>(a[2]), static_cast<int>(a[3]),
+                              static_cast<unsigned long>(a[4]));
+}
+
+int __wrap_ioctl(int s32Fd, unsigned long u32Request, ...) {
+  va_list args;
+  va_start(args, u32Request);
+  void *pvArgument = va_arg(args, void *);
+  va_end(args);
+  if (g_pFake == nullptr || _IOC_TYPE(u32Request) != '$') {
+    return __real_ioctl(s32Fd, u32Request, pvArgument);
+  }
+  return g_pFake.load()->Control(s32Fd, u32Request, pvArgument);
+}
+
+uint32_t __wrap_ze_kest_Utility_MemoryAlloc(void **ppvOut, size_t sztSize) {
+  if (g_pFake == nullptr || !kest::test::RunsOut(g_pFake.load()->s32AllocationsLeft)) {
+    return __real_ze_kest_Utility_MemoryAlloc(ppvOut, sztSize);
+  }
+  *ppvOut = nullptr;
+  return ZE_KEST_FAILED;
+}
+
+uint64_t __wrap__ZN4kest11MonotonicUsEv() {
+  return g_pFake == nullptr ? __real__ZN4kest11MonotonicUsEv() : g_pFake.load()->u64NowUs;
+}
+
+}  // extern "C"

@@ -1,0 +1,49 @@
+// SPDX-License-Identifier: Apache-2.0
+// Stands in, while it lives, for the kernel's performance events and for the clock and the memory of those
+// who read them. The events have descriptors of real files, so that reading and closing them is real.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace kest::test {
+
+class FakeCounters {
+ public:
+  FakeCounters();
+  ~FakeCounters();
+  FakeCounters(const FakeCounters &) = delete;
+  FakeCounters &operator=(const FakeCounters &) = delete;
+
+  // What perf_event_open was called with: the attributes in words, and the event's id.
+  struct Event {
+    std::vector<uint64_t> attributes;
+    int s32Pid;
+    int s32Cpu;
+    int s32GroupFd;
+    unsigned long u32Flags;
+    int s32Fd;
+    uint64_t u64Id;
+  };
+  std::vector<Event> events;
+  std::vector<std::string>
+      controls;  // "reset", "enable", "disable" of the last leader's group, "?" for others
+
+  std::array<uint64_t, 3> counts = {};  // of the last three events, delivered when their group is stopped
+  std::vector<uint64_t> group;          // delivered instead, unless it is empty
+  size_t sztGroupBytes = SIZE_MAX;      // how much of it can be read
+  bool bReadable = true;                // whether a leader that is opened can be read
+  int s32OpensLeft = -1;                // until one is refused; never when negative
+  int s32AllocationsLeft = -1;          // until one fails
+  uint64_t u64NowUs = 1;
+
+  int Open(const void *pvAttributes, int s32Pid, int s32Cpu, int s32GroupFd, unsigned long u32Flags);
+  int Control(int s32Fd, unsigned long u32Request, void *pvArgument);
+
+ private:
+  void Deliver(int s32Fd) const;
+};
+
+}  // namespace kest::test
