@@ -320,6 +320,87 @@ ZE_KEST_API uint32_t ze_kest_Utility_CopyFromRingToNonRingBuffer(uint8_t *pu8Dst
                                                                  uint32_t sztRingSize, uint32_t sztOffset,
                                                                  uint32_t sztAdvance, uint32_t sztCount);
 
+/* ---- Sample widths: a linear run of samples from one container to another. Any thread, real-time safe. ----
+ */
+
+/* Containers: 16 bits; 24 bits packed into three bytes, the low one first; 24LE, the low three bytes of a
+ * 32-bit word (the top byte is dropped); 32 bits. A wider sample has its bits at the top (24LE apart), the
+ * rest zero; a narrower one loses its low bits: nothing is rounded or saturated.
+ *
+ * u32Count: samples; 0 converts nothing. Pointers need not be aligned. The samples are converted one after
+ * another in ascending order, so ranges may overlap where no sample is written over before it is read.
+ * ZE_KEST_INVALID_ARGUMENT: a NULL pointer (reported), nothing is written. */
+ZE_KEST_API uint32_t ze_kest_Utility_ConvertPcmFrom16BitTo24Bit(const uint16_t *pu16Ptr, uint8_t *pu8Ptr,
+                                                                uint32_t u32Count);
+ZE_KEST_API uint32_t ze_kest_Utility_ConvertPcmFrom24BitTo16Bit(const uint8_t *pu8Ptr, uint16_t *pu16Ptr,
+                                                                uint32_t u32Count);
+ZE_KEST_API uint32_t ze_kest_Utility_ConvertPcmFrom16BitTo32Bit(const uint16_t *pu16Ptr, uint32_t *pu32Dest,
+                                                                uint32_t u32Count);
+ZE_KEST_API uint32_t ze_kest_Utility_ConvertPcmFrom32BitTo16Bit(const uint32_t *pu32PtrSrc,
+                                                                uint16_t *pu16PtrDes, uint32_t u32Count);
+ZE_KEST_API uint32_t ze_kest_Utility_ConvertPcmFrom24BitTo32Bit(const uint8_t *pu8Ptr, uint32_t *pu32Ptr,
+                                                                uint32_t u32Count);
+ZE_KEST_API uint32_t ze_kest_Utility_ConvertPcmFrom24LETo16Bit(const uint32_t *pu32Ptr, uint16_t *pu16Ptr,
+                                                               uint32_t u32Count);
+ZE_KEST_API uint32_t ze_kest_Utility_ConvertPcmFrom24LETo32Bit(const uint32_t *pu32Src, uint32_t *pu32Dest,
+                                                               uint32_t u32Count);
+
+/* A second generation of the same conversions: 16 to 32 bits, 24LE to 32 bits in place, 24LE to 16 bits. The
+ * destination comes first, and to convert no samples is refused.
+ * ps32Dst, ps16Dst: sztSamples samples, out; ps16Dst must not be NULL: it is not checked.
+ * ZE_KEST_INVALID_ARGUMENT: another NULL pointer or 0 samples (each reported), nothing is written. */
+ZE_KEST_API uint32_t ze_kest_Utility_Convert16BitPcmTo32BitPcm(int32_t *ps32Dst, const int16_t *ps16Src,
+                                                               uint32_t sztSamples);
+ZE_KEST_API uint32_t ze_kest_Utility_Convert32BitPcmFromLow24BitToHigh24Bit(int32_t *ps32Src,
+                                                                            uint32_t sztSamples);
+ZE_KEST_API uint32_t ze_kest_Utility_Convert32BitPcmFromLow24BitTo16BitPcm(int16_t *ps16Dst,
+                                                                           const int32_t *ps32Src,
+                                                                           uint32_t sztSamples);
+
+/* ---- Interleave: one channel group of a port, given by the port's PCM part ---- */
+
+/* Frames of an interleaved buffer into the rings of a group, and back. Channel k of a frame belongs to slot k
+ * of the group; the channel map is not asked, no level or offset changes.
+ *
+ * pstPcm: the port's PCM part; ePcmGroupType: the group, 0 to 2; u32Advance: where in the rings to begin, in
+ * samples from sztPcmReadOffset; sztSamples: samples per channel, the frames of pvSrc or pvDst; source and
+ * destination must not overlap. The samples have the width given here on both sides, 16, 24 (packed) or 32
+ * bits, and the group's storage is one of rings of that width. Of any other width nothing is moved, but with
+ * one channel its bytes are copied all the same.
+ *
+ * Nothing outside the rings is touched: nothing is moved when the position lies beyond the ring after one lap
+ * or when the group has no storage, and not more than the rest of the ring and one lap.
+ * ZE_KEST_INVALID_ARGUMENT: a group above 2 or a NULL pointer (each reported), nothing is written. */
+
+/* u32ChNum: channels of a frame; 0 and more than the group's number of channels count as 2. u32BitWidth: bits
+ * of a sample; 0 counts as 16. Both corrections are reported at INFO level. */
+ZE_KEST_API uint32_t ze_kest_Utility_ConvertInterleaveToNonInterleave(uint32_t u32ChNum, uint32_t u32BitWidth,
+                                                                      const ZE_KEST_PcmBuffer_s *pstPcm,
+                                                                      uint32_t ePcmGroupType,
+                                                                      uint32_t u32Advance, const void *pvSrc,
+                                                                      uint32_t sztSamples);
+
+/* u32ChNum: channels of a frame; 0: nothing is done, no pointer is checked. Channels beyond the group's
+ * number of channels have no ring: their slots of the frames stay as they were. u32BytesPerSample: 2, 3 or 4.
+ */
+ZE_KEST_API uint32_t ze_kest_Utility_ConvertNonInterleaveToInterleave(
+    void *pvDst, const ZE_KEST_PcmBuffer_s *pstPcm, uint32_t ePcmGroupType, uint32_t u32ChNum,
+    uint32_t u32Advance, uint32_t sztSamples, uint32_t u32BytesPerSample);
+
+/* Copies a group's channels from the rings of one port to the same slots of another, with wrap-around on both
+ * sides. The source's group record says which slots carry a channel; no level or offset changes.
+ * pstDst, pstSrc: the ports' PCM parts, whose rings must not overlap; u32DstAdvance, u32SrcAdvance: where to
+ * begin, in samples from the ports' sztPcmReadOffset; sztSamples: samples per channel; ePcmGroupType: 0 to 2.
+ * The ports have the same sample width: u32BitWidth 0 of the source counts as 16, of the destination as the
+ * source's. Nothing is copied when a port has no storage for the group, a position lies outside its ring
+ * after one lap or the source's samples are the wider ones; never more than a ring's size is.
+ * ZE_KEST_INVALID_ARGUMENT: a group above 2 or a NULL pointer (each reported). */
+ZE_KEST_API uint32_t ze_kest_Utility_CopyNonInterleavePcmBuffer(const ZE_KEST_PcmBuffer_s *pstDst,
+                                                                const ZE_KEST_PcmBuffer_s *pstSrc,
+                                                                uint32_t u32DstAdvance,
+                                                                uint32_t u32SrcAdvance, uint32_t sztSamples,
+                                                                uint32_t ePcmGroupType);
+
 /* ---- Reading an input port. Reading consumes nothing: account for it with the Update functions. ---- */
 
 /* Reads channels u32FirstCh to u32LastCh of a port into an interleaved buffer.

@@ -68,10 +68,10 @@ inline void WriteBytes(uint8_t *pu8Ring, const RingPlan &stPlan, const uint8_t *
 inline constexpr MoverTable<RingReader> kReadAsIs = {ReadBytes, MoveSamples<ReadAsIs<2>>,
                                                      MoveSamples<ReadAsIs<3>>, MoveSamples<ReadAsIs<4>>, 0};
 inline constexpr MoverTable<RingReader> kReadTo16 = {ReadBytes, MoveSamples<ReadAsIs<2>>, nullptr,
-                                                     MoveSamples<Read32To16>, 2};
-inline constexpr MoverTable<RingReader> kReadTo24Le = {ReadBytes, MoveSamples<Read16Shifted<8>>, nullptr,
-                                                       MoveSamples<Read32To24Le>, 4};
-inline constexpr MoverTable<RingReader> kReadTo32 = {ReadBytes, MoveSamples<Read16Shifted<16>>, nullptr,
+                                                     MoveSamples<ReadShifted<4, 2, -16>>, 2};
+inline constexpr MoverTable<RingReader> kReadTo24Le = {ReadBytes, MoveSamples<ReadShifted<2, 4, 8>>, nullptr,
+                                                       MoveSamples<ReadShifted<4, 4, -8>>, 4};
+inline constexpr MoverTable<RingReader> kReadTo32 = {ReadBytes, MoveSamples<ReadShifted<2, 4, 16>>, nullptr,
                                                      MoveSamples<ReadAsIs<4>>, 4};
 inline constexpr MoverTable<RingWriter> kWriteAsIs = {
     WriteBytes, MoveSamples<WriteAsIs<2>>, MoveSamples<WriteAsIs<3>>, MoveSamples<WriteAsIs<4>>, 0};

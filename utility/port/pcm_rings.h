@@ -14,13 +14,14 @@ inline uint32_t BytesPerSample(const ZE_KEST_PcmBuffer_s &stPcm) {
   return stPcm.stPcmInfo.u32BitWidth >> 3;
 }
 
-inline size_t RingBytes(const ZE_KEST_PcmBuffer_s &stPcm) {
-  return size_t{stPcm.sztPcmRingSamples} * BytesPerSample(stPcm);
+// The ring of a slot of a group that has storage, of samples of some width or of the port's.
+inline uint8_t *SlotRing(const ZE_KEST_PcmBuffer_s &stPcm, uint32_t u32Group, uint32_t u32Slot,
+                         uint32_t u32Width) {
+  return stPcm.apu8PcmGroupBuf[u32Group] + size_t{u32Slot} * stPcm.sztPcmRingSamples * u32Width;
 }
 
-// The ring of a slot of a group that has storage.
 inline uint8_t *SlotRing(const ZE_KEST_PcmBuffer_s &stPcm, uint32_t u32Group, uint32_t u32Slot) {
-  return stPcm.apu8PcmGroupBuf[u32Group] + u32Slot * RingBytes(stPcm);
+  return SlotRing(stPcm, u32Group, u32Slot, BytesPerSample(stPcm));
 }
 
 inline bool CarriesChannel(const ZE_KEST_PcmGroup_s &stGroup, uint32_t u32Slot) {
@@ -35,10 +36,15 @@ inline uint32_t SlotCount(const ZE_KEST_PcmGroup_s &stGroup) {
 // The plan of a transfer that every channel ring of the port shares. Position and amount are in samples; a
 // position beyond the ring is refused before it becomes bytes, which could wrap around to lie inside.
 inline RingPlan PlanPort(const ZE_KEST_PcmBuffer_s &stPcm, uint32_t u32Position, uint32_t sztSamples,
-                         uint32_t u32Unit) {
+                         uint32_t u32Width, uint32_t u32Unit) {
   if (u32Position > stPcm.sztPcmRingSamples) return {};
-  const uint32_t u32Width = BytesPerSample(stPcm);
-  return PlanRing(RingBytes(stPcm), size_t{u32Position} * u32Width, uint64_t{sztSamples} * u32Width, u32Unit);
+  return PlanRing(size_t{stPcm.sztPcmRingSamples} * u32Width, size_t{u32Position} * u32Width,
+                  uint64_t{sztSamples} * u32Width, u32Unit);
+}
+
+inline RingPlan PlanPort(const ZE_KEST_PcmBuffer_s &stPcm, uint32_t u32Position, uint32_t sztSamples,
+                         uint32_t u32Unit) {
+  return PlanPort(stPcm, u32Position, sztSamples, BytesPerSample(stPcm), u32Unit);
 }
 
 }  // namespace kest

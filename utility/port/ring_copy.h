@@ -8,21 +8,10 @@
 #include <algorithm>
 #include <cstring>
 
+#include "utility/pcm/shift_sample.h"
 #include "utility/port/ring_plan.h"
 
 namespace kest {
-
-template <typename Sample>
-Sample LoadSample(const uint8_t *pu8) {
-  Sample sample;
-  memcpy(&sample, pu8, sizeof(sample));
-  return sample;
-}
-
-template <typename Sample>
-void StoreSample(uint8_t *pu8, Sample sample) {
-  memcpy(pu8, &sample, sizeof(sample));
-}
 
 // The side of every kernel that reads. Of a sample cut by the ring's end the missing bytes read as zero.
 template <typename Kernel, size_t kRing, size_t kLinear>
@@ -44,22 +33,11 @@ struct ReadAsIs : ReadKernel<ReadAsIs<kBytes>, kBytes, kBytes> {
   static void Move(const uint8_t *pu8Ring, uint8_t *pu8Linear) { memcpy(pu8Linear, pu8Ring, kBytes); }
 };
 
-struct Read32To16 : ReadKernel<Read32To16, 4, 2> {
+// A read that converts.
+template <size_t kRing, size_t kLinear, int kShift>
+struct ReadShifted : ReadKernel<ReadShifted<kRing, kLinear, kShift>, kRing, kLinear> {
   static void Move(const uint8_t *pu8Ring, uint8_t *pu8Linear) {
-    StoreSample(pu8Linear, static_cast<uint16_t>(LoadSample<uint32_t>(pu8Ring) >> 16));
-  }
-};
-
-struct Read32To24Le : ReadKernel<Read32To24Le, 4, 4> {
-  static void Move(const uint8_t *pu8Ring, uint8_t *pu8Linear) {
-    StoreSample(pu8Linear, LoadSample<uint32_t>(pu8Ring) >> 8);
-  }
-};
-
-template <int kShift>
-struct Read16Shifted : ReadKernel<Read16Shifted<kShift>, 2, 4> {
-  static void Move(const uint8_t *pu8Ring, uint8_t *pu8Linear) {
-    StoreSample(pu8Linear, uint32_t{LoadSample<uint16_t>(pu8Ring)} << kShift);
+    ShiftSample<kRing, kLinear, kShift>::Move(pu8Ring, pu8Linear);
   }
 };
 

@@ -1,0 +1,45 @@
+// SPDX-License-Identifier: Apache-2.0
+// Copying from one ring to another.
+#pragma once
+
+#include <algorithm>
+#include <cstring>
+
+#include "utility/port/ring_position.h"
+
+namespace kest {
+
+// A ring and where in it a copy begins. Size and position count units of u32UnitBytes bytes.
+template <typename Byte>
+struct RingPlace {
+  Byte *pu8Ring;
+  uint32_t u32Size;
+  uint32_t u32Position;  // brought into the ring by WrapOnce
+  uint32_t u32UnitBytes;
+
+  // The units that lie one after another from here.
+  [[nodiscard]] uint32_t Room() const { return u32Size - u32Position; }
+  [[nodiscard]] Byte *Here() const { return pu8Ring + size_t{u32Position} * u32UnitBytes; }
+  void WrapAtEnd() {
+    if (u32Position == u32Size) u32Position = 0;
+  }
+};
+
+// Copies u32Units units of the source, whose width the destination's units have room for. Nothing when a
+// position lies outside its ring, and no more than a ring holds.
+inline void CopyRingToRing(RingPlace<uint8_t> stDst, RingPlace<const uint8_t> stSrc, uint32_t u32Units) {
+  if (stDst.u32Position > stDst.u32Size || stSrc.u32Position > stSrc.u32Size) return;
+  // Each piece ends where either ring ends or the amount does: three at most, as neither ring is lapped.
+  uint32_t u32Left = std::min({u32Units, stDst.u32Size, stSrc.u32Size});
+  while (u32Left != 0) {
+    stDst.WrapAtEnd();
+    stSrc.WrapAtEnd();
+    const uint32_t u32Piece = std::min({u32Left, stDst.Room(), stSrc.Room()});
+    memcpy(stDst.Here(), stSrc.Here(), size_t{u32Piece} * stSrc.u32UnitBytes);
+    stDst.u32Position += u32Piece;
+    stSrc.u32Position += u32Piece;
+    u32Left -= u32Piece;
+  }
+}
+
+}  // namespace kest
