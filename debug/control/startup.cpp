@@ -12,6 +12,8 @@
 #include "debug/control/debug_mutex.h"
 #include "debug/control/lock_owner.h"
 #include "debug/control/shared_settings.h"
+#include "debug/datapath/dump.h"
+#include "debug/datapath/latency.h"
 #include "debug/datapath/requests.h"
 #include "debug/log/log_file.h"
 #include "debug/registry/process_status.h"
@@ -48,6 +50,8 @@ void InitialiseBase() {
   Store(bKestAtraceEnable, uint8_t{0});
   ResetPerfEventTarget();
   ResetProcessStatusQuery();
+  ResetDumps();
+  ResetLatency();
   ResetRequests();
   _ZE_KEST_Debug_MutexInit();
   _ZE_KEST_Debug_ShmInit();

@@ -22,7 +22,7 @@ struct DumpSide {
   const char *pszFilePrefix;
   const FilterSelection &selection;
   ZE_KEST_Port_s *const (&(*pfnPorts)(const ZE_KEST_Filter_s &filter))[ZE_KEST_MAX_PORTS];
-  uint32_t u32AlwaysServed;  // slots that are dumped even when they are not connected
+  uint32_t u32AlwaysServed;                      // slots that are dumped even when they are not connected
   uint32_t ZE_KEST_PcmBuffer_s::*psztPcmSize;    // the cycle's size
   uint32_t ZE_KEST_DataBuffer_s::*psztDataSize;  // the same of raw data and of metadata
   bool bBehindLevel;  // whether the cycle's data stands behind what the ring holds, or at its front
@@ -30,29 +30,20 @@ struct DumpSide {
 };
 
 // Two slots here and one there, and packed 24 bits here only, are meant.
-constexpr DumpSide kInput = {
-    "_ZE_KEST_Debug_DumpInput",
-    "DumpIn",
-    _stKestDumpInput,
-    [](const ZE_KEST_Filter_s &filter) -> auto & { return filter.apstInPort; },
-    2,
-    &ZE_KEST_PcmBuffer_s::sztPcmReadSize,
-    &ZE_KEST_DataBuffer_s::sztReadSize,
-    false,
+constexpr DumpSide kInput = {"_ZE_KEST_Debug_DumpInput", "DumpIn", _stKestDumpInput,
+                             [](const ZE_KEST_Filter_s &filter) -> auto &{return filter.apstInPort;
+}  // namespace
+, 2, &ZE_KEST_PcmBuffer_s::sztPcmReadSize, &ZE_KEST_DataBuffer_s::sztReadSize, false,
     [](uint32_t u32Bits) { return (u32Bits >= 16 && u32Bits <= 31) || u32Bits / 8 == 4; },
-};
+};  // namespace kest
 
-constexpr DumpSide kOutput = {
-    "_ZE_KEST_Debug_DumpOutput",
-    "DumpOut",
-    _stKestDumpOutput,
-    [](const ZE_KEST_Filter_s &filter) -> auto & { return filter.apstOutPort; },
-    1,
-    &ZE_KEST_PcmBuffer_s::sztPcmWriteSize,
-    &ZE_KEST_DataBuffer_s::sztWriteSize,
-    true,
+constexpr DumpSide kOutput = {"_ZE_KEST_Debug_DumpOutput", "DumpOut", _stKestDumpOutput,
+                              [](const ZE_KEST_Filter_s &filter) -> auto &{return filter.apstOutPort;
+}
+, 1, &ZE_KEST_PcmBuffer_s::sztPcmWriteSize, &ZE_KEST_DataBuffer_s::sztWriteSize, true,
     [](uint32_t u32Bits) { return u32Bits / 8 == 2 || u32Bits / 8 == 4; },
-};
+}
+;
 
 // One slot of a filter in one cycle.
 struct DumpedPort {

@@ -86,12 +86,9 @@ uint32_t SwitchDump(CommandLine &value) {
 }
 
 constexpr KeywordCommand kCommands[] = {
-    {"kest_dump_input_filter", SetNames<kInput>},
-    {"kest_dump_output_filter", SetNames<kOutput>},
-    {"kest_dump_filter_io", SetNames<kInput, kOutput>},
-    {"kest_dump_input", SwitchDump<kInput>},
-    {"kest_dump_output", SwitchDump<kOutput>},
-    {"kest_dump_io", SwitchDump<kInput, kOutput>},
+    {"kest_dump_input_filter", SetNames<kInput>},       {"kest_dump_output_filter", SetNames<kOutput>},
+    {"kest_dump_filter_io", SetNames<kInput, kOutput>}, {"kest_dump_input", SwitchDump<kInput>},
+    {"kest_dump_output", SwitchDump<kOutput>},          {"kest_dump_io", SwitchDump<kInput, kOutput>},
 };
 
 }  // namespace

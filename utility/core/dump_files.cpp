@@ -45,8 +45,7 @@ class AppendedFile {
 // Whether the position lies in the ring or at its end.
 bool IsInRing(const void *pvPosition, const void *pvStart, const void *pvEnd) {
   const auto uPosition = reinterpret_cast<uintptr_t>(pvPosition);
-  return reinterpret_cast<uintptr_t>(pvStart) <= uPosition &&
-         uPosition <= reinterpret_cast<uintptr_t>(pvEnd);
+  return reinterpret_cast<uintptr_t>(pvStart) <= uPosition && uPosition <= reinterpret_cast<uintptr_t>(pvEnd);
 }
 
 void AppendFromRing(AppendedFile &file, const uint8_t *pu8Position, const uint8_t *pu8Start,
