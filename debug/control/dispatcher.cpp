@@ -5,8 +5,10 @@
 
 #include "debug/control/command_table.h"
 #include "debug/control/startup.h"
+#include "debug/datapath/dump.h"
 #include "debug/datapath/io_debug_command.h"
 #include "debug/datapath/io_trace.h"
+#include "debug/datapath/latency.h"
 #include "debug/datapath/requests.h"
 #include "debug/registry/process_status.h"
 #include "debug/thread/thread_commands.h"
@@ -57,7 +59,9 @@ constexpr Handler kHandlers[] = {
     _ZE_KEST_Debug_Cmd_PthreadSignal,       // nothing
     _ZE_KEST_Debug_Cmd_Io,                  // nothing
     _ZE_KEST_Debug_Cmd_SetPerfEventTarget,  // drops its target
+    _ZE_KEST_Debug_Cmd_DumpIo,              // nothing
     _ZE_KEST_Debug_Cmd_DebugIo,             // nothing
+    _ZE_KEST_Debug_Cmd_MeasureLatency,      // nothing
     _ZE_KEST_Debug_Cmd_QueryProcessStatus,  // drops its query
     _ZE_KEST_Debug_Cmd_SendTestTone,        // drops its request
     _ZE_KEST_Debug_Cmd_CalPcmLev,           // makes its request, of every filter

@@ -12,8 +12,10 @@
 #include "debug/control/debug_mutex.h"
 #include "debug/control/lock_owner.h"
 #include "debug/control/shared_settings.h"
+#include "debug/datapath/dump.h"
 #include "debug/datapath/hook_switches.h"
 #include "debug/datapath/io_trace.h"
+#include "debug/datapath/latency.h"
 #include "debug/datapath/requests.h"
 #include "debug/datapath/sine_output.h"
 #include "debug/log/log_file.h"
@@ -49,6 +51,8 @@ Base GetBase() {
 
 void ResetInstrumentation() {
   SwitchOff(kPrintFilterInfo);
+  ResetDumps();
+  ResetLatency();
   ResetSelection(_stKestSineSelection);
   RestartSine();
 }

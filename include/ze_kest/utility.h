@@ -103,6 +103,21 @@ ZE_KEST_API size_t ze_kest_Utility_GetFileSize(FILE *pFile);
  * memory is exhausted (each reported); both outputs are then NULL and 0. */
 ZE_KEST_API uint32_t ze_kest_Utility_FileToString(const char *pszPath, char **ppszString, size_t *psztSize);
 
+/* Appends data to a file, which is created when it does not exist and is closed again before the return.
+ * pszFilePath: the directory; pszFileName: the file in it (the path is cut at 127 characters); pszBuffer:
+ * sztSize bytes, at least 1. A file that cannot be opened, written or closed is reported (the write at WRN
+ * level, the others at ERR level) and does not change the result. */
+ZE_KEST_API uint32_t ze_kest_Utility_DumpBuffer(const char *pszFilePath, const char *pszFileName,
+                                                const void *pszBuffer, size_t sztSize);
+
+/* The same for data in a ring: sztSize bytes from pszBuffer on, from pszBufferStart again wherever
+ * pszBufferEnd, the first byte behind the ring, is reached; more than the ring holds is written in laps.
+ * ZE_KEST_INVALID_ARGUMENT too for a ring without bytes and for a pszBuffer outside it (reported);
+ * pszBufferEnd itself stands for the start. */
+ZE_KEST_API uint32_t ze_kest_Utility_DumpRingBuffer(const char *pszFilePath, const char *pszFileName,
+                                                    const void *pszBuffer, const void *pszBufferStart,
+                                                    const void *pszBufferEnd, size_t sztSize);
+
 /* ---- Names of the framework's enumerations: constant strings, "Unkown" past the last one. Real-time safe.
  * ---- */
 

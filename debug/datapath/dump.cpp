@@ -1,0 +1,144 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "debug/datapath/dump.h"
+
+#include "debug/datapath/dump_selections.h"
+#include "debug/datapath/file_name.h"
+#include "debug/datapath/hook_filter.h"
+#include "debug/datapath/pcm_planes.h"
+#include "utility/core/owned_memory.h"
+#include "utility/port/ring_position.h"
+
+namespace kest {
+namespace {
+
+constexpr uint32_t kChunkFrames = 64;
+constexpr uint32_t kFallbackWidth = 2;
+constexpr size_t kScratchBytes = size_t{kChunkFrames} * ZE_KEST_PCM_GROUP_SLOTS * sizeof(int32_t);
+constexpr const char *kPcmSuffixes[ZE_KEST_PCM_GROUPS] = {"_dmx.pcm", "_mc.pcm", "_rawmc.pcm"};
+
+// What differs between the two sides of a filter.
+struct DumpSide {
+  const char *pszFunction;
+  const char *pszFilePrefix;
+  const FilterSelection &selection;
+  ZE_KEST_Port_s *const (&(*pfnPorts)(const ZE_KEST_Filter_s &filter))[ZE_KEST_MAX_PORTS];
+  uint32_t u32AlwaysServed;                      // slots that are dumped even when they are not connected
+  uint32_t ZE_KEST_PcmBuffer_s::*psztPcmSize;    // the cycle's size
+  uint32_t ZE_KEST_DataBuffer_s::*psztDataSize;  // the same of raw data and of metadata
+  bool bBehindLevel;  // whether the cycle's data stands behind what the ring holds, or at its front
+  bool (*pfnIsWidthDumped)(uint32_t u32Bits);
+};
+
+// Two slots here and one there, and packed 24 bits here only, are meant.
+constexpr DumpSide kInput = {"_ZE_KEST_Debug_DumpInput", "DumpIn", _stKestDumpInput,
+                             [](const ZE_KEST_Filter_s &filter) -> auto &{return filter.apstInPort;
+}  // namespace
+, 2, &ZE_KEST_PcmBuffer_s::sztPcmReadSize, &ZE_KEST_DataBuffer_s::sztReadSize, false,
+    [](uint32_t u32Bits) { return (u32Bits >= 16 && u32Bits <= 31) || u32Bits / 8 == 4; },
+};  // namespace kest
+
+constexpr DumpSide kOutput = {"_ZE_KEST_Debug_DumpOutput", "DumpOut", _stKestDumpOutput,
+                              [](const ZE_KEST_Filter_s &filter) -> auto &{return filter.apstOutPort;
+}
+, 1, &ZE_KEST_PcmBuffer_s::sztPcmWriteSize, &ZE_KEST_DataBuffer_s::sztWriteSize, true,
+    [](uint32_t u32Bits) { return u32Bits / 8 == 2 || u32Bits / 8 == 4; },
+}
+;
+
+// One slot of a filter in one cycle.
+struct DumpedPort {
+  const DumpSide &side;
+  const ZE_KEST_Filter_s &filter;
+  uint32_t u32Slot;
+  uint32_t u32Index;
+
+  [[nodiscard]] FileName File(const char *pszSuffix) const {
+    return FileName(side.pszFunction, "%s%s%s%u_%u%s", side.pszFilePrefix, filter.pstParentPipeline->szName,
+                    filter.szName, u32Slot, u32Index, pszSuffix);
+  }
+};
+
+// Frames of all groups of a port: how far behind the read offset, how many, and the bytes of a sample.
+struct Frames {
+  uint32_t u32Advance;
+  uint32_t sztCount;
+  uint32_t u32Width;
+};
+
+uint32_t DumpedWidth(const DumpedPort &port, uint32_t u32Bits) {
+  if (port.side.pfnIsWidthDumped(u32Bits)) return u32Bits / 8;
+  if (u32Bits != 0) {
+    KEST_PRINT_AS(port.side.pszFunction, "%s wrong bit %u\n", port.filter.szName, u32Bits);
+  }
+  return kFallbackWidth;
+}
+
+void DumpGroup(const DumpedPort &port, const ZE_KEST_PcmBuffer_s &pcm, uint32_t u32Group,
+               const Frames &frames, uint8_t *pu8Scratch) {
+  const uint32_t u32Channels = PlaneCount(pcm, u32Group, frames.u32Width);
+  if (u32Channels == 0) return;
+  const FileName file = port.File(kPcmSuffixes[u32Group]);
+  uint32_t sztChunk = 0;
+  for (uint32_t sztDone = 0; sztDone < frames.sztCount; sztDone += sztChunk) {
+    sztChunk = std::min(frames.sztCount - sztDone, kChunkFrames);
+    const uint32_t u32Advance = WrapOnce(frames.u32Advance + sztDone, pcm.sztPcmRingSamples);
+    ze_kest_Utility_ConvertNonInterleaveToInterleave(pu8Scratch, &pcm, u32Group, u32Channels, u32Advance,
+                                                     sztChunk, frames.u32Width);
+    ze_kest_Utility_DumpBuffer(KEST_DEBUG_DIR, file.c_str(), pu8Scratch,
+                               size_t{u32Channels} * frames.u32Width * sztChunk);
+  }
+}
+
+// False without memory, which ends the port's dump in this cycle.
+bool DumpPcm(const DumpedPort &port, const ZE_KEST_PcmBuffer_s &pcm) {
+  const uint32_t sztSize = pcm.*port.side.psztPcmSize;
+  const uint32_t u32Advance = port.side.bBehindLevel ? pcm.sztPcmLevel : 0;
+  if (sztSize == 0 || sztSize > pcm.sztPcmRingSamples) return true;
+  if (!RingPosition(pcm.sztPcmRingSamples, pcm.sztPcmReadOffset, u32Advance)) return true;
+  void *pvScratch = nullptr;
+  if (ze_kest_Utility_MemoryAlloc(&pvScratch, kScratchBytes) != ZE_KEST_OK) return false;
+  const Owned<uint8_t> scratch(static_cast<uint8_t *>(pvScratch));
+  memset(scratch.get(), 0, kScratchBytes);
+  const Frames frames = {u32Advance, sztSize, DumpedWidth(port, pcm.stPcmInfo.u32BitWidth)};
+  for (uint32_t u32Group = 0; u32Group < ZE_KEST_PCM_GROUPS; ++u32Group) {
+    DumpGroup(port, pcm, u32Group, frames, scratch.get());
+  }
+  return true;
+}
+
+void DumpData(const DumpedPort &port, const ZE_KEST_DataBuffer_s &data, const char *pszSuffix) {
+  const uint32_t sztSize = data.*port.side.psztDataSize;
+  if (sztSize == 0 || sztSize > data.sztSize || data.pu8Buf == nullptr) return;
+  const auto start =
+      RingPosition(data.sztSize, data.sztReadOffset, port.side.bBehindLevel ? data.sztLevel : 0);
+  if (!start) return;
+  ze_kest_Utility_DumpRingBuffer(KEST_DEBUG_DIR, port.File(pszSuffix).c_str(), data.pu8Buf + *start,
+                                 data.pu8Buf, data.pu8Buf + data.sztSize, sztSize);
+}
+
+void DumpPort(const DumpedPort &port, const ZE_KEST_Port_s &st) {
+  if (!DumpPcm(port, st.stPcm)) return;
+  DumpData(port, st.stRaw, ".raw");
+  DumpData(port, st.stMeta, ".meta");
+}
+
+void DumpFilter(const DumpSide &side, const ZE_KEST_Filter_s &filter) {
+  const uint32_t u32Index = Load(side.selection.u32DumpIndex);
+  for (uint32_t u32Slot = 0; u32Slot < ZE_KEST_MAX_PORTS; ++u32Slot) {
+    const ZE_KEST_Port_s *pstPort = side.pfnPorts(filter)[u32Slot];
+    if (pstPort == nullptr) continue;
+    if (u32Slot >= side.u32AlwaysServed && pstPort->bConnected == 0) continue;
+    DumpPort({side, filter, u32Slot, u32Index}, *pstPort);
+  }
+}
+
+}  // namespace
+
+uint32_t _ZE_KEST_Debug_Dump(const ZE_KEST_Filter_s *pstFilter, uint32_t u32Kind) {
+  KEST_REQUIRE_PIPELINE(pstFilter);
+  const DumpSide &side = u32Kind == kInputDump ? kInput : kOutput;
+  if (IsSelected(side.selection, *pstFilter)) DumpFilter(side, *pstFilter);
+  return ZE_KEST_OK;
+}
+
+}  // namespace kest

@@ -1,0 +1,12 @@
+// SPDX-License-Identifier: Apache-2.0
+// Which filters' sides are dumped: set by the commands, read by the dump.
+#pragma once
+
+#include "debug/datapath/filter_selection.h"
+
+namespace kest {
+
+extern FilterSelection _stKestDumpInput;
+extern FilterSelection _stKestDumpOutput;
+
+}  // namespace kest

@@ -1,0 +1,31 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <cstdarg>
+#include <cstdio>
+
+#include "utility/core/report.h"
+
+namespace kest {
+
+// A formatted name of a file, cut at 255 characters.
+class FileName {
+ public:
+  // A failure is reported under the function's name and leaves the name empty.
+  __attribute__((format(printf, 3, 4))) FileName(const char *pszFunction, const char *pszFormat, ...) {
+    va_list arguments;
+    va_start(arguments, pszFormat);
+    const bool bFormatted = vsnprintf(sz_, sizeof(sz_), pszFormat, arguments) >= 0;
+    va_end(arguments);
+    if (bFormatted) return;
+    sz_[0] = '\0';
+    KEST_ERR_AS(pszFunction, "Error! Fail to snprintf()!\n");
+  }
+
+  [[nodiscard]] const char *c_str() const { return sz_; }
+
+ private:
+  char sz_[256];
+};
+
+}  // namespace kest

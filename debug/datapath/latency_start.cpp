@@ -1,0 +1,120 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <cstring>
+
+#include "ze_kest/debug.h"
+
+#include "debug/control/debug_mutex.h"
+#include "debug/datapath/filter_selection.h"
+#include "debug/datapath/hook_filter.h"
+#include "debug/datapath/latency_sides.h"
+#include "debug/datapath/latency_state.h"
+#include "debug/datapath/pcm_planes.h"
+#include "debug/registry/registry.h"
+#include "utility/core/monotonic_us.h"
+
+namespace kest {
+namespace {
+
+constexpr const char *kFunction = "_ZE_KEST_Debug_ChangeInputSignal";
+
+struct Input {
+  const ZE_KEST_Filter_s &filter;
+  uint32_t u32Slot;
+  const ZE_KEST_PcmBuffer_s &pcm;
+};
+
+template <typename Action>
+void ForEachPlane(const ZE_KEST_PcmBuffer_s &pcm, Action &&action) {
+  for (uint32_t u32Group = 0; u32Group < ZE_KEST_PCM_GROUPS; ++u32Group) {
+    const uint32_t u32Planes = PlaneCount(pcm, u32Group, BytesPerSample(pcm));
+    for (uint32_t u32Plane = 0; u32Plane < u32Planes; ++u32Plane)
+      action(SlotRing(pcm, u32Group, u32Plane));
+  }
+}
+
+void Silence(const ZE_KEST_PcmBuffer_s &pcm) {
+  const size_t sztWidth = BytesPerSample(pcm);
+  const uint32_t sztToEnd = std::min(pcm.sztPcmLevel, pcm.sztPcmRingSamples - pcm.sztPcmReadOffset);
+  ForEachPlane(pcm, [&pcm, sztWidth, sztToEnd](uint8_t *pu8Plane) {
+    memset(pu8Plane + pcm.sztPcmReadOffset * sztWidth, 0, sztToEnd * sztWidth);
+    memset(pu8Plane, 0, (pcm.sztPcmLevel - sztToEnd) * sztWidth);
+  });
+}
+
+// The bytes of the 32-bit table as they are, whatever the port's width.
+void WriteBurst(const ZE_KEST_PcmBuffer_s &pcm, uint32_t sztSamples) {
+  const uint32_t u32Width = BytesPerSample(pcm);
+  const uint64_t u64Bytes =
+      std::min<uint64_t>(uint64_t{sztSamples} * u32Width, sizeof(_as32KestSine1K48Mono));
+  ForEachPlane(pcm, [&pcm, u32Width, u64Bytes](uint8_t *pu8Plane) {
+    ze_kest_Utility_WriteDataToNonInterleaveRingBuffer(
+        pu8Plane, pu8Plane + size_t{pcm.sztPcmReadOffset} * u32Width, pcm.sztPcmRingSamples * u32Width,
+        reinterpret_cast<const uint8_t *>(_as32KestSine1K48Mono), u64Bytes, 1, u32Width);
+  });
+}
+
+void PrintFilterLevel(const char *pszFunction, const ZE_KEST_DebugInfo_s &info,
+                      const ZE_KEST_PcmBuffer_s &pcm) {
+  const uint32_t sztLevel = Load(pcm.sztPcmLevel);
+  const uint32_t u32Rate = Load(pcm.stPcmInfo.u32SampleRate);
+  const uint64_t u64Ms = uint64_t{sztLevel} * 1000 / (u32Rate == 0 ? kDefaultSampleRate : u32Rate);
+  KEST_PRINT_AS(pszFunction, "[latency] p:%-20s f:%-15s outLvl:%-10zu, %-4llu ms\n", info.szName,
+                info.pstFilter->szName, size_t{sztLevel}, static_cast<unsigned long long>(u64Ms));
+}
+
+// Where the signal is buffered at the moment.
+void _ZE_KEST_Debug_PrintBufferLevel() {
+  const HoldingDebug holding;
+  for (const ZE_KEST_DebugInfo_s &info : Registry()) {
+    if (info.pstFilter == nullptr || info.pstFilter->apstOutPort[0] == nullptr) continue;
+    PrintFilterLevel(__func__, info, info.pstFilter->apstOutPort[0]->stPcm);
+  }
+}
+
+void InsertBurst(const Input &input) {
+  const char *pszPipelineName = input.filter.pstParentPipeline->szName;
+  const char *pszFilterName = input.filter.szName;
+  const uint32_t sztSamples = std::min<uint32_t>(input.pcm.sztPcmLevel, ZE_KEST_SINE_SAMPLES);
+  WriteBurst(input.pcm, sztSamples);
+  if (sztSamples < ZE_KEST_SINE_SAMPLES) {
+    KEST_PRINT_AS(kFunction, "[latency] %s:%s input %u 48k sine waveonly %u not 48 samples)\n",
+                  pszPipelineName, pszFilterName, input.u32Slot, sztSamples);
+  }
+  Store(_stKestLatency.u64StartTime, MonotonicUs());
+  KEST_PRINT_AS(kFunction, "[latency] insert %s:%s input %u48k sine wave pts:%llu \n", pszPipelineName,
+                pszFilterName, input.u32Slot, static_cast<unsigned long long>(input.pcm.s64PcmPts));
+  _ZE_KEST_Debug_PrintBufferLevel();
+  Mark(_stKestLatency.bInserted);
+}
+
+void ChangeInput(const Input &input) {
+  uint32_t &u32Cycles = _stKestLatency.au32SilentCycles[input.u32Slot];
+  const uint32_t u32Served = Load(u32Cycles);
+  if (u32Served > kSilentCycles) return;
+  Silence(input.pcm);
+  if (u32Served == kSilentCycles) InsertBurst(input);
+  Store(u32Cycles, u32Served + 1);
+}
+
+bool HasInput(const ZE_KEST_Port_s &port) {
+  const ZE_KEST_PcmBuffer_s &pcm = port.stPcm;
+  return port.bConnected != 0 && pcm.sztPcmLevel != 0 &&
+         RingPosition(pcm.sztPcmRingSamples, pcm.sztPcmReadOffset, pcm.sztPcmLevel);
+}
+
+}  // namespace
+
+uint32_t _ZE_KEST_Debug_MeasureLatency_Start(const ZE_KEST_Filter_s *pstFilter) {
+  KEST_REQUIRE_PIPELINE(pstFilter);
+  const LatencyFilter &stStart = _stKestLatency.stStart;
+  if (!IsOn(kMeasureLatency) || !Matches(stStart.szPipelineName, stStart.szFilterName, *pstFilter)) {
+    return ZE_KEST_OK;
+  }
+  for (uint32_t u32Slot = 0; u32Slot < ZE_KEST_MAX_PORTS; ++u32Slot) {
+    const ZE_KEST_Port_s *pstPort = pstFilter->apstInPort[u32Slot];
+    if (pstPort != nullptr && HasInput(*pstPort)) ChangeInput({*pstFilter, u32Slot, pstPort->stPcm});
+  }
+  return ZE_KEST_OK;
+}
+
+}  // namespace kest

@@ -1,0 +1,180 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <cstring>
+
+#include "debug/datapath/file_name.h"
+#include "debug/datapath/filter_selection.h"
+#include "debug/datapath/hook_filter.h"
+#include "debug/datapath/latency_sides.h"
+#include "debug/datapath/latency_state.h"
+#include "debug/datapath/pcm_planes.h"
+#include "utility/core/monotonic_us.h"
+
+namespace kest {
+namespace {
+
+constexpr const char *kFunction = "_ZE_KEST_Debug_MeasureLatency_Stop";
+constexpr int32_t kThreshold = 21474836;  // 1/100 of full scale
+constexpr uint32_t kWordBytes = sizeof(int32_t);
+constexpr uint32_t kDefaultBits = 32;
+
+// What the end filter wrote in this cycle, as far as it is looked at: channel 0 of group 0.
+struct Output {
+  const ZE_KEST_Filter_s &filter;
+  const ZE_KEST_PcmBuffer_s &pcm;
+  uint32_t u32Position;  // of its first sample in the ring
+
+  [[nodiscard]] const uint8_t *Base() const { return pcm.apu8PcmGroupBuf[0]; }
+  [[nodiscard]] size_t RingBytes(uint32_t u32Width) const { return size_t{pcm.sztPcmRingSamples} * u32Width; }
+  [[nodiscard]] size_t CycleBytes(uint32_t u32Width) const { return size_t{pcm.sztPcmWriteSize} * u32Width; }
+};
+
+struct Hit {
+  const uint8_t *pu8Position;
+  int32_t s32Sample;
+  size_t sztOffset;  // bytes of the cycle before it
+};
+
+std::optional<Output> OutputOf(const ZE_KEST_Filter_s &filter) {
+  const ZE_KEST_Port_s *pstPort = filter.apstOutPort[0];
+  if (pstPort == nullptr || pstPort->stPcm.apu8PcmGroupBuf[0] == nullptr) return std::nullopt;
+  const ZE_KEST_PcmBuffer_s &pcm = pstPort->stPcm;
+  const auto position = RingPosition(pcm.sztPcmRingSamples, pcm.sztPcmReadOffset, pcm.sztPcmLevel);
+  if (!position || pcm.sztPcmWriteSize == 0 || pcm.sztPcmWriteSize > pcm.sztPcmRingSamples) {
+    return std::nullopt;
+  }
+  return Output{filter, pcm, *position};
+}
+
+int32_t WordAt(const uint8_t *pu8) {
+  int32_t s32Word;
+  memcpy(&s32Word, pu8, sizeof(s32Word));
+  return s32Word;
+}
+
+bool IsLoud(int32_t s32Sample) {
+  return s32Sample > kThreshold || s32Sample < -kThreshold;
+}
+
+// Looks at words of 32 bits, as many as the cycle has samples, whatever their width is: meant. Meant too is
+// the word at the very end of the ring, which is looked at before the search goes on at the start. It is the
+// next plane's first, and there is none to look at behind the last plane.
+std::optional<Hit> FindBurst(const Output &output, uint32_t u32Width) {
+  const size_t sztRing = output.RingBytes(u32Width);
+  const uint64_t u64Storage = GroupBytes(output.pcm, 0, u32Width);
+  if (sztRing > u64Storage || u64Storage < kWordBytes) return std::nullopt;
+  const auto wrap = [sztRing, u64Storage](size_t sztPosition) {
+    return sztPosition > sztRing || sztPosition + kWordBytes > u64Storage ? 0 : sztPosition;
+  };
+  size_t sztPosition = wrap(size_t{output.u32Position} * u32Width);
+  for (size_t sztOffset = 0; sztOffset < output.CycleBytes(u32Width); sztOffset += u32Width) {
+    const uint8_t *pu8Position = output.Base() + sztPosition;
+    const int32_t s32Word = WordAt(pu8Position);
+    if (IsLoud(s32Word)) return Hit{pu8Position, s32Word, sztOffset};
+    sztPosition = wrap(sztPosition + kWordBytes);
+  }
+  return std::nullopt;
+}
+
+void TakeTimes() {
+  const uint64_t u64Start = Load(_stKestLatency.u64StartTime);
+  const uint64_t u64End = MonotonicUs();
+  Store(_stKestLatency.u64EndTime, u64End);
+  Store(_stKestLatency.u64ProcTime, u64End < u64Start ? 0 : u64End - u64Start);
+}
+
+// One channel in the port's format.
+ZE_KEST_PcmInfo_s ChannelFormat(const ZE_KEST_PcmInfo_s &stInfo) {
+  return {1,
+          stInfo.u32SampleRate == 0 ? kDefaultSampleRate : stInfo.u32SampleRate,
+          stInfo.u32BitWidth == 0 ? kDefaultBits : stInfo.u32BitWidth,
+          {}};
+}
+
+unsigned long long RealLatencyMs(uint32_t u32TotalBytes, const ZE_KEST_PcmInfo_s &stFormat) {
+  const uint32_t u32BytesPerMs = ze_kest_Utility_BytesPerMs(&stFormat);
+  return u32BytesPerMs == 0 ? 0 : u32TotalBytes / u32BytesPerMs;
+}
+
+void PrintHit(const Output &output, const Hit &hit) {
+  const char *pszPipelineName = output.filter.pstParentPipeline->szName;
+  const char *pszFilterName = output.filter.szName;
+  const ZE_KEST_PcmInfo_s stFormat = ChannelFormat(output.pcm.stPcmInfo);
+  const uint32_t u32TotalBytes = Load(_stKestLatency.u32TotalBytes);
+  KEST_PRINT_AS(kFunction, "[latency]%s:%s ch:%u sr:%u bits:%u\n", pszPipelineName, pszFilterName,
+                stFormat.u32TotalChannels, stFormat.u32SampleRate, stFormat.u32BitWidth);
+  KEST_PRINT_AS(kFunction, "[latency]%s:%s find[%p]:0x%08x offset:%u\n", pszPipelineName, pszFilterName,
+                static_cast<const void *>(hit.pu8Position), static_cast<uint32_t>(hit.s32Sample),
+                static_cast<uint32_t>(hit.sztOffset));
+  KEST_PRINT_AS(kFunction, "[latency] %s:%s %u TotalBytes:%u RealLatency:%llu ms\n", pszPipelineName,
+                pszFilterName, Load(_stKestLatency.u32MeasureIndex), u32TotalBytes,
+                RealLatencyMs(u32TotalBytes, stFormat));
+}
+
+void PrintTimes() {
+  const NameCopy startPipeline(_stKestLatency.stStart.szPipelineName);
+  const NameCopy startFilter(_stKestLatency.stStart.szFilterName);
+  const NameCopy endPipeline(_stKestLatency.stEnd.szPipelineName);
+  const NameCopy endFilter(_stKestLatency.stEnd.szFilterName);
+  KEST_PRINT_AS(kFunction, "[latency] %s:%s -%s:%s StartTime:%llu EndTime:%llu ProcTime:%llu us\n",
+                startPipeline.c_str(), startFilter.c_str(), endPipeline.c_str(), endFilter.c_str(),
+                static_cast<unsigned long long>(Load(_stKestLatency.u64StartTime)),
+                static_cast<unsigned long long>(Load(_stKestLatency.u64EndTime)),
+                static_cast<unsigned long long>(Load(_stKestLatency.u64ProcTime)));
+}
+
+// The rest of the cycle, from the burst on.
+void DumpHit(const Output &output, const Hit &hit, uint32_t u32Width) {
+  const FileName file(kFunction, "OutSig%s%s_%u.pcm", NameCopy(_stKestLatency.stStart.szFilterName).c_str(),
+                      output.filter.szName, Load(_stKestLatency.u32MeasureIndex));
+  ze_kest_Utility_DumpRingBuffer(KEST_DEBUG_DIR, file.c_str(), hit.pu8Position, output.Base(),
+                                 output.Base() + output.RingBytes(u32Width),
+                                 output.CycleBytes(u32Width) - hit.sztOffset);
+}
+
+void Search(const Output &output) {
+  if (!IsMarked(_stKestLatency.bInserted) || IsMarked(_stKestLatency.bFound)) return;
+  const ZE_KEST_PcmBuffer_s &pcm = output.pcm;
+  const uint32_t u32Width = BytesPerSample(pcm);
+  KEST_PRINT_AS(kFunction, "%p %p %p %u %zu %zu %u\n",
+                static_cast<const void *>(output.Base() + size_t{output.u32Position} * u32Width),
+                static_cast<const void *>(output.Base()),
+                static_cast<const void *>(output.Base() + output.RingBytes(u32Width)), pcm.sztPcmReadOffset,
+                size_t{pcm.sztPcmRingSamples}, size_t{pcm.sztPcmLevel}, u32Width);
+  const std::optional<Hit> hit = FindBurst(output, u32Width);
+  const size_t sztScanned = hit ? hit->sztOffset : output.CycleBytes(u32Width);
+  Store(_stKestLatency.u32TotalBytes, Load(_stKestLatency.u32TotalBytes) + static_cast<uint32_t>(sztScanned));
+  if (!hit) return;
+  TakeTimes();
+  Mark(_stKestLatency.bFound);
+  PrintHit(output, *hit);
+  PrintTimes();
+  DumpHit(output, *hit, u32Width);
+}
+
+// Everything that the filter writes, as samples of 4 bytes whatever their width is: meant. A storage without
+// room for a ring of such samples is left alone.
+void DumpOutput(const Output &output) {
+  if (output.RingBytes(kWordBytes) > GroupBytes(output.pcm, 0, kWordBytes)) return;
+  const FileName file(kFunction, "Out%s%s_%u.pcm", NameCopy(_stKestLatency.stStart.szFilterName).c_str(),
+                      output.filter.szName, Load(_stKestLatency.u32MeasureIndex));
+  ze_kest_Utility_DumpRingBuffer(KEST_DEBUG_DIR, file.c_str(),
+                                 output.Base() + size_t{output.u32Position} * kWordBytes, output.Base(),
+                                 output.Base() + output.RingBytes(kWordBytes), output.CycleBytes(kWordBytes));
+}
+
+}  // namespace
+
+uint32_t _ZE_KEST_Debug_MeasureLatency_Stop(const ZE_KEST_Filter_s *pstFilter) {
+  KEST_REQUIRE_PIPELINE(pstFilter);
+  const LatencyFilter &stEnd = _stKestLatency.stEnd;
+  if (!IsOn(kMeasureLatency) || !Matches(stEnd.szPipelineName, stEnd.szFilterName, *pstFilter)) {
+    return ZE_KEST_OK;
+  }
+  const std::optional<Output> output = OutputOf(*pstFilter);
+  if (!output) return ZE_KEST_OK;
+  Search(*output);
+  DumpOutput(*output);
+  return ZE_KEST_OK;
+}
+
+}  // namespace kest

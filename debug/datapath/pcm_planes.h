@@ -1,0 +1,40 @@
+// SPDX-License-Identifier: Apache-2.0
+// The storage of a port's channel groups, as what reads and writes all of it from outside the filter sees it:
+// planes of one ring each, for every channel that a group can have. Nothing here trusts what a filter or its
+// framework has left in a port.
+#pragma once
+
+#include <algorithm>
+#include <optional>
+
+#include "ze_kest/utility.h"
+
+#include "utility/port/pcm_rings.h"
+#include "utility/port/ring_position.h"
+
+namespace kest {
+
+// Bytes of a group's storage: what the framework says it has allocated, else planes for all of the group's
+// channels. Samples have the port's width, or u32DefaultWidth bytes where the port names none.
+inline uint64_t GroupBytes(const ZE_KEST_PcmBuffer_s &pcm, uint32_t u32Group, uint32_t u32DefaultWidth) {
+  if (pcm.asztPcmAllocSize[u32Group] != 0) return pcm.asztPcmAllocSize[u32Group];
+  const uint32_t u32Width = pcm.stPcmInfo.u32BitWidth == 0 ? u32DefaultWidth : BytesPerSample(pcm);
+  return uint64_t{sztPcmGroupChNumber[u32Group]} * pcm.sztPcmRingSamples * u32Width;
+}
+
+// The group's planes of samples of u32Width bytes that lie in its storage; 0 for a group without one.
+inline uint32_t PlaneCount(const ZE_KEST_PcmBuffer_s &pcm, uint32_t u32Group, uint32_t u32Width) {
+  const uint64_t u64PlaneBytes = uint64_t{pcm.sztPcmRingSamples} * u32Width;
+  if (pcm.apu8PcmGroupBuf[u32Group] == nullptr || u64PlaneBytes == 0) return 0;
+  const uint64_t u64Planes = GroupBytes(pcm, u32Group, u32Width) / u64PlaneBytes;
+  return static_cast<uint32_t>(std::min<uint64_t>(u64Planes, sztPcmGroupChNumber[u32Group]));
+}
+
+// Where the u32Advance-th unit behind the read offset stands; nothing for a port whose offset or level lies
+// beyond its ring.
+inline std::optional<uint32_t> RingPosition(uint32_t sztRing, uint32_t sztReadOffset, uint32_t u32Advance) {
+  if (sztReadOffset >= sztRing || u32Advance > sztRing) return std::nullopt;
+  return WrapOnce(sztReadOffset + u32Advance, sztRing);
+}
+
+}  // namespace kest
