@@ -27,13 +27,13 @@ wait_for_pipe() {
   return 1
 }
 
-# Types lines into the pipe, all at once; the replies come from the log file.
+# Types lines into the pipe, all at once; the replies come from the log file. pause: seconds to look at them.
 command_to_pipe() {
   local typed=("${@/#/\$ echo }")
   say "" "${typed[@]/%/ >D}"
   timeout 5 sh -c 'pipe=$1; shift; printf "%s\n" "$@" >"$pipe"' sh "${debug_dir}D" "$@" ||
     fail "Nobody reads the pipe ${debug_dir}D"
-  sleep 0.4
+  sleep "${pause:-0.4}"
 }
 
 stop_player() { kill "${player:-}" 2>/dev/null || true; }
@@ -85,8 +85,9 @@ command_to_pipe kest_log_to_file=on
 command_to_pipe no_such_command
 command_to_pipe kest_log_level=none
 
-say "" "What the filters' ports hold, for a moment (two lines at once: the second ends it):"
-command_to_pipe kest_print_filter_info=on kest_print_filter_info=off
+say "" "What the filters' ports hold, for some cycles:"
+pause=0.01 command_to_pipe kest_print_filter_info=on
+command_to_pipe kest_print_filter_info=off
 say "" "What the mixer consumes and produces, in files:"
 command_to_pipe kest_dump_filter_io=SpeakerOutput,Mixer
 command_to_pipe kest_dump_io=on
