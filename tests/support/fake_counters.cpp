@@ -29,6 +29,21 @@ bool RunsOut(int &s32Left) {
   return false;
 }
 
+bool IsInstalled() {
+  return g_pFake != nullptr;
+}
+
+bool Answers() {
+  return IsInstalled() && !g_pFake.load()->bTaskClock;
+}
+
+// Not every machine has the hardware's counters, while its kernel has this one.
+void AskForTaskClock(void *pvAttributes) {
+  auto *pstAttr = static_cast<perf_event_attr *>(pvAttributes);
+  pstAttr->type = PERF_TYPE_SOFTWARE;
+  pstAttr->config = PERF_COUNT_SW_TASK_CLOCK;
+}
+
 }  // namespace
 
 FakeCounters::FakeCounters() {
@@ -88,7 +103,11 @@ void FakeCounters::Deliver(int s32Fd) const {
 
 }  // namespace kest::test
 
+using kest::test::Answers;
+using kest::test::AskForTaskClock;
 using kest::test::g_pFake;
+using kest::test::IsInstalled;
+using kest::test::RunsOut;
 
 extern "C" {
 
@@ -104,7 +123,9 @@ long __wrap_syscall(long s32Number, ...) {
   for (long &s32Argument : a)
     s32Argument = va_arg(args, long);
   va_end(args);
-  if (g_pFake == nullptr || s32Number != __NR_perf_event_open) {
+  const bool bOpensEvent = IsInstalled() && s32Number == __NR_perf_event_open;
+  if (bOpensEvent && !Answers()) AskForTaskClock(reinterpret_cast<void *>(a[0]));
+  if (!bOpensEvent || !Answers()) {
     return __real_syscall(s32Number, a[0], a[1], a[2], a[3], a[4], a[5]);
   }
   return g_pFake.load()->Open(reinterpret_cast<const void *>(a[0]), static_cast<int>(a[1]),
@@ -117,14 +138,14 @@ int __wrap_ioctl(int s32Fd, unsigned long u32Request, ...) {
   va_start(args, u32Request);
   void *pvArgument = va_arg(args, void *);
   va_end(args);
-  if (g_pFake == nullptr || _IOC_TYPE(u32Request) != '$') {
+  if (!Answers() || _IOC_TYPE(u32Request) != '$') {
     return __real_ioctl(s32Fd, u32Request, pvArgument);
   }
   return g_pFake.load()->Control(s32Fd, u32Request, pvArgument);
 }
 
 uint32_t __wrap_ze_kest_Utility_MemoryAlloc(void **ppvOut, size_t sztSize) {
-  if (g_pFake == nullptr || !kest::test::RunsOut(g_pFake.load()->s32AllocationsLeft)) {
+  if (!IsInstalled() || !RunsOut(g_pFake.load()->s32AllocationsLeft)) {
     return __real_ze_kest_Utility_MemoryAlloc(ppvOut, sztSize);
   }
   *ppvOut = nullptr;
@@ -132,7 +153,7 @@ uint32_t __wrap_ze_kest_Utility_MemoryAlloc(void **ppvOut, size_t sztSize) {
 }
 
 uint64_t __wrap__ZN4kest11MonotonicUsEv() {
-  return g_pFake == nullptr ? __real__ZN4kest11MonotonicUsEv() : g_pFake.load()->u64NowUs;
+  return IsInstalled() ? g_pFake.load()->u64NowUs : __real__ZN4kest11MonotonicUsEv();
 }
 
 }  // extern "C"

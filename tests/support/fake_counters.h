@@ -34,6 +34,7 @@ class FakeCounters {
   std::array<uint64_t, 3> counts = {};  // of the last three events, delivered when their group is stopped
   std::vector<uint64_t> group;          // delivered instead, unless it is empty
   size_t sztGroupBytes = SIZE_MAX;      // how much of it can be read
+  bool bTaskClock = false;              // the real kernel counts, and task clock whatever is asked for
   bool bReadable = true;                // whether a leader that is opened can be read
   int s32OpensLeft = -1;                // until one is refused; never when negative
   int s32AllocationsLeft = -1;          // until one fails

@@ -31,12 +31,12 @@ bool FormatEvent(const char *pszFunction, char *pszOut, size_t sztSize, const ch
 }  // namespace
 
 // Task clock: nanoseconds per microsecond are tenths of a percent.
-CycleReport::CycleReport(const ZE_KEST_PerformanceMeasure_s &stMeasure, const char *pszText)
+CycleReport::CycleReport(const ZE_KEST_PerformanceMeasure_s &stMeasure, const char *pszCounterText)
     : u64Count(stMeasure.u64Count),
       mips(Average(stMeasure, 0, 100)),
       mcps(Average(stMeasure, 1, 100)),
       cpuPercent(Average(stMeasure, 2, 10)),
-      pszCounters(pszText),
+      pszCounters(pszCounterText),
       s64ExeTimeUs(static_cast<long long>(stMeasure.u64ExeTime)),
       s64StopTimeUs(static_cast<long long>(stMeasure.u64StopTime)),
       s64FirstStartTimeUs(static_cast<long long>(stMeasure.u64FirstStartTime)) {}

@@ -19,7 +19,7 @@ struct Figure {
 };
 
 struct CycleReport {
-  CycleReport(const ZE_KEST_PerformanceMeasure_s &stMeasure, const char *pszCounters);
+  CycleReport(const ZE_KEST_PerformanceMeasure_s &stMeasure, const char *pszCounterText);
 
   unsigned long long u64Count;
   Figure mips;
