@@ -18,6 +18,7 @@ constexpr const char *kDescription =
     "\n"
     "Each input runs through a decoder pipeline of its own (Lpcm, Volume); the pipeline\n"
     "SpeakerOutput (Mixer, Delay, SpeakerOutput) adds them up and writes the result.\n"
+    "A configuration file can lay the pipelines out differently.\n"
     "While it plays, the library's debug commands work; see the pipe D and the log in\n" KEST_DEBUG_DIR;
 
 constexpr const char *kFooter =
