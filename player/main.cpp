@@ -11,6 +11,7 @@
 
 #include "player/capabilities.h"
 #include "player/debug_session.h"
+#include "player/layout.h"
 #include "player/options.h"
 #include "player/playback.h"
 
@@ -45,7 +46,7 @@ void WaitForEnd(Playback &playback, const sigset_t &endSignals, bool showProgres
 }
 
 void Play(const Options &options, const sigset_t &endSignals) {
-  Playback playback(options);
+  Playback playback(MakeLayout(options), options);
   playback.Start();
   WaitForEnd(playback, endSignals, isatty(STDERR_FILENO) != 0 && !options.logcat);
   playback.Finish();

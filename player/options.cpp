@@ -18,6 +18,7 @@ constexpr const char *kDescription =
     "\n"
     "Each input runs through a decoder pipeline of its own (Lpcm, Volume); the pipeline\n"
     "SpeakerOutput (Mixer, Delay, SpeakerOutput) adds them up and writes the result.\n"
+    "A configuration file can lay the pipelines out differently.\n"
     "While it plays, the library's debug commands work; see the pipe D and the log in\n" KEST_DEBUG_DIR;
 
 constexpr const char *kFooter =
@@ -26,13 +27,22 @@ constexpr const char *kFooter =
     "ones 32 bits, saturated. A narrower output keeps the upper bits. All inputs need\n"
     "the same channels (1 to 10) and sample rate.\n"
     "\n"
+    "A configuration is a JSON file such as player/example.json: an object of pipelines;\n"
+    "each is an object of filters, in the order of the chain; each is an object of\n"
+    "settings. 1 to 8 pipelines feed the one named SpeakerOutput:\n"
+    "  input          Lpcm, then any of Volume and Delay\n"
+    "  SpeakerOutput  Mixer, then any of Volume and Delay, then SpeakerOutput\n"
+    "Settings: \"file\" of Lpcm and SpeakerOutput, counted from the configuration's\n"
+    "directory; \"gain_db\" of Volume and \"delay_ms\" of Delay, 0 when left out.\n"
+    "\n"
     "Exit code: 0 played, also when ended by SIGINT or SIGTERM; 1 an error; 2 a wrong\n"
     "command line.";
 
 class HelpFormatter : public CLI::Formatter {
  public:
   std::string make_usage(const CLI::App *, std::string) const override {
-    return "\nUsage: kest-player IN... -o OUT.wav [OPTIONS]\n";
+    return "\nUsage: kest-player IN... -o OUT.wav [OPTIONS]\n"
+           "       kest-player --config FILE [OPTIONS]\n";
   }
 };
 
@@ -44,12 +54,13 @@ std::string CheckSeconds(const std::string &text) {
 
 void AddOptions(CLI::App &app, Options &options) {
   app.add_option("IN", options.inputs, "Audio files that libsndfile reads, such as WAV, FLAC and OGG")
-      ->required()
       ->expected(1, ZE_KEST_MAX_PORTS)
       ->type_name("FILE");
   app.add_option("-o,--output", options.output, "WAV file to write; overwritten when it exists")
-      ->required()
       ->type_name("OUT.wav");
+  app.add_option("--config", options.config,
+                 "Read files, pipelines, filters and their settings from a JSON file")
+      ->type_name("FILE");
   app.add_flag("--fast", options.fast, "Play as fast as possible instead of in real time");
   app.add_flag("--loop", options.loop, "Begin an input anew when it has ended");
   app.add_option("--seconds", options.seconds, "End after so many seconds of output")
@@ -64,6 +75,19 @@ void AddOptions(CLI::App &app, Options &options) {
   app.add_flag("--wide", options.wide,
                "Use 32-bit samples in the pipelines also where 16 bits hold the input");
   app.add_flag("--logcat", options.logcat, "Show the library's Android log on stderr");
+}
+
+// A configuration takes the place of these; without one there is nothing to play unless they are given.
+void CheckSourceOfLayout(const CLI::App &app) {
+  const bool hasConfig = app.count("--config") > 0;
+  for (const char *name : {"IN", "--output", "--gain-db", "--delay-ms"}) {
+    if (hasConfig && app.count(name) > 0) {
+      throw CLI::ValidationError(name, "cannot be given with --config, whose file says it");
+    }
+  }
+  for (const char *name : {"IN", "--output"}) {
+    if (!hasConfig && app.count(name) == 0) throw CLI::RequiredError(name);
+  }
 }
 
 // What would fill the disk without anybody hearing it.
@@ -83,6 +107,7 @@ std::variant<Options, int> ParseOptions(int argc, const char *const *argv) {
   AddOptions(app, options);
   try {
     app.parse(argc, argv);
+    CheckSourceOfLayout(app);
     RefuseEndlessFastRun(options);
   } catch (const CLI::ParseError &error) {
     return app.exit(error) == 0 ? 0 : kMisuse;

@@ -11,6 +11,7 @@
 namespace kest::player {
 
 struct Options {
+  std::optional<std::string> config;  // instead of inputs, output, gainDb and delayMs
   std::vector<std::string> inputs;
   std::string output;
   bool fast = false;

@@ -2,28 +2,22 @@
 #include "player/playback.h"
 
 #include <algorithm>
-#include <cmath>
 #include <cstdio>
 
 #include <sys/stat.h>
 
-#include "player/filters/delay.h"
-#include "player/filters/lpcm.h"
-#include "player/filters/mixer.h"
 #include "player/filters/speaker_output.h"
-#include "player/filters/volume.h"
 #include "player/player_error.h"
 
 namespace kest::player {
 namespace {
 
-constexpr uint32_t kFirstDecoder = 13;
 constexpr uint32_t kLinkFrames = 16 * kCycleFrames;
 
-std::vector<AudioReader> OpenInputs(const Options &options) {
+std::vector<AudioReader> OpenInputs(const Layout &layout) {
   std::vector<AudioReader> readers;
-  for (const std::string &path : options.inputs) {
-    readers.emplace_back(path);
+  for (const PipelineLayout &input : layout.inputs) {
+    readers.emplace_back(input.filters.front().file);
   }
   return readers;
 }
@@ -69,25 +63,24 @@ PcmFormat CommonFormat(const std::vector<AudioReader> &readers, bool wide) {
   return {readers[0].Channels(), readers[0].SampleRate(), all16 ? 16u : 32u};
 }
 
-uint64_t FrameLimit(const Options &options, uint32_t sampleRate) {
-  if (!options.seconds) return SpeakerOutput::kNoLimit;
-  return static_cast<uint64_t>(std::ceil(*options.seconds * sampleRate));
-}
-
 }  // namespace
 
-Playback::Playback(const Options &options) : outputPath_(options.output) {
-  std::vector<AudioReader> readers = OpenInputs(options);
+Playback::Playback(const Layout &layout, const Options &options)
+    : outputPath_(layout.output.filters.back().file) {
+  std::vector<AudioReader> readers = OpenInputs(layout);
   CheckInputs(readers, options.loop);
-  CheckOutputIsNoInput(readers, options.output);
+  CheckOutputIsNoInput(readers, outputPath_);
   format_ = CommonFormat(readers, options.wide);
   // In real time an input has as long as a cycle lasts.
   if (!options.fast)
     inputPatience_ = std::chrono::microseconds(kCycleFrames * 1000000ull / format_.sampleRate);
 
-  BuildOutput(options, readers[0]);
+  Pipeline &output = Build(layout.output, {format_, options, readers[0], 0});
+  output_ = &static_cast<const SpeakerOutput &>(output.LastFilter());
   for (uint32_t i = 0; i < readers.size(); ++i) {
-    BuildDecoder(options, std::move(readers[i]), i + 1);
+    Pipeline &input = Build(layout.inputs[i], {format_, options, readers[i], i + 1});
+    links_.push_back(std::make_unique<PipelineLink>(format_, PortCapacity::ForFrames(kLinkFrames)));
+    input.FeedInto(output, *links_.back());
   }
 }
 
@@ -96,30 +89,12 @@ Playback::~Playback() {
   RequestStop();
 }
 
-void Playback::BuildOutput(const Options &options, const AudioReader &model) {
-  auto delay = std::make_unique<Delay>(format_);
-  delay->SetDelayMs(options.delayMs);
-  auto output = std::make_unique<SpeakerOutput>(format_, AudioWriter(options.output, model),
-                                                FrameLimit(options, format_.sampleRate), !options.fast);
-  output_ = output.get();
-  auto pipeline = std::make_unique<Pipeline>("SpeakerOutput", format_, inputPatience_);
-  pipeline->Append(std::make_unique<Mixer>(format_));
-  pipeline->Append(std::move(delay));
-  pipeline->Append(std::move(output));
-  pipelines_.push_back(std::move(pipeline));
-}
-
-void Playback::BuildDecoder(const Options &options, AudioReader reader, uint32_t source) {
-  auto volume = std::make_unique<Volume>(format_);
-  volume->SetGainDb(options.gainDb);
-  const std::string name = "Decoder_" + std::to_string(kFirstDecoder + source - 1);
-  auto pipeline = std::make_unique<Pipeline>(name.c_str(), format_, inputPatience_);
-  pipeline->Append(std::make_unique<Lpcm>(format_, std::move(reader), source, options.loop));
-  pipeline->Append(std::move(volume));
-
-  links_.push_back(std::make_unique<PipelineLink>(format_, PortCapacity::ForFrames(kLinkFrames)));
-  pipeline->FeedInto(*pipelines_.front(), *links_.back());
-  pipelines_.push_back(std::move(pipeline));
+Pipeline &Playback::Build(const PipelineLayout &layout, const FilterMaterial &material) {
+  pipelines_.push_back(std::make_unique<Pipeline>(layout.name.c_str(), format_, inputPatience_));
+  for (const FilterLayout &filter : layout.filters) {
+    pipelines_.back()->Append(MakeFilter(filter, material));
+  }
+  return *pipelines_.back();
 }
 
 void Playback::Start() {

@@ -6,9 +6,10 @@
 #include <string>
 #include <vector>
 
-#include "player/audio_reader.h"
+#include "player/filter_maker.h"
 #include "player/framework/pipeline.h"
 #include "player/framework/pipeline_link.h"
+#include "player/layout.h"
 #include "player/options.h"
 
 namespace kest::player {
@@ -19,7 +20,7 @@ class Playback {
  public:
   // Opens all files and builds the pipelines. Throws PlayerError; the output is not touched unless the inputs
   // can be played.
-  explicit Playback(const Options &options);
+  Playback(const Layout &layout, const Options &options);
   ~Playback();
   Playback(const Playback &) = delete;
   Playback &operator=(const Playback &) = delete;
@@ -35,14 +36,13 @@ class Playback {
   [[nodiscard]] std::string Summary() const;
 
  private:
-  void BuildOutput(const Options &options, const AudioReader &model);
-  void BuildDecoder(const Options &options, AudioReader reader, uint32_t source);
+  Pipeline &Build(const PipelineLayout &layout, const FilterMaterial &material);
 
   PcmFormat format_;
   PipelineLink::Patience inputPatience_;
   std::string outputPath_;
   std::vector<std::unique_ptr<PipelineLink>> links_;
-  std::vector<std::unique_ptr<Pipeline>> pipelines_;  // the output first, then the decoders
+  std::vector<std::unique_ptr<Pipeline>> pipelines_;  // the output first, then the inputs
   const SpeakerOutput *output_ = nullptr;
 };
 

@@ -27,6 +27,7 @@ class Pipeline {
   // Sets the chain up, before Start. The last filter feeds the first one of the other pipeline.
   void Append(std::unique_ptr<Filter> filter);
   void FeedInto(Pipeline &fed, PipelineLink &link);
+  [[nodiscard]] const Filter &LastFilter() const { return *filters_.back(); }
 
   // Returns when the library knows the pipeline, so that the lists have the order of the starts.
   void Start();

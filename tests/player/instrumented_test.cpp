@@ -11,6 +11,7 @@
 #include "ze_kest/debug.h"
 
 #include "player/framework/metadata_block.h"
+#include "player/layout.h"
 #include "player/playback.h"
 #include "tests/player/audio_data.h"
 #include "tests/player/console.h"
@@ -74,7 +75,7 @@ class Instrumented : public PlayerTest {
     return options;
   }
   Samples Played(const Options &options) {
-    Playback playback(options);
+    Playback playback(player::MakeLayout(options), options);
     playback.Start();
     playback.Finish();
     return ReadAudio(out_).samples;

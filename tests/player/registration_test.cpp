@@ -9,6 +9,7 @@
 
 #include "ze_kest/debug.h"
 
+#include "player/layout.h"
 #include "player/playback.h"
 #include "tests/player/audio_data.h"
 #include "tests/player/player_test.h"
@@ -53,30 +54,32 @@ class PlaybackRegistration : public test::PlayerTest {
     return options;
   }
 
+  const Layout layout_ = MakeLayout(Fast());
+
  private:
   test::DebugLayer debugLayer_;
 };
 
 TEST_F(PlaybackRegistration, EndsWithTheRunHoweverThatEnds) {
-  std::optional<Playback> playback(std::in_place, Fast());
+  std::optional<Playback> playback(std::in_place, layout_, Fast());
   EXPECT_TRUE(NothingIsRegistered()) << "before the start";
   playback->Start();
   playback->Finish();
   EXPECT_TRUE(NothingIsRegistered()) << "at the end of the inputs";
 
-  playback.emplace(Endless()).Start();
+  playback.emplace(layout_, Endless()).Start();
   EXPECT_TRUE(IsPlaying());
   playback->RequestStop();
   playback->Finish();
   EXPECT_TRUE(NothingIsRegistered()) << "stopped";
 
-  playback.emplace(Endless()).Start();
+  playback.emplace(layout_, Endless()).Start();
   EXPECT_TRUE(IsPlaying());
   playback.reset();
   EXPECT_TRUE(NothingIsRegistered()) << "destroyed while it played";
 
   test::Damage(Path("in.flac"), 30000);
-  playback.emplace(Fast()).Start();
+  playback.emplace(layout_, Fast()).Start();
   EXPECT_ANY_THROW(playback->Finish());
   EXPECT_TRUE(NothingIsRegistered()) << "a damaged input";
 }
@@ -93,7 +96,7 @@ TEST_F(PlaybackRegistration, FiltersAreCalledUntilTheyGoAndNotAfter) {
     }
   });
   for (int i = 0; i < 50; ++i) {
-    Playback playback(Fast());
+    Playback playback(layout_, Fast());
     playback.Start();
     if (i % 2 == 0) playback.Finish();
   }

@@ -1,0 +1,14 @@
+// SPDX-License-Identifier: Apache-2.0
+// What a configuration file can say of a filter.
+#pragma once
+
+#include "player/config/json_value.h"
+#include "player/layout.h"
+
+namespace kest::player {
+
+// The filter that the value is named after, with the settings in the value; the others have their defaults.
+// Throws PlayerError for an unknown filter, an unknown or missing setting and a wrong value.
+FilterLayout ReadFilter(const JsonValue &value);
+
+}  // namespace kest::player

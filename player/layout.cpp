@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "player/layout.h"
+
+#include "player/config/layout_reader.h"
+#include "player/filters/delay.h"
+#include "player/filters/lpcm.h"
+#include "player/filters/mixer.h"
+#include "player/filters/speaker_output.h"
+#include "player/filters/volume.h"
+
+namespace kest::player {
+namespace {
+
+constexpr size_t kFirstDecoder = 13;
+
+Layout CommandLineLayout(const Options &options) {
+  const auto delayMs = static_cast<int>(options.delayMs);
+  Layout layout;
+  layout.output = {
+      kOutputPipeline,
+      {{&Mixer::kKind}, {&Delay::kKind, "", 0, delayMs}, {&SpeakerOutput::kKind, options.output}}};
+  for (const std::string &input : options.inputs) {
+    const std::string name = "Decoder_" + std::to_string(kFirstDecoder + layout.inputs.size());
+    layout.inputs.push_back({name, {{&Lpcm::kKind, input}, {&Volume::kKind, "", options.gainDb}}});
+  }
+  return layout;
+}
+
+}  // namespace
+
+Layout MakeLayout(const Options &options) {
+  return options.config ? ReadLayout(*options.config) : CommandLineLayout(options);
+}
+
+}  // namespace kest::player

@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: Apache-2.0
+// What is played: the pipelines, the filters in them and the filters' settings.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "player/framework/filter_kind.h"
+#include "player/options.h"
+
+namespace kest::player {
+
+constexpr const char *kOutputPipeline = "SpeakerOutput";
+
+struct FilterLayout {
+  const FilterKind *kind;
+  std::string file{};  // Lpcm reads it, SpeakerOutput writes it
+  int gainDb = 0;      // Volume
+  int delayMs = 0;     // Delay
+};
+
+struct PipelineLayout {
+  std::string name;
+  std::vector<FilterLayout> filters;  // in the order of the chain
+};
+
+// The inputs begin with Lpcm and feed the output, which begins with Mixer and ends with SpeakerOutput.
+struct Layout {
+  std::vector<PipelineLayout> inputs;  // 1 to ZE_KEST_MAX_PORTS
+  PipelineLayout output;
+};
+
+// The layout of the configuration file, or the usual one around the command line's files and settings. Throws
+// PlayerError when the configuration is wrong.
+Layout MakeLayout(const Options &options);
+
+}  // namespace kest::player
