@@ -151,6 +151,21 @@ TEST_F(Instrumented, TheSineIsHeardDownstreamSampleForSample) {
   EXPECT_EQ(expected, Played({input}));
 }
 
+// Where the machine has no counters, every cycle says so.
+TEST_F(Instrumented, TheSelectedPipelineIsMeasuredAndTheOthersSayHowToSelectThem) {
+  const AudioData input = Noise(1, kWav16, 60 * kCycleFrames);
+  EXPECT_EQ(ZE_KEST_INVALID_ARGUMENT, ze_kest_Debug_SetParameter("kest_perf_event_target=pipeline,"));
+  Played({input});
+  EXPECT_THAT(capture_.Texts("<PRINT>"),
+              Contains("[PERF_EVENT][echo kest_perf_event_target=pipeline,Decoder_13 >D]\n"));
+
+  Command("kest_perf_event_target=pipeline,SpeakerOutput");
+  EXPECT_TRUE(input.samples == Played({input}));
+  EXPECT_TRUE(capture_.Has("<PRINT>", "[PERF_EVENT][50][SpeakerOutput][MIPS=") ||
+              capture_.Has("<ERR>", "Error opening leader 1 for  HwInstr"));
+  Command("kest_perf_event_target=none");
+}
+
 TEST_F(Instrumented, ADumpThatCannotBeWrittenIsReportedAndTheSoundIsWhole) {
   if (!MayMount()) GTEST_SKIP() << "needs a mount namespace";
   const struct {
