@@ -119,8 +119,8 @@ TEST_F(Dump, PcmOfEveryServedPortIsWrittenInterleaved) {
     }
     const bool bOddWidth = cycle.sztWidth != cycle.u32Bits / 8;
     const std::string wrong = "filter wrong bit " + std::to_string(cycle.u32Bits) + "\n";
-    SwitchOn(cycle.eKind == kInputDump ? kDumpInput : kDumpOutput);
     const ReportCapture capture;
+    SwitchOn(cycle.eKind == kInputDump ? kDumpInput : kDumpOutput);
     EXPECT_EQ(ZE_KEST_OK, _ZE_KEST_Debug_Dump(filter, cycle.eKind));
     EXPECT_EQ(std::vector<std::string>(bOddWidth ? sztServed : 0, wrong), capture.Texts("<PRINT>"));
     EXPECT_TRUE(expected == DumpedFiles());
