@@ -160,22 +160,18 @@ TEST_F(Dump, RawDataAndMetadataAreFollowedAcrossTheEndOfTheirRing) {
 TEST_F(Dump, NothingIsReadOfAPortThatContradictsItself) {
   SwitchOn(kDumpInput);
   Filter filter;
-  Port &port = filter.In(0);
-  ZE_KEST_PcmBuffer_s &pcm = port.Pcm(32, kRing, {2, 0, 0});
-  port.Ring(&ZE_KEST_Port_s::stRaw, 50).sztReadSize = 8;
-  for (const uint32_t sztReadOffset : {kRing, UINT32_MAX}) {
-    pcm.sztPcmReadSize = 10;
-    pcm.sztPcmReadOffset = port.st.stRaw.sztReadOffset = sztReadOffset;
+  ZE_KEST_PcmBuffer_s &pcm = filter.In(0).Pcm(32, kRing, {2, 0, 0});
+  filter.In(0).st.stRaw = {nullptr, {}, 50, 0, 0, 8, 0, 0, 0, 0, 0, {}};
+  for (const auto &[sztReadOffset, sztReadSize] :
+       {std::make_pair(kRing, 10u), {UINT32_MAX, 10u}, {0u, kRing + 1}, {0u, UINT32_MAX}}) {
+    pcm.sztPcmReadOffset = sztReadOffset;
+    pcm.sztPcmReadSize = sztReadSize;
     EXPECT_EQ(ZE_KEST_OK, _ZE_KEST_Debug_Dump(filter, kInputDump));
   }
-  pcm.sztPcmReadOffset = port.st.stRaw.sztReadOffset = 0;
-  pcm.sztPcmReadSize = kRing + 1;
-  port.st.stRaw.pu8Buf = nullptr;
-  EXPECT_EQ(ZE_KEST_OK, _ZE_KEST_Debug_Dump(filter, kInputDump));
   EXPECT_EQ(Files{}, DumpedFiles());
 }
 
-TEST_F(Dump, APortIsSkippedWithoutMemoryAndTheOthersAreNot) {
+TEST_F(Dump, APortForWhichThereIsNoMemoryIsSkippedWhole) {
   SwitchOn(kDumpInput);
   Filter filter;
   for (uint32_t u32Slot = 0; u32Slot < 2; ++u32Slot) {
@@ -183,9 +179,11 @@ TEST_F(Dump, APortIsSkippedWithoutMemoryAndTheOthersAreNot) {
     filter.In(u32Slot).Ring(&ZE_KEST_Port_s::stRaw, 50).sztReadSize = 8;
   }
   FakeCounters fake;
-  fake.s32AllocationsLeft = 0;
+  fake.s32AllocationsLeft = 1;
   EXPECT_EQ(ZE_KEST_OK, _ZE_KEST_Debug_Dump(filter, kInputDump));
-  EXPECT_EQ(Files{}, DumpedFiles());
+  const Files files = DumpedFiles();
+  EXPECT_EQ(2u, files.size());
+  EXPECT_EQ(1u, files.count("DumpInpipefilter0_0_dmx.pcm") & files.count("DumpInpipefilter0_0.raw"));
 }
 
 TEST_F(Dump, ARunKeepsItsFilesUntilItIsSwitchedOff) {
@@ -204,50 +202,36 @@ TEST_F(Dump, ARunKeepsItsFilesUntilItIsSwitchedOff) {
 }
 
 TEST_F(Dump, CommandsSelectAndSwitchTheSides) {
-  const std::string function = "_ZE_KEST_Debug_Cmd_DumpIo";
   const struct {
     const char *pszLine;
     uint32_t u32Result;
-    std::vector<std::string> reports;
-    const char *pszInput;
-    const char *pszOutput;
+    const char *pszReports;  // each behind the handler's name
+    const char *pszSides;
   } aLines[] = {
-      {"kest_dump_input_filter=a,b", 0, {" dump input pipeline:a filter:b\n"}, "off 0 a:b", "off 0 :"},
-      {"kest_dump_output_filter=c,d", 0, {" dump output pipeline:c filter:d\n"}, "off 0 a:b", "off 0 c:d"},
-      {"kest_dump_input=on", 0, {" dump input enable 0 a:b\n"}, "on 0 a:b", "off 0 c:d"},
-      {"kest_dump_output=on", 0, {" dump output enable 0 c:d\n"}, "on 0 a:b", "on 0 c:d"},
-      {"kest_dump_input=maybe", 0, {}, "on 0 a:b", "on 0 c:d"},
-      {"kest_dump_io", 0, {}, "on 0 a:b", "on 0 c:d"},
-      {"kest_dump_input=off", 0, {" dump input disable a:b\n"}, "off 1 a:b", "on 0 c:d"},
-      {"kest_dump_output=off", 0, {" dump output disable c:d\n"}, "off 1 a:b", "off 1 c:d"},
-      {"kest_dump_filter_io=,f",
-       0,
-       {" dump input pipeline: filter:f\n", " dump output pipeline: filter:f\n"},
-       "off 1 :f",
-       "off 1 :f"},
-      {"kest_dump_io=on",
-       0,
-       {" dump input enable 1 :f\n", " dump output enable 1 :f\n"},
-       "on 1 :f",
-       "on 1 :f"},
-      {"kest_dump_io=off",
-       0,
-       {" dump input disable :f\n", " dump output disable :f\n"},
-       "off 2 :f",
-       "off 2 :f"},
-      {"kest_dump_filter_io=a", 8, {" pszSub1 is NULL, format error\n"}, "off 2 :f", "off 2 :f"},
-      {"kest_dump_input_filter", 8, {" pszSub1 is NULL, format error\n"}, "off 2 :f", "off 2 :f"},
-      {"kest_dump=on", 8, {}, "off 2 :f", "off 2 :f"},
+      {"kest_dump_input_filter=a,b", 0, " dump input pipeline:a filter:b\n", "off 0 a:b, off 0 :"},
+      {"kest_dump_output_filter=c,d", 0, " dump output pipeline:c filter:d\n", "off 0 a:b, off 0 c:d"},
+      {"kest_dump_input=on", 0, " dump input enable 0 a:b\n", "on 0 a:b, off 0 c:d"},
+      {"kest_dump_output=on", 0, " dump output enable 0 c:d\n", "on 0 a:b, on 0 c:d"},
+      {"kest_dump_input=maybe", 0, "", "on 0 a:b, on 0 c:d"},
+      {"kest_dump_io", 0, "", "on 0 a:b, on 0 c:d"},
+      {"kest_dump_input=off", 0, " dump input disable a:b\n", "off 1 a:b, on 0 c:d"},
+      {"kest_dump_output=off", 0, " dump output disable c:d\n", "off 1 a:b, off 1 c:d"},
+      {"kest_dump_filter_io=,f", 0, " dump input pipeline: filter:f\n dump output pipeline: filter:f\n",
+       "off 1 :f, off 1 :f"},
+      {"kest_dump_io=on", 0, " dump input enable 1 :f\n dump output enable 1 :f\n", "on 1 :f, on 1 :f"},
+      {"kest_dump_io=off", 0, " dump input disable :f\n dump output disable :f\n", "off 2 :f, off 2 :f"},
+      {"kest_dump_filter_io=a", 8, " pszSub1 is NULL, format error\n", "off 2 :f, off 2 :f"},
+      {"kest_dump_input_filter", 8, " pszSub1 is NULL, format error\n", "off 2 :f, off 2 :f"},
+      {"kest_dump=on", 8, "", "off 2 :f, off 2 :f"},
   };
   for (const auto &line : aLines) {
     const ReportCapture capture(ZE_KEST_LEVEL_ERR);
     EXPECT_EQ(line.u32Result, _ZE_KEST_Debug_Cmd_DumpIo(line.pszLine)) << line.pszLine;
-    std::vector<std::string> reports;
+    std::string reports;
     for (const Report &report : capture.Reports())
-      reports.push_back(report.text.substr(function.size()));
-    EXPECT_EQ(line.reports, reports) << line.pszLine;
-    EXPECT_EQ(line.pszInput, Of(_stKestDumpInput)) << line.pszLine;
-    EXPECT_EQ(line.pszOutput, Of(_stKestDumpOutput)) << line.pszLine;
+      reports += report.text.substr(strlen("_ZE_KEST_Debug_Cmd_DumpIo"));
+    EXPECT_EQ(line.pszReports, reports) << line.pszLine;
+    EXPECT_EQ(line.pszSides, Of(_stKestDumpInput) + ", " + Of(_stKestDumpOutput)) << line.pszLine;
   }
 }
 
