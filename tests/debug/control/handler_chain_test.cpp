@@ -3,6 +3,7 @@
 
 #include "ze_kest/debug.h"
 
+#include "debug/datapath/hook_switches.h"
 #include "tests/support/debug_layer.h"
 #include "tests/support/requests.h"
 
@@ -75,7 +76,12 @@ TEST(HandlerChain, EveryNameIsCutAt63Characters) {
 }
 
 TEST(HandlerChain, AStartFindsNoRequest) {
-  { const DebugLayer before; }
+  {
+    const DebugLayer before;
+    EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_SetParameter("kest_dump_io=on"));
+    EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_SetParameter("kest_latency=on"));
+    EXPECT_TRUE(IsOn(kDumpInput) && IsOn(kDumpOutput) && IsOn(kMeasureLatency));
+  }
   for (uint32_t *pu32 :
        {&u32KestPerfEventTarget, &u32KestQueryProcessStatus, &u32KestSendTestTone,
         &u32KestSendTestToneInputPort, &u32KestCalPcmLev, &u32KestCalPcmLevMaxCount, &u32KestCalPcmLevCount,
@@ -84,6 +90,7 @@ TEST(HandlerChain, AStartFindsNoRequest) {
   }
   const DebugLayer layer;
   EXPECT_EQ((AllRequests{"0||", "0||", "0|||0", "0|||0|0", "0|||0|0"}), AllGlobals());
+  EXPECT_FALSE(IsAnyHookSwitchOn());
 }
 
 }  // namespace

@@ -1,0 +1,285 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "debug/datapath/latency.h"
+
+#include <thread>
+
+#include <gtest/gtest.h>
+
+#include "ze_kest/debug.h"
+
+#include "debug/datapath/latency_state.h"
+#include "debug/registry/registry.h"
+#include "tests/support/debug_layer.h"
+#include "tests/support/fake_counters.h"
+#include "tests/support/ports.h"
+#include "tests/support/report_capture.h"
+
+namespace kest::test {
+namespace {
+
+using Texts = std::vector<std::string>;
+
+constexpr uint32_t kRing = 128;
+constexpr size_t kPlanes[] = {2, 10, 10};
+
+class Latency : public testing::Test {
+ protected:
+  void SetUp() override {
+    EmptyDebugDirectory();
+    ResetLatency();
+  }
+  void TearDown() override { ResetLatency(); }
+
+  const ReportCapture capture;
+  FakeCounters clock;
+};
+
+uint32_t Send(const char *pszLine) {
+  return _ZE_KEST_Debug_Cmd_MeasureLatency(pszLine);
+}
+
+// A group's storage in which every plane's held samples begin with the data and are silent behind it.
+Bytes Changed(Bytes group, size_t sztPlanes, const ZE_KEST_PcmBuffer_s &pcm, const uint8_t *pu8Data,
+              size_t sztDataBytes) {
+  const size_t sztWidth = pcm.stPcmInfo.u32BitWidth / 8;
+  for (size_t k = 0; k < sztPlanes; ++k) {
+    for (size_t i = 0; i < pcm.sztPcmLevel * sztWidth; ++i) {
+      const size_t sztAt = (pcm.sztPcmReadOffset * sztWidth + i) % (kRing * sztWidth);
+      group[k * kRing * sztWidth + sztAt] = i < sztDataBytes ? pu8Data[i] : 0;
+    }
+  }
+  return group;
+}
+
+TEST_F(Latency, TheInputIsSilentFor500CyclesThenCarriesTheBurstAndIsLeftAlone) {
+  const struct {
+    uint32_t u32Bits, sztReadOffset, sztLevel;
+  } aPorts[] = {{32, 100, 60}, {24, 0, 128}, {16, 90, 48}, {32, 120, 30}};
+  for (const auto &c : aPorts) {
+    SetUp();
+    clock.u64NowUs = 7000;
+    Filter filter;
+    Port &port = filter.In(2);
+    ZE_KEST_PcmBuffer_s &pcm = port.Pcm(c.u32Bits, kRing, {2, 10, 10});
+    pcm.sztPcmReadOffset = c.sztReadOffset;
+    pcm.sztPcmLevel = c.sztLevel;
+    Port &unconnected = filter.In(0);
+    unconnected.Pcm(16, kRing, {2, 0, 0}).sztPcmLevel = 9;
+    unconnected.st.bConnected = 0;
+    const Bytes untouched = unconnected.groups[0].Content();
+    EXPECT_EQ(ZE_KEST_OK, Send("kest_latency=on"));
+    for (const uint32_t i : {1, 2, 500, 501, 502}) {
+      if (i == 500) _stKestLatency.au32SilentCycles[2] += 497;
+      for (uint32_t g = 0; g < ZE_KEST_PCM_GROUPS; ++g) {
+        const Bytes noise = Noise(kPlanes[g] * kRing * (c.u32Bits / 8), g);
+        std::copy(noise.begin(), noise.end(), port.groups[g].Data());
+      }
+      EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_MeasureLatency(filter, ZE_KEST_LATENCY_START));
+      ASSERT_EQ(i > 500, IsMarked(_stKestLatency.bInserted)) << i;
+      const size_t sztBurst = i == 501 ? std::min<size_t>(c.sztLevel, 48) * (c.u32Bits / 8) : 0;
+      for (uint32_t g = 0; g < ZE_KEST_PCM_GROUPS; ++g) {
+        const Bytes noise = Noise(kPlanes[g] * kRing * (c.u32Bits / 8), g);
+        const auto *pu8Sine = reinterpret_cast<const uint8_t *>(_as32KestSine1K48Mono);
+        ASSERT_TRUE((i == 502 ? noise : Changed(noise, kPlanes[g], pcm, pu8Sine, sztBurst)) ==
+                    port.groups[g].Content())
+            << "cycle " << i << ", group " << g;
+      }
+    }
+    EXPECT_EQ(7000u, _stKestLatency.u64StartTime);
+    EXPECT_EQ(untouched, unconnected.groups[0].Content());
+  }
+  const std::string insert = "[latency] insert pipe:filter input 248k sine wave pts:0 \n";
+  const std::string cut = "[latency] pipe:filter input 2 48k sine waveonly 30 not 48 samples)\n";
+  EXPECT_EQ((Texts{insert, insert, insert, cut, insert}), capture.Texts("<PRINT>"));
+}
+
+TEST_F(Latency, TheBurstComesWithWhatEveryRegisteredFilterHasBuffered) {
+  Filter start;
+  start.In(0).Pcm(16, kRing, {2, 0, 0}).sztPcmLevel = 48;
+  Filter buffering;
+  buffering.Out(0).st.stPcm.sztPcmLevel = 960;
+  ze_kest_Debug_RegisterInfo("pipe", nullptr, 0, nullptr, nullptr);
+  ze_kest_Debug_RegisterInfo("pipe", start, 0, nullptr, nullptr);
+  ze_kest_Debug_RegisterInfo("pipe", buffering, 0, nullptr, nullptr);
+  EXPECT_EQ(ZE_KEST_OK, Send("kest_latency=on"));
+  _stKestLatency.au32SilentCycles[0] = kSilentCycles;
+  EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_MeasureLatency(start, ZE_KEST_LATENCY_START));
+  EXPECT_EQ("[latency] p:pipe                 f:filter          outLvl:960       , 20   ms\n",
+            capture.Texts("<PRINT>").back());
+  EXPECT_EQ(2u, capture.Texts("<PRINT>").size());
+  _ZE_KEST_Debug_ReleaseDebugInfoList();
+}
+
+struct EndCase {
+  uint32_t u32Bits, sztReadOffset, sztLevel, sztWriteSize;
+  size_t sztLoudByte;  // of the storage
+  int32_t s32Loud;
+  int s32Hit;  // bytes scanned before it; -1: none
+};
+
+TEST_F(Latency, TheEndFindsTheFirstLoudWordOfItsOutput) {
+  const EndCase aCases[] = {
+      {32, 0, 10, 20, 4 * 15, 21474837, 20},
+      {32, 0, 10, 20, 4 * 15, -21474837, 20},
+      {32, 0, 10, 20, 4 * 15, INT32_MIN, 20},
+      {32, 0, 10, 20, 4 * 15, 21474836, -1},
+      {32, 0, 10, 20, 4 * 15, -21474836, -1},
+      {32, 0, 10, 20, 4 * 9, INT32_MAX, -1},            // before what was written
+      {32, 100, 20, 20, 4 * kRing, INT32_MAX, 32},      // the word at the very end is looked at
+      {32, 100, 20, 20, 4 * 2, INT32_MAX, 44},          // and counts
+      {32, 100, 60, 20, 4 * 33, INT32_MAX, 4},          // begins behind the wrap
+      {16, 0, 10, 20, 2 * 10 + 4 * 19, INT32_MAX, 38},  // whole words, counted as samples
+      {16, 0, 120, 20, 2 * kRing + 2, INT32_MAX, -1},   // two bytes beyond the last word
+      {24, 0, 127, 2, 3 * kRing - 3, 0x7F000000, 0},    // a word across the ring's end
+  };
+  for (const EndCase &c : aCases) {
+    SetUp();
+    Filter filter;
+    Port &port = filter.Out(0);
+    ZE_KEST_PcmBuffer_s &pcm = port.Pcm(c.u32Bits, kRing, {2, 0, 0});
+    uint8_t *pu8Base = port.groups[0].Data();
+    const size_t sztWidth = c.u32Bits / 8;
+    memset(pu8Base, 0, 2 * kRing * sztWidth);
+    memcpy(pu8Base + c.sztLoudByte, &c.s32Loud, sizeof(c.s32Loud));
+    pcm.sztPcmReadOffset = c.sztReadOffset;
+    pcm.sztPcmLevel = c.sztLevel;
+    pcm.sztPcmWriteSize = c.sztWriteSize;
+    EXPECT_EQ(ZE_KEST_OK, Send("kest_latency_start_filter=,start"));
+    EXPECT_EQ(ZE_KEST_OK, Send("kest_latency=on"));
+    Mark(_stKestLatency.bInserted);
+    EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_MeasureLatency(filter, ZE_KEST_LATENCY_END));
+    SCOPED_TRACE(&c - aCases);
+    EXPECT_EQ(c.s32Hit >= 0, IsMarked(_stKestLatency.bFound));
+    const size_t sztCycle = c.sztWriteSize * sztWidth;
+    EXPECT_EQ(c.s32Hit >= 0 ? static_cast<size_t>(c.s32Hit) : sztCycle, _stKestLatency.u32TotalBytes);
+    EXPECT_EQ(c.s32Hit >= 0 ? sztCycle - static_cast<size_t>(c.s32Hit) : 0,
+              ReadFile(KEST_DEBUG_DIR "OutSigstartfilter_0.pcm").size());
+    std::string output;  // samples of 4 bytes, whatever the width
+    for (size_t i = 0; i < c.sztWriteSize * 4; ++i)
+      output += static_cast<char>(pu8Base[((c.sztReadOffset + c.sztLevel) * 4 + i) % (kRing * 4)]);
+    EXPECT_EQ(output, ReadFile(KEST_DEBUG_DIR "Outstartfilter_0.pcm"));
+  }
+}
+
+TEST_F(Latency, TheResultIsPrintedOnceAndTheOutputGoesOnBeingWritten) {
+  Filter filter;
+  Port &port = filter.Out(0);
+  ZE_KEST_PcmBuffer_s &pcm = port.Pcm(32, kRing, {2, 0, 0});
+  pcm.stPcmInfo.u32SampleRate = 0;
+  memset(port.groups[0].Data(), 0, size_t{8} * kRing);
+  pcm.sztPcmWriteSize = 96;
+  Send("kest_latency_config=a,b,pi,fil");
+  Send("kest_latency=on");
+  _stKestLatency.u64StartTime = 500;
+  const auto cycle = [&filter] { ze_kest_Debug_MeasureLatency(filter, ZE_KEST_LATENCY_END); };
+  cycle();  // no burst yet
+  Mark(_stKestLatency.bInserted);
+  cycle();
+  const int32_t s32Loud = 0x40000000;
+  memcpy(port.groups[0].Data() + size_t{4} * 60, &s32Loud, sizeof(s32Loud));
+  clock.u64NowUs = 499;  // earlier than the start
+  cycle();
+  cycle();
+  const Texts prints = capture.Texts("<PRINT>");
+  ASSERT_EQ(7u, prints.size());
+  EXPECT_EQ("[latency]pipe:filter ch:1 sr:48000 bits:32\n", prints[3]);
+  EXPECT_NE(std::string::npos, prints[4].find("]:0x40000000 offset:240\n"));
+  EXPECT_EQ("[latency] pipe:filter 0 TotalBytes:624 RealLatency:3 ms\n", prints[5]);
+  EXPECT_EQ("[latency] a:b -pi:fil StartTime:500 EndTime:499 ProcTime:0 us\n", prints[6]);
+  EXPECT_EQ(size_t{4} * 96 * 4, ReadFile(KEST_DEBUG_DIR "Outbfilter_0.pcm").size());
+}
+
+TEST_F(Latency, NothingIsTouchedOfAPortThatContradictsItself) {
+  Filter filter;
+  ZE_KEST_PcmBuffer_s &in = filter.In(0).Pcm(32, kRing, {2, 0, 0});
+  ZE_KEST_PcmBuffer_s &out = filter.Out(0).Pcm(32, kRing, {2, 0, 0});
+  const Bytes before = filter.In(0).groups[0].Content();
+  Send("kest_latency=on");
+  Mark(_stKestLatency.bInserted);
+  for (const auto &[sztOffset, sztLevel] : {std::make_pair(kRing, 1u), {0u, kRing + 1}, {0u, UINT32_MAX}}) {
+    in.sztPcmReadOffset = out.sztPcmReadOffset = sztOffset;
+    in.sztPcmLevel = sztLevel;
+    out.sztPcmWriteSize = sztLevel;
+    EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_MeasureLatency(filter, ZE_KEST_LATENCY_START));
+    EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_MeasureLatency(filter, ZE_KEST_LATENCY_END));
+  }
+  EXPECT_EQ(before, filter.In(0).groups[0].Content());
+  EXPECT_EQ("", ReadFile(KEST_DEBUG_DIR "Outfilter_0.pcm"));
+}
+
+TEST_F(Latency, CommandsSelectAndSwitch) {
+  const struct {
+    const char *pszLine;
+    uint32_t u32Result;
+    Texts reports;  // behind those that every line makes
+    const char *pszState;
+  } aLines[] = {
+      {"kest_latency_start_filter=a,b", 0, {" latency start pipeline:a filter:b\n"}, "0 a:b : 0"},
+      {"kest_latency_end_filter=c,d", 0, {" latency end pipeline:c filter:d\n"}, "0 a:b c:d 0"},
+      {"kest_latency=on", 0, {" latency measure enable 0 a:b -> c:d\n"}, "1 a:b c:d 0"},
+      {"kest_latency=maybe", 0, {}, "1 a:b c:d 0"},
+      {"kest_latency_config=e,f,g,h", 0, {" latency e:f - g:h\n"}, "1 e:f g:h 0"},
+      {"kest_latency=off", 0, {" latency measure disable e:f -> g:h\n"}, "0 e:f g:h 1"},
+      {"kest_latency_config=i,j,k", 8, {" pszSub1 is NULL, format error\n"}, "0 e:f g:h 1"},
+      {"kest_latency_end_filter=i", 8, {" pszSub1 is NULL, format error\n"}, "0 e:f g:h 1"},
+      {"kest_latencies=on", 8, {}, "0 e:f g:h 1"},
+  };
+  for (const auto &line : aLines) {
+    const ReportCapture reported;
+    EXPECT_EQ(line.u32Result, Send(line.pszLine)) << line.pszLine;
+    Texts reports;
+    for (const Report &report : reported.Reports())
+      reports.push_back(report.text.substr(strlen("_ZE_KEST_Debug_Cmd_MeasureLatency")));
+    reports.erase(reports.begin(), reports.begin() + 2);
+    EXPECT_EQ(line.reports, reports) << line.pszLine;
+    const LatencyState &st = _stKestLatency;
+    EXPECT_EQ(line.pszState, std::to_string(IsOn(kMeasureLatency)) + " " + st.stStart.szPipelineName + ":" +
+                                 st.stStart.szFilterName + " " + st.stEnd.szPipelineName + ":" +
+                                 st.stEnd.szFilterName + " " + std::to_string(st.u32MeasureIndex));
+  }
+}
+
+TEST_F(Latency, OffForgetsTheResultAndTheNextOnServesTheInputsAgain) {
+  LatencyState &st = _stKestLatency;
+  st.bInserted = st.bFound = 1;
+  st.u32TotalBytes = 1;
+  st.u64StartTime = st.u64EndTime = st.u64ProcTime = 1;
+  st.au32SilentCycles[7] = 501;
+  Send("kest_latency=off");
+  EXPECT_EQ(0u,
+            st.bInserted + st.bFound + st.u32TotalBytes + st.u64StartTime + st.u64EndTime + st.u64ProcTime);
+  Send("kest_latency=on");
+  EXPECT_EQ(0u, st.au32SilentCycles[7]);
+}
+
+TEST_F(Latency, CommandsMayComeWhileBothSidesRun) {
+  const auto run = [](uint32_t u32Kind) {
+    Filter filter;
+    filter.In(0).Pcm(16, kRing, {2, 0, 0}).sztPcmLevel = 48;
+    filter.Out(0).Pcm(16, kRing, {2, 0, 0}).sztPcmWriteSize = 48;
+    for (int i = 0; i < 2000; ++i)
+      EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_MeasureLatency(filter, u32Kind));
+  };
+  std::thread start(run, ZE_KEST_LATENCY_START);
+  std::thread end(run, ZE_KEST_LATENCY_END);
+  for (int i = 0; i < 50; ++i) {
+    for (const char *pszLine : {"kest_latency_config=pipe,,pi,filter", "kest_latency=on", "kest_latency=off"})
+      EXPECT_EQ(ZE_KEST_OK, Send(pszLine));
+  }
+  start.join();
+  end.join();
+}
+
+TEST_F(Latency, AFilterWithoutAPipelineIsRefusedByBothSides) {
+  Filter filter;
+  filter.st->pstParentPipeline = nullptr;
+  for (const uint32_t u32Kind : {ZE_KEST_LATENCY_START, ZE_KEST_LATENCY_END}) {
+    EXPECT_EQ(ZE_KEST_INVALID_ARGUMENT, ze_kest_Debug_MeasureLatency(nullptr, u32Kind));
+    EXPECT_EQ(ZE_KEST_FAILED, ze_kest_Debug_MeasureLatency(filter, u32Kind));
+  }
+  EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_MeasureLatency(nullptr, 6));
+  EXPECT_EQ(4u, capture.Texts("<ERR>").size());
+}
+
+}  // namespace
+}  // namespace kest::test

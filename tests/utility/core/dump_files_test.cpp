@@ -1,0 +1,92 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <filesystem>
+
+#include <gtest/gtest.h>
+
+#include "ze_kest/utility.h"
+
+#include "tests/support/debug_layer.h"
+#include "tests/support/report_capture.h"
+
+namespace kest::test {
+namespace {
+
+using Texts = std::vector<std::string>;
+
+constexpr const char *kDir = KEST_DEBUG_DIR;
+const std::string kPath = KEST_DEBUG_DIR "dumped";
+const char kRing[] = "0123456789";
+
+uint32_t DumpRing(const char *pszPosition, size_t sztSize) {
+  return ze_kest_Utility_DumpRingBuffer(kDir, "dumped", pszPosition, kRing, kRing + 10, sztSize);
+}
+
+TEST(DumpFiles, EveryCallAppends) {
+  EmptyDebugDirectory();
+  EXPECT_EQ(ZE_KEST_OK, ze_kest_Utility_DumpBuffer(kDir, "dumped", "one,", 4));
+  EXPECT_EQ(ZE_KEST_OK, ze_kest_Utility_DumpBuffer(kDir, "dumped", "two", 3));
+  EXPECT_EQ("one,two", ReadFile(kPath));
+}
+
+TEST(DumpFiles, ARingIsFollowedAcrossItsEnd) {
+  const struct {
+    size_t sztStart;
+    size_t sztSize;
+    const char *pszFile;
+  } aCases[] = {{2, 3, "234"},
+                {7, 3, "789"},
+                {8, 5, "89012"},
+                {10, 2, "01"},
+                {0, 10, kRing},
+                {9, 22,
+                 "90123456789"
+                 "01234567890"}};
+  for (const auto &c : aCases) {
+    EmptyDebugDirectory();
+    EXPECT_EQ(ZE_KEST_OK, DumpRing(kRing + c.sztStart, c.sztSize));
+    EXPECT_EQ(c.pszFile, ReadFile(kPath));
+  }
+}
+
+TEST(DumpFiles, ABadArgumentIsRefusedAndWritesNothing) {
+  EmptyDebugDirectory();
+  const ReportCapture capture;
+  const char *pszEnd = kRing + 10;
+  for (const uint32_t u32Result : {
+           ze_kest_Utility_DumpBuffer(nullptr, "dumped", kRing, 1),
+           ze_kest_Utility_DumpBuffer(kDir, nullptr, kRing, 1),
+           ze_kest_Utility_DumpBuffer(kDir, "dumped", nullptr, 1),
+           ze_kest_Utility_DumpBuffer(kDir, "dumped", kRing, 0),
+           ze_kest_Utility_DumpRingBuffer(nullptr, "dumped", kRing, kRing, pszEnd, 1),
+           ze_kest_Utility_DumpRingBuffer(kDir, nullptr, kRing, kRing, pszEnd, 1),
+           ze_kest_Utility_DumpRingBuffer(kDir, "dumped", nullptr, kRing, pszEnd, 1),
+           ze_kest_Utility_DumpRingBuffer(kDir, "dumped", kRing, nullptr, pszEnd, 1),
+           ze_kest_Utility_DumpRingBuffer(kDir, "dumped", kRing, kRing, nullptr, 1),
+           DumpRing(kRing, 0),
+           ze_kest_Utility_DumpRingBuffer(kDir, "dumped", kRing, kRing, kRing, 1),
+           DumpRing(pszEnd + 1, 1),
+           ze_kest_Utility_DumpRingBuffer(kDir, "dumped", kRing, kRing + 1, pszEnd, 1),
+       }) {
+    EXPECT_EQ(ZE_KEST_INVALID_ARGUMENT, u32Result);
+  }
+  EXPECT_EQ((Texts{"pszFilePath is NULL.\n", "pszFileName is NULL.\n", "pszBuffer is NULL.\n",
+                   "Invalid parameter: sztSize!\n", "pszFilePath is NULL.\n", "pszFileName is NULL.\n",
+                   "pszBuffer is NULL.\n", "pszBufferStart is NULL.\n", "pszBufferEnd is NULL.\n",
+                   "Invalid parameter: sztSize!\n", "Invalid parameter: pszBufferEnd!\n",
+                   "Invalid parameter: pszBuffer!\n", "Invalid parameter: pszBuffer!\n"}),
+            capture.Texts("<ERR>"));
+  EXPECT_FALSE(std::filesystem::exists(kPath));
+}
+
+TEST(DumpFiles, AFileThatFailsIsReportedAndNoFailure) {
+  const ReportCapture capture;
+  const std::string longName(200, 'n');
+  EXPECT_EQ(ZE_KEST_OK, ze_kest_Utility_DumpBuffer("/no/such/directory", "dumped", kRing, 1));
+  EXPECT_EQ(ZE_KEST_OK, ze_kest_Utility_DumpBuffer("/dev", "full", kRing, 1));
+  EXPECT_EQ((Texts{"Err! fopen failed!\n", "Error! Fail to fflush()!\n"}), capture.Texts("<ERR>"));
+  EXPECT_EQ(ZE_KEST_OK, ze_kest_Utility_DumpBuffer(kDir, longName.c_str(), kRing, 1));
+  EXPECT_EQ("0", ReadFile((kDir + ("/" + longName)).substr(0, 127)));
+}
+
+}  // namespace
+}  // namespace kest::test
