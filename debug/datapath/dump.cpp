@@ -21,7 +21,7 @@ struct DumpSide {
   const char *pszFunction;
   const char *pszFilePrefix;
   const FilterSelection &selection;
-  ZE_KEST_Port_s *const (&(*pfnPorts)(const ZE_KEST_Filter_s &filter))[ZE_KEST_MAX_PORTS];
+  ZE_KEST_Port_s *(ZE_KEST_Filter_s::*papstPorts)[ZE_KEST_MAX_PORTS];
   uint32_t u32AlwaysServed;                      // slots that are dumped even when they are not connected
   uint32_t ZE_KEST_PcmBuffer_s::*psztPcmSize;    // the cycle's size
   uint32_t ZE_KEST_DataBuffer_s::*psztDataSize;  // the same of raw data and of metadata
@@ -29,21 +29,26 @@ struct DumpSide {
   bool (*pfnIsWidthDumped)(uint32_t u32Bits);
 };
 
-// Two slots here and one there, and packed 24 bits here only, are meant.
-constexpr DumpSide kInput = {"_ZE_KEST_Debug_DumpInput", "DumpIn", _stKestDumpInput,
-                             [](const ZE_KEST_Filter_s &filter) -> auto &{return filter.apstInPort;
-}  // namespace
-, 2, &ZE_KEST_PcmBuffer_s::sztPcmReadSize, &ZE_KEST_DataBuffer_s::sztReadSize, false,
-    [](uint32_t u32Bits) { return (u32Bits >= 16 && u32Bits <= 31) || u32Bits / 8 == 4; },
-};  // namespace kest
+// What one side takes and the other does not is meant: packed 24 bits, and the second slot unconnected.
+bool IsInputWidthDumped(uint32_t u32Bits) {
+  return (u32Bits >= 16 && u32Bits <= 31) || u32Bits / 8 == 4;
+}
 
-constexpr DumpSide kOutput = {"_ZE_KEST_Debug_DumpOutput", "DumpOut", _stKestDumpOutput,
-                              [](const ZE_KEST_Filter_s &filter) -> auto &{return filter.apstOutPort;
+bool IsOutputWidthDumped(uint32_t u32Bits) {
+  return u32Bits / 8 == 2 || u32Bits / 8 == 4;
 }
-, 1, &ZE_KEST_PcmBuffer_s::sztPcmWriteSize, &ZE_KEST_DataBuffer_s::sztWriteSize, true,
-    [](uint32_t u32Bits) { return u32Bits / 8 == 2 || u32Bits / 8 == 4; },
-}
-;
+
+constexpr DumpSide kInput = {
+    "_ZE_KEST_Debug_DumpInput",         "DumpIn", _stKestDumpInput,
+    &ZE_KEST_Filter_s::apstInPort,      2,        &ZE_KEST_PcmBuffer_s::sztPcmReadSize,
+    &ZE_KEST_DataBuffer_s::sztReadSize, false,    IsInputWidthDumped,
+};
+
+constexpr DumpSide kOutput = {
+    "_ZE_KEST_Debug_DumpOutput",         "DumpOut", _stKestDumpOutput,
+    &ZE_KEST_Filter_s::apstOutPort,      1,         &ZE_KEST_PcmBuffer_s::sztPcmWriteSize,
+    &ZE_KEST_DataBuffer_s::sztWriteSize, true,      IsOutputWidthDumped,
+};
 
 // One slot of a filter in one cycle.
 struct DumpedPort {
@@ -95,9 +100,8 @@ bool DumpPcm(const DumpedPort &port, const ZE_KEST_PcmBuffer_s &pcm) {
   const uint32_t u32Advance = port.side.bBehindLevel ? pcm.sztPcmLevel : 0;
   if (sztSize == 0 || sztSize > pcm.sztPcmRingSamples) return true;
   if (!RingPosition(pcm.sztPcmRingSamples, pcm.sztPcmReadOffset, u32Advance)) return true;
-  void *pvScratch = nullptr;
-  if (ze_kest_Utility_MemoryAlloc(&pvScratch, kScratchBytes) != ZE_KEST_OK) return false;
-  const Owned<uint8_t> scratch(static_cast<uint8_t *>(pvScratch));
+  const auto scratch = Allocate<uint8_t>(kScratchBytes);
+  if (scratch == nullptr) return false;
   memset(scratch.get(), 0, kScratchBytes);
   const Frames frames = {u32Advance, sztSize, DumpedWidth(port, pcm.stPcmInfo.u32BitWidth)};
   for (uint32_t u32Group = 0; u32Group < ZE_KEST_PCM_GROUPS; ++u32Group) {
@@ -125,7 +129,7 @@ void DumpPort(const DumpedPort &port, const ZE_KEST_Port_s &st) {
 void DumpFilter(const DumpSide &side, const ZE_KEST_Filter_s &filter) {
   const uint32_t u32Index = Load(side.selection.u32DumpIndex);
   for (uint32_t u32Slot = 0; u32Slot < ZE_KEST_MAX_PORTS; ++u32Slot) {
-    const ZE_KEST_Port_s *pstPort = side.pfnPorts(filter)[u32Slot];
+    const ZE_KEST_Port_s *pstPort = (filter.*side.papstPorts)[u32Slot];
     if (pstPort == nullptr) continue;
     if (u32Slot >= side.u32AlwaysServed && pstPort->bConnected == 0) continue;
     DumpPort({side, filter, u32Slot, u32Index}, *pstPort);
