@@ -5,6 +5,9 @@ debug_dir=/mnt/vendor/tmp/kest/
 
 build_packages=(g++ cmake make pkg-config android-liblog-dev libjsmn-dev libsndfile1-dev libcli11-dev alsa-utils)
 test_packages=(libgtest-dev libgmock-dev)
+arm_packages=(g++-arm-linux-gnueabihf qemu-user
+  android-liblog-dev:armhf libsndfile1-dev:armhf libgtest-dev:armhf libgmock-dev:armhf)
+fuzz_packages=(clang libclang-rt-14-dev)
 
 # Each argument a line.
 say() { printf '%s\n' "$@"; }
@@ -23,7 +26,13 @@ as_root() {
   fi
 }
 
+# PACKAGE of this machine's architecture or of none, or PACKAGE:ARCHITECTURE.
 is_installed() {
+  case $1 in *:*)
+    dpkg-query -W -f '${db:Status-Status}' "$1" 2>/dev/null | grep -qx installed
+    return
+    ;;
+  esac
   dpkg-query -W -f '${Architecture}:${db:Status-Status}\n' "$1" 2>/dev/null |
     grep -qxE "($(dpkg --print-architecture)|all):installed"
 }
@@ -40,6 +49,10 @@ need() {
   say "Installing ${missing[*]} ..."
   mkdir -p "$root/build"
   local log="$root/build/packages.log"
+  case ${missing[*]} in *:armhf*)
+    dpkg --print-foreign-architectures | grep -qx armhf || as_root dpkg --add-architecture armhf
+    ;;
+  esac
   # The machine's lists may do; where they are missing or old they are fetched, and a mirror that is being
   # renewed may still have what is asked for.
   install_packages "${missing[@]}" >"$log" 2>&1 && return 0
