@@ -106,6 +106,8 @@ std::string JsonValue::Decoded(const Token &string) const {
     if (raw[i] == '\\' && std::string_view("\"\\/").find(raw[++i]) == std::string_view::npos) {
       Fail("\"" + std::string(raw) + "\" has an escape other than \\\" \\\\ \\/; write the character itself");
     }
+    if (static_cast<unsigned char>(raw[i]) < ' ')
+      Fail("a string or name holds a line end or other control character");
     decoded += raw[i];
   }
   return decoded;

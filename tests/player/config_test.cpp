@@ -145,6 +145,7 @@ TEST_F(Config, AFaultIsSaidWithItsPlaceAndWhatIsAllowed) {
       {R"({"A": {"Volume": {}, "Volume": {}}})", "x: A: \"Volume\" is there twice; a name may be used once"},
       {R"({"": {}})", "x: : the name has 0 characters; 1 to 63 are allowed"},
       {"{\"" + longName + "\": {}}", "x: " + longName + ": the name has 64 characters; 1 to 63 are allowed"},
+      {"{\"A\nB\": {}}", "x: a string or name holds a line end or other control character"},
       {R"({"A": 5})", "x: A is 5; an object is needed"},
       {R"({"A": {"Volume": "loud"}})", "x: A: Volume is \"loud\"; an object is needed"},
       {R"({"A": {"Echo": {}}})",
