@@ -13,7 +13,7 @@
 #include "debug/control/lock_owner.h"
 #include "debug/control/shared_settings.h"
 #include "debug/datapath/dump.h"
-#include "debug/datapath/hook_switches.h"
+#include "debug/datapath/switches.h"
 #include "debug/datapath/io_trace.h"
 #include "debug/datapath/latency.h"
 #include "debug/datapath/requests.h"

@@ -3,13 +3,13 @@
 // lock: a cycle may meet a new name beside an old one.
 #pragma once
 
-#include "debug/datapath/hook_switches.h"
+#include "debug/datapath/switches.h"
 #include "utility/core/shared_name.h"
 
 namespace kest {
 
 struct FilterSelection {
-  HookSwitch eSwitch;        // whether it is enabled
+  DataPathSwitch eSwitch;    // whether it is enabled
   NameField szPipelineName;  // a prefix; "" matches every pipeline
   NameField szFilterName;    // a prefix; "" matches every filter
   uint32_t u32DumpIndex;     // number of the dump run, part of its file names

@@ -3,13 +3,13 @@
 
 #include "debug/datapath/dump.h"
 #include "debug/datapath/hook_filter.h"
-#include "debug/datapath/hook_switches.h"
 #include "debug/datapath/port_lines.h"
 #include "debug/datapath/sine_output.h"
+#include "debug/datapath/switches.h"
 
 namespace kest {
 
-uint32_t _u32KestHookSwitches = 0;
+DataPathSwitches _stKestSwitches = {};
 
 namespace {
 
@@ -37,6 +37,6 @@ __attribute__((noinline)) int32_t RunSteps(const ZE_KEST_Filter_s *pstFilter) {
 }  // namespace kest
 
 int32_t ze_kest_Debug_Filter(const ZE_KEST_Filter_s *pstFilter) {
-  KEST_REQUIRE_PIPELINE(pstFilter);
+  if (!kest::HasPipeline(pstFilter)) return static_cast<int32_t>(kest::RefuseFilter(__func__, pstFilter));
   return kest::IsAnyHookSwitchOn() ? kest::RunSteps(pstFilter) : ZE_KEST_OK;
 }

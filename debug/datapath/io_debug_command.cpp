@@ -61,8 +61,8 @@ constexpr LevelWord kLevelWords[] = {
     {"err", ZE_KEST_LEVEL_ERR, "error"},  {"none", 0, "none"},
 };
 
-// An unknown word is 0, too, and not shown.
-uint32_t LevelOf(const char *pszFilterName, const char *pszWord) {
+// An unknown word is 0, too, and not reported.
+uint32_t ReportedLevel(const char *pszFilterName, const char *pszWord) {
   for (const LevelWord &word : kLevelWords) {
     if (ze_kest_Utility_Strcmp(pszWord, word.pszWord) != 0) continue;
     KEST_PRINT_AS(kFunction, "%s filter %s debug level %s\n", kFunction, pszFilterName, word.pszShown);
@@ -83,7 +83,7 @@ void _ZE_KEST_Debug_SetFilterDebugLevel(const char *pszFilterName, uint32_t u32L
 uint32_t SetFilterLevel(CommandLine &value) {
   const char *pszFilterName = NextOfSeveral(kFunction, value);
   if (pszFilterName == nullptr) return ZE_KEST_INVALID_ARGUMENT;
-  _ZE_KEST_Debug_SetFilterDebugLevel(pszFilterName, LevelOf(pszFilterName, value.Rest()));
+  _ZE_KEST_Debug_SetFilterDebugLevel(pszFilterName, ReportedLevel(pszFilterName, value.Rest()));
   return ZE_KEST_OK;
 }
 

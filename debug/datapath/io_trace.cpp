@@ -4,6 +4,7 @@
 #include "ze_kest/debug.h"
 
 #include "debug/control/debug_mutex.h"
+#include "debug/datapath/switches.h"
 #include "debug/registry/listing.h"
 #include "utility/core/begins_with.h"
 #include "utility/core/owned_file.h"
@@ -21,8 +22,7 @@ struct FilterIoNode {
 };
 
 FilterIoNode *pstFilterIoList = nullptr;  // walked and changed with _stKestDebugMutex held
-uint8_t bIoDebug = 0;
-uint32_t u32IoFilterStartOffset = 0;  // on purpose one for all pipelines
+uint32_t u32IoFilterStartOffset = 0;      // on purpose one for all pipelines
 
 FilterIoNode *Tail() {
   FilterIoNode *pstTail = pstFilterIoList;
@@ -41,7 +41,7 @@ void Free(FilterIoNode *pstNode) {
 FilterIoNode *DetachList() {
   const HoldingDebug holding;
   FilterIoNode *pstHead = pstFilterIoList;
-  Publish(pstFilterIoList, static_cast<FilterIoNode *>(nullptr));
+  Store(pstFilterIoList, static_cast<FilterIoNode *>(nullptr));
   Store(pFileKestDebugPipeline, static_cast<FILE *>(nullptr));
   return pstHead;
 }
@@ -104,7 +104,7 @@ void _ZE_KEST_Debug_AddFilterIo(const FilterIoEntry &entry) {
   const HoldingDebug holding;
   FilterIoNode *pstTail = Tail();
   *node = {copy.release(), pstTail, nullptr};
-  Publish(pstTail == nullptr ? pstFilterIoList : pstTail->pstNext, node.release());
+  Store(pstTail == nullptr ? pstFilterIoList : pstTail->pstNext, node.release());
 }
 
 void _ZE_KEST_Debug_PrintFilterIoList() {
@@ -115,8 +115,9 @@ void _ZE_KEST_Debug_PrintFilterIoList() {
   {
     const HoldingDebug holding;
     for (const FilterIoNode *pst = pstFilterIoList; pst != nullptr; pst = pst->pstNext) {
-      KEST_PRINT("idx:%-2d p:%-20s f:%-15s pf:0x%p\n", s32Idx++, pst->pstEntry->szPipelineName,
+      KEST_PRINT("idx:%-2d p:%-20s f:%-15s pf:0x%p\n", s32Idx, pst->pstEntry->szPipelineName,
                  pst->pstEntry->szFilterName, static_cast<void *>(pst->pstEntry->pFile));
+      ++s32Idx;
     }
   }
   PrintRule(__func__);
@@ -135,24 +136,16 @@ void _ZE_KEST_Debug_ReleaseFilterIoList() {
   }
 }
 
-void SwitchIoTrace(bool bOn) {
-  Store(bIoDebug, static_cast<uint8_t>(bOn));
-}
-
-bool IsIoTraceOn() {
-  return Load(bIoDebug) != 0;
-}
-
 void ResetIoTrace() {
-  SwitchIoTrace(false);
-  if (LoadPublished(pstFilterIoList) != nullptr) _ZE_KEST_Debug_ReleaseFilterIoList();
+  SwitchOff(kTraceIo);
+  if (Load(pstFilterIoList) != nullptr) _ZE_KEST_Debug_ReleaseFilterIoList();
   u32IoFilterStartOffset = 0;
 }
 
 }  // namespace kest
 
 uint32_t ze_kest_Debug_Io_Is_Enable(void) {
-  return kest::LoadPublished(kest::pstFilterIoList) != nullptr && kest::IsIoTraceOn() ? 1 : 0;
+  return kest::IsOn(kest::kTraceIo) && kest::Load(kest::pstFilterIoList) != nullptr ? 1 : 0;
 }
 
 void ze_kest_Debug_Io(const char *pszPipelineName, const char *pszFilterName, uint32_t u32Type,

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// The timing trace: which pipelines are watched, each with a file of its own, and whether the trace is on.
+// The timing trace: which pipelines are watched, each with a file of its own.
 #pragma once
 
 #include <cstdint>
@@ -24,10 +24,7 @@ void _ZE_KEST_Debug_PrintFilterIoList();
 // Closes every file and frees every entry.
 void _ZE_KEST_Debug_ReleaseFilterIoList();
 
-void SwitchIoTrace(bool bOn);
-bool IsIoTraceOn();
-
-// Off, nothing watched.
+// Switched off, nothing watched.
 void ResetIoTrace();
 
 // kest_debug_filter_io=PIPELINE,FILTER | stop | restart | release | print_watch_list, and several of these

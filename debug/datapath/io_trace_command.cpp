@@ -4,6 +4,7 @@
 #include "ze_kest/debug.h"
 
 #include "debug/datapath/io_trace.h"
+#include "debug/datapath/switches.h"
 #include "utility/core/command_line.h"
 #include "utility/core/debug_dir.h"
 #include "utility/core/owned_file.h"
@@ -17,23 +18,23 @@ constexpr const char *kFunction = "_ZE_KEST_Debug_Cmd_Io";
 
 void Stop() {
   KEST_PRINT_AS(kFunction, "kest_debug_filter_io=stop\n");
-  SwitchIoTrace(false);
+  SwitchOff(kTraceIo);
 }
 
 void Restart() {
   KEST_PRINT_AS(kFunction, "kest_debug_filter_io=restart\n");
-  SwitchIoTrace(true);
+  SwitchOn(kTraceIo);
 }
 
 void Release() {
   KEST_PRINT_AS(kFunction, "kest_debug_filter_io=release\n");
-  SwitchIoTrace(false);
+  SwitchOff(kTraceIo);
   _ZE_KEST_Debug_ReleaseFilterIoList();
 }
 
 void PrintWatchList() {
   KEST_PRINT_AS(kFunction, "print_watch_list\n");
-  KEST_PRINT_AS(kFunction, "bIoDebug=%d\n", IsIoTraceOn() ? 1 : 0);
+  KEST_PRINT_AS(kFunction, "bIoDebug=%d\n", IsOn(kTraceIo) ? 1 : 0);
   _ZE_KEST_Debug_PrintFilterIoList();
 }
 
@@ -64,7 +65,7 @@ void CopyName(char (&szField)[kSize], const char *pszName) {
 // The names of a line. A new watch switches the trace off, on purpose: a list is complete before it runs.
 struct WatchNames {
   void Take(const char *pszName) {
-    SwitchIoTrace(false);
+    SwitchOff(kTraceIo);
     ++u32Count;
     if (u32Count == 1) {
       KEST_PRINT_AS(kFunction, "PipelineName=%s\n", pszName);
@@ -79,24 +80,22 @@ struct WatchNames {
   uint32_t u32Count = 0;
 };
 
-// Whether it could be opened, else that is reported.
-bool Open(OwnedFile &file, const char *pszPath, const char *pszMode) {
-  file.reset(ze_kest_Utility_FileOpen(pszPath, pszMode));
+// Empty, with a report, when it cannot be opened.
+OwnedFile Open(const char *pszPath, const char *pszMode) {
+  OwnedFile file(ze_kest_Utility_FileOpen(pszPath, pszMode));
   if (file == nullptr) KEST_ERR_AS(kFunction, "Err! ze_kest_Utility_FileOpen failed!\n");
-  return file != nullptr;
+  return file;
 }
 
 // The trace file begins empty and is appended to after that.
 uint32_t AddWatch(FilterIoEntry &entry) {
   snprintf(entry.szFile, sizeof(entry.szFile), KEST_DEBUG_PATH("%s.txt"), entry.szPipelineName);
   KEST_PRINT_AS(kFunction, "szFile=%s\n", entry.szFile);
-  OwnedFile file;
-  const bool bEmptied = Open(file, entry.szFile, "wb+");
-  const bool bOpened = Open(file, entry.szFile, "ab+");
-  entry.pFile = file.release();
+  const bool bEmptied = Open(entry.szFile, "wb+") != nullptr;
+  entry.pFile = Open(entry.szFile, "ab+").release();
   Store(pFileKestDebugPipeline, entry.pFile);
   _ZE_KEST_Debug_AddFilterIo(entry);
-  return bEmptied && bOpened ? ZE_KEST_OK : ZE_KEST_FAILED;
+  return bEmptied && entry.pFile != nullptr ? ZE_KEST_OK : ZE_KEST_FAILED;
 }
 
 }  // namespace

@@ -3,7 +3,7 @@
 // lock. A cycle that is under way when a measurement is switched off may still leave a mark in the next one.
 #pragma once
 
-#include "debug/datapath/hook_switches.h"
+#include "debug/datapath/switches.h"
 #include "utility/core/shared_name.h"
 
 namespace kest {

@@ -5,7 +5,7 @@
 #include <cstdarg>
 #include <cstdio>
 
-#include "debug/datapath/hook_switches.h"
+#include "debug/datapath/switches.h"
 #include "utility/core/monotonic_us.h"
 #include "utility/core/owned_memory.h"
 #include "utility/core/report.h"

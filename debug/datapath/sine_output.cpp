@@ -6,7 +6,7 @@
 #include "ze_kest/debug.h"
 
 #include "debug/datapath/hook_filter.h"
-#include "utility/port/pcm_rings.h"
+#include "debug/datapath/pcm_planes.h"
 
 namespace kest {
 
@@ -28,16 +28,15 @@ int16_t NextSample(uint32_t &u32Pos) {
 // On purpose the level and the write size, which count samples, are taken for bytes here, the frames are
 // interleaved and do not wrap. They end with the storage of the group.
 void WriteSine(const ZE_KEST_PcmBuffer_s &pcm, uint32_t u32Channels) {
-  uint8_t *pu8At = pcm.apu8PcmGroupBuf[0] + pcm.sztPcmLevel;
-  const uint8_t *pu8End = SlotRing(pcm, 0, sztPcmGroupChNumber[0]);
-  const size_t sztFrameBytes = u32Channels * kSampleBytes;
+  const uint64_t u64End = GroupBytes(pcm, 0, kSampleBytes);
+  const uint64_t u64Stop = std::min(u64End, uint64_t{pcm.sztPcmLevel} + pcm.sztPcmWriteSize);
+  const uint64_t u64FrameBytes = uint64_t{u32Channels} * kSampleBytes;
   uint32_t u32Pos = Load(u32SineWavePos);
-  for (size_t sztDone = 0; sztDone < pcm.sztPcmWriteSize; sztDone += sztFrameBytes) {
+  for (uint64_t u64Frame = pcm.sztPcmLevel; u64Frame < u64Stop; u64Frame += u64FrameBytes) {
     const int16_t s16Sample = NextSample(u32Pos);
-    for (uint32_t u32Channel = 0; u32Channel < u32Channels; ++u32Channel, pu8At += kSampleBytes) {
-      if (pu8End - pu8At < static_cast<ptrdiff_t>(kSampleBytes)) break;
-      memcpy(pu8At, &s16Sample, kSampleBytes);
-    }
+    const uint64_t u64FrameEnd = std::min(u64Frame + u64FrameBytes, u64End);
+    for (uint64_t u64At = u64Frame; u64At + kSampleBytes <= u64FrameEnd; u64At += kSampleBytes)
+      memcpy(pcm.apu8PcmGroupBuf[0] + u64At, &s16Sample, kSampleBytes);
   }
   Store(u32SineWavePos, u32Pos);
 }
@@ -48,7 +47,8 @@ uint32_t _ZE_KEST_Debug_OutputSineWave(const ZE_KEST_Filter_s *pstFilter) {
   KEST_REQUIRE_PIPELINE(pstFilter);
   if (!IsSelected(_stKestSineSelection, *pstFilter)) return ZE_KEST_OK;
   const ZE_KEST_Port_s *pstPort = pstFilter->apstOutPort[0];
-  if (pstPort == nullptr || pstPort->stPcm.apu8PcmGroupBuf[0] == nullptr) return ZE_KEST_OK;
+  if (pstPort == nullptr || pstPort->stPcm.sztPcmWriteSize == 0) return ZE_KEST_OK;
+  if (pstPort->stPcm.apu8PcmGroupBuf[0] == nullptr) return ZE_KEST_OK;
   const uint32_t u32Channels = pstPort->stPcm.stPcmInfo.u32TotalChannels;
   WriteSine(pstPort->stPcm, u32Channels == 0 ? kDefaultChannels : u32Channels);
   return ZE_KEST_OK;

@@ -116,8 +116,9 @@ ZE_KEST_API uint32_t ze_kest_Debug_SetParameter(const char *pszParameterPairs);
  * Real-time safe as long as an engineer has switched nothing on: no lock, no allocation, no system call and
  * no report then. What is switched on prints, allocates and writes files on the calling thread. */
 
-/* Prints a filter's port levels, dumps its ports to files, writes a sine over its output and finds the burst
- * of a latency measurement, as far as these are switched on for it ("kest_print_filter_info",
+/* Prints a filter's port levels, dumps its ports to files, writes a sine over its output (16-bit frames in
+ * the storage of group 0 of output port 0, with its level and its write size taken for bytes) and finds the
+ * burst of a latency measurement, as far as these are switched on for it ("kest_print_filter_info",
  * "kest_dump_...", "kest_output_sinewave", "kest_latency"). Called by every filter once per cycle, on the
  * thread that runs it, after it has accounted for what it read and wrote and before that is released and
  * committed. ZE_KEST_INVALID_ARGUMENT: NULL; ZE_KEST_FAILED: the filter has no parent pipeline (both
@@ -152,7 +153,8 @@ enum ZE_KEST_IoType_e {
  * pszPipelineName: not NULL; pszFilterName: may be NULL, then a filter's end is not written; u32Type:
  * ZE_KEST_IoType_e, any other writes nothing; u64Start, u64Now: when the cycle began and now, in the caller's
  * unit. The latest filter start is kept once for all pipelines, so filters of several pipelines that are
- * traced together mix their starts. When the trace is on it takes a lock and writes files. */
+ * traced together mix their starts; times are written as signed 32-bit numbers. When the trace is on it takes
+ * a lock and writes files. Not from a debug callback or a parameter entry, which run with that lock held. */
 ZE_KEST_API void ze_kest_Debug_Io(const char *pszPipelineName, const char *pszFilterName, uint32_t u32Type,
                                   uint64_t u64Start, uint64_t u64Now);
 

@@ -213,7 +213,8 @@ ZE_KEST_API uint32_t ze_kest_Utility_PerfEvent_GetCurrentEventCount(ZE_KEST_Perf
 ZE_KEST_API uint32_t ze_kest_Utility_PerfEvent_Close(ZE_KEST_PerfEvent_s *pstPerfEvent);
 
 /* The measured cycles of a pipeline, a filter or a section of one. Owned by the caller, who sets it to zero
- * before its first use; one that is dropped between a start and its stop needs stPerfEvent closed. Times are
+ * before its first use; one that is dropped while its stPerfEvent.bInit is 1 needs stPerfEvent closed:
+ * between a start and its stop, and after a stop whose read failed or that found another target. Times are
  * microseconds of the monotonic clock, 0 if it cannot be read. */
 typedef struct ZE_KEST_PerformanceMeasure_s {
   uint64_t u64Count;               /* completed stops */
@@ -236,7 +237,7 @@ typedef struct ZE_KEST_PerformanceMeasure_s {
  * could not be opened or read, with the times written so far kept; ZE_KEST_OUT_OF_MEMORY (stops): no memory
  * for the report, the cycle's events are in the totals but it is not counted.
  * Called on the thread that runs the pipeline or filter. A call that is not for the target is real-time safe
- * but for the reports it makes; one that measures is not. */
+ * but for its reports and for closing a group that is still open; one that measures is not. */
 ZE_KEST_API uint32_t ze_kest_Utility_PerformanceMeasure_StartPipelineMeasure(
     const char *pszPipelineName, ZE_KEST_PerformanceMeasure_s *pstPerformanceMeasure);
 ZE_KEST_API uint32_t ze_kest_Utility_PerformanceMeasure_StopPipelineMeasure(
@@ -614,10 +615,11 @@ ZE_KEST_API uint32_t ze_kest_Utility_Jsmn_Create(ZE_KEST_Jsmn_s *pstJsmn);
 ZE_KEST_API uint32_t ze_kest_Utility_Jsmn_Destroy(ZE_KEST_Jsmn_s *pstJsmn);
 
 /* Fills the index from the text; the token array grows by 4096 bytes as often as it must, which makes
- * pointers to tokens invalid. A second call goes on behind what has been read.
- * ZE_KEST_INVALID_ARGUMENT, with its report: NULL, no token array, no text or one of 0 bytes.
- * ZE_KEST_FAILED: the text is malformed (reported with -2), incomplete (-3) or holds no token (0); the token
- * array is released. ZE_KEST_OUT_OF_MEMORY: the array could not grow (reported) and stays as it is. */
+ * pointers to tokens invalid. A second call goes on behind what has been read. The time grows with the square
+ * of the keys of an object. ZE_KEST_INVALID_ARGUMENT, with its report: NULL, no token array, no text or one
+ * of 0 bytes. ZE_KEST_FAILED: the text is malformed (reported with -2), incomplete (-3) or holds no token
+ * (0); the token array is released. ZE_KEST_OUT_OF_MEMORY: the array could not grow (reported) and stays as
+ * it is. */
 ZE_KEST_API uint32_t ze_kest_Utility_Jsmn_FillUpTokenInfo(ZE_KEST_Jsmn_s *pstJsmn);
 
 /* The first string token that reads exactly pszDataName, key or value, at whatever depth.

@@ -7,7 +7,6 @@
 #include "ze_kest/utility.h"
 
 #include "player/framework/filter_entries.h"
-#include "player/framework/measured_work.h"
 #include "player/framework/metadata_block.h"
 
 namespace kest::player {

@@ -5,11 +5,11 @@
 #include <vector>
 
 #include "ze_kest/model.h"
-#include "ze_kest/utility.h"
 
 #include "player/framework/filter_kind.h"
 #include "player/framework/filter_record.h"
 #include "player/framework/frame_buffer.h"
+#include "player/framework/measured_work.h"
 #include "player/framework/pcm_format.h"
 #include "player/framework/port_storage.h"
 
@@ -78,7 +78,7 @@ class Filter {
   FilterRecord record_{};
   std::vector<PortStorage *> inputs_;
   std::vector<PortStorage *> outputs_;
-  ZE_KEST_PerformanceMeasure_s measure_{};
+  PerformanceMeasure measure_;
   uint32_t metadataRemainder_ = 0;  // frames whose metadata has not been forwarded
   bool upstreamEnded_ = false;
   bool ended_ = false;

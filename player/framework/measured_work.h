@@ -6,6 +6,16 @@
 
 namespace kest::player {
 
+// A record that is closed at its end: a target that changed within a cycle leaves its counters open.
+struct PerformanceMeasure : ZE_KEST_PerformanceMeasure_s {
+  PerformanceMeasure() : ZE_KEST_PerformanceMeasure_s{} {}
+  ~PerformanceMeasure() {
+    if (stPerfEvent.bInit == 1) ze_kest_Utility_PerfEvent_Close(&stPerfEvent);
+  }
+  PerformanceMeasure(const PerformanceMeasure &) = delete;
+  PerformanceMeasure &operator=(const PerformanceMeasure &) = delete;
+};
+
 class MeasuredWork {
  public:
   // filter: NULL for the whole cycle of the pipeline. measure: of this pipeline or filter alone.
@@ -24,8 +34,11 @@ class MeasuredWork {
                : ze_kest_Utility_PerformanceMeasure_StartFilterMeasure(pipeline_, filter_, &measure_);
   }
   void Stop() {
-    filter_ == nullptr ? ze_kest_Utility_PerformanceMeasure_StopPipelineMeasure(pipeline_, &measure_)
-                       : ze_kest_Utility_PerformanceMeasure_StopFilterMeasure(pipeline_, filter_, &measure_);
+    if (filter_ == nullptr) {
+      ze_kest_Utility_PerformanceMeasure_StopPipelineMeasure(pipeline_, &measure_);
+    } else {
+      ze_kest_Utility_PerformanceMeasure_StopFilterMeasure(pipeline_, filter_, &measure_);
+    }
   }
 
   const char *pipeline_;

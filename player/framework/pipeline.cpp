@@ -8,7 +8,6 @@
 #include "ze_kest/utility.h"
 
 #include "player/framework/cycle_trace.h"
-#include "player/framework/measured_work.h"
 #include "player/framework/published.h"
 #include "player/framework/registration.h"
 

@@ -9,8 +9,6 @@
 #include <thread>
 #include <vector>
 
-#include "ze_kest/utility.h"
-
 #include "player/framework/filter.h"
 #include "player/framework/pipeline_link.h"
 
@@ -57,7 +55,7 @@ class Pipeline {
   void SetState(uint32_t state);
 
   ZE_KEST_Pipeline_s record_{};
-  ZE_KEST_PerformanceMeasure_s measure_{};
+  PerformanceMeasure measure_;
   PcmFormat format_;
   PipelineLink::Patience inputPatience_;
   std::vector<std::unique_ptr<PortStorage>> ports_;

@@ -18,14 +18,13 @@ Figure Average(const ZE_KEST_PerformanceMeasure_s &stMeasure, uint32_t u32Event,
   return Figure(stMeasure.stPerfEvent.au64Total[u32Event] * u64Factor / u64Us);
 }
 
-bool FormatEvent(const char *pszFunction, char *pszOut, size_t sztSize, const char *pszSeparator,
+void FormatEvent(const char *pszFunction, char *pszOut, size_t sztSize, const char *pszSeparator,
                  const ZE_KEST_PerfEvent_s &stPerfEvent, uint32_t u32Event) {
   *pszOut = '\0';
   const int s32Length = snprintf(pszOut, sztSize, "%s%s:%lld/%lld", pszSeparator, PERF_EVENT_NAME[u32Event],
                                  static_cast<long long>(stPerfEvent.au64Count[u32Event]),
                                  static_cast<long long>(stPerfEvent.au64Total[u32Event]));
-  KEST_REQUIRE_OR_AS(pszFunction, s32Length >= 0, false, "Error! Fail to snprintf()!\n");
-  return true;
+  if (s32Length < 0) KEST_ERR_AS(pszFunction, "Error! Fail to snprintf()!\n");
 }
 
 }  // namespace

@@ -58,14 +58,18 @@ bool IsLeftOver(uint32_t u32Target, const Measure &stMeasure) {
   return u32Target == ZE_KEST_TARGET_NONE && stMeasure.u64Count != 0;
 }
 
+// The group is still open when the target went away within a measured cycle.
+void Clear(Measure &stMeasure) {
+  if (stMeasure.stPerfEvent.bInit == 1) ze_kest_Utility_PerfEvent_Close(&stMeasure.stPerfEvent);
+  stMeasure = {};
+}
+
 template <typename Measured>
 uint32_t StartTarget(const char *pszFunction, const Measured &measured, Measure &stMeasure) {
   const uint32_t u32Target = kest::Load(u32KestPerfEventTarget);
   if (measured.IsTarget(u32Target)) return StartCycle(pszFunction, measured, stMeasure);
   if (!IsLeftOver(u32Target, stMeasure)) return ZE_KEST_OK;
-  // Still open when the target changed within the last measured cycle.
-  if (stMeasure.stPerfEvent.bInit == 1) ze_kest_Utility_PerfEvent_Close(&stMeasure.stPerfEvent);
-  stMeasure = {};
+  Clear(stMeasure);
   measured.PrintReset(pszFunction);
   return ZE_KEST_OK;
 }
@@ -76,8 +80,7 @@ uint32_t StopTarget(const char *pszFunction, const Measured &measured, Measure &
   if (measured.IsTarget(u32Target)) return StopCycle(pszFunction, measured, stMeasure);
   measured.PrintCommand(pszFunction, u32Target);
   if (!IsLeftOver(u32Target, stMeasure)) return ZE_KEST_OK;
-  ze_kest_Utility_PerfEvent_Close(&stMeasure.stPerfEvent);
-  stMeasure = {};
+  Clear(stMeasure);
   return ZE_KEST_OK;
 }
 

@@ -3,7 +3,7 @@
 
 #include "ze_kest/debug.h"
 
-#include "debug/datapath/hook_switches.h"
+#include "debug/datapath/switches.h"
 #include "tests/support/debug_layer.h"
 #include "tests/support/requests.h"
 

@@ -11,7 +11,7 @@ using kest::test::WriteFile;
 
 namespace {
 
-constexpr const char *kPath = KEST_DEBUG_DIR "a.b.json";  // points and slashes are part of the path
+constexpr const char *kPath = KEST_DEBUG_DIR "a.b,c.json";  // points, commas and slashes are part of the path
 const std::string kLine = std::string("kest_json_parser=") + kPath;
 
 }  // namespace

@@ -87,6 +87,7 @@ TEST(StartUp, TheFirstLogLineOfAnyThreadSetsTheBaseUpOnce) {
 
 TEST(StartUp, CommandsOfOtherThreadsGoOnThroughShutDownsAndStarts) {
   kest::test::EmptyDebugDirectory();
+  const ReportCapture capture;  // keeps the reports from the terminal
   std::atomic<bool> bDone{false};
   std::vector<std::thread> threads;
   for (const char *pszLine :
@@ -97,7 +98,6 @@ TEST(StartUp, CommandsOfOtherThreadsGoOnThroughShutDownsAndStarts) {
         ze_kest_Debug_SetParameter(pszLine);
     });
   }
-  const ReportCapture capture;  // also keeps the reports from the terminal
   for (int i = 0; i < 20; ++i) {
     EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_Init());
     EXPECT_EQ(ZE_KEST_OK, kest::test::ShutDown());

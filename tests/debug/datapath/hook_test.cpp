@@ -1,10 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <optional>
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "ze_kest/debug.h"
 
+#include "debug/datapath/sine_output.h"
 #include "tests/support/debug_layer.h"
+#include "tests/support/fake_counters.h"
 #include "tests/support/ports.h"
 #include "tests/support/report_capture.h"
 
@@ -144,21 +148,74 @@ TEST(Hook, WritesASineOverTheFirstOutputOfTheSelectedFilter) {
   EXPECT_EQ(expected, StorageOf(port));
 
   pcm.stPcmInfo.u32TotalChannels = 0;  // counts as two; the storage bounds the last frame
-  pcm.sztPcmLevel = 478;
-  pcm.sztPcmWriteSize = 4;
+  pcm.sztPcmLevel = 474;
+  pcm.sztPcmWriteSize = 8;
   run("kest_output_sinewave=on");  // from the first sample again
-  expected[239] = Sine(0);
+  expected[237] = expected[238] = Sine(0);
+  expected[239] = Sine(1);
   EXPECT_EQ(expected, StorageOf(port));
 
-  pcm.sztPcmWriteSize = 0;
-  filter.st->apstOutPort[1] = nullptr;
-  EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_Filter(filter));
+  const struct {
+    uint32_t u32Channels;
+    uint32_t sztLevel;
+    uint32_t sztWriteSize;
+  } aWild[] = {{0x80000000, 480, 1}, {2, 480, 0xFFFFFFFF}, {2, 0x90000000, 4}, {2, 0, 0}};
+  for (const auto &wild : aWild) {
+    pcm.stPcmInfo.u32TotalChannels = wild.u32Channels;
+    pcm.sztPcmLevel = wild.sztLevel;
+    pcm.sztPcmWriteSize = wild.sztWriteSize;
+    EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_Filter(filter));
+  }
   pcm.sztPcmWriteSize = 4;
   pcm.apu8PcmGroupBuf[0] = nullptr;
   EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_Filter(filter));
   filter.st->apstOutPort[0] = nullptr;
   EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_Filter(filter));
   EXPECT_EQ(expected, StorageOf(port));
+}
+
+// The dump holds what the filter wrote, the storage the sine that the dump comes before.
+TEST(Hook, GoesThroughItsStepsInOrderUntilOneFails) {
+  const DebugLayer layer;
+  Filter filter;
+  Port &port = filter.Out(0);
+  ZE_KEST_PcmBuffer_s &pcm = port.Pcm(16, 16, {2, 0, 0});
+  pcm.sztPcmWriteSize = 2;
+  const Bytes before = port.groups[0].Content();
+  const ReportCapture capture;
+  const Switched lines("kest_print_filter_info");
+  const Switched dump("kest_dump_output");
+  const Switched sine("kest_output_sinewave");
+  {
+    FakeCounters noMemory;
+    noMemory.s32AllocationsLeft = 0;
+    EXPECT_EQ(ZE_KEST_OUT_OF_MEMORY, ze_kest_Debug_Filter(filter));
+  }
+  EXPECT_TRUE(capture.Has("<ERR>", "_ZE_KEST_Debug_FilterPcmInfo fail to allocate\n"));
+  EXPECT_EQ(before, port.groups[0].Content());
+
+  EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_Filter(filter));
+  const std::string dumped = ReadFile(KEST_DEBUG_DIR "DumpOutpipefilter0_0_dmx.pcm");
+  ASSERT_EQ(8u, dumped.size());
+  EXPECT_EQ(0, memcmp(&dumped[0], &before[0], 2));
+  EXPECT_EQ(0, memcmp(&dumped[2], &before[32], 2));
+  EXPECT_NE(before, port.groups[0].Content());
+}
+
+TEST(Hook, HasNothingOnAfterANewStart) {
+  std::optional<DebugLayer> layer(std::in_place);
+  for (const char *pszLine :
+       {"kest_print_filter_info=on", "kest_dump_io=on", "kest_latency=on", "kest_output_sinewave=on",
+        "kest_output_sinewave_filter=other,", "kest_debug_filter_io=pipe,restart"}) {
+    EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_SetParameter(pszLine));
+  }
+  layer.reset();
+  layer.emplace();
+  EXPECT_FALSE(IsAnyHookSwitchOn());
+  EXPECT_EQ(0u, ze_kest_Debug_Io_Is_Enable());
+  EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_SetParameter("kest_debug_filter_io=restart"));
+  EXPECT_EQ(0u, ze_kest_Debug_Io_Is_Enable());  // nothing is watched
+  EXPECT_STREQ("", _stKestSineSelection.szPipelineName);
 }
 
 }  // namespace

@@ -6,9 +6,6 @@
 namespace kest::test {
 namespace {
 
-using testing::ElementsAre;
-using testing::IsEmpty;
-
 using IoDebugCommand = RegistryTest;
 
 #define NAME "_ZE_KEST_Debug_Cmd_DebugIo "

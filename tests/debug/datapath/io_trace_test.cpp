@@ -51,13 +51,16 @@ TEST_F(IoTrace, WritesTheEventsOfThePipelinesWhoseNamesBeginAlike) {
   Cycle("pip");
   EXPECT_EQ(kCycle, Traced("pipe"));
   EXPECT_EQ("", Traced("pipe2"));
+  ze_kest_Debug_Io("other", "eq", ZE_KEST_IO_FILTER_START, 0, 7);  // not watched, so its start is not kept
 
   // Ends before its start, no name, no known type, a clock that ran backwards.
   ze_kest_Debug_Io("pipe2", "eq", ZE_KEST_IO_FILTER_END, 1000, 1010);
   ze_kest_Debug_Io("pipe2", nullptr, ZE_KEST_IO_FILTER_END, 1000, 1010);
   ze_kest_Debug_Io("pipe2", "eq", 2, 1000, 1010);
+  ze_kest_Debug_Io("pipe2", "eq", ZE_KEST_IO_PIPELINE_END, 0, 0x100000002);
   ze_kest_Debug_Io("pipe2", "eq", ZE_KEST_IO_PIPELINE_END, 1000, 999);
-  const std::string odd = "[f:eq,t1:30,t2:10,td:0]\n[ct:1000,stop:999][p:pipe2,t:0]\n\n";
+  const std::string odd =
+      "[f:eq,t1:30,t2:10,td:0]\n[ct:0,stop:4294967298][p:pipe2,t:2]\n\n[ct:1000,stop:999][p:pipe2,t:0]\n\n";
   EXPECT_EQ(kCycle + odd, Traced("pipe"));
   EXPECT_EQ(odd, Traced("pipe2"));
 
@@ -84,18 +87,24 @@ TEST_F(IoTrace, RepliesToEveryWord) {
   EXPECT_THAT(reports("release", 0),
               ElementsAre("kest_debug_filter_io=release\n", "Error! No debug info node in this list!\n"));
   const std::string path = KEST_DEBUG_DIR "main.txt";
-  EXPECT_THAT(reports("main,eq", 0),
+  EXPECT_THAT(reports("main,eq,print", 0),
               ElementsAre("PipelineName=main\n", "Filter=eq\n", "szFile=" + path + "\n"));
   char szFile[32];
   snprintf(szFile, sizeof(szFile), "0x%p\n", static_cast<void *>(pFileKestDebugPipeline));
+  EXPECT_EQ(0u, Command("aux"));
+  char szAux[32];
+  snprintf(szAux, sizeof(szAux), "0x%p\n", static_cast<void *>(pFileKestDebugPipeline));
   EXPECT_THAT(reports("restart,print_watch_list", 0),
               ElementsAre("kest_debug_filter_io=restart\n", "print_watch_list\n", "bIoDebug=1\n",
                           "===============\n", "[DebugInfoList]\n", "===============\n",
                           "idx:0  p:main                 f:eq              pf:" + std::string(szFile),
+                          "idx:1  p:aux                  f:                pf:" + std::string(szAux),
                           "===============\n"));
-  EXPECT_THAT(reports("stop,release", 0),
-              ElementsAre("kest_debug_filter_io=stop\n", "kest_debug_filter_io=release\n"));
+  const size_t sztDescriptors = OpenDescriptors();
+  EXPECT_THAT(reports("release", 0), ElementsAre("kest_debug_filter_io=release\n"));
+  EXPECT_EQ(sztDescriptors - 2, OpenDescriptors());
   EXPECT_EQ(nullptr, pFileKestDebugPipeline);
+  EXPECT_EQ("bIoDebug=0\n", reports("print_watch_list,stop", 0).at(1));
   EXPECT_EQ(8u, _ZE_KEST_Debug_Cmd_Io("kest_debug_filter_io"));
   EXPECT_EQ(8u, _ZE_KEST_Debug_Cmd_Io("kest_debug_filter=stop"));
   EXPECT_EQ(0u, _ZE_KEST_Debug_Cmd_Io("kest_debug_filter_io stop"));
@@ -126,7 +135,6 @@ TEST_F(IoTrace, WatchesAndReleasesBesideRunningPipelines) {
   }
   stop = true;
   tracer.join();
-  Command("pipe");  // for the release at the end to find something
 }
 
 }  // namespace

@@ -74,6 +74,14 @@ TEST_F(JsonLookup, ANameIsFoundAnywhereOrFromATargetToTheEndOfItsValue) {
   }
 }
 
+TEST_F(JsonLookup, TheFirstTokenAndAnEmptyTextAreFoundToo) {
+  JsonText bare(R"("a":"")");
+  ASSERT_EQ(ZE_KEST_OK, bare.Fill());
+  ZE_KEST_JsmnTokenInfo_s *pstKey = bare.st.pstTokenInfo;
+  EXPECT_EQ(pstKey, ze_kest_Utility_Jsmn_GetTokenInfo_ByDataName(&bare.st, nullptr, "a"));
+  EXPECT_EQ(pstKey + 1, ze_kest_Utility_Jsmn_GetTokenInfo_ByDataName(&bare.st, pstKey, ""));
+}
+
 TEST_F(JsonLookup, TheNextStringIsAKeyOrAValue) {
   const std::tuple<int, int, const char *> aSteps[] = {{kNone, 1, ""},
                                                        {0, 1, ""},

@@ -128,6 +128,7 @@ TEST_F(PerfEvent, OnlyEntriesThatWereReadAndHaveAnEventsIdAreTaken) {
     EXPECT_EQ(ZE_KEST_OK, Read());
     return LastCounts();
   };
+  EXPECT_EQ((Counts{0, 0, 0}), readOf({3, 1, 100, 2, 101, 3, 102}, 0));
   EXPECT_EQ((Counts{0, 0, 0}), readOf({3, 1, 100, 2, 101, 3, 102}, 7));
   EXPECT_EQ((Counts{1, 0, 0}), readOf({3, 1, 100, 2, 101, 3, 102}, 39));        // cut within the second
   EXPECT_EQ((Counts{1, 9, 8}), readOf({3, 8, 102, 7, 999, 9, 101}, SIZE_MAX));  // in any order

@@ -77,7 +77,7 @@ class PerformanceMeasure : public testing::Test {
 }  // namespace
 
 TEST_F(PerformanceMeasure, EveryFiftiethStopPrintsTheAveragesSinceTheFirstStart) {
-  fake.counts = {2000000, 1010, 12346000};
+  fake.counts = {200000000, 1010, 12346123456};
   for (const Form &form : kForms) {
     Select(form.pszTarget);
     st = {};
@@ -87,8 +87,8 @@ TEST_F(PerformanceMeasure, EveryFiftiethStopPrintsTheAveragesSinceTheFirstStart)
               Lines());
     Cycle(form, 6000000);
     EXPECT_EQ(Texts{std::string("[PERF_EVENT][50]") + form.pszCyclesLabel +
-                    "[MIPS=100.00][MCPS=0.05][CPU%=61.73%](HwInstr:2000000/100000000,"
-                    "HwCpuCycles:1010/50500,SwTaskClock:12346000/617300000,"
+                    "[MIPS=10000.00][MCPS=0.05][CPU%=61730.61%](HwInstr:200000000/10000000000,"
+                    "HwCpuCycles:1010/50500,SwTaskClock:12346123456/617306172800,"
                     "exe_time:7 us,curr_time:6000000 us,start_time:5000000 us)\n"},
               Lines());
     for (uint64_t i = 1; i <= 50; ++i)
@@ -207,9 +207,11 @@ TEST_F(PerformanceMeasure, AFailureOfTheCountersEndsTheCall) {
     EXPECT_EQ(ZE_KEST_OK, form.pfnStart(&st));
     EXPECT_EQ(ZE_KEST_NOT_INITIALISED, form.pfnStop(&st));
     fake.bReadable = true;
+    fake.u64NowUs = 20;
     EXPECT_EQ(ZE_KEST_OK, form.pfnStart(&st));
     fake.s32AllocationsLeft = 1;  // the group's, and none for the text
     EXPECT_EQ(ZE_KEST_OUT_OF_MEMORY, form.pfnStop(&st));
+    EXPECT_EQ(9u, st.u64FirstStartTime);
     EXPECT_EQ("[PERF_EVENT]MALLOC Failed\n", capture.Texts("<ERR>").back());
     fake.s32AllocationsLeft = -1;
     EXPECT_EQ(0u, st.u64Count);
