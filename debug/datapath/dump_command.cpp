@@ -5,8 +5,8 @@
 
 namespace kest {
 
-FilterSelection _stKestDumpInput = {kDumpInput, {}, {}, 0};
-FilterSelection _stKestDumpOutput = {kDumpOutput, {}, {}, 0};
+FilterSelection _stKestDumpInput = {{}, kDumpInput, 0};
+FilterSelection _stKestDumpOutput = {{}, kDumpOutput, 0};
 
 namespace {
 
@@ -54,8 +54,8 @@ constexpr DumpTarget kOutput = {
 };
 
 void Confirm(const DumpTarget &target, Confirmation pfnConfirmation) {
-  pfnConfirmation(Load(target.selection.u32DumpIndex), NameCopy(target.selection.szPipelineName).c_str(),
-                  NameCopy(target.selection.szFilterName).c_str());
+  const FilterNamesCopy names(target.selection);
+  pfnConfirmation(Load(target.selection.u32DumpIndex), names.pipeline.c_str(), names.filter.c_str());
 }
 
 void Enable(const DumpTarget &target) {
@@ -74,7 +74,7 @@ template <const DumpTarget &...kTargets>
 uint32_t SetNames(CommandLine &value) {
   const char *pszPipelineName = NextOfSeveral(kFunction, value);
   if (pszPipelineName == nullptr) return ZE_KEST_INVALID_ARGUMENT;
-  (SelectFilter(kFunction, kTargets.selection, pszPipelineName, value.Rest()), ...);
+  (StoreNames(kFunction, kTargets.selection, pszPipelineName, value.Rest()), ...);
   (Confirm(kTargets, kTargets.pfnSelected), ...);
   return ZE_KEST_OK;
 }

@@ -17,26 +17,26 @@ constexpr const char *kFunction = "_ZE_KEST_Debug_Cmd_DebugIo";
 uint32_t SelectSineFilter(CommandLine &value) {
   const char *pszPipelineName = NextOfSeveral(kFunction, value);
   if (pszPipelineName == nullptr) return ZE_KEST_INVALID_ARGUMENT;
-  SelectFilter(kFunction, _stKestSineSelection, pszPipelineName, value.Rest());
-  KEST_INFO_AS(kFunction, "%s output sine wave pipeline:%s filter:%s\n", kFunction,
-               NameCopy(_stKestSineSelection.szPipelineName).c_str(),
-               NameCopy(_stKestSineSelection.szFilterName).c_str());
+  StoreNames(kFunction, _stKestSineSelection, pszPipelineName, value.Rest());
+  const FilterNamesCopy names(_stKestSineSelection);
+  KEST_INFO_AS(kFunction, "%s output sine wave pipeline:%s filter:%s\n", kFunction, names.pipeline.c_str(),
+               names.filter.c_str());
   return ZE_KEST_OK;
 }
 
 void EnableSine() {
   RestartSine();
   SwitchOn(kOutputSineWave);
-  KEST_INFO_AS(kFunction, "%s output sine wave enable %s:%s\n", kFunction,
-               NameCopy(_stKestSineSelection.szPipelineName).c_str(),
-               NameCopy(_stKestSineSelection.szFilterName).c_str());
+  const FilterNamesCopy names(_stKestSineSelection);
+  KEST_INFO_AS(kFunction, "%s output sine wave enable %s:%s\n", kFunction, names.pipeline.c_str(),
+               names.filter.c_str());
 }
 
 void DisableSine() {
   SwitchOff(kOutputSineWave);
-  KEST_INFO_AS(kFunction, "%s output sine wave disable %s:%s\n", kFunction,
-               NameCopy(_stKestSineSelection.szPipelineName).c_str(),
-               NameCopy(_stKestSineSelection.szFilterName).c_str());
+  const FilterNamesCopy names(_stKestSineSelection);
+  KEST_INFO_AS(kFunction, "%s output sine wave disable %s:%s\n", kFunction, names.pipeline.c_str(),
+               names.filter.c_str());
 }
 
 void EnablePortLines() {

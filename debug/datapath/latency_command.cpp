@@ -13,45 +13,27 @@ namespace {
 
 constexpr const char *kFunction = "_ZE_KEST_Debug_Cmd_MeasureLatency";
 
-// The names of both sides as they are stored, for a report.
-struct StoredNames {
-  const NameCopy startPipeline{_stKestLatency.stStart.szPipelineName};
-  const NameCopy startFilter{_stKestLatency.stStart.szFilterName};
-  const NameCopy endPipeline{_stKestLatency.stEnd.szPipelineName};
-  const NameCopy endFilter{_stKestLatency.stEnd.szFilterName};
-};
-
-void StoreFilter(LatencyFilter &stSide, const char *pszPipelineName, const char *pszFilterName) {
-  StoreName(kFunction, stSide.szPipelineName, pszPipelineName);
-  StoreName(kFunction, stSide.szFilterName, pszFilterName);
-}
-
-void ClearFilter(LatencyFilter &stSide) {
-  ClearName(stSide.szPipelineName);
-  ClearName(stSide.szFilterName);
-}
-
 // False, with the report made, when one of the two names is missing.
-bool TakeFilter(LatencyFilter &stSide, CommandLine &value) {
+bool TakeFilter(FilterNames &stSide, CommandLine &value) {
   const char *pszPipelineName = NextOfSeveral(kFunction, value);
   if (pszPipelineName == nullptr) return false;
-  StoreFilter(stSide, pszPipelineName, value.Rest());
+  StoreNames(kFunction, stSide, pszPipelineName, value.Rest());
   return true;
 }
 
 uint32_t SetStart(CommandLine &value) {
   if (!TakeFilter(_stKestLatency.stStart, value)) return ZE_KEST_INVALID_ARGUMENT;
-  const StoredNames names;
-  KEST_INFO_AS(kFunction, "%s latency start pipeline:%s filter:%s\n", kFunction, names.startPipeline.c_str(),
-               names.startFilter.c_str());
+  const LatencyNames names;
+  KEST_INFO_AS(kFunction, "%s latency start pipeline:%s filter:%s\n", kFunction, names.start.pipeline.c_str(),
+               names.start.filter.c_str());
   return ZE_KEST_OK;
 }
 
 uint32_t SetEnd(CommandLine &value) {
   if (!TakeFilter(_stKestLatency.stEnd, value)) return ZE_KEST_INVALID_ARGUMENT;
-  const StoredNames names;
-  KEST_INFO_AS(kFunction, "%s latency end pipeline:%s filter:%s\n", kFunction, names.endPipeline.c_str(),
-               names.endFilter.c_str());
+  const LatencyNames names;
+  KEST_INFO_AS(kFunction, "%s latency end pipeline:%s filter:%s\n", kFunction, names.end.pipeline.c_str(),
+               names.end.filter.c_str());
   return ZE_KEST_OK;
 }
 
@@ -62,11 +44,11 @@ uint32_t SetBoth(CommandLine &value) {
     pszName = NextOfSeveral(kFunction, value);
     if (pszName == nullptr) return ZE_KEST_INVALID_ARGUMENT;
   }
-  StoreFilter(_stKestLatency.stStart, apszNames[0], apszNames[1]);
-  StoreFilter(_stKestLatency.stEnd, apszNames[2], value.Rest());
-  const StoredNames names;
-  KEST_PRINT_AS(kFunction, "%s latency %s:%s - %s:%s\n", kFunction, names.startPipeline.c_str(),
-                names.startFilter.c_str(), names.endPipeline.c_str(), names.endFilter.c_str());
+  StoreNames(kFunction, _stKestLatency.stStart, apszNames[0], apszNames[1]);
+  StoreNames(kFunction, _stKestLatency.stEnd, apszNames[2], value.Rest());
+  const LatencyNames names;
+  KEST_PRINT_AS(kFunction, "%s latency %s:%s - %s:%s\n", kFunction, names.start.pipeline.c_str(),
+                names.start.filter.c_str(), names.end.pipeline.c_str(), names.end.filter.c_str());
   return ZE_KEST_OK;
 }
 
@@ -89,20 +71,20 @@ void ClearResult() {
 void Enable() {
   ClearSilentCycles();
   SwitchOn(kMeasureLatency);
-  const StoredNames names;
+  const LatencyNames names;
   KEST_INFO_AS(kFunction, "%s latency measure enable %u %s:%s -> %s:%s\n", kFunction,
-               Load(_stKestLatency.u32MeasureIndex), names.startPipeline.c_str(), names.startFilter.c_str(),
-               names.endPipeline.c_str(), names.endFilter.c_str());
+               Load(_stKestLatency.u32MeasureIndex), names.start.pipeline.c_str(), names.start.filter.c_str(),
+               names.end.pipeline.c_str(), names.end.filter.c_str());
 }
 
 void Disable() {
   SwitchOff(kMeasureLatency);
   ClearResult();
   Store(_stKestLatency.u32MeasureIndex, Load(_stKestLatency.u32MeasureIndex) + 1);
-  const StoredNames names;
+  const LatencyNames names;
   KEST_INFO_AS(kFunction, "%s latency measure disable %s:%s -> %s:%s\n", kFunction,
-               names.startPipeline.c_str(), names.startFilter.c_str(), names.endPipeline.c_str(),
-               names.endFilter.c_str());
+               names.start.pipeline.c_str(), names.start.filter.c_str(), names.end.pipeline.c_str(),
+               names.end.filter.c_str());
 }
 
 uint32_t SwitchLatency(CommandLine &value) {
@@ -124,8 +106,8 @@ uint32_t _ZE_KEST_Debug_Cmd_MeasureLatency(const char *pszLine) {
 
 void ResetLatency() {
   SwitchOff(kMeasureLatency);
-  ClearFilter(_stKestLatency.stStart);
-  ClearFilter(_stKestLatency.stEnd);
+  ClearNames(_stKestLatency.stStart);
+  ClearNames(_stKestLatency.stEnd);
   ClearSilentCycles();
   ClearResult();
   Store(_stKestLatency.u32MeasureIndex, uint32_t{0});

@@ -4,7 +4,6 @@
 #include "ze_kest/debug.h"
 
 #include "debug/control/debug_mutex.h"
-#include "debug/datapath/filter_selection.h"
 #include "debug/datapath/hook_filter.h"
 #include "debug/datapath/latency_sides.h"
 #include "debug/datapath/latency_state.h"
@@ -104,8 +103,7 @@ bool HasInput(const ZE_KEST_Port_s &port) {
 
 // Out of line, to keep the cycle without a measurement short.
 __attribute__((noinline)) void ChangeInputs(const ZE_KEST_Filter_s &filter) {
-  const LatencyFilter &stStart = _stKestLatency.stStart;
-  if (!Matches(stStart.szPipelineName, stStart.szFilterName, filter)) return;
+  if (!Matches(_stKestLatency.stStart, filter)) return;
   for (uint32_t u32Slot = 0; u32Slot < ZE_KEST_MAX_PORTS; ++u32Slot) {
     const ZE_KEST_Port_s *pstPort = filter.apstInPort[u32Slot];
     if (pstPort != nullptr && HasInput(*pstPort)) ChangeInput({filter, u32Slot, pstPort->stPcm});

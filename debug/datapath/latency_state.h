@@ -3,8 +3,8 @@
 // lock. A cycle that is under way when a measurement is switched off may still leave a mark in the next one.
 #pragma once
 
+#include "debug/datapath/filter_names.h"
 #include "debug/datapath/switches.h"
-#include "utility/core/shared_name.h"
 
 namespace kest {
 
@@ -12,15 +12,9 @@ namespace kest {
 constexpr uint32_t kSilentCycles = 500;
 constexpr uint32_t kDefaultSampleRate = 48000;
 
-// Prefixes; "" matches every one.
-struct LatencyFilter {
-  NameField szPipelineName;
-  NameField szFilterName;
-};
-
 struct LatencyState {
-  LatencyFilter stStart;
-  LatencyFilter stEnd;
+  FilterNames stStart;
+  FilterNames stEnd;
   uint32_t au32SilentCycles[ZE_KEST_MAX_PORTS];  // cycles served, of every input slot of the start filter
   uint8_t bInserted;                             // the burst has been written
   uint8_t bFound;                                // the burst has been detected
@@ -32,6 +26,12 @@ struct LatencyState {
 };
 
 extern LatencyState _stKestLatency;
+
+// The names of both sides as they stand, for a report.
+struct LatencyNames {
+  FilterNamesCopy start{_stKestLatency.stStart};
+  FilterNamesCopy end{_stKestLatency.stEnd};
+};
 
 // Who finds a mark set finds what was stored before it.
 inline bool IsMarked(const uint8_t &bMark) {

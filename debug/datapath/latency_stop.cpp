@@ -2,7 +2,6 @@
 #include <cstring>
 
 #include "debug/datapath/file_name.h"
-#include "debug/datapath/filter_selection.h"
 #include "debug/datapath/hook_filter.h"
 #include "debug/datapath/latency_sides.h"
 #include "debug/datapath/latency_state.h"
@@ -57,7 +56,8 @@ bool IsLoud(int32_t s32Sample) {
 
 // Looks at words of 32 bits, as many as the cycle has samples, whatever their width is: meant. Meant too is
 // the word at the very end of the ring, which is looked at before the search goes on at the start. It is the
-// next plane's first, and there is none to look at behind the last plane.
+// next plane's first, and there is none to look at behind the last plane. A cycle that begins at the end
+// begins at the start.
 std::optional<Hit> FindBurst(const Output &output, uint32_t u32Width) {
   const size_t sztRing = output.RingBytes(u32Width);
   const uint64_t u64Storage = GroupBytes(output.pcm, 0, u32Width);
@@ -111,24 +111,21 @@ void PrintHit(const Output &output, const Hit &hit) {
 }
 
 void PrintTimes() {
-  const NameCopy startPipeline(_stKestLatency.stStart.szPipelineName);
-  const NameCopy startFilter(_stKestLatency.stStart.szFilterName);
-  const NameCopy endPipeline(_stKestLatency.stEnd.szPipelineName);
-  const NameCopy endFilter(_stKestLatency.stEnd.szFilterName);
+  const LatencyNames names;
   KEST_PRINT_AS(kFunction, "[latency] %s:%s -%s:%s StartTime:%llu EndTime:%llu ProcTime:%llu us\n",
-                startPipeline.c_str(), startFilter.c_str(), endPipeline.c_str(), endFilter.c_str(),
-                static_cast<unsigned long long>(Load(_stKestLatency.u64StartTime)),
+                names.start.pipeline.c_str(), names.start.filter.c_str(), names.end.pipeline.c_str(),
+                names.end.filter.c_str(), static_cast<unsigned long long>(Load(_stKestLatency.u64StartTime)),
                 static_cast<unsigned long long>(Load(_stKestLatency.u64EndTime)),
                 static_cast<unsigned long long>(Load(_stKestLatency.u64ProcTime)));
 }
 
-// The rest of the cycle, from the burst on.
-void DumpHit(const Output &output, const Hit &hit, uint32_t u32Width) {
-  const FileName file(kFunction, "OutSig%s%s_%u.pcm", NameCopy(_stKestLatency.stStart.szFilterName).c_str(),
+// Appends bytes of the ring, whose samples are taken to have u32Width bytes, to a file of this measurement.
+void Append(const Output &output, const char *pszPrefix, const uint8_t *pu8From, uint32_t u32Width,
+            size_t sztBytes) {
+  const FileName file(kFunction, "%s%s%s_%u.pcm", pszPrefix, LatencyNames().start.filter.c_str(),
                       output.filter.szName, Load(_stKestLatency.u32MeasureIndex));
-  ze_kest_Utility_DumpRingBuffer(KEST_DEBUG_DIR, file.c_str(), hit.pu8Position, output.Base(),
-                                 output.Base() + output.RingBytes(u32Width),
-                                 output.CycleBytes(u32Width) - hit.sztOffset);
+  ze_kest_Utility_DumpRingBuffer(KEST_DEBUG_DIR, file.c_str(), pu8From, output.Base(),
+                                 output.Base() + output.RingBytes(u32Width), sztBytes);
 }
 
 void Search(const Output &output) {
@@ -148,28 +145,22 @@ void Search(const Output &output) {
   Mark(_stKestLatency.bFound);
   PrintHit(output, *hit);
   PrintTimes();
-  DumpHit(output, *hit, u32Width);
+  Append(output, "OutSig", hit->pu8Position, u32Width, output.CycleBytes(u32Width) - hit->sztOffset);
 }
 
 // Everything that the filter writes, as samples of 4 bytes whatever their width is: meant. A storage without
 // room for a ring of such samples is left alone.
 void DumpOutput(const Output &output) {
   if (output.RingBytes(kWordBytes) > GroupBytes(output.pcm, 0, kWordBytes)) return;
-  const FileName file(kFunction, "Out%s%s_%u.pcm", NameCopy(_stKestLatency.stStart.szFilterName).c_str(),
-                      output.filter.szName, Load(_stKestLatency.u32MeasureIndex));
-  ze_kest_Utility_DumpRingBuffer(KEST_DEBUG_DIR, file.c_str(),
-                                 output.Base() + size_t{output.u32Position} * kWordBytes, output.Base(),
-                                 output.Base() + output.RingBytes(kWordBytes), output.CycleBytes(kWordBytes));
+  Append(output, "Out", output.Base() + size_t{output.u32Position} * kWordBytes, kWordBytes,
+         output.CycleBytes(kWordBytes));
 }
 
 }  // namespace
 
 uint32_t _ZE_KEST_Debug_MeasureLatency_Stop(const ZE_KEST_Filter_s *pstFilter) {
   KEST_REQUIRE_PIPELINE(pstFilter);
-  const LatencyFilter &stEnd = _stKestLatency.stEnd;
-  if (!IsOn(kMeasureLatency) || !Matches(stEnd.szPipelineName, stEnd.szFilterName, *pstFilter)) {
-    return ZE_KEST_OK;
-  }
+  if (!IsOn(kMeasureLatency) || !Matches(_stKestLatency.stEnd, *pstFilter)) return ZE_KEST_OK;
   const std::optional<Output> output = OutputOf(*pstFilter);
   if (!output) return ZE_KEST_OK;
   Search(*output);

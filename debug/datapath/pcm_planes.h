@@ -19,7 +19,8 @@ namespace kest {
 inline uint64_t GroupBytes(const ZE_KEST_PcmBuffer_s &pcm, uint32_t u32Group, uint32_t u32DefaultWidth) {
   if (pcm.asztPcmAllocSize[u32Group] != 0) return pcm.asztPcmAllocSize[u32Group];
   const uint32_t u32Width = pcm.stPcmInfo.u32BitWidth == 0 ? u32DefaultWidth : BytesPerSample(pcm);
-  return uint64_t{sztPcmGroupChNumber[u32Group]} * pcm.sztPcmRingSamples * u32Width;
+  constexpr uint32_t kWidestSample = sizeof(int32_t);
+  return uint64_t{sztPcmGroupChNumber[u32Group]} * pcm.sztPcmRingSamples * std::min(u32Width, kWidestSample);
 }
 
 // The group's planes of samples of u32Width bytes that lie in its storage; 0 for a group without one.

@@ -134,7 +134,9 @@ enum ZE_KEST_Latency_e {
 
 /* One side of the latency measurement ("kest_latency"). Call ZE_KEST_LATENCY_START once per filter and cycle,
  * on the thread that runs the filter, before it reads its input; ze_kest_Debug_Filter does the other side.
- * u32Kind: ZE_KEST_Latency_e; any other does nothing. Results as of ze_kest_Debug_Filter, without the last.
+ * u32Kind: ZE_KEST_Latency_e; any other does nothing. ZE_KEST_INVALID_ARGUMENT: NULL;
+ * ZE_KEST_FAILED: no parent pipeline (both reported, by the two kinds only). The cycle of the burst takes the
+ * lock of the registry: not from a debug callback or a parameter entry.
  */
 ZE_KEST_API int32_t ze_kest_Debug_MeasureLatency(const ZE_KEST_Filter_s *pstFilter, uint32_t u32Kind);
 

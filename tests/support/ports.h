@@ -6,6 +6,7 @@
 #include <array>
 #include <cstring>
 #include <memory>
+#include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -24,6 +25,14 @@ inline Bytes Noise(size_t sztCount, uint32_t u32Seed) {
     u8Byte = static_cast<uint8_t>(u32Seed >> 24);
   }
   return bytes;
+}
+
+// What stands in a ring from a position on, around its end.
+inline std::string RingText(const uint8_t *pu8Ring, size_t sztRing, size_t sztStart, size_t sztCount) {
+  std::string text;
+  for (size_t i = 0; i < sztCount; ++i)
+    text += static_cast<char>(pu8Ring[(sztStart + i) % sztRing]);
+  return text;
 }
 
 // Content between guard bytes.

@@ -6,6 +6,7 @@
 
 #include "ze_kest/debug.h"
 
+#include "debug/datapath/dump.h"
 #include "debug/datapath/sine_output.h"
 #include "tests/support/debug_layer.h"
 #include "tests/support/fake_counters.h"
@@ -32,15 +33,24 @@ class Switched {
   std::string keyword_;
 };
 
-TEST(Hook, RefusesAFilterThatIsMissingOrHasNoPipeline) {
+TEST(Hook, AFilterThatIsMissingOrHasNoPipelineIsRefusedEverywhereThoughNothingIsOn) {
   Filter filter;
   filter.st->pstParentPipeline = nullptr;
-  const ReportCapture capture;
-  EXPECT_EQ(ZE_KEST_INVALID_ARGUMENT, ze_kest_Debug_Filter(nullptr));
-  EXPECT_EQ(ZE_KEST_FAILED, ze_kest_Debug_Filter(filter));
-  EXPECT_THAT(capture.Texts("<ERR>"),
-              ElementsAre("pstFilter is NULL.\n",
-                          "Error (0x00000003)! Pipeline should not be NULL in filter 'filter'!\n"));
+  using Entry = int32_t (*)(const ZE_KEST_Filter_s *);
+  for (const Entry pfnEntry : {
+           Entry{ze_kest_Debug_Filter},
+           Entry{[](auto *pst) { return static_cast<int32_t>(_ZE_KEST_Debug_Dump(pst, kOutputDump)); }},
+           Entry{[](auto *pst) { return ze_kest_Debug_MeasureLatency(pst, ZE_KEST_LATENCY_START); }},
+           Entry{[](auto *pst) { return ze_kest_Debug_MeasureLatency(pst, ZE_KEST_LATENCY_END); }},
+       }) {
+    const ReportCapture capture;
+    EXPECT_EQ(ZE_KEST_INVALID_ARGUMENT, pfnEntry(nullptr));
+    EXPECT_EQ(ZE_KEST_FAILED, pfnEntry(filter));
+    EXPECT_THAT(capture.Texts("<ERR>"),
+                ElementsAre("pstFilter is NULL.\n",
+                            "Error (0x00000003)! Pipeline should not be NULL in filter 'filter'!\n"));
+  }
+  EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_MeasureLatency(nullptr, 6));
 }
 
 // The line of each kind is told by the counters, 1 to 4 for PCM and so on; "x" at its end.
