@@ -16,11 +16,11 @@ target_link_libraries(kest_objects PRIVATE kest_build_flags Android::log Jsmn::j
 # Linked as C: the library needs no C++ run-time.
 add_library(kest SHARED)
 target_link_libraries(kest PRIVATE kest_objects kest_build_flags Android::log Threads::Threads)
-target_include_directories(kest PUBLIC
-  $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include> $<INSTALL_INTERFACE:include>)
+target_include_directories(kest PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include>)
 set_target_properties(kest PROPERTIES
   LINKER_LANGUAGE C VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})
-target_link_options(kest PRIVATE -Wl,--gc-sections)
+target_link_options(kest PRIVATE -Wl,--gc-sections "-Wl,--version-script=${PROJECT_SOURCE_DIR}/cmake/kest.map")
+set_target_properties(kest PROPERTIES LINK_DEPENDS "${PROJECT_SOURCE_DIR}/cmake/kest.map")
 if(NOT KEST_SANITIZE)
   target_link_options(kest PRIVATE -Wl,--no-undefined)
 endif()

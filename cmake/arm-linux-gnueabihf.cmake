@@ -8,6 +8,7 @@ set(CMAKE_C_FLAGS_INIT "-mthumb -march=armv7-a -mfpu=neon")
 set(CMAKE_CXX_FLAGS_INIT "-mthumb -march=armv7-a -mfpu=neon -Wno-psabi")
 
 set(CMAKE_LIBRARY_ARCHITECTURE arm-linux-gnueabihf)
+set(CPACK_DEBIAN_PACKAGE_ARCHITECTURE armhf)
 # Programs run with the loader and the libraries of the installed armhf packages: the cross compiler's own copies are
 # of another build, and threads crash when the two mix.
 set(CMAKE_CROSSCOMPILING_EMULATOR qemu-arm)

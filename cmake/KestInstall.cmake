@@ -1,0 +1,26 @@
+# What `cmake --install` puts where. Nothing in it names the prefix, so that the tree may be moved.
+include(CMakePackageConfigHelpers)
+
+# liblog's directory, where it is not a usual one, comes with CMAKE_INSTALL_RPATH_USE_LINK_PATH.
+if(KEST_BUILD_PLAYER)
+  file(RELATIVE_PATH kest_lib_from_bin "${CMAKE_INSTALL_FULL_BINDIR}" "${CMAKE_INSTALL_FULL_LIBDIR}")
+  set_target_properties(kest-player PROPERTIES INSTALL_RPATH "$ORIGIN/${kest_lib_from_bin}")
+  install(TARGETS kest-player)
+endif()
+
+set(kest_cmake_dir "${CMAKE_INSTALL_LIBDIR}/cmake/kest")
+install(TARGETS kest EXPORT kest INCLUDES DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}")
+install(DIRECTORY "${PROJECT_SOURCE_DIR}/include/ze_kest" DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}")
+install(FILES "${PROJECT_SOURCE_DIR}/README.md" "${PROJECT_SOURCE_DIR}/LICENSE"
+  DESTINATION "${CMAKE_INSTALL_DOCDIR}")
+install(DIRECTORY "${PROJECT_SOURCE_DIR}/docs" DESTINATION "${CMAKE_INSTALL_DOCDIR}")
+
+# The library's own dependencies are not its users': the target's file is the whole package.
+install(EXPORT kest NAMESPACE kest:: FILE kestConfig.cmake DESTINATION "${kest_cmake_dir}")
+write_basic_package_version_file("${PROJECT_BINARY_DIR}/kestConfigVersion.cmake" COMPATIBILITY SameMajorVersion)
+install(FILES "${PROJECT_BINARY_DIR}/kestConfigVersion.cmake" DESTINATION "${kest_cmake_dir}")
+
+file(RELATIVE_PATH kest_prefix_from_pc "${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig" "${CMAKE_INSTALL_PREFIX}")
+string(REGEX REPLACE "/$" "" kest_prefix_from_pc "${kest_prefix_from_pc}")
+configure_file("${CMAKE_CURRENT_LIST_DIR}/kest.pc.in" "${PROJECT_BINARY_DIR}/kest.pc" @ONLY)
+install(FILES "${PROJECT_BINARY_DIR}/kest.pc" DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
