@@ -39,11 +39,11 @@ using std::chrono::seconds;
 constexpr size_t kProcesses = 4;
 constexpr seconds kHang{20};
 // The log is emptied now and then only: what the test shall find in it must stay long enough.
-constexpr uint32_t kStepsPerRestart = 20000;
+constexpr uint32_t kStepsPerRestart = 50000;
 constexpr const char *kCommands[] = {"kest_log_level=all",
                                      "kest_log_level=err",
                                      "kest_log_level=none",
-                                     "kest_log_size=3000000",
+                                     "kest_log_size=10000000",
                                      "kest_log_to_file=on",
                                      "kest_print_current_shm",
                                      "kest_debug_preset_cmd=all,aaaa",
@@ -261,6 +261,36 @@ void CheckLog(const std::set<pid_t> &killed, LogCount &count) {
 seconds StressLength() {
   const char *pszSeconds = getenv("KEST_STRESS_SECONDS");
   return seconds(pszSeconds == nullptr ? 3 : atoi(pszSeconds));
+}
+
+TEST(SeveralProcesses, ALineOfThePipeIsReadByOneOfThemAlone) {
+  constexpr int kLines = 2000;
+  EmptyDebugDirectory();
+  const SharedBoard board;
+  std::array<pid_t, kProcesses> as32Pids = {};
+  for (size_t i = 0; i < kProcesses; ++i) {
+    as32Pids[i] = fork();
+    if (as32Pids[i] != 0) continue;
+    ze_kest_Debug_Init();
+    while (!board->bStop)
+      usleep(1000);
+    _exit(0);
+  }
+  std::set<std::string> missing;
+  for (int i = 0; i < kLines; ++i) {
+    WriteToPipe("kest_log_size=" + std::to_string(100000000 + i) + "\n");
+    missing.insert("LogSizeMax:" + std::to_string(100000000 + i));
+  }
+  EXPECT_TRUE(WaitFor([&] {
+    std::istringstream file(ReadFile(kLogFile));
+    for (std::string line; std::getline(file, line);)
+      missing.erase(line);
+    return missing.empty();
+  })) << missing.size()
+      << " of the lines, the first " << *missing.begin();
+  board->bStop = true;
+  for (const pid_t s32Pid : as32Pids)
+    waitpid(s32Pid, nullptr, 0);
 }
 
 TEST(SeveralProcesses, LogCommandDieAndRestartInAnyOrderAndNoLineIsTornAndNoneHangs) {
