@@ -43,7 +43,7 @@ constexpr uint32_t kStepsPerRestart = 50000;
 constexpr const char *kCommands[] = {"kest_log_level=all",
                                      "kest_log_level=err",
                                      "kest_log_level=none",
-                                     "kest_log_size=10000000",
+                                     "kest_log_size=20000000",
                                      "kest_log_to_file=on",
                                      "kest_print_current_shm",
                                      "kest_debug_preset_cmd=all,aaaa",
