@@ -77,8 +77,8 @@ void ExpectErrors(const ReportCapture &capture, const std::vector<const char *> 
   }
 }
 
-// Whether the layer, started anew, reads commands and logs.
-void ExpectWholeAgain() {
+// Starts the layer: it reads commands and logs.
+void ExpectTheLayerWorks() {
   const DebugLayer layer;
   WriteToPipe("kest_log_size=12345\n");
   EXPECT_TRUE(WaitFor([] { return ReadFile(kLogFile).find("LogSizeMax:12345\n") != std::string::npos; }));
@@ -109,7 +109,7 @@ TEST(Faults, WhatStandsInThePipesPlaceAndIsNoneIsNotReadAndHoldsNothingUp) {
     EXPECT_EQ(0, bKestAtraceEnable);
     EXPECT_TRUE(!fs::is_regular_file(kPipe) || ReadFile(kPipe) == typed);
   }
-  ExpectWholeAgain();
+  ExpectTheLayerWorks();
 }
 
 TEST(Faults, AShutDownDoesNotWaitForALineOfAPipeThatWasRemoved) {
@@ -144,7 +144,7 @@ TEST(Faults, AShutDownDoesNotWaitForALineOfAPipeThatWasRemoved) {
     ExpectErrors(capture, {"D was removed, the thread waits for no line\n"});
     EXPECT_EQ(0, ThreadsNamed("KestDebug"));
   }
-  ExpectWholeAgain();
+  ExpectTheLayerWorks();
 }
 
 TEST(Faults, AHundredThousandLinesOfAShellAreAllCarriedOutInOrder) {
@@ -191,6 +191,7 @@ TEST(Faults, AFullDiskLosesTheLinesThatDoNotFitAndNoneAfterThem) {
 
 TEST(Faults, ADiskThatIsFullOrReadOnlyOrWithoutDescriptorsAtTheStartIsReportedAndTheLayerWorks) {
   if (!MayMount()) GTEST_SKIP() << "needs a mount namespace";
+  ExpectTheLayerWorks();  // from here on a start sets everything up, the first capture of a process nothing
   const ptrdiff_t s32Descriptors = OpenDescriptors();
   const auto useLayer = [] {
     EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_Init());
@@ -228,7 +229,7 @@ TEST(Faults, ADiskThatIsFullOrReadOnlyOrWithoutDescriptorsAtTheStartIsReportedAn
     EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_DeInit());
   }
   EXPECT_EQ(s32Descriptors, OpenDescriptors());
-  ExpectWholeAgain();
+  ExpectTheLayerWorks();
 }
 
 TEST(Faults, WithoutDescriptorsTheOpenLogGoesOnAndWhatNeedsANewOneIsReported) {
