@@ -66,10 +66,12 @@ class PipeWaker {
     pthread_sigmask(SIG_BLOCK, &set, nullptr);
   }
 
-  // Nothing to do when it fails: nobody reads, or the pipe is full of lines.
+  // Nothing to do when it fails: nobody reads, or the pipe is full of lines. A file in the pipe's place is
+  // somebody's.
   static void WriteLine() {
     const UniqueFd pipe(open(kCommandPipe, O_WRONLY | O_NONBLOCK | O_CLOEXEC));
-    if (pipe.IsOpen()) (void)!write(pipe.Get(), "\n", 1);
+    struct stat opened = {};
+    if (fstat(pipe.Get(), &opened) == 0 && S_ISFIFO(opened.st_mode)) (void)!write(pipe.Get(), "\n", 1);
   }
 
   std::mutex mutex_;

@@ -2,6 +2,8 @@
 #include "debug/control/command_thread.h"
 
 #include <fcntl.h>
+#include <poll.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -14,7 +16,10 @@ namespace kest {
 namespace {
 
 constexpr const char *kPipePath = KEST_DEBUG_PATH("D");
+constexpr const char *kMonitor = "_ZE_KEST_Debug_RuntimeMonitor";
 constexpr size_t kLineSize = 128;
+constexpr int kLookAtPathMs = 500;
+constexpr useconds_t kOtherReaderUs = 1000;
 
 void *_ZE_KEST_Debug_RuntimeMonitor(void *pvUnused);
 
@@ -24,48 +29,121 @@ KEST_DEFINE_THREAD_ATTRIBUTES(SetAttributes, DestroyAttributes, _stKestDebugRunt
 DebugThread g_stCommandThread = {"KestDebug", _ZE_KEST_Debug_RuntimeMonitor,
                                  &_stKestDebugRuntimeMonitorThreadAttr, SetAttributes, DestroyAttributes};
 
+bool IsPipe(int s32Fd) {
+  struct stat stOpen = {};
+  return fstat(s32Fd, &stOpen) == 0 && S_ISFIFO(stOpen.st_mode);
+}
+
+// Whether a writer who opens the path reaches the pipe that is open here.
+bool IsAtItsPath(int s32Fd) {
+  struct stat stOpen = {};
+  struct stat stPath = {};
+  return fstat(s32Fd, &stOpen) == 0 && stat(kPipePath, &stPath) == 0 && stOpen.st_dev == stPath.st_dev &&
+         stOpen.st_ino == stPath.st_ino;
+}
+
 int OpenPipe() {
   const int s32Made = mkfifo(kPipePath, 0777);
   if (s32Made != 0) {
     const int s32Error = errno;
-    KEST_ERR_AS("_ZE_KEST_Debug_RuntimeMonitor", "Warn! mkfifo ret = %d : %s\n", s32Made,
-                ErrorText(s32Error).c_str());
+    KEST_ERR_AS(kMonitor, "Warn! mkfifo ret = %d : %s\n", s32Made, ErrorText(s32Error).c_str());
   }
   // Open for writing too: so the open waits for no writer and a read never sees the end of the file.
-  const int s32Fd = open(kPipePath, O_RDWR | O_CLOEXEC);
+  const int s32Fd = open(kPipePath, O_RDWR | O_NONBLOCK | O_CLOEXEC);
   if (s32Fd < 0) {
     const int s32Error = errno;
-    KEST_ERR_AS("_ZE_KEST_Debug_RuntimeMonitor", "Err! open ret = %d : %s\n", s32Fd,
-                ErrorText(s32Error).c_str());
+    KEST_ERR_AS(kMonitor, "Err! open ret = %d : %s\n", s32Fd, ErrorText(s32Error).c_str());
+    return s32Fd;
   }
-  return s32Fd;
+  if (IsPipe(s32Fd)) return s32Fd;
+  // Not gated: the level of a first process would hide it, and no command can raise that any more.
+  KEST_PRINT_AS(kMonitor,
+                "Err! %s is no pipe, no commands are read: remove it and start this process again\n",
+                kPipePath);
+  close(s32Fd);
+  return -1;
 }
 
-ssize_t ReadByte(int s32Fd, char *pcByte) {
+// A poll that fails counts as bytes: the read tells why.
+bool HasBytes(int s32Fd, int s32TimeoutMs) {
+  struct pollfd stPipe = {s32Fd, POLLIN, 0};
+  return poll(&stPipe, 1, s32TimeoutMs) != 0;
+}
+
+// False when shut-down waits for a line and none can come, because the pipe was removed.
+bool WaitForBytes(int s32Fd) {
+  while (!HasBytes(s32Fd, kLookAtPathMs)) {
+    if (IsRunning(g_stCommandThread) || IsAtItsPath(s32Fd)) continue;
+    KEST_ERR_AS(kMonitor, "Err! %s was removed, the thread waits for no line\n", kPipePath);
+    return false;
+  }
+  return true;
+}
+
+// Several processes read the pipe: who reads the first byte of a line reads all of it. Where the platform
+// refuses the lock, lines are read without it.
+bool LockLine(int s32Fd) {
+  return flock(s32Fd, LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK;
+}
+
+void UnlockLine(int s32Fd) {
+  flock(s32Fd, LOCK_UN);
+}
+
+// Waits for the first byte of a line that is this process's to read. False when the thread is to end.
+bool WaitForLine(int s32Fd) {
+  while (WaitForBytes(s32Fd)) {
+    if (LockLine(s32Fd)) {
+      if (HasBytes(s32Fd, 0)) return true;
+      UnlockLine(s32Fd);
+    }
+    // Another process reads the line. For a shut-down here it has come.
+    if (!IsRunning(g_stCommandThread)) return false;
+    usleep(kOtherReaderUs);
+  }
+  return false;
+}
+
+// False when no byte can come any more.
+bool ReadByte(int s32Fd, char *pcByte) {
   ssize_t s32Read = 0;
-  do {
-    s32Read = read(s32Fd, pcByte, 1);
-  } while (s32Read < 0 && errno == EINTR);
-  return s32Read;
+  while ((s32Read = read(s32Fd, pcByte, 1)) <= 0) {
+    if (s32Read == 0 || (errno != EINTR && errno != EAGAIN)) {
+      const int s32Error = errno;
+      KEST_ERR_AS(kMonitor, "Err! read ret = %zd : %s\n", s32Read, ErrorText(s32Error).c_str());
+      return false;
+    }
+    if (!WaitForBytes(s32Fd)) return false;
+  }
+  return true;
 }
 
 // One line without its newline. A longer one is cut: the byte in the last position is lost, the rest is the
-// next line.
-void ReadLine(int s32Fd, char (&szLine)[kLineSize]) {
+// next line. False when the pipe has failed or was removed.
+bool ReadLine(int s32Fd, char (&szLine)[kLineSize]) {
   size_t i = 0;
-  while (ReadByte(s32Fd, &szLine[i]) > 0 && szLine[i] != '\n' && i < kLineSize - 1)
+  while (ReadByte(s32Fd, &szLine[i])) {
+    if (szLine[i] == '\n' || i == kLineSize - 1) {
+      szLine[i] = '\0';
+      return true;
+    }
     ++i;
-  szLine[i] = '\0';
+  }
+  return false;
+}
+
+bool NextLine(int s32Fd, char (&szLine)[kLineSize]) {
+  if (!WaitForLine(s32Fd)) return false;
+  const bool bWhole = ReadLine(s32Fd, szLine);
+  UnlockLine(s32Fd);
+  return bWhole;
 }
 
 void ServeCommands(int s32Fd) {
   char szLine[kLineSize] = {};
-  while (IsRunning(g_stCommandThread)) {
-    ReadLine(s32Fd, szLine);
+  while (IsRunning(g_stCommandThread) && NextLine(s32Fd, szLine)) {
     const uint32_t u32Result = _ZE_KEST_Debug_SetParameter(szLine);
-    if (u32Result != ZE_KEST_OK) {
-      KEST_ERR_AS("_ZE_KEST_Debug_RuntimeMonitor", "Err! SetParameter failed(0x%x)!\n", u32Result);
-    }
+    if (u32Result != ZE_KEST_OK) KEST_ERR_AS(kMonitor, "Err! SetParameter failed(0x%x)!\n", u32Result);
   }
 }
 
@@ -75,9 +153,8 @@ void *_ZE_KEST_Debug_RuntimeMonitor(void * /*pvUnused*/) {
   if (s32Fd >= 0) {
     ServeCommands(s32Fd);
     close(s32Fd);
-  } else {
-    Store(g_stCommandThread.bRunning, uint8_t{0});
   }
+  Store(g_stCommandThread.bRunning, uint8_t{0});
   KEST_INFO("End\n");
   return nullptr;
 }
@@ -88,7 +165,7 @@ uint32_t CreateCommandThread() {
   return CreateDebugThread(g_stCommandThread);
 }
 
-// A thread that found no pipe has ended by itself and is waited for all the same.
+// A thread that found no pipe, or lost it, has ended by itself and is waited for all the same.
 void _ZE_KEST_Debug_DestroyThread() {
   DestroyDebugThread(g_stCommandThread);
 }

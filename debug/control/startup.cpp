@@ -110,9 +110,9 @@ uint32_t ze_kest_Debug_Init(void) {
   }
 
   kest::_ZE_KEST_Debug_SetMode(kest::kLogToFile, 1);
-  const uint32_t u32Result = kest::_ZE_KEST_Debug_CreateThread(kest::kCommandThread);
+  // Started before the thread is: what it says of a pipe that it cannot read belongs in the log file.
   kest::Store(kest::g_bStarted, uint8_t{1});
-  return u32Result;
+  return kest::_ZE_KEST_Debug_CreateThread(kest::kCommandThread);
 }
 
 uint32_t ze_kest_Debug_DeInit(void) {

@@ -8,17 +8,34 @@
 #include "debug/control/startup.h"
 #include "debug/log/inside_log.h"
 #include "debug/log/log_file.h"
+#include "debug/log/log_line.h"
 #include "debug/thread/thread_watch.h"
 #include "utility/core/report.h"
 
 namespace {
 
-__attribute__((format(printf, 3, 0))) void WriteMessage(const char *pszFunction, FILE *pFile,
-                                                        const char *pszFormat, va_list arguments) {
-  if (vfprintf(pFile, pszFormat, arguments) < 0) {
-    KEST_ERR_AS(pszFunction, "Error! Fail to vfprintf()!\n");
-  }
-  if (fflush(pFile) != 0) KEST_ERR_AS(pszFunction, "Error! Fail to fflush()!\n");
+bool g_bCut = false;  // whether the last line in the file ends in its middle; under the log mutex
+
+void ReportFailures(const char *pszFunction, bool bFormatted, bool bFlushed) {
+  if (!bFormatted) KEST_ERR_AS(pszFunction, "Error! Fail to vfprintf()!\n");
+  if (!bFlushed) KEST_ERR_AS(pszFunction, "Error! Fail to fflush()!\n");
+}
+
+// What a full device has cut stays cut, but the next line does not begin on it.
+bool WriteLine(FILE *pFile, const kest::LogLine &line) {
+  const ssize_t s32Written = line.WriteTo(fileno(pFile));
+  const bool bWhole = s32Written == static_cast<ssize_t>(line.Length());
+  if (s32Written > 0) g_bCut = !bWhole;
+  return bWhole;
+}
+
+__attribute__((format(printf, 3, 0))) void LogToFile(FILE *pFile, unsigned int u32Level,
+                                                     const char *pszFormat, va_list arguments) {
+  kest::LogLine line;
+  bool bFormatted = !g_bCut || line.Append("\n");
+  kest::_ZE_KEST_Debug_LogPrefix(line, u32Level);
+  bFormatted = line.AppendList(pszFormat, arguments) && bFormatted;
+  ReportFailures("ze_kest_Debug_Log", bFormatted, WriteLine(pFile, line));
 }
 
 __attribute__((format(printf, 2, 0))) void LogMessage(unsigned int u32Level, const char *pszFormat,
@@ -32,9 +49,7 @@ __attribute__((format(printf, 2, 0))) void LogMessage(unsigned int u32Level, con
 
   const kest::HoldingLog holding;
   FILE *pFile = kest::NextLogFile();
-  if (pFile == nullptr) return;
-  kest::_ZE_KEST_Debug_LogPrefix(pFile, u32Level);
-  WriteMessage("ze_kest_Debug_Log", pFile, pszFormat, arguments);
+  if (pFile != nullptr) LogToFile(pFile, u32Level, pszFormat, arguments);
 }
 
 }  // namespace
@@ -55,6 +70,7 @@ void ze_kest_Utility_LogToFile(FILE *pFile, const char *pszFormat, ...) {
   if (pFile == nullptr || pszFormat == nullptr) return;
   va_list arguments;
   va_start(arguments, pszFormat);
-  WriteMessage(__func__, pFile, pszFormat, arguments);
+  const bool bFormatted = vfprintf(pFile, pszFormat, arguments) >= 0;
+  ReportFailures(__func__, bFormatted, fflush(pFile) == 0);
   va_end(arguments);
 }

@@ -9,6 +9,8 @@
 
 namespace kest {
 
+class LogLine;
+
 enum LogMode : unsigned int { kLogToConsole = 0, kLogToFile = 1 };
 
 // Switches a sink on or off. ZE_KEST_FAILED when the file cannot be opened.
@@ -35,7 +37,7 @@ void CloseLogFile();
 // write to, NULL when there is none.
 FILE *NextLogFile();
 
-// With the mutex held: writes the prefix of one line.
-void _ZE_KEST_Debug_LogPrefix(FILE *pFile, unsigned int u32Level);
+// Begins a line with its prefix.
+void _ZE_KEST_Debug_LogPrefix(LogLine &line, unsigned int u32Level);
 
 }  // namespace kest

@@ -5,6 +5,7 @@
 
 #include "debug/control/version.h"
 #include "debug/log/log_file.h"
+#include "debug/log/log_line.h"
 #include "utility/core/report.h"
 
 namespace kest {
@@ -47,16 +48,16 @@ void FormatNow(TimeText &szTime) {
 
 }  // namespace
 
-void _ZE_KEST_Debug_LogPrefix(FILE *pFile, unsigned int u32Level) {
+void _ZE_KEST_Debug_LogPrefix(LogLine &line, unsigned int u32Level) {
   if (u32Level == ZE_KEST_LEVEL_PRINT) return;
   const LevelLabel &label = LabelOf(u32Level);
   const char *pszColourEnd = *label.pszColour == '\0' ? "" : kColourEnd;
   TimeText szTime = {};
   FormatNow(szTime);
-  const int s32Written =
-      fprintf(pFile, "%s%d %d [%s,%d][%s]<ZE3><%s>%s", label.pszColour, ze_kest_Utility_GetPid(),
-              ze_kest_Utility_GetTid(), kVersion, LogRestartCount(), szTime, label.pszLabel, pszColourEnd);
-  if (s32Written < 0) KEST_ERR("Error! fprintf Fail return\n");
+  const bool bWhole = line.Append("%s%d %d [%s,%d][%s]<ZE3><%s>%s", label.pszColour, ze_kest_Utility_GetPid(),
+                                  ze_kest_Utility_GetTid(), kVersion, LogRestartCount(), szTime,
+                                  label.pszLabel, pszColourEnd);
+  if (!bWhole) KEST_ERR("Error! fprintf Fail return\n");
 }
 
 }  // namespace kest

@@ -81,15 +81,16 @@ extern ZE_KEST_API uint32_t u32KestCalculateDataRateOutputPort;
 
 /* Brings the debug layer up: the settings shared between the processes, the log file, the command thread.
  * Returns ZE_KEST_OK, also when it is up already (reported at ERR level); ZE_KEST_FAILED when the command
- * thread could not be created, the layer is up all the same. A debug directory that is missing or cannot be
- * written is reported, and the layer works without what could not be set up. Called by one thread of the
- * process, not real-time safe. */
+ * thread could not be created, the layer is up all the same. A debug directory that is missing, full or
+ * cannot be written, and a file in the pipe's place that is none, are reported, and the layer works without
+ * what could not be set up. Called by one thread of the process, not real-time safe. */
 ZE_KEST_API uint32_t ze_kest_Debug_Init(void);
 
 /* Takes the debug layer down: closes the log file, ends the command thread and the test
- * threads, and removes the shared settings. Waits until the command thread has read one more line from the
- * pipe. Returns ZE_KEST_OK, also when the layer is not up (reported at INFO level). Called by the thread that
- * calls ze_kest_Debug_Init, not real-time safe. */
+ * threads, and removes the shared settings. Waits until one more line has come through the pipe; without a
+ * pipe, or when it was removed or replaced, it does not wait for one. Returns ZE_KEST_OK, also when the layer
+ * is not up (reported at INFO level). Called by the thread that calls ze_kest_Debug_Init, not real-time safe.
+ */
 ZE_KEST_API uint32_t ze_kest_Debug_DeInit(void);
 
 /* Writes one message to the console and to the log file, as far as they are switched on. Writes nothing

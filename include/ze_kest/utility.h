@@ -162,8 +162,8 @@ ZE_KEST_API uint32_t ze_kest_utility_LkestCheckParentPipeline(void);
  * pszName: part of a file name; the path is cut at 127 characters.
  * ps32ShmFd, ps32LockFd, ppvAddr: out, the descriptors of block and lock file and the address; owned by the
  * caller until ze_kest_Utility_ShmFree. On failure they must not be used.
- * ZE_KEST_NOT_INITIALISED: a file could not be opened, created, sized or mapped (a block that could be opened
- * is removed then); ZE_KEST_NOTHING_TO_PROCESS: the path could not be formatted. */
+ * ZE_KEST_NOT_INITIALISED: a file could not be opened, created, sized (the disk is full) or mapped (a block
+ * that could be opened is removed then); ZE_KEST_NOTHING_TO_PROCESS: the path could not be formatted. */
 ZE_KEST_API uint32_t ze_kest_Utility_ShmAlloc(const char *pszName, int *ps32ShmFd, int *ps32LockFd,
                                               void **ppvAddr);
 

@@ -74,8 +74,15 @@ bool OpenBlock(const char *pszPath, int *ps32Fd, bool *pbCreated) {
   return false;
 }
 
+// Sets the length and takes the room for it: writing to a mapped file on a full disk would end the process.
+bool ReserveBlock(int s32Fd) {
+  if (ftruncate(s32Fd, ZE_KEST_SHM_SIZE) != 0) return false;
+  if (fallocate(s32Fd, 0, 0, ZE_KEST_SHM_SIZE) == 0) return true;
+  return errno == EOPNOTSUPP || errno == ENOSYS;
+}
+
 bool MapBlock(int s32Fd, bool bCreated, void **ppvAddr) {
-  if (ftruncate(s32Fd, ZE_KEST_SHM_SIZE) != 0) {
+  if (!ReserveBlock(s32Fd)) {
     const int s32Error = errno;
     KEST_ERR_AS(kAlloc, "Err! ftruncate fails, errno=%s\n", kest::ErrorText(s32Error).c_str());
     return false;

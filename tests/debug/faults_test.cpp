@@ -1,0 +1,277 @@
+// SPDX-License-Identifier: Apache-2.0
+// What the debug layer makes of a device that fails it: real disks, files and limits.
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <thread>
+
+#include <gmock/gmock.h>
+#include <sys/mount.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "ze_kest/debug.h"
+#include "ze_kest/utility.h"
+
+#include "tests/support/debug_layer.h"
+#include "tests/support/report_capture.h"
+
+namespace kest::test {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::AllOf;
+using testing::Contains;
+using testing::EndsWith;
+using testing::HasSubstr;
+
+// A disk of its own over the debug directory.
+class Disk {
+ public:
+  Disk(unsigned long u32Flags, const char *pszOptions) {
+    EmptyDebugDirectory();
+    EXPECT_EQ(0, mount("kest-test", KEST_DEBUG_DIR, "tmpfs", u32Flags, pszOptions));
+  }
+  ~Disk() { EXPECT_EQ(0, umount2(KEST_DEBUG_DIR, MNT_DETACH)); }
+  Disk(const Disk &) = delete;
+  Disk &operator=(const Disk &) = delete;
+
+  static void Fill() { std::ofstream(kFiller, std::ios::binary) << std::string(1 << 20, '.'); }
+  static void MakeRoom() { fs::remove(kFiller); }
+
+ private:
+  static constexpr const char *kFiller = KEST_DEBUG_DIR "filler";
+};
+
+// While it lives, no file can be opened.
+class NoDescriptors {
+ public:
+  NoDescriptors() {
+    getrlimit(RLIMIT_NOFILE, &stBefore_);
+    const struct rlimit stNone = {0, stBefore_.rlim_max};
+    EXPECT_EQ(0, setrlimit(RLIMIT_NOFILE, &stNone));
+  }
+  ~NoDescriptors() { setrlimit(RLIMIT_NOFILE, &stBefore_); }
+  NoDescriptors(const NoDescriptors &) = delete;
+  NoDescriptors &operator=(const NoDescriptors &) = delete;
+
+ private:
+  struct rlimit stBefore_ = {};
+};
+
+void LogError(const std::string &text) {
+  ze_kest_Debug_Log(ZE_KEST_LEVEL_ERR, "%s\n", text.c_str());
+}
+
+// An empty debug directory in which a process finds every level switched on from its start.
+void EmptyDirectoryAtFullLevel() {
+  EmptyDebugDirectory();
+  WriteFile(KEST_DEBUG_DIR "shm_global", {static_cast<char>(ZE_KEST_LEVEL_ENTER), '\0', '\0', '\0'});
+}
+
+void ExpectErrors(const ReportCapture &capture, const std::vector<const char *> &texts) {
+  for (const char *pszText : texts) {
+    EXPECT_TRUE(WaitFor([&] { return capture.Has("<ERR>", pszText); })) << pszText;
+  }
+}
+
+// Starts the layer: it reads commands and logs.
+void ExpectTheLayerWorks() {
+  const DebugLayer layer;
+  WriteToPipe("kest_log_size=12345\n");
+  EXPECT_TRUE(WaitFor([] { return ReadFile(kLogFile).find("LogSizeMax:12345\n") != std::string::npos; }));
+}
+
+TEST(Faults, WhatStandsInThePipesPlaceAndIsNoneIsNotReadAndHoldsNothingUp) {
+  const std::string typed = "kest_atrace=on\n";
+  const struct {
+    void (*pfnMake)(const std::string &typed);
+    const char *pszLabel;
+    const char *pszReport;
+  } things[] = {
+      {[](const std::string &text) { WriteFile(kPipe, text); }, "<PRINT>",
+       "D is no pipe, no commands are read"},
+      {[](const std::string &) { fs::create_symlink("/dev/null", kPipe); }, "<PRINT>", "D is no pipe"},
+      {[](const std::string &) { fs::create_directory(kPipe); }, "<ERR>", "open ret = -1 : Is a directory"}};
+  const ptrdiff_t s32Descriptors = OpenDescriptors();
+  for (const auto &[pfnMake, pszLabel, pszReport] : things) {
+    EmptyDirectoryAtFullLevel();
+    pfnMake(typed);
+    const ReportCapture capture;
+    EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_Init());
+    EXPECT_TRUE(WaitFor([&] { return capture.Has(pszLabel, pszReport); })) << pszReport;
+    EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_DeInit());  // without a line
+    EXPECT_THAT(ReadFile(kLogFile), HasSubstr(pszReport));
+    EXPECT_EQ(0, ThreadsNamed("KestDebug"));
+    EXPECT_EQ(s32Descriptors, OpenDescriptors());
+    EXPECT_EQ(0, bKestAtraceEnable);
+    EXPECT_TRUE(!fs::is_regular_file(kPipe) || ReadFile(kPipe) == typed);
+  }
+  ExpectTheLayerWorks();
+}
+
+TEST(Faults, AShutDownDoesNotWaitForALineOfAPipeThatWasRemoved) {
+  const std::function<void()> removals[] = {
+      [] { fs::remove(kPipe); }, [] { fs::remove_all(KEST_DEBUG_DIR); },
+      [] {
+        fs::remove(kPipe);
+        WriteFile(kPipe, "kest_atrace=on\n");
+      },
+      [] {
+        fs::remove(kPipe);
+        ASSERT_EQ(0, mkfifo(kPipe, 0777));
+      },
+      [] {
+        WriteToPipe("kest_atrace=");  // of a writer that has died in mid-line
+        fs::remove(kPipe);
+      }};
+  bool bWhileWaiting = false;
+  for (const auto &remove : removals) {
+    EmptyDirectoryAtFullLevel();
+    const ReportCapture capture;
+    ASSERT_EQ(ZE_KEST_OK, ze_kest_Debug_Init());
+    WriteToPipe("");
+    bWhileWaiting = !bWhileWaiting;
+    std::thread remover([&] {
+      if (bWhileWaiting) WaitFor([&] { return capture.Has("<PRINT>", "Log to file(0)\n"); });
+      remove();
+    });
+    if (!bWhileWaiting) remover.join();
+    EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_DeInit());
+    if (remover.joinable()) remover.join();
+    ExpectErrors(capture, {"D was removed, the thread waits for no line\n"});
+    EXPECT_EQ(0, ThreadsNamed("KestDebug"));
+  }
+  ExpectTheLayerWorks();
+}
+
+TEST(Faults, AHundredThousandLinesOfAShellAreAllCarriedOutInOrder) {
+  const DebugLayer layer;
+  __android_log_set_logger([](const __android_logger_data *, const char *) {});
+  ASSERT_EQ(
+      0,
+      system(
+          "i=100000; while [ $i -lt 200000 ]; do echo kest_log_size=1000$i; i=$((i+1)); done >" KEST_DEBUG_DIR
+          "D"));
+  EXPECT_TRUE(
+      WaitFor([] { return ReadFile(kLogFile).find("LogSizeMax:1000199999\n") != std::string::npos; }));
+  __android_log_set_logger(__android_log_stderr_logger);
+  std::istringstream file(ReadFile(kLogFile));
+  int s32Next = 1000100000;
+  for (std::string line; std::getline(file, line);)
+    s32Next += line == "LogSizeMax:" + std::to_string(s32Next) ? 1 : 0;
+  EXPECT_EQ(1000200000, s32Next);
+}
+
+TEST(Faults, AFullDiskLosesTheLinesThatDoNotFitAndNoneAfterThem) {
+  if (!MayMount()) GTEST_SKIP() << "needs a mount namespace";
+  const Disk disk(0, "size=32k");
+  ASSERT_EQ(ZE_KEST_OK, ze_kest_Debug_Init());
+  Disk::Fill();
+  const ReportCapture capture;
+  constexpr int kLost = 50;
+  while (capture.Reports().empty())
+    LogError("fits or is cut");
+  for (int i = 1; i < kLost; ++i)
+    LogError("lost");
+  EXPECT_EQ(std::vector<std::string>(kLost, "Error! Fail to fflush()!\n"), capture.Texts("<ERR>"));
+
+  Disk::MakeRoom();
+  LogError("after");
+  std::istringstream file(ReadFile(kLogFile));
+  std::vector<std::string> lines;
+  for (std::string line; std::getline(file, line);)
+    lines.push_back(line);
+  EXPECT_THAT(lines.back(), AllOf(testing::StartsWith("\033[1;31m"), EndsWith("<ERR>\033[0mafter")));
+  EXPECT_THAT(lines, testing::Not(Contains(HasSubstr("lost"))));
+  ShutDown();
+}
+
+TEST(Faults, ADiskThatIsFullOrReadOnlyOrWithoutDescriptorsAtTheStartIsReportedAndTheLayerWorks) {
+  if (!MayMount()) GTEST_SKIP() << "needs a mount namespace";
+  ExpectTheLayerWorks();  // from here on a start sets everything up, the first capture of a process nothing
+  const ptrdiff_t s32Descriptors = OpenDescriptors();
+  const auto useLayer = [] {
+    EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_Init());
+    LogError("nowhere");
+    EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_SetParameter("kest_log_level=all"));
+    EXPECT_EQ(ZE_KEST_INVALID_ARGUMENT, ze_kest_Debug_SetParameter("kest_print_current_shm"));
+  };
+  const char *const pszNoBlock = "Err! shared memory initialization fails\n";
+  {
+    const Disk disk(0, "size=16k");
+    Disk::Fill();
+    const ReportCapture capture;
+    useLayer();
+    ExpectErrors(capture, {"Err! ftruncate fails, errno=No space left on device\n", pszNoBlock,
+                           "Error! Fail to fflush()!\n"});
+    EXPECT_EQ(ZE_KEST_OK, ShutDown());
+  }
+  {
+    const Disk disk(MS_RDONLY, "");
+    const ReportCapture capture;
+    useLayer();
+    ExpectErrors(capture, {"errno=(30, Read-only file system)\n", pszNoBlock,
+                           "Err! ze_kest_Utility_FileOpen failed!\n",
+                           "Warn! mkfifo ret = -1 : Read-only file system\n"});
+    EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_DeInit());
+  }
+  {
+    EmptyDebugDirectory();
+    const ReportCapture capture;
+    const NoDescriptors none;
+    useLayer();
+    ExpectErrors(capture,
+                 {"errno=(24, Too many open files)\n", pszNoBlock, "Err! ze_kest_Utility_FileOpen failed!\n",
+                  "Err! open ret = -1 : Too many open files\n"});
+    EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_DeInit());
+  }
+  EXPECT_EQ(s32Descriptors, OpenDescriptors());
+  ExpectTheLayerWorks();
+}
+
+TEST(Faults, WithoutDescriptorsTheOpenLogGoesOnAndWhatNeedsANewOneIsReported) {
+  const DebugLayer layer;
+  const ptrdiff_t s32Descriptors = OpenDescriptors();
+  const ReportCapture capture;
+  {
+    const NoDescriptors none;
+    LogError("still logged");
+    ze_kest_Utility_DumpBuffer(KEST_DEBUG_DIR, "dump", "abc", 3);
+    ExpectErrors(capture, {"Err! fopen failed!\n"});
+  }
+  EXPECT_THAT(ReadFile(kLogFile), HasSubstr("still logged\n"));
+  {
+    const NoDescriptors none;
+    EXPECT_EQ(ZE_KEST_INVALID_ARGUMENT, ze_kest_Debug_SetParameter("kest_log_restart"));
+    LogError("not logged");
+    EXPECT_EQ(ZE_KEST_INVALID_ARGUMENT, ze_kest_Debug_SetParameter("kest_log_to_file=on"));
+  }
+  WriteToPipe("kest_log_to_file=on\nkest_log_size=12345\n");
+  EXPECT_TRUE(WaitFor([] { return ReadFile(kLogFile).find("LogSizeMax:12345\n") != std::string::npos; }));
+  EXPECT_THAT(ReadFile(kLogFile), testing::Not(HasSubstr("not logged")));
+  EXPECT_EQ(s32Descriptors, OpenDescriptors());
+}
+
+TEST(Faults, ALogFileThatWasRemovedOrReplacedComesBackWithARestart) {
+  const DebugLayer layer;
+  const ptrdiff_t s32Descriptors = OpenDescriptors();
+  for (const bool bReplaced : {false, true}) {
+    const ReportCapture capture(ZE_KEST_LEVEL_ERR);
+    fs::rename(kLogFile, KEST_DEBUG_DIR "moved");
+    if (bReplaced) WriteFile(kLogFile, "somebody's\n");
+    LogError("into the file that is open");
+    EXPECT_THAT(ReadFile(KEST_DEBUG_DIR "moved"), EndsWith("into the file that is open\n"));
+    EXPECT_EQ(bReplaced ? "somebody's\n" : "", ReadFile(kLogFile));
+    EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_SetParameter("kest_log_restart"));
+    LogError("into the new one");
+    EXPECT_THAT(ReadFile(kLogFile), EndsWith("into the new one\n"));
+    EXPECT_THAT(capture.Texts("<ERR>"), testing::IsEmpty());
+  }
+  EXPECT_EQ(s32Descriptors, OpenDescriptors());
+}
+
+}  // namespace
+}  // namespace kest::test

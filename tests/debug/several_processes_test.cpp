@@ -1,0 +1,327 @@
+// SPDX-License-Identifier: Apache-2.0
+// Real processes that start, log, command, are killed, shut down and start again on one debug directory.
+//
+// KEST_STRESS_SECONDS lengthens the run.
+#include <algorithm>
+#include <array>
+#include <atomic>
+#include <chrono>
+#include <csignal>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <iostream>
+#include <new>
+#include <random>
+#include <set>
+#include <sstream>
+
+#include <android/log.h>
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <sys/mman.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include "ze_kest/debug.h"
+
+#include "debug/control/shared_settings.h"
+#include "tests/support/debug_layer.h"
+
+namespace kest::test {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+using Random = std::mt19937;
+using std::chrono::milliseconds;
+using std::chrono::seconds;
+
+constexpr size_t kProcesses = 4;
+constexpr seconds kHang{20};
+// The log is emptied now and then only: what the test shall find in it must stay long enough.
+constexpr uint32_t kStepsPerRestart = 50000;
+constexpr const char *kCommands[] = {"kest_log_level=all",
+                                     "kest_log_level=err",
+                                     "kest_log_level=none",
+                                     "kest_log_size=20000000",
+                                     "kest_log_to_file=on",
+                                     "kest_print_current_shm",
+                                     "kest_debug_preset_cmd=all,aaaa",
+                                     "kest_debug_preset_cmd=all,bbbbbbbbbbbbbbbbbbbb",
+                                     "kest_debug_preset_cmd=off"};
+
+uint32_t Below(Random &random, uint32_t u32Limit) {
+  return static_cast<uint32_t>(random()) % u32Limit;
+}
+
+// What a process shows of itself.
+struct Seen {
+  std::atomic<uint32_t> u32Steps;       // moves on while it does not hang
+  std::atomic<uint32_t> u32ShutDownMs;  // the longest of its slot
+  std::atomic<uint32_t> u32ShutDowns;
+};
+
+struct Board {
+  std::atomic<bool> bStop;
+  std::array<Seen, kProcesses> aSeen;
+};
+
+// Memory that processes of this test share.
+class SharedBoard {
+ public:
+  SharedBoard()
+      : pst_(new (mmap(nullptr, sizeof(Board), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0))
+                 Board{}) {}
+  ~SharedBoard() { munmap(pst_, sizeof(Board)); }
+  SharedBoard(const SharedBoard &) = delete;
+  SharedBoard &operator=(const SharedBoard &) = delete;
+  Board *operator->() const { return pst_; }
+
+ private:
+  Board *pst_;
+};
+
+// A line that shows by itself whether it is whole; some are longer than any buffer of the standard library.
+void LogStressLine(Random &random) {
+  const size_t sztLength = Below(random, 10) == 0 ? 9000 : Below(random, 300);
+  ze_kest_Debug_Log(ZE_KEST_LEVEL_ERR, "stress %zu %s|\n", sztLength, std::string(sztLength, 'x').c_str());
+}
+
+const char *AnyCommand(Random &random) {
+  return kCommands[Below(random, std::size(kCommands))];
+}
+
+void Step(Random &random) {
+  if (Below(random, kStepsPerRestart) == 0) ze_kest_Debug_SetParameter("kest_log_restart");
+  if (Below(random, 20) == 0) ze_kest_Debug_SetParameter(AnyCommand(random));
+  LogStressLine(random);
+}
+
+void ShutDownMeasured(Seen &seen) {
+  const auto start = Clock::now();
+  ze_kest_Debug_DeInit();
+  const auto ms = std::chrono::duration_cast<milliseconds>(Clock::now() - start).count();
+  seen.u32ShutDownMs = std::max(seen.u32ShutDownMs.load(), static_cast<uint32_t>(ms));
+  ++seen.u32ShutDowns;
+}
+
+// The life of one process: until it is killed, or stopped and shut down.
+void Live(const SharedBoard &board, Seen &seen, uint32_t u32Seed) {
+  __android_log_set_logger([](const __android_logger_data *, const char *) {});
+  Random random(u32Seed);
+  while (!board->bStop) {
+    ze_kest_Debug_Init();
+    for (uint32_t u32Left = Below(random, 3000); u32Left > 0 && !board->bStop; --u32Left) {
+      ++seen.u32Steps;
+      Step(random);
+    }
+    ShutDownMeasured(seen);
+  }
+}
+
+// An engineer's line, when some process reads.
+void TypeLine(Random &random) {
+  const int s32Fd = open(kPipe, O_WRONLY | O_NONBLOCK);
+  if (s32Fd < 0) return;
+  const std::string line = AnyCommand(random) + std::string("\n");
+  [[maybe_unused]] const ssize_t s32Written = write(s32Fd, line.data(), line.size());
+  close(s32Fd);
+}
+
+// What stands in the block while the processes write it: nothing yet, or settings that somebody has made.
+void CheckSharedBlock() {
+  const std::string block = ReadFile(KEST_DEBUG_DIR "shm_global");
+  if (block.size() < sizeof(SharedSettings)) return;
+  SharedSettings settings = {};
+  memcpy(&settings, block.data(), sizeof(settings));
+  EXPECT_THAT(settings.u32DebugLevel, testing::AnyOf(0u, 1u, 32u, 240u));
+  EXPECT_THAT(settings.bPresetCmd, testing::AnyOf(0, 1));
+  ASSERT_LT(strnlen(settings.szPresetCmd, kPresetCmdSize), kPresetCmdSize);
+  EXPECT_EQ(strlen(settings.szPresetCmd), strspn(settings.szPresetCmd, "ab"));
+}
+
+// Starts the processes, kills them at random and starts them again.
+class Director {
+ public:
+  explicit Director(const SharedBoard &board) : board_(board) { board_->bStop = false; }
+
+  void Run(Random &random, milliseconds length) {
+    const auto end = Clock::now() + length;
+    while (Clock::now() < end && !testing::Test::HasFailure()) {
+      StartMissing(random);
+      Tick(random);
+      const Process &process = aProcesses_[Below(random, kProcesses)];
+      if (Below(random, 10) == 0 && process.s32Pid > 0) kill(process.s32Pid, SIGKILL);
+    }
+    board_->bStop = true;
+    while (IsAnyAlive())
+      Tick(random);
+  }
+
+  // Of these the last line may be cut: nobody can finish it.
+  [[nodiscard]] const std::set<pid_t> &Killed() const { return killed_; }
+
+ private:
+  struct Process {
+    pid_t s32Pid = 0;
+    uint32_t u32Steps = 0;
+    Clock::time_point lastStep;
+  };
+
+  void StartMissing(Random &random) {
+    for (size_t i = 0; i < kProcesses; ++i) {
+      if (aProcesses_[i].s32Pid > 0) continue;
+      const auto u32Seed = static_cast<uint32_t>(random());
+      const pid_t s32Pid = fork();
+      if (s32Pid == 0) {
+        Live(board_, board_->aSeen[i], u32Seed);
+        _exit(0);
+      }
+      aProcesses_[i] = {s32Pid, 0, Clock::now()};
+    }
+  }
+
+  void Tick(Random &random) {
+    TypeLine(random);
+    usleep(5000);
+    CheckSharedBlock();
+    for (size_t i = 0; i < kProcesses; ++i)
+      Look(aProcesses_[i], board_->aSeen[i]);
+  }
+
+  void Look(Process &process, const Seen &seen) {
+    int s32Status = 0;
+    if (process.s32Pid <= 0) return;
+    if (waitpid(process.s32Pid, &s32Status, WNOHANG) == process.s32Pid) {
+      NoteEnd(process, s32Status);
+      return;
+    }
+    const uint32_t u32Steps = seen.u32Steps + seen.u32ShutDowns;
+    if (u32Steps != process.u32Steps) process.lastStep = Clock::now();
+    process.u32Steps = u32Steps;
+    if (Clock::now() - process.lastStep < kHang) return;
+    ADD_FAILURE() << "process " << process.s32Pid << " hangs";
+    kill(process.s32Pid, SIGKILL);
+  }
+
+  void NoteEnd(Process &process, int s32Status) {
+    const bool bKilled = WIFSIGNALED(s32Status) && WTERMSIG(s32Status) == SIGKILL;
+    EXPECT_TRUE(bKilled || s32Status == 0) << "process " << process.s32Pid << " ended with " << s32Status;
+    if (bKilled) killed_.insert(process.s32Pid);
+    process.s32Pid = 0;
+  }
+
+  [[nodiscard]] bool IsAnyAlive() const {
+    return std::any_of(aProcesses_.begin(), aProcesses_.end(),
+                       [](const Process &process) { return process.s32Pid > 0; });
+  }
+
+  const SharedBoard &board_;
+  std::array<Process, kProcesses> aProcesses_;
+  std::set<pid_t> killed_;
+};
+
+struct LogCount {
+  int s32Whole = 0;
+  int s32Cut = 0;  // by a kill
+};
+
+// A line that does not say what it should be long counts as whole.
+bool IsWhole(const std::string &text) {
+  const size_t sztStart = text.find("stress ");
+  if (sztStart == std::string::npos) return true;
+  char *pszEnd = nullptr;
+  const size_t sztLength = strtoul(&text[sztStart + strlen("stress ")], &pszEnd, 10);
+  return pszEnd == " " + std::string(sztLength, 'x') + "|";
+}
+
+// One line of the file: one prefix at its start, or what a kill has cut and the line that came behind it.
+void CheckLine(const std::string &line, const std::set<pid_t> &killed, LogCount &count) {
+  static const std::string colour = "\033[1;";
+  size_t sztStart = line.find(colour);
+  EXPECT_TRUE(sztStart != std::string::npos || line.find("xx") == std::string::npos) << line.substr(0, 200);
+  EXPECT_TRUE(sztStart == 0 || line.find("<ZE3>") == std::string::npos) << line.substr(0, 200);
+  while (sztStart != std::string::npos) {
+    const size_t sztNext = line.find(colour, sztStart + 1);
+    const std::string text = line.substr(sztStart, sztNext - sztStart);
+    const bool bWhole = sztNext == std::string::npos && IsWhole(text);
+    ++(bWhole ? count.s32Whole : count.s32Cut);
+    const int s32Pid = atoi(text.c_str() + text.find('m') + 1);
+    EXPECT_TRUE(bWhole || killed.count(s32Pid) != 0) << text.substr(0, 200);
+    sztStart = sztNext;
+  }
+}
+
+void CheckLog(const std::set<pid_t> &killed, LogCount &count) {
+  std::istringstream file(ReadFile(kLogFile));
+  for (std::string line; std::getline(file, line);)
+    CheckLine(line, killed, count);
+}
+
+seconds StressLength() {
+  const char *pszSeconds = getenv("KEST_STRESS_SECONDS");
+  return seconds(pszSeconds == nullptr ? 3 : atoi(pszSeconds));
+}
+
+TEST(SeveralProcesses, ALineOfThePipeIsReadByOneOfThemAlone) {
+  constexpr int kLines = 2000;
+  EmptyDebugDirectory();
+  const SharedBoard board;
+  std::array<pid_t, kProcesses> as32Pids = {};
+  for (size_t i = 0; i < kProcesses; ++i) {
+    as32Pids[i] = fork();
+    if (as32Pids[i] != 0) continue;
+    ze_kest_Debug_Init();
+    while (!board->bStop)
+      usleep(1000);
+    _exit(0);
+  }
+  std::set<std::string> missing;
+  for (int i = 0; i < kLines; ++i) {
+    WriteToPipe("kest_log_size=" + std::to_string(100000000 + i) + "\n");
+    missing.insert("LogSizeMax:" + std::to_string(100000000 + i));
+  }
+  EXPECT_TRUE(WaitFor([&] {
+    std::istringstream file(ReadFile(kLogFile));
+    for (std::string line; std::getline(file, line);)
+      missing.erase(line);
+    return missing.empty();
+  })) << missing.size()
+      << " of the lines, the first " << *missing.begin();
+  board->bStop = true;
+  for (const pid_t s32Pid : as32Pids)
+    waitpid(s32Pid, nullptr, 0);
+}
+
+TEST(SeveralProcesses, LogCommandDieAndRestartInAnyOrderAndNoLineIsTornAndNoneHangs) {
+  EmptyDebugDirectory();
+  const SharedBoard board;
+  Random random(std::random_device{}());
+  const auto end = Clock::now() + StressLength();
+  LogCount count;
+  size_t sztKilled = 0;
+  // In rounds: a log is whole to read when nobody empties it.
+  do {
+    Director director(board);
+    director.Run(random, milliseconds(1000));
+    CheckLog(director.Killed(), count);
+    std::filesystem::remove(kLogFile);
+    sztKilled += director.Killed().size();
+  } while (Clock::now() < end && !HasFailure());
+  EXPECT_GT(count.s32Whole, 0);
+
+  uint64_t u64Steps = 0;
+  uint32_t u32ShutDowns = 0;
+  uint32_t u32LongestMs = 0;
+  for (const Seen &seen : board->aSeen) {
+    u64Steps += seen.u32Steps;
+    u32ShutDowns += seen.u32ShutDowns;
+    u32LongestMs = std::max(u32LongestMs, seen.u32ShutDownMs.load());
+  }
+  std::cout << u64Steps << " lines logged; " << count.s32Whole << " whole lines with a prefix, "
+            << count.s32Cut << " cut by a kill; " << sztKilled << " processes killed, " << u32ShutDowns
+            << " shut down, the slowest in " << u32LongestMs << " ms\n";
+}
+
+}  // namespace
+}  // namespace kest::test

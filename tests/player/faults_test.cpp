@@ -1,0 +1,102 @@
+// SPDX-License-Identifier: Apache-2.0
+// A device that fails under a running player: the sound is whole and the player ends.
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+
+#include <gmock/gmock.h>
+#include <sys/mount.h>
+#include <sys/resource.h>
+#include <unistd.h>
+
+#include "tests/player/audio_data.h"
+#include "tests/player/player_test.h"
+#include "tests/support/debug_layer.h"
+
+namespace kest::test {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr const char *kFiller = KEST_DEBUG_DIR "filler";
+
+// The descriptors that a process holds all the time: a dump opens further ones for a moment.
+rlim_t HeldDescriptors(pid_t pid) {
+  rlim_t held = RLIM_INFINITY;
+  for (int i = 0; i < 20; ++i) {
+    const fs::directory_iterator open("/proc/" + std::to_string(pid) + "/fd");
+    held = std::min(held, static_cast<rlim_t>(std::distance(begin(open), end(open))));
+    usleep(1000);
+  }
+  return held;
+}
+
+class PlayerFaults : public PlayerTest {
+ protected:
+  PlayerFaults() { WriteAudio(Path("in.wav"), input_); }
+
+  // Plays in real time with log and dumps on; the fault comes in the middle.
+  void PlayThrough(const std::function<void(const PlayerProcess &)> &fault) {
+    fs::remove(out_);
+    PlayerProcess player({Path("in.wav"), "-o", out_});
+    ASSERT_TRUE(PlayOn(player, 10000)) << player.Wait().err;
+    if (fs::is_fifo(kPipe)) WriteToPipe("kest_log_level=all\nkest_print_filter_info=on\nkest_dump_io=on\n");
+    ASSERT_TRUE(PlayOn(player, 20000));
+    fault(player);
+    const PlayerResult result = player.Wait();
+    EXPECT_EQ(0, result.exitCode) << result.err;
+    EXPECT_TRUE(input_.samples == ReadAudio(out_).samples);
+  }
+
+  const AudioData input_ = Noise(2, SF_FORMAT_WAV | SF_FORMAT_PCM_16, 48000);
+};
+
+TEST_F(PlayerFaults, FilesThatVanishOrAreReplacedUnderAPlayerLeaveItsSoundAlone) {
+  const std::function<void(const PlayerProcess &)> faults[] = {
+      [](const PlayerProcess &) { fs::remove(kPipe); },
+      [](const PlayerProcess &) {
+        fs::remove(kPipe);
+        WriteFile(kPipe, "kest_dump_io=off\n");
+      },
+      [](const PlayerProcess &) {
+        fs::remove(kLogFile);
+        fs::create_directory(kLogFile);
+        WriteToPipe("kest_log_restart\n");
+      },
+      [](const PlayerProcess &) { fs::remove_all(KEST_DEBUG_DIR); }};
+  for (const auto &fault : faults) {
+    EmptyDebugDirectory();
+    PlayThrough(fault);
+  }
+}
+
+TEST_F(PlayerFaults, ADeviceWithoutRoomOrDescriptorsLeavesTheSoundAlone) {
+  if (!MayMount()) GTEST_SKIP() << "needs a mount namespace";
+  ASSERT_EQ(0, mount("kest-test", KEST_DEBUG_DIR, "tmpfs", 0, "size=2m"));
+  PlayThrough([](const PlayerProcess &) {
+    std::ofstream(kFiller, std::ios::binary) << std::string(3 << 20, '.');
+    EXPECT_EQ(0u, fs::space(KEST_DEBUG_DIR).available);
+  });
+  PlayThrough([](const PlayerProcess &) {});  // full from the start
+  ASSERT_EQ(0, umount2(KEST_DEBUG_DIR, MNT_DETACH));
+  PlayThrough([](const PlayerProcess &player) {
+    const rlim_t held = HeldDescriptors(player.Pid());
+    const struct rlimit noMore = {held, held};
+    EXPECT_EQ(0, prlimit(player.Pid(), RLIMIT_NOFILE, &noMore, nullptr));
+  });
+}
+
+TEST_F(PlayerFaults, WhatIsNoPipeAtTheStartOrAReadOnlyDiskLeavesTheSoundAlone) {
+  const std::string typed = "kest_dump_io=on\n";
+  WriteFile(kPipe, typed);
+  PlayThrough([](const PlayerProcess &) {});
+  EXPECT_EQ(typed, ReadFile(kPipe));
+  EXPECT_THAT(ReadFile(kLogFile), testing::HasSubstr("D is no pipe, no commands are read"));
+  if (!MayMount()) GTEST_SKIP() << "needs a mount namespace";
+  ASSERT_EQ(0, mount("kest-test", KEST_DEBUG_DIR, "tmpfs", MS_RDONLY, ""));
+  PlayThrough([](const PlayerProcess &) {});
+  ASSERT_EQ(0, umount2(KEST_DEBUG_DIR, MNT_DETACH));
+}
+
+}  // namespace
+}  // namespace kest::test
