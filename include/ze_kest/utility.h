@@ -43,7 +43,8 @@ ZE_KEST_API size_t ze_kest_Utility_Strlen(const char *psz);
 ZE_KEST_API int ze_kest_Utility_Strcmp(const char *pszA, const char *pszB);
 
 /* The standard functions of the same names. NULL counts as "" where a string is read; where a result string
- * is due, a NULL argument gives NULL. Like strncpy, Strncpy leaves a text that it cuts unterminated. */
+ * is due, a NULL argument gives NULL, and so does Strdup when memory is exhausted (reported). Like strncpy,
+ * Strncpy leaves a text that it cuts unterminated. */
 ZE_KEST_API int ze_kest_Utility_Strncmp(const char *pszA, const char *pszB, size_t sztCount);
 ZE_KEST_API char *ze_kest_Utility_Strncpy(char *pszDst, const char *pszSrc, size_t sztCount);
 ZE_KEST_API char *ze_kest_Utility_Strncat(char *pszDst, const char *pszSrc, size_t sztCount);

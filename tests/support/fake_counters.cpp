@@ -15,8 +15,6 @@
 #include <sys/syscall.h>
 #include <unistd.h>
 
-#include "ze_kest/utility.h"
-
 namespace kest::test {
 namespace {
 
@@ -113,7 +111,6 @@ extern "C" {
 
 long __real_syscall(long s32Number, ...);
 int __real_ioctl(int s32Fd, unsigned long u32Request, ...);
-uint32_t __real_ze_kest_Utility_MemoryAlloc(void **ppvOut, size_t sztSize);
 uint64_t __real__ZN4kest11MonotonicUsEv();
 
 long __wrap_syscall(long s32Number, ...) {
@@ -142,14 +139,6 @@ int __wrap_ioctl(int s32Fd, unsigned long u32Request, ...) {
     return __real_ioctl(s32Fd, u32Request, pvArgument);
   }
   return g_pFake.load()->Control(s32Fd, u32Request, pvArgument);
-}
-
-uint32_t __wrap_ze_kest_Utility_MemoryAlloc(void **ppvOut, size_t sztSize) {
-  if (!IsInstalled() || !RunsOut(g_pFake.load()->s32AllocationsLeft)) {
-    return __real_ze_kest_Utility_MemoryAlloc(ppvOut, sztSize);
-  }
-  *ppvOut = nullptr;
-  return ZE_KEST_FAILED;
 }
 
 uint64_t __wrap__ZN4kest11MonotonicUsEv() {

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// Stands in, while it lives, for the kernel's performance events and for the clock and the memory of those
-// who read them. The events have descriptors of real files, so that reading and closing them is real.
+// Stands in, while it lives, for the kernel's performance events and for the clock of those who read
+// them. The events have descriptors of real files, so that reading and closing them is real.
 #pragma once
 
 #include <array>
@@ -37,7 +37,6 @@ class FakeCounters {
   bool bTaskClock = false;              // the real kernel counts, and task clock whatever is asked for
   bool bReadable = true;                // whether a leader that is opened can be read
   int s32OpensLeft = -1;                // until one is refused; never when negative
-  int s32AllocationsLeft = -1;          // until one fails
   uint64_t u64NowUs = 1;
 
   int Open(const void *pvAttributes, int s32Pid, int s32Cpu, int s32GroupFd, unsigned long u32Flags);

@@ -3,6 +3,8 @@
 
 #include "ze_kest/utility.h"
 
+#include "utility/core/report.h"
+
 namespace {
 
 const char *OrEmpty(const char *psz) {
@@ -39,7 +41,10 @@ char *ze_kest_Utility_Strncat(char *pszDst, const char *pszSrc, size_t sztCount)
 }
 
 char *ze_kest_Utility_Strdup(const char *psz) {
-  return psz == nullptr ? nullptr : strdup(psz);
+  if (psz == nullptr) return nullptr;
+  char *pszCopy = strdup(psz);
+  KEST_REQUIRE_OR(pszCopy != nullptr, nullptr, "Error! MALLOC error! \n");
+  return pszCopy;
 }
 
 char *ze_kest_Utility_Strsep(char **ppszRest, const char *pszDelimiters) {

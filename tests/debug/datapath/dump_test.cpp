@@ -10,7 +10,7 @@
 
 #include "debug/datapath/dump_selections.h"
 #include "tests/support/debug_layer.h"
-#include "tests/support/fake_counters.h"
+#include "tests/support/failing_allocator.h"
 #include "tests/support/ports.h"
 #include "tests/support/report_capture.h"
 
@@ -153,8 +153,7 @@ TEST_F(Dump, APortForWhichThereIsNoMemoryIsSkippedWhole) {
     filter.In(u32Slot).Pcm(16, kRing, {2, 0, 0}).sztPcmReadSize = 1;
     filter.In(u32Slot).Ring(&ZE_KEST_Port_s::stRaw, 50).sztReadSize = 8;
   }
-  FakeCounters fake;
-  fake.s32AllocationsLeft = 1;
+  const FailingAllocator memory(4);  // behind the first port's samples and its two files
   EXPECT_EQ(ZE_KEST_OK, _ZE_KEST_Debug_Dump(filter, kInputDump));
   const Files files = DumpedFiles();
   EXPECT_EQ(2u, files.size());

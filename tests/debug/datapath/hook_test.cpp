@@ -9,7 +9,7 @@
 #include "debug/datapath/dump.h"
 #include "debug/datapath/sine_output.h"
 #include "tests/support/debug_layer.h"
-#include "tests/support/fake_counters.h"
+#include "tests/support/failing_allocator.h"
 #include "tests/support/ports.h"
 #include "tests/support/report_capture.h"
 
@@ -197,8 +197,7 @@ TEST(Hook, GoesThroughItsStepsInOrderUntilOneFails) {
   const Switched dump("kest_dump_output");
   const Switched sine("kest_output_sinewave");
   {
-    FakeCounters noMemory;
-    noMemory.s32AllocationsLeft = 0;
+    const FailingAllocator noMemory(1);
     EXPECT_EQ(ZE_KEST_OUT_OF_MEMORY, ze_kest_Debug_Filter(filter));
   }
   EXPECT_TRUE(capture.Has("<ERR>", "_ZE_KEST_Debug_FilterPcmInfo fail to allocate\n"));

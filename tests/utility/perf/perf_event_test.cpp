@@ -4,9 +4,11 @@
 #include "ze_kest/utility.h"
 
 #include "tests/support/debug_layer.h"
+#include "tests/support/failing_allocator.h"
 #include "tests/support/fake_counters.h"
 #include "tests/support/report_capture.h"
 
+using kest::test::FailingAllocator;
 using kest::test::FakeCounters;
 using kest::test::OpenDescriptors;
 using kest::test::ReportCapture;
@@ -111,9 +113,12 @@ TEST_F(PerfEvent, AGroupThatCannotBeReadIsReportedAndStaysOpen) {
   fake.bReadable = false;
   ASSERT_EQ(ZE_KEST_OK, Open());
   EXPECT_EQ(ZE_KEST_FAILED, Read());
-  fake.s32AllocationsLeft = 0;
-  EXPECT_EQ(ZE_KEST_FAILED, Read());
-  EXPECT_EQ((Texts{"Perf Event read failed.\n", "malloc failed.\n"}), capture.Texts("<ERR>"));
+  {
+    const FailingAllocator memory(1);
+    EXPECT_EQ(ZE_KEST_FAILED, Read());
+  }
+  EXPECT_EQ((Texts{"Perf Event read failed.\n", "Error! MALLOC error! \n", "malloc failed.\n"}),
+            capture.Texts("<ERR>"));
   EXPECT_EQ((Texts{"disable", "disable"}), fake.controls);
   EXPECT_EQ((Counts{0, 0, 0}), Totals());
   EXPECT_EQ(ZE_KEST_OK, Close());

@@ -4,11 +4,13 @@
 #include "ze_kest/utility.h"
 
 #include "tests/support/debug_layer.h"
+#include "tests/support/failing_allocator.h"
 #include "tests/support/fake_counters.h"
 #include "tests/support/ports.h"
 #include "tests/support/report_capture.h"
 #include "utility/perf/perf_target.h"
 
+using kest::test::FailingAllocator;
 using kest::test::FakeCounters;
 using kest::test::Filter;
 using kest::test::OpenDescriptors;
@@ -209,11 +211,12 @@ TEST_F(PerformanceMeasure, AFailureOfTheCountersEndsTheCall) {
     fake.bReadable = true;
     fake.u64NowUs = 20;
     EXPECT_EQ(ZE_KEST_OK, form.pfnStart(&st));
-    fake.s32AllocationsLeft = 1;  // the group's, and none for the text
-    EXPECT_EQ(ZE_KEST_OUT_OF_MEMORY, form.pfnStop(&st));
+    {
+      const FailingAllocator memory(2);  // the group's is the first, the text's the second
+      EXPECT_EQ(ZE_KEST_OUT_OF_MEMORY, form.pfnStop(&st));
+    }
     EXPECT_EQ(9u, st.u64FirstStartTime);
     EXPECT_EQ("[PERF_EVENT]MALLOC Failed\n", capture.Texts("<ERR>").back());
-    fake.s32AllocationsLeft = -1;
     EXPECT_EQ(0u, st.u64Count);
     EXPECT_EQ(before, OpenDescriptors());
   }
