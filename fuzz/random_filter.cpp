@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "fuzz/random_filter.h"
 
+#include <algorithm>
 #include <cstring>
 
 namespace kest::fuzz {
@@ -48,7 +49,9 @@ void FillSide(FuzzedDataProvider &bytes, std::array<RandomPort, ZE_KEST_MAX_PORT
 }  // namespace
 
 Bytes Noise(size_t sztCount, uint32_t u32Seed) {
-  Bytes bytes(sztCount);
+  Bytes bytes;
+  bytes.reserve(std::max<size_t>(sztCount, 1));  // no bytes are at some address too
+  bytes.resize(sztCount);
   for (uint8_t &u8Byte : bytes) {
     u32Seed = u32Seed * 1664525u + 1013904223u;
     u8Byte = static_cast<uint8_t>(u32Seed >> 24);
@@ -100,6 +103,7 @@ void RandomPort::FillGroup(FuzzedDataProvider &bytes, uint32_t u32Group, Records
   if (records == Records::kTight) u32Slots = group.u32ChannelCount;
   if (records == Records::kContradictory) u32Slots = ZE_KEST_PCM_GROUP_SLOTS;
   const size_t sztBytes = size_t{u32Slots} * pcm.sztPcmRingSamples * (pcm.stPcmInfo.u32BitWidth / 8);
+  if (sztBytes == 0) return;
   groups[u32Group] = Noise(sztBytes, u32Group + static_cast<uint32_t>(sztBytes));
   pcm.apu8PcmGroupBuf[u32Group] = groups[u32Group].data();
   pcm.asztPcmAllocSize[u32Group] = static_cast<uint32_t>(sztBytes);

@@ -23,9 +23,11 @@ value_of() { sed -n "s/^stat::$1: *//p" "$2"; }
 fuzz() {
   local name=$1 out="$root/build/fuzz" result=0
   local log="$out/$name.log" corpus="$out/corpus/$name"
+  local options=()
+  [ ! -f "$root/fuzz/$name.dict" ] || options=(-dict="$root/fuzz/$name.dict")
   mkdir -p "$corpus"
   "$root/tests/support/in_namespace.sh" "$out/kest-fuzz-$name" -max_total_time="$seconds" -timeout=20 \
-    -max_len="${longest_input[$name]}" -dict="$root/fuzz/$name.dict" -artifact_prefix="$out/$name-" \
+    -max_len="${longest_input[$name]}" "${options[@]}" -artifact_prefix="$out/$name-" \
     -print_final_stats=1 -close_fd_mask=1 "$corpus" "$root/fuzz/corpus/$name" >"$log" 2>&1 || result=$?
   local verdict="nothing found"
   [ "$result" = 0 ] || verdict="FOUND something, see $log: $(grep -m 1 -E 'MISMATCH|ERROR|runtime error' "$log" || true)"

@@ -55,7 +55,7 @@ void CheckFromInterleaved(Run &run, const RandomPort &port, const Frames &frames
   const uint32_t u32Channels = bWrong ? 2 : frames.u32Channels;
   // The width of a port that says none counts as 16 bits, for which its storage may be too small.
   if (u32Given == 0 && u32Bits == 0) return;
-  Bytes src = Noise(size_t{frames.sztSamples} * u32Channels * Width(port) + 1, 21);
+  Bytes src = Noise(size_t{frames.sztSamples} * u32Channels * Width(port), 21);
   run.Compare(
       "from interleaved",
       [&](ZE_KEST_Filter_s *) {
@@ -73,7 +73,7 @@ void CheckFromInterleaved(Run &run, const RandomPort &port, const Frames &frames
 }
 
 void CheckToInterleaved(Run &run, const RandomPort &port, const Frames &frames) {
-  Bytes dst = Noise(size_t{frames.sztSamples} * frames.u32Channels * Width(port) + 1, 22);
+  Bytes dst = Noise(size_t{frames.sztSamples} * frames.u32Channels * Width(port), 22);
   Bytes expected = dst;
   run.Compare(
       "to interleaved",
