@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// The JSON reader on any bytes: its index is the one that the tokenizer alone makes, and every look-up is made.
+// The JSON reader on any bytes: its index is the one that the tokenizer alone makes, and every look-up is
+// made.
 #include <cstring>
 #include <string>
 
@@ -80,7 +81,8 @@ void CheckName(const Context &context, const Token *pstTarget, const char *pszNa
 
 void CheckData(const Context &context, const Token &token) {
   size_t sztSize = SIZE_MAX;
-  ExpectEqual(ZE_KEST_OK, ze_kest_Utility_Jsmn_GetDataSize_ByTokenInfo(&context.st, &token, &sztSize), "size");
+  ExpectEqual(ZE_KEST_OK, ze_kest_Utility_Jsmn_GetDataSize_ByTokenInfo(&context.st, &token, &sztSize),
+              "size");
   if (context.Index(&token) + 1 == context.st.u32TotalTokenCounter) {
     ExpectEqual(SIZE_MAX, sztSize, "the size behind the last token");
     return;

@@ -54,7 +54,7 @@ struct RandomFilter {
   using Ports = std::array<RandomPort, ZE_KEST_MAX_PORTS>;
   static RandomPort *At(ZE_KEST_Port_s **apst, uint32_t u32Count, Ports &ports, uint32_t u32Slot) {
     return u32Slot < ZE_KEST_MAX_PORTS && u32Slot < u32Count && apst[u32Slot] != nullptr ? &ports[u32Slot]
-                                                                                          : nullptr;
+                                                                                         : nullptr;
   }
 };
 

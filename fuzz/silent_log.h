@@ -3,7 +3,8 @@
 
 namespace kest::fuzz {
 
-// Switches every level on and drops what reaches the Android log: reports are put together, nobody reads them.
+// Switches every level on and drops what reaches the Android log: reports are put together, nobody reads
+// them.
 void SilenceLog();
 
 }  // namespace kest::fuzz

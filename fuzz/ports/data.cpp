@@ -52,7 +52,8 @@ void CheckOneBlock(Run &run, uint32_t u32Slot) {
   run.Compare(
       "one block",
       [&](ZE_KEST_Filter_s *pst) {
-        return ze_kest_Utility_ReadOneBlockInputPortMetadataBuffer(pst, u32Slot, 0, &au32Actual[0], &au32Actual[1]);
+        return ze_kest_Utility_ReadOneBlockInputPortMetadataBuffer(pst, u32Slot, 0, &au32Actual[0],
+                                                                   &au32Actual[1]);
       },
       [&](RandomFilter &image) {
         const RandomPort *pst = Served(image.In(u32Slot), u32Slot);
@@ -126,13 +127,15 @@ void CheckMetadata(Run &run) {
   CheckOneBlock(run, u32Slot);
   CheckLength(run, u32Slot, sztSamples);
   CheckMinimum(run, sztSamples);
-  run.Compare("metadata output", [](ZE_KEST_Filter_s *pst) { return ze_kest_Utility_IsOutputMetadataBufferExist(pst); },
-              [](RandomFilter &image) {
-                uint32_t u32Rings = 0;
-                for (const RandomPort *pst : All(image, false))
-                  u32Rings += pst->st.stMeta.sztSize != 0 ? 1 : 0;
-                return u32Rings == 0 ? 0u : 1u;
-              });
+  run.Compare(
+      "metadata output",
+      [](ZE_KEST_Filter_s *pst) { return ze_kest_Utility_IsOutputMetadataBufferExist(pst); },
+      [](RandomFilter &image) {
+        uint32_t u32Rings = 0;
+        for (const RandomPort *pst : All(image, false))
+          u32Rings += pst->st.stMeta.sztSize != 0 ? 1 : 0;
+        return u32Rings == 0 ? 0u : 1u;
+      });
 }
 
 void CheckForward(Run &run) {

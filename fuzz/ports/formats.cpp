@@ -51,7 +51,8 @@ void ForEachSample(const Frames &frames, RandomPort &port, uint32_t u32Channels,
 void CheckFromInterleaved(Run &run, const RandomPort &port, const Frames &frames) {
   const uint32_t u32Bits = port.st.stPcm.stPcmInfo.u32BitWidth;
   const uint32_t u32Given = u32Bits == 16 && run.bytes.ConsumeBool() ? 0 : u32Bits;
-  const bool bWrong = frames.u32Group < 3 && (frames.u32Channels == 0 || frames.u32Channels > kGroupChannels[frames.u32Group]);
+  const bool bWrong = frames.u32Group < 3 &&
+                      (frames.u32Channels == 0 || frames.u32Channels > kGroupChannels[frames.u32Group]);
   const uint32_t u32Channels = bWrong ? 2 : frames.u32Channels;
   // The width of a port that says none counts as 16 bits, for which its storage may be too small.
   if (u32Given == 0 && u32Bits == 0) return;
@@ -60,14 +61,14 @@ void CheckFromInterleaved(Run &run, const RandomPort &port, const Frames &frames
       "from interleaved",
       [&](ZE_KEST_Filter_s *) {
         return ze_kest_Utility_ConvertInterleaveToNonInterleave(frames.u32Channels, u32Given, &port.st.stPcm,
-                                                                frames.u32Group, frames.u32Advance, src.data(),
-                                                                frames.sztSamples);
+                                                                frames.u32Group, frames.u32Advance,
+                                                                src.data(), frames.sztSamples);
       },
       [&](RandomFilter &image) {
         if (frames.u32Group > 2) return 8u;
-        ForEachSample(frames, ImageOf(run, image, &port), u32Channels, [&](uint8_t *pu8Ring, size_t sztOffset) {
-          CopyBytes(pu8Ring, &src[sztOffset], Width(port));
-        });
+        ForEachSample(
+            frames, ImageOf(run, image, &port), u32Channels,
+            [&](uint8_t *pu8Ring, size_t sztOffset) { CopyBytes(pu8Ring, &src[sztOffset], Width(port)); });
         return 0u;
       });
 }
@@ -126,7 +127,8 @@ constexpr Conversion kConversions[] = {
     {SourceFirst<ze_kest_Utility_ConvertPcmFrom24LETo16Bit, uint32_t, uint16_t>, 4, 2, -8, false, false},
     {SourceFirst<ze_kest_Utility_ConvertPcmFrom24LETo32Bit, uint32_t, uint32_t>, 4, 4, 8, false, false},
     {DestinationFirst<ze_kest_Utility_Convert16BitPcmTo32BitPcm, int32_t, int16_t>, 2, 4, 16, true, false},
-    {DestinationFirst<ze_kest_Utility_Convert32BitPcmFromLow24BitTo16BitPcm, int16_t, int32_t>, 4, 2, -8, true, false},
+    {DestinationFirst<ze_kest_Utility_Convert32BitPcmFromLow24BitTo16BitPcm, int16_t, int32_t>, 4, 2, -8,
+     true, false},
     {InPlace, 4, 4, 8, true, true},
 };
 
@@ -153,13 +155,14 @@ void CheckPcmCopy(Run &run) {
   const uint32_t u32To = run.Draw(0, pstTo->st.stPcm.sztPcmRingSamples);
   // The widths of contradictory ports may be 0, which counts as 16: more than their storage may have.
   if (Width(*pstFrom) < 2 || Width(*pstTo) < 2) return;
-  const uint32_t n = run.Draw(0, run.bConsistent ? std::min(pstFrom->st.stPcm.sztPcmRingSamples,
-                                                            pstTo->st.stPcm.sztPcmRingSamples)
-                                                 : 200);
+  const uint32_t n = run.Draw(
+      0, run.bConsistent ? std::min(pstFrom->st.stPcm.sztPcmRingSamples, pstTo->st.stPcm.sztPcmRingSamples)
+                         : 200);
   run.Compare(
       "PCM copy",
       [&](ZE_KEST_Filter_s *) {
-        return ze_kest_Utility_CopyNonInterleavePcmBuffer(&pstTo->st.stPcm, &pstFrom->st.stPcm, u32To, u32From, n, g);
+        return ze_kest_Utility_CopyNonInterleavePcmBuffer(&pstTo->st.stPcm, &pstFrom->st.stPcm, u32To,
+                                                          u32From, n, g);
       },
       [&](RandomFilter &image) {
         if (g > 2) return 8u;
@@ -190,7 +193,8 @@ void CheckConversion(Run &run) {
   Bytes expected = actual;
   for (uint32_t i = 0; i < n; ++i) {
     Convert(&expected[sztDst + size_t{i} * conversion.u32DstBytes], conversion.u32DstBytes,
-            &expected[sztSrc + size_t{i} * conversion.u32SrcBytes], conversion.u32SrcBytes, conversion.s32Shift);
+            &expected[sztSrc + size_t{i} * conversion.u32SrcBytes], conversion.u32SrcBytes,
+            conversion.s32Shift);
   }
   const uint32_t u32Result = conversion.pfnConvert(actual.data() + sztSrc, actual.data() + sztDst, n);
   ExpectEqual(n == 0 && conversion.bRefusesZero ? 8 : 0, u32Result, "a conversion's result");

@@ -44,7 +44,8 @@ ptrdiff_t ModelPointer(const RandomPort &port, uint32_t g, uint32_t k) {
 }
 
 template <typename Value>
-void CheckPointers(Run &run, uint32_t (*pfnAnalyze)(const ZE_KEST_Filter_s *, uint32_t, Value **, uint16_t *, uint8_t *)) {
+void CheckPointers(Run &run, uint32_t (*pfnAnalyze)(const ZE_KEST_Filter_s *, uint32_t, Value **, uint16_t *,
+                                                    uint8_t *)) {
   const uint32_t u32Slot = run.Draw(0, 9);
   std::vector<Value *> pointers(36, nullptr);
   std::vector<uint16_t> strides(36, 9);
@@ -73,7 +74,8 @@ void CheckPointers(Run &run, uint32_t (*pfnAnalyze)(const ZE_KEST_Filter_s *, ui
 void CheckChannelGroups(Run &run) {
   const uint32_t u32Group = run.Draw(0, 3);
   run.Compare(
-      "capability", [&](ZE_KEST_Filter_s *pst) { return ze_kest_Utility_CheckPcmGroupCapability(pst, u32Group); },
+      "capability",
+      [&](ZE_KEST_Filter_s *pst) { return ze_kest_Utility_CheckPcmGroupCapability(pst, u32Group); },
       [&](RandomFilter &image) {
         if (u32Group > 2) return 8u;
         return Carries(image, true, u32Group) && Carries(image, false, u32Group) ? 1u : 0u;
@@ -86,7 +88,8 @@ void CheckChannelGroups(Run &run) {
   const RandomFilter before = run.filter;
   const ZE_KEST_PcmInfo_s info = {run.Draw(0, 22), 44100, 8 * run.Draw(0, 4), {run.Draw(0, 9), 4}};
   run.Compare(
-      "format", [&](ZE_KEST_Filter_s *pst) { return ze_kest_Utility_UpdatePcmInfoToAllOutputPort(pst, &info); },
+      "format",
+      [&](ZE_KEST_Filter_s *pst) { return ze_kest_Utility_UpdatePcmInfoToAllOutputPort(pst, &info); },
       [&](RandomFilter &image) {
         for (RandomPort *pst : Walk(image, false))
           pst->st.stPcm.stPcmInfo = info;
@@ -96,7 +99,8 @@ void CheckChannelGroups(Run &run) {
   for (ZE_KEST_PcmGroup_s &group : groups)
     group = {static_cast<int32_t>(run.Draw(0, 3)) - 1, run.Draw(0, 12), {0, 1, 2, 3, 4, 5, 6, 7, 8, -1}};
   run.Compare(
-      "groups", [&](ZE_KEST_Filter_s *pst) { return ze_kest_Utility_UpdatePcmGroupToAllOutputPort(pst, 0, groups); },
+      "groups",
+      [&](ZE_KEST_Filter_s *pst) { return ze_kest_Utility_UpdatePcmGroupToAllOutputPort(pst, 0, groups); },
       [&](RandomFilter &image) {
         ModelGroups(image, groups);
         return 0u;

@@ -33,7 +33,8 @@ uint32_t DstBytes(const Read &read, const RandomPort &port) {
   return read.reader.u32DstBytes == 0 ? Width(port) : read.reader.u32DstBytes;
 }
 
-void ModelReadChannel(const Read &read, RandomPort &port, uint32_t g, uint32_t k, uint32_t u32DstSlot, Bytes &dst) {
+void ModelReadChannel(const Read &read, RandomPort &port, uint32_t g, uint32_t k, uint32_t u32DstSlot,
+                      Bytes &dst) {
   const ZE_KEST_PcmBuffer_s &pcm = port.st.stPcm;
   if (pcm.apu8PcmGroupBuf[g] == nullptr || pcm.astPcmGroup[g].as32ChMap[k] == -1) return;
   const uint32_t w = Width(port);
@@ -102,7 +103,8 @@ uint32_t CallWrite(const Write &write, ZE_KEST_Filter_s *pst, const Sources &sou
   auto *aps32 = reinterpret_cast<int32_t *const *>(sources.pointers.data());
   const uint32_t n = write.sztSamples;
   const uint16_t *au16 = sources.strides.data();
-  if (write.bAll && write.b32Bits) return ze_kest_Utility_WriteAllOutputPort32BitPcmBuffer(pst, n, aps32, au16);
+  if (write.bAll && write.b32Bits)
+    return ze_kest_Utility_WriteAllOutputPort32BitPcmBuffer(pst, n, aps32, au16);
   if (write.bAll) return ze_kest_Utility_WriteAllOutputPort16BitPcmBuffer(pst, n, aps16, au16);
   if (write.b32Bits) return ze_kest_Utility_WriteOutputPort32BitPcmBuffer(pst, write.u32Slot, n, aps32, au16);
   return ze_kest_Utility_WriteOutputPort16BitPcmBuffer(pst, write.u32Slot, n, aps16, au16);
@@ -156,8 +158,8 @@ void CheckReadPcm(Run &run) {
   run.Compare(
       "PCM read",
       [&](ZE_KEST_Filter_s *pstFilter) {
-        return reader.pfnRead(pstFilter, read.u32Slot, dst.data(), read.sztSamples,
-                              read.u32First, read.u32Last, read.u32Stride);
+        return reader.pfnRead(pstFilter, read.u32Slot, dst.data(), read.sztSamples, read.u32First,
+                              read.u32Last, read.u32Stride);
       },
       [&](RandomFilter &image) { return ModelRead(read, image, expected); });
   if (run.bConsistent) ExpectBytes(expected, dst, "the samples read");

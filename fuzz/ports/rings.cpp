@@ -5,7 +5,8 @@
 namespace kest::fuzz {
 namespace {
 
-using Reader = uint32_t (*)(const uint8_t *, const uint8_t *, uint32_t, uint8_t *, uint64_t, uint32_t, uint32_t);
+using Reader = uint32_t (*)(const uint8_t *, const uint8_t *, uint32_t, uint8_t *, uint64_t, uint32_t,
+                            uint32_t);
 
 struct ChannelReader {
   Reader pfnRead;
@@ -83,7 +84,8 @@ void CheckWrite(Transfer &transfer) {
       expected[(transfer.u32Position + i) % sztRing] = src[i];
   } else if (IsMoved(transfer, true)) {
     for (uint32_t i = 0; i < transfer.Samples(); ++i) {
-      CopyBytes(&expected[(transfer.u32Position + i * w) % sztRing], &src[size_t{i} * transfer.u32Stride * w], w);
+      CopyBytes(&expected[(transfer.u32Position + i * w) % sztRing], &src[size_t{i} * transfer.u32Stride * w],
+                w);
     }
   }
   ze_kest_Utility_WriteDataToNonInterleaveRingBuffer(

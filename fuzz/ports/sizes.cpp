@@ -10,9 +10,12 @@ namespace {
 using SizeFunction = uint32_t (*)(const ZE_KEST_Filter_s *, uint32_t *);
 
 constexpr SizeFunction kSizeFunctions[] = {
-    ze_kest_Utility_CalculateInputPortPcmProcessSize,      ze_kest_Utility_CalculateOutputPortPcmProcessSize,
-    ze_kest_Utility_CalculateInputPortMetadataProcessSize, ze_kest_Utility_CalculateOutputPortMetadataProcessSize,
-    ze_kest_Utility_CalculateInputPortRawProcessSize,      ze_kest_Utility_CalculateOutputPortRawProcessSize,
+    ze_kest_Utility_CalculateInputPortPcmProcessSize,
+    ze_kest_Utility_CalculateOutputPortPcmProcessSize,
+    ze_kest_Utility_CalculateInputPortMetadataProcessSize,
+    ze_kest_Utility_CalculateOutputPortMetadataProcessSize,
+    ze_kest_Utility_CalculateInputPortRawProcessSize,
+    ze_kest_Utility_CalculateOutputPortRawProcessSize,
 };
 
 // Input PCM and metadata: empty ports before the first data are passed over.
@@ -54,7 +57,8 @@ uint32_t ModelSize(RandomFilter &image, uint32_t u32Function) {
   uint32_t u32Size = Least(values);
   if (u32Function == 0) {
     u32Size = BehindFirstData(image, [](const ZE_KEST_Port_s &st) { return st.stPcm.sztPcmLevel; });
-    if (image.st.sztMaxInPcmProcessSize != 0xFFFFFFFF) u32Size = std::min(u32Size, image.st.sztMaxInPcmProcessSize);
+    if (image.st.sztMaxInPcmProcessSize != 0xFFFFFFFF)
+      u32Size = std::min(u32Size, image.st.sztMaxInPcmProcessSize);
   }
   if (u32Function == 1 && image.st.sztMaxOutPcmProcessSize != 0xFFFFFFFF) {
     u32Size = std::min(u32Size, image.st.sztMaxOutPcmProcessSize);
@@ -70,16 +74,26 @@ uint32_t ModelSize(RandomFilter &image, uint32_t u32Function) {
 // PCM read, PCM write, metadata read and raw read of one.
 uint32_t Update(ZE_KEST_Filter_s *pst, uint32_t u32Function, uint32_t u32Count, uint32_t u32Slot) {
   switch (u32Function) {
-    case 0: return ze_kest_Utility_UpdateAllInputPortPcmReadSize(pst, u32Count);
-    case 1: return ze_kest_Utility_UpdateAllOutputPortPcmWriteSize(pst, u32Count);
-    case 2: return ze_kest_Utility_UpdateAllInputPortMetadataReadSize(pst, u32Count);
-    case 3: return ze_kest_Utility_UpdateAllOutputPortMetadataWriteSize(pst, u32Count);
-    case 4: return ze_kest_Utility_UpdateAllInputPortRawReadSize(pst, u32Count);
-    case 5: return ze_kest_Utility_UpdateAllOutputPortRawWriteSize(pst, u32Count);
-    case 6: return ze_kest_Utility_UpdateSpecificInputPortPcmReadSize(pst, u32Count, u32Slot);
-    case 7: return ze_kest_Utility_UpdateSpecificOutputPortPcmWriteSize(pst, u32Count, u32Slot);
-    case 8: return ze_kest_Utility_UpdateSpecificInputPortMetadataReadSize(pst, u32Count, u32Slot);
-    default: return ze_kest_Utility_UpdateSpecificInputPortRawReadSize(pst, u32Count, u32Slot);
+    case 0:
+      return ze_kest_Utility_UpdateAllInputPortPcmReadSize(pst, u32Count);
+    case 1:
+      return ze_kest_Utility_UpdateAllOutputPortPcmWriteSize(pst, u32Count);
+    case 2:
+      return ze_kest_Utility_UpdateAllInputPortMetadataReadSize(pst, u32Count);
+    case 3:
+      return ze_kest_Utility_UpdateAllOutputPortMetadataWriteSize(pst, u32Count);
+    case 4:
+      return ze_kest_Utility_UpdateAllInputPortRawReadSize(pst, u32Count);
+    case 5:
+      return ze_kest_Utility_UpdateAllOutputPortRawWriteSize(pst, u32Count);
+    case 6:
+      return ze_kest_Utility_UpdateSpecificInputPortPcmReadSize(pst, u32Count, u32Slot);
+    case 7:
+      return ze_kest_Utility_UpdateSpecificOutputPortPcmWriteSize(pst, u32Count, u32Slot);
+    case 8:
+      return ze_kest_Utility_UpdateSpecificInputPortMetadataReadSize(pst, u32Count, u32Slot);
+    default:
+      return ze_kest_Utility_UpdateSpecificInputPortRawReadSize(pst, u32Count, u32Slot);
   }
 }
 
