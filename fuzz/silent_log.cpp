@@ -7,7 +7,7 @@
 
 // Memory that is refused is an answer, not a finding.
 extern "C" const char *__asan_default_options() {
-  return "allocator_may_return_null=1";
+  return "allocator_may_return_null=1:quarantine_size_mb=16";
 }
 
 namespace kest::fuzz {

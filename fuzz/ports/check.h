@@ -17,16 +17,31 @@ constexpr uint32_t kGroupChannels[ZE_KEST_PCM_GROUPS] = {2, 10, 10};
 struct Run {
   FuzzedDataProvider &bytes;
   RandomFilter &filter;
-  bool bConsistent;  // otherwise only memory safety counts
+  RandomFilter image;  // what the filter has to be like
+  bool bConsistent;    // otherwise only memory safety counts
 
   uint32_t Draw(uint32_t u32Least, uint32_t u32Most) {
     return bytes.ConsumeIntegralInRange(u32Least, u32Most);
   }
 
-  // Calls the function on the filter and the model on an image of it; both give results, and the filter has
-  // to become what the model made of the image.
+  // Calls the function on the filter and the model on the image; both give results, and the filter has to
+  // become what the model made of the image.
   void Compare(const char *pszWhat, const std::function<uint32_t(ZE_KEST_Filter_s *)> &function,
                const std::function<uint32_t(RandomFilter &)> &model);
+};
+
+// Puts the ports' records back to what they were: updates may make them contradict each other.
+class KeptRecords {
+ public:
+  explicit KeptRecords(Run &run);
+  ~KeptRecords();
+  KeptRecords(const KeptRecords &) = delete;
+  KeptRecords &operator=(const KeptRecords &) = delete;
+
+ private:
+  Run &run_;
+  std::array<ZE_KEST_Port_s, ZE_KEST_MAX_PORTS> inputs_;
+  std::array<ZE_KEST_Port_s, ZE_KEST_MAX_PORTS> outputs_;
 };
 
 // The slot's port as reads and writes of a single port find it.

@@ -8,13 +8,25 @@
 namespace kest::fuzz {
 namespace {
 
-constexpr int kMostCalls = 24;
+constexpr int kCalls = 24;
+constexpr size_t kNoiseBytes = 4096;
 
 constexpr void (*kChecks[])(Run &) = {
     CheckProcessSize, CheckAccounting, CheckChannelGroups, CheckPcmPointers, CheckReadPcm,
     CheckWritePcm,    CheckMetadata,   CheckForward,       CheckByteRings,   CheckChannelRing,
     CheckInterleave,  CheckPcmCopy,    CheckConversion,
 };
+
+// The input, which is drawn from first, and noise that depends on it, so that also a short input is a whole
+// scenario. (Numbers are drawn from the end.)
+Bytes WithNoise(const uint8_t *pu8Data, size_t sztSize) {
+  uint32_t u32Seed = 0;
+  for (size_t i = 0; i < sztSize; ++i)
+    u32Seed = u32Seed * 31 + pu8Data[i];
+  Bytes bytes = Noise(kNoiseBytes, u32Seed);
+  bytes.insert(bytes.end(), pu8Data, pu8Data + sztSize);
+  return bytes;
+}
 
 template <typename Record>
 void ExpectRecord(const Record &expected, const Record &actual, const char *pszWhat) {
@@ -43,13 +55,28 @@ void Run::Compare(const char *pszWhat, const std::function<uint32_t(ZE_KEST_Filt
     function(&filter.st);
     return;
   }
-  RandomFilter image = filter;
   const uint32_t u32Expected = model(image);
   ExpectEqual(u32Expected, function(&filter.st), pszWhat);
   ExpectRecord(image.st, filter.st, pszWhat);
   for (uint32_t u32Slot = 0; u32Slot < ZE_KEST_MAX_PORTS; ++u32Slot) {
     if (image.In(u32Slot) != nullptr) ExpectPort(image.inputs[u32Slot], filter.inputs[u32Slot], pszWhat);
     if (image.Out(u32Slot) != nullptr) ExpectPort(image.outputs[u32Slot], filter.outputs[u32Slot], pszWhat);
+  }
+}
+
+KeptRecords::KeptRecords(Run &run) : run_(run) {
+  for (uint32_t i = 0; i < ZE_KEST_MAX_PORTS; ++i) {
+    inputs_[i] = run.filter.inputs[i].st;
+    outputs_[i] = run.filter.outputs[i].st;
+  }
+}
+
+KeptRecords::~KeptRecords() {
+  for (RandomFilter *pst : {&run_.filter, &run_.image}) {
+    for (uint32_t i = 0; i < ZE_KEST_MAX_PORTS; ++i) {
+      pst->inputs[i].st = inputs_[i];
+      pst->outputs[i].st = outputs_[i];
+    }
   }
 }
 
@@ -79,11 +106,12 @@ extern "C" int LLVMFuzzerInitialize(int *, char ***) {
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *pu8Data, size_t sztSize) {
   using namespace kest::fuzz;
-  FuzzedDataProvider bytes(pu8Data, sztSize);
+  const Bytes input = WithNoise(pu8Data, sztSize);
+  FuzzedDataProvider bytes(input.data(), input.size());
   const bool bConsistent = bytes.ConsumeIntegralInRange(0, 3) != 3;
   RandomFilter filter(bytes, bConsistent ? Records::kConsistent : Records::kContradictory, "pipe", "filter");
-  Run run = {bytes, filter, bConsistent};
-  for (int i = 0; i < kMostCalls && bytes.remaining_bytes() != 0; ++i)
+  Run run = {bytes, filter, filter, bConsistent};
+  for (int i = 0; i < kCalls; ++i)
     bytes.PickValueInArray(kChecks)(run);
   return 0;
 }

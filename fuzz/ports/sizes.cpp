@@ -154,14 +154,10 @@ void CheckAccounting(Run &run) {
   const uint32_t u32Function = run.Draw(0, 9);
   const uint32_t u32Slot = run.Draw(0, 9);
   const uint32_t u32Count = run.bytes.ConsumeBool() ? run.Draw(0, 70) : run.bytes.ConsumeIntegral<uint32_t>();
-  const RandomFilter before = run.filter;
+  const KeptRecords kept(run);
   run.Compare(
       "accounting", [&](ZE_KEST_Filter_s *pst) { return Update(pst, u32Function, u32Count, u32Slot); },
       [&](RandomFilter &image) { return ModelUpdate(image, u32Function, u32Count, u32Slot); });
-  for (uint32_t i = 0; i < ZE_KEST_MAX_PORTS; ++i) {
-    run.filter.inputs[i].st = before.inputs[i].st;
-    run.filter.outputs[i].st = before.outputs[i].st;
-  }
 }
 
 }  // namespace kest::fuzz
