@@ -2,7 +2,7 @@
 // Lines for the dispatcher, with the debug layer up, filters registered, and a processing cycle behind each.
 //
 // An input is text, a NUL, and bytes for the filters. A line is a command, unless it begins with one of
-// kFrameworkCalls: then the framework does something with the registry.
+// kFrameworkCalls: then the framework does something.
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
@@ -13,6 +13,7 @@
 
 #include "ze_kest/debug.h"
 
+#include "debug/datapath/latency_state.h"
 #include "debug/thread/test_threads.h"
 #include "fuzz/expect.h"
 #include "fuzz/random_filter.h"
@@ -38,6 +39,9 @@ constexpr const char *kReset[] = {
     "kest_debug_preset_cmd=off",
     "kest_log_to_print=off",
     "kest_log_to_file=off",
+    "kest_dump_filter_io=,",
+    "kest_latency_config=,,,",
+    "kest_output_sinewave_filter=,",
     "kest_log_size=4096",
     "kest_log_level=all",
 };
@@ -113,6 +117,14 @@ class Framework {
   void Connect(const char *pszName) { ze_kest_Debug_ConnectPipeline(kMainPipe, pszName); }
   void Disconnect(const char *pszName) { ze_kest_Debug_DisconnectPipeline(kMainPipe, pszName); }
 
+  // Cycles enough for a latency measurement to become silent and to make its burst.
+  void StartLatency(const char *) {
+    for (uint32_t i = 0; i <= kSilentCycles; ++i) {
+      for (const auto &filter : filters_)
+        ze_kest_Debug_MeasureLatency(&filter->st, ZE_KEST_LATENCY_START);
+    }
+  }
+
   void Cycle() {
     for (const auto &filter : filters_) {
       const char *pszPipeline = filter->stPipeline.szName;
@@ -138,10 +150,8 @@ constexpr struct {
   char cMark;
   void (Framework::*pfnCall)(const char *pszName);
 } kFrameworkCalls[] = {
-    {'+', &Framework::Register},
-    {'-', &Framework::Unregister},
-    {'>', &Framework::Connect},
-    {'<', &Framework::Disconnect},
+    {'+', &Framework::Register},   {'-', &Framework::Unregister},   {'>', &Framework::Connect},
+    {'<', &Framework::Disconnect}, {'*', &Framework::StartLatency},
 };
 
 void CarryOut(Framework &framework, const std::string &line) {
@@ -203,11 +213,13 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *pu8Data, size_t sztSize) {
   using namespace kest::fuzz;
   const uint8_t *pu8TextEnd = std::find(pu8Data, pu8Data + sztSize, 0);
   const std::string text(pu8Data, pu8TextEnd);
-  const auto sztBytes = static_cast<size_t>(pu8Data + sztSize - pu8TextEnd);
+  const uint8_t *pu8Bytes = std::min(pu8TextEnd + 1, pu8Data + sztSize);
+  const auto sztBytes = static_cast<size_t>(pu8Data + sztSize - pu8Bytes);
   // A file for the command that reads one.
-  std::ofstream("j.json").write(reinterpret_cast<const char *>(pu8TextEnd),
+  std::ofstream("j.json").write(reinterpret_cast<const char *>(pu8Bytes),
                                 static_cast<std::streamsize>(sztBytes));
-  FuzzedDataProvider bytes(pu8TextEnd, sztBytes);
+  const Bytes input = WithNoise(pu8Bytes, sztBytes);
+  FuzzedDataProvider bytes(input.data(), input.size());
   {
     Framework framework(bytes);
     CarryOutLines(framework, text);

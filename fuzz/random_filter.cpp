@@ -7,6 +7,7 @@
 namespace kest::fuzz {
 namespace {
 
+constexpr size_t kNoiseBytes = 4096;
 constexpr uint32_t kChannels[ZE_KEST_PCM_GROUPS] = {2, 10, 10};
 constexpr uint32_t kOdd[] = {0, 1, 15, 16, 63, 64, 65, 127, 0x7FFFFFFF, 0x80000000, 0xFFFFFFF0, 0xFFFFFFFF};
 
@@ -56,6 +57,16 @@ Bytes Noise(size_t sztCount, uint32_t u32Seed) {
     u32Seed = u32Seed * 1664525u + 1013904223u;
     u8Byte = static_cast<uint8_t>(u32Seed >> 24);
   }
+  return bytes;
+}
+
+Bytes WithNoise(const uint8_t *pu8Data, size_t sztSize) {
+  uint32_t u32Seed = 0;
+  for (size_t i = 0; i < sztSize; ++i)
+    u32Seed = u32Seed * 31 + pu8Data[i];
+  Bytes bytes = Noise(kNoiseBytes, u32Seed);
+  // Numbers are drawn from the end.
+  bytes.insert(bytes.end(), pu8Data, pu8Data + sztSize);
   return bytes;
 }
 

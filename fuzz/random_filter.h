@@ -15,6 +15,10 @@ namespace kest::fuzz {
 // Bytes in which a shifted or swapped copy does not look right by accident.
 Bytes Noise(size_t sztCount, uint32_t u32Seed);
 
+// An input and behind it noise that depends on it, so that also a short input is a whole scenario: numbers
+// are drawn from the input first.
+Bytes WithNoise(const uint8_t *pu8Data, size_t sztSize);
+
 // What is random about a filter.
 enum class Records {
   kConsistent,     // records as a framework keeps them, storage for every channel of a group

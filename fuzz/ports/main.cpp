@@ -9,24 +9,12 @@ namespace kest::fuzz {
 namespace {
 
 constexpr int kCalls = 24;
-constexpr size_t kNoiseBytes = 4096;
 
 constexpr void (*kChecks[])(Run &) = {
     CheckProcessSize, CheckAccounting, CheckChannelGroups, CheckPcmPointers, CheckReadPcm,
     CheckWritePcm,    CheckMetadata,   CheckForward,       CheckByteRings,   CheckChannelRing,
     CheckInterleave,  CheckPcmCopy,    CheckConversion,
 };
-
-// The input, which is drawn from first, and noise that depends on it, so that also a short input is a whole
-// scenario. (Numbers are drawn from the end.)
-Bytes WithNoise(const uint8_t *pu8Data, size_t sztSize) {
-  uint32_t u32Seed = 0;
-  for (size_t i = 0; i < sztSize; ++i)
-    u32Seed = u32Seed * 31 + pu8Data[i];
-  Bytes bytes = Noise(kNoiseBytes, u32Seed);
-  bytes.insert(bytes.end(), pu8Data, pu8Data + sztSize);
-  return bytes;
-}
 
 template <typename Record>
 void ExpectRecord(const Record &expected, const Record &actual, const char *pszWhat) {
