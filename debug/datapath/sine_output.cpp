@@ -6,7 +6,7 @@
 #include "ze_kest/debug.h"
 
 #include "debug/datapath/hook_filter.h"
-#include "utility/port/pcm_rings.h"
+#include "debug/datapath/pcm_planes.h"
 
 namespace kest {
 
@@ -15,7 +15,7 @@ FilterSelection _stKestSineSelection = {kOutputSineWave, "", "", 0};
 namespace {
 
 constexpr uint32_t kDefaultChannels = 2;
-constexpr size_t kSampleBytes = sizeof(int16_t);
+constexpr uint32_t kSampleBytes = sizeof(int16_t);
 
 uint32_t u32SineWavePos = 0;  // the next sample, for all filters
 
@@ -28,15 +28,15 @@ int16_t NextSample(uint32_t &u32Pos) {
 // On purpose the level and the write size, which count samples, are taken for bytes here, the frames are
 // interleaved and do not wrap. They end with the storage of the group.
 void WriteSine(const ZE_KEST_PcmBuffer_s &pcm, uint32_t u32Channels) {
-  uint8_t *pu8At = pcm.apu8PcmGroupBuf[0] + pcm.sztPcmLevel;
-  const uint8_t *pu8End = SlotRing(pcm, 0, sztPcmGroupChNumber[0]);
-  const size_t sztFrameBytes = u32Channels * kSampleBytes;
+  uint64_t u64At = pcm.sztPcmLevel;
+  const uint64_t u64End = GroupBytes(pcm, 0, kSampleBytes);
+  const uint64_t u64FrameBytes = uint64_t{u32Channels} * kSampleBytes;
   uint32_t u32Pos = Load(u32SineWavePos);
-  for (size_t sztDone = 0; sztDone < pcm.sztPcmWriteSize; sztDone += sztFrameBytes) {
+  for (uint64_t u64Done = 0; u64Done < pcm.sztPcmWriteSize; u64Done += u64FrameBytes) {
     const int16_t s16Sample = NextSample(u32Pos);
-    for (uint32_t u32Channel = 0; u32Channel < u32Channels; ++u32Channel, pu8At += kSampleBytes) {
-      if (pu8End - pu8At < static_cast<ptrdiff_t>(kSampleBytes)) break;
-      memcpy(pu8At, &s16Sample, kSampleBytes);
+    for (uint32_t u32Channel = 0; u32Channel < u32Channels; ++u32Channel, u64At += kSampleBytes) {
+      if (u64At + kSampleBytes > u64End) break;
+      memcpy(pcm.apu8PcmGroupBuf[0] + u64At, &s16Sample, kSampleBytes);
     }
   }
   Store(u32SineWavePos, u32Pos);

@@ -150,6 +150,12 @@ TEST(Hook, WritesASineOverTheFirstOutputOfTheSelectedFilter) {
   expected[239] = Sine(0);
   EXPECT_EQ(expected, StorageOf(port));
 
+  pcm.asztPcmAllocSize[0] = 240;  // storage for one channel, where the framework says how much there is
+  pcm.sztPcmLevel = 238;
+  run("kest_output_sinewave=on");
+  expected[119] = Sine(0);
+  EXPECT_EQ(expected, StorageOf(port));
+
   pcm.sztPcmWriteSize = 0;
   filter.st->apstOutPort[1] = nullptr;
   EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_Filter(filter));
