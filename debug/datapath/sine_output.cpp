@@ -15,7 +15,7 @@ FilterSelection _stKestSineSelection = {{}, kOutputSineWave, 0};
 namespace {
 
 constexpr uint32_t kDefaultChannels = 2;
-constexpr size_t kSampleBytes = sizeof(int16_t);
+constexpr uint32_t kSampleBytes = sizeof(int16_t);
 
 uint32_t u32SineWavePos = 0;  // the next sample, for all filters
 

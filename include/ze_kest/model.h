@@ -39,7 +39,8 @@ extern "C" {
 typedef struct ZE_KEST_Filter_s ZE_KEST_Filter_s;
 
 /* Entries of a filter for its parameters. pData: the value; u32Size: its size in bytes. They return a result
- * code. They may be called with the library's registry locked and must not call back into it. */
+ * code. They may be called with the library's registry locked and must not call back into it. A value that
+ * comes from a command has 4 bytes and the size that was typed: refuse a size that is not the parameter's. */
 typedef uint32_t (*ZE_KEST_SetParameter)(ZE_KEST_Filter_s *pstFilter, const char *pszParameterName,
                                          const void *pData, uint32_t u32Size);
 typedef uint32_t (*ZE_KEST_GetParameter)(ZE_KEST_Filter_s *pstFilter, const char *pszParameterName,

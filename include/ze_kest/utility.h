@@ -100,8 +100,8 @@ ZE_KEST_API size_t ze_kest_Utility_GetFileSize(FILE *pFile);
 
 /* Reads a whole file into a new buffer that is zero-filled behind the data, so it is NUL-terminated.
  * pszPath: the file; ppszString: out, the buffer, release it with ze_kest_Utility_MemoryFree; psztSize: out,
- * bytes of data. ZE_KEST_FAILED when the file cannot be opened or read, is empty or larger than 2 GiB, or
- * memory is exhausted (each reported); both outputs are then NULL and 0. */
+ * bytes of data. ZE_KEST_FAILED when the file cannot be opened or read, is empty, larger than 2 GiB or no
+ * regular file, or memory is exhausted (each reported); both outputs are then NULL and 0. */
 ZE_KEST_API uint32_t ze_kest_Utility_FileToString(const char *pszPath, char **ppszString, size_t *psztSize);
 
 /* Appends data to a file, which is created when it does not exist and is closed again before the return.

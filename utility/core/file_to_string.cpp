@@ -2,6 +2,8 @@
 #include <climits>
 #include <cstring>
 
+#include <sys/stat.h>
+
 #include "ze_kest/utility.h"
 
 #include "utility/core/owned_file.h"
@@ -17,6 +19,12 @@ constexpr size_t SizeOnPages(size_t sztSize) {
   return (sztSize + kPage) & ~(kPage - 1);
 }
 
+// A pipe without a writer would not even open, and a device has no size and may not stop.
+bool IsSpecial(const char *pszPath) {
+  struct stat stFile = {};
+  return stat(pszPath, &stFile) == 0 && !S_ISREG(stFile.st_mode);
+}
+
 }  // namespace
 
 uint32_t ze_kest_Utility_FileToString(const char *pszPath, char **ppszString, size_t *psztSize) {
@@ -26,10 +34,10 @@ uint32_t ze_kest_Utility_FileToString(const char *pszPath, char **ppszString, si
   *ppszString = nullptr;
   *psztSize = 0;
 
+  KEST_REQUIRE_OR(!IsSpecial(pszPath), ZE_KEST_FAILED, "Invalid file size.\n");
   const kest::OwnedFile file(ze_kest_Utility_FileOpen(pszPath, "r"));
   KEST_REQUIRE_OR(file != nullptr, ZE_KEST_FAILED, "Err! ze_kest_Utility_FileOpen failed!\n");
 
-  // A directory claims a size that no buffer can have.
   const size_t sztSize = ze_kest_Utility_GetFileSize(file.get());
   KEST_REQUIRE_OR(sztSize >= 1 && sztSize <= INT_MAX - kPage, ZE_KEST_FAILED, "Invalid file size.\n");
 

@@ -165,6 +165,12 @@ TEST(Hook, WritesASineOverTheFirstOutputOfTheSelectedFilter) {
   expected[239] = Sine(1);
   EXPECT_EQ(expected, StorageOf(port));
 
+  pcm.asztPcmAllocSize[0] = 240;  // storage for one channel, where the framework says how much there is
+  pcm.sztPcmLevel = 238;
+  run("kest_output_sinewave=on");
+  expected[119] = Sine(0);
+  EXPECT_EQ(expected, StorageOf(port));
+
   const struct {
     uint32_t u32Channels;
     uint32_t sztLevel;

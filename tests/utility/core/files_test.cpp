@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include "ze_kest/utility.h"
 
@@ -134,6 +135,9 @@ TEST(FileToString, WhatCannotBeReadFailsWithItsReport) {
   WriteFile(kPath, "");
   EXPECT_EQ(ZE_KEST_FAILED, ze_kest_Utility_FileToString(kPath, &psz, &sztSize));
   EXPECT_EQ(ZE_KEST_FAILED, ze_kest_Utility_FileToString(KEST_DEBUG_DIR, &psz, &sztSize));
+  // A pipe that nobody writes to must not make the reader wait.
+  ASSERT_EQ(0, mkfifo(KEST_DEBUG_DIR "pipe", 0666));
+  EXPECT_EQ(ZE_KEST_FAILED, ze_kest_Utility_FileToString(KEST_DEBUG_DIR "pipe", &psz, &sztSize));
   EXPECT_EQ(nullptr, psz);
   EXPECT_EQ(0u, sztSize);
   EXPECT_EQ(ZE_KEST_INVALID_ARGUMENT, ze_kest_Utility_FileToString(nullptr, &psz, &sztSize));

@@ -1,0 +1,47 @@
+#!/usr/bin/env bash
+# Fuzzes: run.sh SECONDS [commands|json|ports ...], all of them when none is named. One line for each; ends
+# non-zero when something was found, with what shows it in build/fuzz/NAME-crash-... (or -timeout-, -leak-,
+# -oom-). To see it again:
+#   tests/support/in_namespace.sh build/fuzz/kest-fuzz-NAME build/fuzz/NAME-crash-...
+source "$(dirname "${BASH_SOURCE[0]}")/../scripts/common.sh"
+
+[[ "${1:-}" =~ ^[1-9][0-9]*$ ]] || fail "Usage: $0 SECONDS [commands|json|ports ...]"
+seconds=$1
+shift
+[ $# -gt 0 ] || set -- commands json ports
+declare -A longest_input=([commands]=2048 [json]=8192 [ports]=512)
+for name in "$@"; do
+  [ -n "${longest_input[$name]:-}" ] || fail "There is no fuzzer $name, but commands, json and ports."
+done
+
+in_namespace="$root/tests/support/in_namespace.sh"
+why=$("$in_namespace" true 2>&1) || fail "$debug_dir cannot be created in a namespace of its own: $why"
+need "${build_packages[@]}" clang libclang-rt-14-dev
+build_preset fuzz
+out="$root/build/fuzz"
+
+# The last of the lines of a log that the expression finds something in.
+last_of() { grep -aoE "$1" "$2" | tail -n 1 || true; }
+
+# New ways through the code are kept in build/fuzz/corpus/, for the next run to begin with.
+fuzz() {
+  local name=$1 verdict="nothing found"
+  local log="$out/$name.log" corpora=("$out/corpus/$name") options=()
+  mkdir -p "${corpora[0]}"
+  [ ! -d "$root/fuzz/corpus/$name" ] || corpora+=("$root/fuzz/corpus/$name")
+  [ ! -f "$root/fuzz/$name.dict" ] || options=(-dict="$root/fuzz/$name.dict")
+  "$in_namespace" "$out/kest-fuzz-$name" -max_total_time="$seconds" -timeout=20 \
+    -max_len="${longest_input[$name]}" -artifact_prefix="$out/$name-" -print_final_stats=1 -close_fd_mask=1 \
+    "${options[@]}" "${corpora[@]}" >"$log" 2>&1 ||
+    verdict="FOUND: $(grep -aoE -m 1 'MISMATCH.*|ERROR: .*|runtime error.*' "$log" || true); see $log"
+  say "$name: $(last_of '[0-9]+$' <(grep -a executed_units "$log")) executions, $(
+    last_of '[0-9]+$' <(grep -a new_units_added "$log")
+  ) new units, $(last_of 'cov: [0-9]+' "$log"), $verdict"
+  [ "$verdict" = "nothing found" ]
+}
+
+failed=0
+for name in "$@"; do
+  fuzz "$name" || failed=1
+done
+exit "$failed"
