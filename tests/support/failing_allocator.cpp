@@ -33,9 +33,9 @@ class InsideWrapper {
 
 bool RunsOut(const void *pvSite) {
   ++t_u64Calls;
-  if (!g_bInstalled) return false;
+  if (!g_bInstalled || g_u32UntilFailure == 0) return false;
   if (t_pvSite != nullptr) pvSite = t_pvSite;
-  const bool bFails = g_u32UntilFailure != 0 && --g_u32UntilFailure == 0;
+  const bool bFails = --g_u32UntilFailure == 0;
   const std::lock_guard<std::mutex> lock(g_sitesMutex);
   g_asking.insert(pvSite);
   if (!bFails) return false;

@@ -23,8 +23,7 @@ class FailingAllocator {
   [[nodiscard]] int32_t Held() const;
 };
 
-// The calls in the code that have asked for memory while a FailingAllocator lived, and those that were
-// refused.
+// The calls in the code that have asked for memory while a failure was due, and those that were refused.
 using Sites = std::set<const void *>;
 Sites AskingSites();
 Sites RefusedSites();
