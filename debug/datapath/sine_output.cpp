@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "debug/datapath/sine_output.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include "ze_kest/debug.h"
@@ -28,14 +29,14 @@ int16_t NextSample(uint32_t &u32Pos) {
 // On purpose the level and the write size, which count samples, are taken for bytes here, the frames are
 // interleaved and do not wrap. They end with the storage of the group.
 void WriteSine(const ZE_KEST_PcmBuffer_s &pcm, uint32_t u32Channels) {
-  uint64_t u64At = pcm.sztPcmLevel;
-  const uint64_t u64End = GroupBytes(pcm, 0, kSampleBytes);
+  const uint64_t u64Storage = GroupBytes(pcm, 0, kSampleBytes);
+  const uint64_t u64End = std::min(uint64_t{pcm.sztPcmLevel} + pcm.sztPcmWriteSize, u64Storage);
   const uint64_t u64FrameBytes = uint64_t{u32Channels} * kSampleBytes;
   uint32_t u32Pos = Load(u32SineWavePos);
-  for (uint64_t u64Done = 0; u64Done < pcm.sztPcmWriteSize; u64Done += u64FrameBytes) {
+  for (uint64_t u64Frame = pcm.sztPcmLevel; u64Frame < u64End; u64Frame += u64FrameBytes) {
     const int16_t s16Sample = NextSample(u32Pos);
-    for (uint32_t u32Channel = 0; u32Channel < u32Channels; ++u32Channel, u64At += kSampleBytes) {
-      if (u64At + kSampleBytes > u64End) break;
+    const uint64_t u64FrameEnd = std::min(u64Frame + u64FrameBytes, u64Storage);
+    for (uint64_t u64At = u64Frame; u64At + kSampleBytes <= u64FrameEnd; u64At += kSampleBytes) {
       memcpy(pcm.apu8PcmGroupBuf[0] + u64At, &s16Sample, kSampleBytes);
     }
   }
