@@ -93,8 +93,10 @@ void EndCycle(FuzzedDataProvider &bytes, RandomPort *pst) {
 class Framework {
  public:
   explicit Framework(FuzzedDataProvider &bytes) : bytes_(bytes) {
+    const bool bConsistent = bytes.ConsumeIntegralInRange(0, 3) != 3;
+    const Records records = bConsistent ? Records::kTight : Records::kContradictory;
     for (size_t i = 0; i < filters_.size(); ++i) {
-      filters_[i] = std::make_unique<RandomFilter>(bytes, Records::kTight, i < 2 ? kMainPipe : kSpeaker,
+      filters_[i] = std::make_unique<RandomFilter>(bytes, records, i < 2 ? kMainPipe : kSpeaker,
                                                    bytes.PickValueInArray(kKinds));
       filters_[i]->st.pfnSetParameter = i == 2 ? nullptr : SetParameter;
       filters_[i]->st.pfnGetParameter = i == 2 ? nullptr : GetParameter;

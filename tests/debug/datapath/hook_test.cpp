@@ -170,6 +170,11 @@ TEST(Hook, WritesASineOverTheFirstOutputOfTheSelectedFilter) {
   run("kest_output_sinewave=on");
   expected[119] = Sine(0);
   EXPECT_EQ(expected, StorageOf(port));
+  pcm.sztPcmWriteSize = UINT32_MAX;  // no frame begins behind the storage, nor moves on in the table
+  run("kest_output_sinewave_filter=,");
+  run("kest_output_sinewave_filter=,");
+  expected[119] = Sine(2);
+  EXPECT_EQ(expected, StorageOf(port));
 
   const struct {
     uint32_t u32Channels;
