@@ -104,7 +104,7 @@ TEST(Faults, WhatStandsInThePipesPlaceAndIsNoneIsNotReadAndHoldsNothingUp) {
     EXPECT_TRUE(WaitFor([&] { return capture.Has(pszLabel, pszReport); })) << pszReport;
     EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_DeInit());  // without a line
     EXPECT_THAT(ReadFile(kLogFile), HasSubstr(pszReport));
-    EXPECT_EQ(0, ThreadsNamed("KestDebug"));
+    EXPECT_TRUE(WaitFor([] { return ThreadsNamed("KestDebug") == 0; }));
     EXPECT_EQ(s32Descriptors, OpenDescriptors());
     EXPECT_EQ(0, bKestAtraceEnable);
     EXPECT_TRUE(!fs::is_regular_file(kPipe) || ReadFile(kPipe) == typed);
@@ -142,7 +142,7 @@ TEST(Faults, AShutDownDoesNotWaitForALineOfAPipeThatWasRemoved) {
     EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_DeInit());
     if (remover.joinable()) remover.join();
     ExpectErrors(capture, {"D was removed, the thread waits for no line\n"});
-    EXPECT_EQ(0, ThreadsNamed("KestDebug"));
+    EXPECT_TRUE(WaitFor([] { return ThreadsNamed("KestDebug") == 0; }));
   }
   ExpectTheLayerWorks();
 }
