@@ -44,38 +44,6 @@ class PlayerRegistry : public PlayerTest {
   std::optional<PlayerProcess> player_;
 };
 
-// A player that loops over noise, and changes after a while.
-class PlayerChanges : public PlayerRegistry {
- protected:
-  PlayerChanges() {
-    WriteAudio(Path("in.wav"), input_);
-    Start({Path("in.wav"), "--loop"});
-  }
-
-  // Carries out a command, plays on and gives the status.
-  std::string StatusAfter(const std::string &command) {
-    Ask(command);
-    EXPECT_TRUE(PlayOn(*player_, kPlentyOfBytes));
-    return Ask("kest_debug_list=status");
-  }
-  // Ends the player and reads its output. Gives how many samples it begins with that are the input's.
-  size_t EndUnchangedFor() {
-    End();
-    output_ = ReadAudio(out_).samples;
-    size_t i = 0;
-    while (i < output_.size() && output_[i] == InputAt(i))
-      ++i;
-    EXPECT_GT(i, 1000u);
-    return i;
-  }
-  [[nodiscard]] int32_t InputAt(size_t i) const { return input_.samples[i % input_.samples.size()]; }
-
-  std::vector<int32_t> output_;
-
- private:
-  const AudioData input_ = Noise(2, kWav16, 5001);
-};
-
 // The thread of a process that bears the name, as the lists print it.
 std::string ThreadNamed(pid_t pid, const std::string &name) {
   for (const auto &task : std::filesystem::directory_iterator("/proc/" + std::to_string(pid) + "/task")) {
@@ -154,30 +122,32 @@ TEST_F(PlayerRegistry, TheStatusShowsTheFiltersValuesAndTheirParameters) {
   End();
 }
 
-TEST_F(PlayerChanges, ASetGainIsHeardFromThenOn) {
-  EXPECT_THAT(StatusAfter("kest_debug_set_parameter=Decoder_13,Volume,Gain,-6,4"),
-              HasSubstr("gain:-6, mute:0\n"));
-  size_t i = EndUnchangedFor();
-  ASSERT_GT(output_.size(), i + 10000);
-  const double gain = std::pow(10.0, -6 / 20.0);
-  for (; i < output_.size(); ++i) {
-    ASSERT_NEAR(InputAt(i) * gain, output_[i], 1 << 16) << i;
+TEST_F(PlayerRegistry, ASetGainAndATextCommandAreHeardFromThenOn) {
+  const AudioData input = Noise(2, kWav16, 5001);
+  WriteAudio(Path("in.wav"), input);
+  Start({Path("in.wav"), "--loop"});
+  const struct {
+    const char *pszCommand;
+    const char *pszStatus;
+  } changes[] = {{"kest_debug_set_parameter=Decoder_13,Volume,Gain,-6,4", "gain:-6, mute:0\n"},
+                 {"kest_debug_send_cmd_by_text=Decoder_13,Volume,mute=on", "gain:-6, mute:1\n"}};
+  for (const auto &change : changes) {
+    Ask(change.pszCommand);
+    EXPECT_TRUE(PlayOn(*player_, kPlentyOfBytes));
+    EXPECT_THAT(Ask("kest_debug_list=status"), HasSubstr(change.pszStatus));
   }
-}
+  End();
 
-TEST_F(PlayerChanges, ATextCommandMutesAndUnmutes) {
-  EXPECT_THAT(StatusAfter("kest_debug_send_cmd_by_text=Decoder_13,Volume,mute=on"),
-              HasSubstr("gain:0, mute:1\n"));
-  StatusAfter("kest_debug_send_cmd_by_text=Decoder_13,Volume,mute=off");
-  const size_t muted = EndUnchangedFor();
-  size_t i = muted;
-  while (i < output_.size() && output_[i] == 0)
-    ++i;
-  EXPECT_GT(i, muted + 10000);
-  ASSERT_GT(output_.size(), i + 10000);
-  for (; i < output_.size(); ++i) {
-    ASSERT_EQ(InputAt(i), output_[i]) << i;
+  const std::vector<int32_t> output = ReadAudio(out_).samples;
+  size_t i = 0;
+  for (const double gain : {1.0, std::pow(10.0, -6 / 20.0), 0.0}) {
+    const size_t first = i;
+    const double step = gain == 1.0 ? 0.5 : 1 << 16;
+    while (i < output.size() && std::abs(input.samples[i % input.samples.size()] * gain - output[i]) <= step)
+      ++i;
+    EXPECT_GT(i, first + 1000) << gain;
   }
+  EXPECT_EQ(output.size(), i);
 }
 
 TEST_F(PlayerRegistry, CommandsReachOneFilterAndRefusalsAreReported) {
@@ -195,17 +165,6 @@ TEST_F(PlayerRegistry, CommandsReachOneFilterAndRefusalsAreReported) {
               HasSubstr("Fail to set parameter from filter:'Volume'"));
   EXPECT_THAT(Ask("kest_debug_list=status"), HasSubstr("gain:0, mute:0\n"));
   End();
-}
-
-TEST_F(PlayerRegistry, APresetCommandReachesTheFiltersOfALaterPlayer) {
-  Start({kRecording, "--loop"});
-  EXPECT_THAT(Ask("kest_debug_preset_cmd=all,mute=on"), HasSubstr("kest_debug_preset_cmd=all\n"));
-  player_->Signal(SIGKILL);
-  EXPECT_EQ(128 + SIGKILL, player_->Wait().exitCode);
-
-  const PlayerResult result = PlayFast({kRecording, "-o", out_});
-  EXPECT_EQ(0, result.exitCode) << result.err;
-  EXPECT_EQ(std::vector<int32_t>(68545, 0), ReadAudio(out_).samples) << "silent from the first frame on";
 }
 
 }  // namespace
