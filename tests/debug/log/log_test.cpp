@@ -162,16 +162,6 @@ TEST(Log, LinesOfManyThreadsNeverInterleave) {
   EXPECT_EQ(kThreads * kLines, s32Whole);
 }
 
-TEST(Log, ADirectoryThatVanishesWhileTheLayerIsUpStopsTheFileAlone) {
-  const DebugLayer layer;
-  const ReportCapture capture;
-  std::filesystem::remove_all(KEST_DEBUG_DIR);
-  ze_kest_Debug_Log(ZE_KEST_LEVEL_ERR, "into the unlinked file\n");
-  EXPECT_EQ(ZE_KEST_INVALID_ARGUMENT, ze_kest_Debug_SetParameter("kest_log_restart"));
-  EXPECT_TRUE(capture.Has("<ERR>", "Err! fopen failed!\n"));
-  EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_SetParameter("kest_log_level=all"));
-}
-
 TEST(Log, AFileThatCannotBeOpenedOrWrittenAndAnUnknownModeAreReportedOnceAndLoggingGoesOn) {
   const DebugLayer layer;
   const ReportCapture capture;
