@@ -57,22 +57,13 @@ TEST_F(PlayerRegistry, TheListShowsTheRunningThreadsTheirConnectionsAndThePorts)
   WriteAudio(Path("in.wav"), Noise(6, kWav24, 5001));
   Start({Path("in.wav"), Path("in.wav"), "--loop"});
   const std::string list = Ask("kest_debug_list=print");
-  const std::string speaker = ThreadNamed(player_->Pid(), "SpeakerOutput");
-  const std::string first = ThreadNamed(player_->Pid(), "Decoder_13");
-  const std::string second = ThreadNamed(player_->Pid(), "Decoder_14");
-  const std::string lines[] = {"idx:0 ===== p:SpeakerOutput ================= " + speaker,
-                               "idx:1 RUN SpeakerOutput Mixer " + speaker,
-                               "idx:2 RUN SpeakerOutput Delay " + speaker,
-                               "idx:3 RUN SpeakerOutput SpeakerOutput " + speaker,
-                               "idx:4 ===== p:Decoder_13 ================= " + first,
-                               "idx:5 RUN Decoder_13 Lpcm " + first,
-                               "idx:6 RUN Decoder_13 Volume " + first,
-                               "idx:9 RUN Decoder_14 Volume " + second,
-                               "idx:4 Decoder_13\n -> (0)SpeakerOutput\n",
-                               "idx:7 Decoder_14\n -> (0)SpeakerOutput\n"};
-  for (const std::string &line : lines) {
+  for (const std::string &line :
+       {"idx:0 ===== p:SpeakerOutput ================= " + ThreadNamed(player_->Pid(), "SpeakerOutput"),
+        std::string("idx:3 RUN SpeakerOutput SpeakerOutput tid:"),
+        std::string("idx:5 RUN Decoder_13 Lpcm tid:"),
+        "idx:9 RUN Decoder_14 Volume " + ThreadNamed(player_->Pid(), "Decoder_14"),
+        std::string("idx:7 Decoder_14\n -> (0)SpeakerOutput\n")})
     EXPECT_THAT(list, HasSubstr("\n" + line));
-  }
   // A ten-channel group of 32-bit samples.
   EXPECT_THAT(list,
               ContainsRegex("Decoder_13 Volume in 0 [0-9]+/1024\\(0 40960 0\\) [0-9]+/192 0/0 \\(o\\)\n"));
