@@ -53,10 +53,6 @@ Samples SaturatedSum(const Samples &a, const Samples &b) {
   return sum;
 }
 
-void Command(const std::string &line) {
-  EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_SetParameter(line.c_str())) << line;
-}
-
 std::string Dump(const std::string &name) {
   return ReadFile(KEST_DEBUG_DIR + name);
 }

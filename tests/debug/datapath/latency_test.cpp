@@ -17,8 +17,6 @@
 namespace kest::test {
 namespace {
 
-using Texts = std::vector<std::string>;
-
 constexpr uint32_t kRing = 128;
 constexpr size_t kPlanes[] = {2, 10, 10};
 

@@ -10,14 +10,13 @@ namespace kest::test {
 TEST(TestTone, IsAskedOfAnInputPortUntilItIsSwitchedOff) {
   ExpectTaken(_ZE_KEST_Debug_Cmd_SendTestTone, TestTone,
               {{"kest_send_test_tone=main,mix:3",
-                {"<INFO>pszLine=kest_send_test_tone=main,mix:3\n",
-                 "<INFO>pszSub3=main,mix:3,pszSub=kest_send_test_tone\n",
+                {"<INFO>pszSub3=main,mix:3,pszSub=kest_send_test_tone\n",
                  "<PRINT>[SEND_TEST_TONE]pszSub3=mix:3,pszSub1=main\n", "<PRINT>[SEND_TEST_TONE]Cmd=main\n",
                  "<PRINT>[SEND_TEST_TONE]Pipeline Name=main\n", "<PRINT>[SEND_TEST_TONE]Filter Name=mix\n",
                  "<PRINT>[SEND_TEST_TONE]Input Port Number=3\n"},
                 "16|main|mix|3"},
                {"kest_send_test_tone=off",
-                {"<INFO>pszLine=kest_send_test_tone=off\n", "<INFO>pszSub3=off,pszSub=kest_send_test_tone\n",
+                {"<INFO>pszSub3=off,pszSub=kest_send_test_tone\n",
                  "<PRINT>[SEND_TEST_TONE]pszSub3=(null),pszSub1=off\n", "<PRINT>[SEND_TEST_TONE]Cmd=off\n",
                  "<PRINT>[SEND_TEST_TONE]Target=off\n"},
                 "0|||0"}});
@@ -39,16 +38,15 @@ TEST(PcmLevel, IsAskedOfAFilterForSomeCyclesUntilItIsSwitchedOff) {
   ExpectTaken(
       _ZE_KEST_Debug_Cmd_CalPcmLev, PcmLevel,
       {{"kest_calpcmlev=main,mix,100",
-        {"<INFO>pszLine=kest_calpcmlev=main,mix,100\n", "<INFO>pszSub3=main,mix,100,pszSub=kest_calpcmlev\n",
+        {"<INFO>pszSub3=main,mix,100,pszSub=kest_calpcmlev\n",
          "<PRINT>[CAL_PCM_LEV]pszSub3=mix,100,pszSub2=main\n", "<PRINT>[CAL_PCM_LEV]Cmd=main\n",
          "<PRINT>[CAL_PCM_LEV]Pipeline Name=main\n",
          "<PRINT>[CAL_PCM_LEV]pszSub3=100,pszSub2=main,pszSub1=mix\n", "<PRINT>[CAL_PCM_LEV]Cmd=mix\n",
          "<PRINT>[CAL_PCM_LEV]Filter Name=mix\n", "<PRINT>[CAL_PCM_LEV]MaxCount=100 Count=100\n"},
         "16|main|mix|100|100"},
        {"kest_calpcmlev=off",
-        {"<INFO>pszLine=kest_calpcmlev=off\n", "<INFO>pszSub3=off,pszSub=kest_calpcmlev\n",
-         "<PRINT>[CAL_PCM_LEV]pszSub3=(null),pszSub2=off\n", "<PRINT>[CAL_PCM_LEV]Cmd=off\n",
-         "<PRINT>[CAL_PCM_LEV]Target=off\n"},
+        {"<INFO>pszSub3=off,pszSub=kest_calpcmlev\n", "<PRINT>[CAL_PCM_LEV]pszSub3=(null),pszSub2=off\n",
+         "<PRINT>[CAL_PCM_LEV]Cmd=off\n", "<PRINT>[CAL_PCM_LEV]Target=off\n"},
         "0|||0|0"}});
 }
 
@@ -68,15 +66,13 @@ TEST(DataRate, IsAskedOfTwoPortsUntilItIsSwitchedOff) {
   ExpectTaken(
       _ZE_KEST_Debug_Cmd_CalculateDataRate, DataRate,
       {{"kest_calculate_data_rate=main,mix:1,2",
-        {"<INFO>pszLine=kest_calculate_data_rate=main,mix:1,2\n",
-         "<INFO>pszSub4=main,mix:1,2,pszSub=kest_calculate_data_rate\n",
+        {"<INFO>pszSub4=main,mix:1,2,pszSub=kest_calculate_data_rate\n",
          "<PRINT>[CAL_DATA_RATE]pszSub4=mix:1,2,pszSub1=main\n", "<PRINT>[CAL_DATA_RATE]Cmd=main\n",
          "<PRINT>[CAL_DATA_RATE]Pipeline Name=main\n", "<PRINT>[CAL_DATA_RATE]Filter Name=mix\n",
          "<PRINT>[CAL_DATA_RATE]Input Port Number=1\n", "<PRINT>[CAL_DATA_RATE]Output Port Number=2\n"},
         "16|main|mix|1|2"},
        {"kest_calculate_data_rate=off",
-        {"<INFO>pszLine=kest_calculate_data_rate=off\n",
-         "<INFO>pszSub4=off,pszSub=kest_calculate_data_rate\n",
+        {"<INFO>pszSub4=off,pszSub=kest_calculate_data_rate\n",
          "<PRINT>[CAL_DATA_RATE]pszSub4=(null),pszSub1=off\n", "<PRINT>[CAL_DATA_RATE]Cmd=off\n",
          "<PRINT>[CAL_DATA_RATE]Target=off\n"},
         "0|||0|0"}});

@@ -31,10 +31,6 @@ std::string LoggedBy(Calls &&calls) {
   return ReadFile(kLogFile).substr(sztBefore);
 }
 
-void Command(const char *pszLine) {
-  EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_SetParameter(pszLine)) << pszLine;
-}
-
 // Puts a link in the place of the closed log file and switches file logging on again.
 uint32_t ReplaceLogFileBy(const char *pszTarget) {
   _ZE_KEST_Debug_SetMode(kLogToFile, 0);
