@@ -32,7 +32,11 @@ Buffers stBuffers;
 ZE_KEST_Pipeline_s stPipeline;
 ZE_KEST_Port_s astPorts[ZE_KEST_MAX_PORTS];
 ZE_KEST_Filter_s stFilter;
-uint32_t u32Result;
+uint32_t u32Size;
+
+// What it takes from its arguments a case's function need not fetch first: the count is that of the call
+// alone.
+using Call = void (*)(ZE_KEST_Filter_s *pstFilter, uint32_t *pu32Size);
 
 template <typename Sample>
 Sample *Linear() {
@@ -85,11 +89,11 @@ struct Pcm {
     au16Stride[kEntry + u32Slot] = kChannels;
   }
 
-  static void Deinterleave() {
+  static void Deinterleave(ZE_KEST_Filter_s *, uint32_t *) {
     ze_kest_Utility_ConvertInterleaveToNonInterleave(kChannels, kBits, &astPorts[0].stPcm, kGroup, 0,
                                                      stBuffers.au8Linear, kFrames);
   }
-  static void Interleave() {
+  static void Interleave(ZE_KEST_Filter_s *, uint32_t *) {
     ze_kest_Utility_ConvertNonInterleaveToInterleave(stBuffers.au8Linear, &astPorts[0].stPcm, kGroup,
                                                      kChannels, 0, kFrames, kBytes);
   }
@@ -97,10 +101,14 @@ struct Pcm {
   static void ReadWith() {
     pfnRead(&stFilter, 0, stBuffers.au8Linear, kFrames, kFirstCh, kFirstCh + kChannels - 1, kChannels);
   }
-  static void Read() { ReadWith<ze_kest_Utility_ReadInputPortPcmBuffer>(); }
-  static void ReadTo16() { ReadWith<ze_kest_Utility_ReadInputPortPcmBuffer_To16Bit>(); }
-  static void ReadTo24Le() { ReadWith<ze_kest_Utility_ReadInputPortPcmBuffer_To24Le>(); }
-  static void Write() {
+  static void Read(ZE_KEST_Filter_s *, uint32_t *) { ReadWith<ze_kest_Utility_ReadInputPortPcmBuffer>(); }
+  static void ReadTo16(ZE_KEST_Filter_s *, uint32_t *) {
+    ReadWith<ze_kest_Utility_ReadInputPortPcmBuffer_To16Bit>();
+  }
+  static void ReadTo24Le(ZE_KEST_Filter_s *, uint32_t *) {
+    ReadWith<ze_kest_Utility_ReadInputPortPcmBuffer_To24Le>();
+  }
+  static void Write(ZE_KEST_Filter_s *, uint32_t *) {
     if constexpr (kBits == 16) {
       ze_kest_Utility_WriteOutputPort16BitPcmBuffer(&stFilter, 0, kFrames, aps16Src, au16Stride);
     } else {
@@ -110,7 +118,7 @@ struct Pcm {
 
   // One channel by the routines that serve it alone.
   template <auto pfnRead>
-  static void ReadRing() {
+  static void ReadRing(ZE_KEST_Filter_s *, uint32_t *) {
     pfnRead(stBuffers.au8Rings, stBuffers.au8Rings + kOffset * kBytes, kRingSamples * kBytes,
             stBuffers.au8Linear, kFrames * kBytes, kChannels, kBytes);
   }
@@ -128,35 +136,35 @@ template <uint32_t kChannels, uint32_t kBits>
 uint16_t Pcm<kChannels, kBits>::au16Stride[ZE_KEST_PCM_CHANNEL_ENTRIES];
 
 template <auto pfnConvert, typename Src, typename Dst>
-void Convert() {
+void Convert(ZE_KEST_Filter_s *, uint32_t *) {
   pfnConvert(Linear<Src>(), Other<Dst>(), kFrames);
 }
 
 template <auto pfnConvert, typename Src, typename Dst>
-void ConvertTo() {
+void ConvertTo(ZE_KEST_Filter_s *, uint32_t *) {
   pfnConvert(Other<Dst>(), Linear<Src>(), kFrames);
 }
 
-void ConvertInPlace() {
+void ConvertInPlace(ZE_KEST_Filter_s *, uint32_t *) {
   ze_kest_Utility_Convert32BitPcmFromLow24BitToHigh24Bit(Linear<int32_t>(), kFrames);
 }
 
 // The compiler makes no loop of its own of it.
 template <uint32_t kBytes>
-void Copy() {
+void Copy(ZE_KEST_Filter_s *, uint32_t *) {
   void *(*volatile pfnCopy)(void *, const void *, size_t) = memcpy;
   pfnCopy(stBuffers.au8Linear, stBuffers.au8Rings, kBytes);
 }
 
 template <uint32_t kBytes>
-void WriteContiguous() {
+void WriteContiguous(ZE_KEST_Filter_s *, uint32_t *) {
   ze_kest_Utility_WriteDataToNonInterleaveRingBuffer(stBuffers.au8Rings, stBuffers.au8Rings,
                                                      kRingSamples * kBytes, stBuffers.au8Linear,
                                                      kFrames * kBytes, 1, kBytes);
 }
 
 template <uint32_t kBytes>
-void ReadContiguous() {
+void ReadContiguous(ZE_KEST_Filter_s *, uint32_t *) {
   ze_kest_Utility_ReadDataFromNonInterleaveRingBuffer(stBuffers.au8Rings, stBuffers.au8Rings,
                                                       kRingSamples * kBytes, stBuffers.au8Linear,
                                                       kFrames * kBytes, 1, kBytes);
@@ -169,38 +177,48 @@ void ConnectEightPorts() {
     stFilter.apstInPort[u32Port] = stFilter.apstOutPort[u32Port] = &stPort;
     stPort.bConnected = 1;
     stPort.stPcm.sztPcmRingSamples = kRingSamples;
-    stPort.stPcm.sztPcmLevel = stPort.stPcm.sztPcmSpace = kFrames - u32Port;
+    stPort.stPcm.sztPcmLevel = stPort.stPcm.sztPcmSpace = kFrames;
     stPort.stRaw.sztSize = stPort.stMeta.sztSize = kRingSamples;
-    stPort.stRaw.sztLevel = stPort.stMeta.sztLevel = kFrames - u32Port;
-    stPort.stRaw.sztSpace = stPort.stMeta.sztSpace = kFrames - u32Port;
+    stPort.stRaw.sztLevel = stPort.stMeta.sztLevel = kFrames;
+    stPort.stRaw.sztSpace = stPort.stMeta.sztSpace = kFrames;
+  }
+}
+
+// Each port has less to offer than the one before it.
+void LowerLevels() {
+  for (uint32_t u32Port = 0; u32Port < ZE_KEST_MAX_PORTS; ++u32Port) {
+    astPorts[u32Port].stPcm.sztPcmLevel -= u32Port;
+    astPorts[u32Port].stPcm.sztPcmSpace -= u32Port;
   }
 }
 
 template <auto pfnCalculate>
-void ProcessSize() {
-  pfnCalculate(&stFilter, &u32Result);
+void ProcessSize(ZE_KEST_Filter_s *pstFilter, uint32_t *pu32Size) {
+  pfnCalculate(pstFilter, pu32Size);
 }
 
-void Nothing() {}
+void Nothing(ZE_KEST_Filter_s *, uint32_t *) {}
 
-void CallHook() {
-  ze_kest_Debug_Filter(&stFilter);
+void PrepareNothing() {}
+
+void CallHook(ZE_KEST_Filter_s *pstFilter, uint32_t *) {
+  ze_kest_Debug_Filter(pstFilter);
 }
 
-void CallLatencyStart() {
-  ze_kest_Debug_MeasureLatency(&stFilter, ZE_KEST_LATENCY_START);
+void CallLatencyStart(ZE_KEST_Filter_s *pstFilter, uint32_t *) {
+  ze_kest_Debug_MeasureLatency(pstFilter, ZE_KEST_LATENCY_START);
 }
 
-void ReportBelowLevel() {
-  KEST_INFO("size %u\n", u32Result);
+void ReportBelowLevel(ZE_KEST_Filter_s *, uint32_t *pu32Size) {
+  KEST_INFO("size %u\n", *pu32Size);
 }
 
 struct Case {
   const char *pszName;
   uint32_t u32Samples;
   const char *pszGoal;
-  void (*pfnCall)();
-  void (*pfnPrepare)() = Nothing;
+  Call pfnCall;
+  void (*pfnPrepare)() = PrepareNothing;
 };
 
 constexpr uint32_t kStereo = 2 * kFrames;
@@ -281,6 +299,10 @@ constexpr Case kCases[] = {
     {"report below the level", 0, "-", ReportBelowLevel},
     {"process size input pcm", 0, "90", ProcessSize<ze_kest_Utility_CalculateInputPortPcmProcessSize>},
     {"process size output pcm", 0, "90", ProcessSize<ze_kest_Utility_CalculateOutputPortPcmProcessSize>},
+    {"process size input pcm falling", 0, "-", ProcessSize<ze_kest_Utility_CalculateInputPortPcmProcessSize>,
+     LowerLevels},
+    {"process size output pcm falling", 0, "-",
+     ProcessSize<ze_kest_Utility_CalculateOutputPortPcmProcessSize>, LowerLevels},
     {"process size input meta", 0, "90", ProcessSize<ze_kest_Utility_CalculateInputPortMetadataProcessSize>},
     {"process size output meta", 0, "90",
      ProcessSize<ze_kest_Utility_CalculateOutputPortMetadataProcessSize>},
@@ -299,8 +321,8 @@ int Run(const Case &stCase, unsigned long u32Count) {
   u32KestDebugLevel = ZE_KEST_LEVEL_WRN;
   ConnectEightPorts();
   stCase.pfnPrepare();
-  for (void (*volatile pfnCall)() = stCase.pfnCall; u32Count != 0; --u32Count)
-    pfnCall();
+  for (volatile Call pfnCall = stCase.pfnCall; u32Count != 0; --u32Count)
+    pfnCall(&stFilter, &u32Size);
   return EXIT_SUCCESS;
 }
 

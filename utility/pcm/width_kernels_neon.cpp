@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-// The blocks are written in assembly: between a structured load and store a plane of bytes changes its place
-// by changing its name, where the compiler copies it, which doubles the packed conversions. Accesses by bytes
-// take any address.
+// The blocks are written in assembly. Between a structured load and a structured store a plane of bytes
+// changes its place by being named in another order; from intrinsics the compiler makes copies of it, and
+// twice as many instructions. Accesses by bytes take any address.
 #if defined(__arm__) && defined(__ARM_NEON)
 
 #include "utility/pcm/width_kernels.h"
