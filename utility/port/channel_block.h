@@ -10,7 +10,7 @@
 
 #include "utility/port/frame_tile.h"
 #include "utility/port/frame_tile_neon.h"
-#include "utility/port/frame_tile_sse2.h"
+#include "utility/port/frame_tile_ssse3.h"
 #include "utility/port/ring_plan.h"
 
 namespace kest {
@@ -52,7 +52,7 @@ template <typename Kernel, uint32_t kChannels, bool kWholeFrames>
 void MoveStrip(const FramePlace<Kernel> &stPlace, size_t sztFrames) {
   using Tile = FrameTile<Kernel, kChannels, kWholeFrames>;
   if constexpr (Tile::kFrames != 0) {
-    if (sztFrames >= Tile::kFrames) return MoveTiles<Tile>(stPlace, sztFrames);
+    if (sztFrames >= Tile::kFrames && Tile::Runs()) return MoveTiles<Tile>(stPlace, sztFrames);
   }
   for (uint32_t u32Channel = 0; u32Channel < kChannels; ++u32Channel)
     MoveChannel(stPlace.Channel(u32Channel), sztFrames);

@@ -36,6 +36,11 @@ struct FrameTile {
   static constexpr size_t kFrames = 0;
 };
 
+// Of tiles that the machine always has the instructions for.
+struct EveryMachine {
+  static constexpr bool Runs() { return true; }
+};
+
 template <typename Kernel>
 using IfOf16 = std::enable_if_t<Kernel::kLinearBytes == 2>;
 template <typename Kernel>

@@ -90,7 +90,7 @@ KEST_TILE_PART Vectors<4> Transposed(const Vectors<4> &st) {
 
 // As many frames as channels.
 template <typename Kernel, size_t... kRows>
-struct SquareTile {
+struct SquareTile : EveryMachine {
   static constexpr size_t kFrames = sizeof...(kRows);
 
   static void Move(FramePlace<Kernel> stPlace, size_t sztTiles) {
@@ -122,9 +122,10 @@ KEST_TILE_PART Vectors<2> Separated(__m128i head, __m128i tail) {
                              _mm_srai_epi32(_mm_slli_epi32(tail, 16), 16)),
              _mm_packs_epi32(_mm_srai_epi32(head, 16), _mm_srai_epi32(tail, 16))}};
   }
-  const __m128i a = _mm_unpacklo_epi32(head, tail);
-  const __m128i b = _mm_unpackhi_epi32(head, tail);
-  return {{_mm_unpacklo_epi32(a, b), _mm_unpackhi_epi32(a, b)}};
+  const __m128 a = _mm_castsi128_ps(head);
+  const __m128 b = _mm_castsi128_ps(tail);
+  return {{_mm_castps_si128(_mm_shuffle_ps(a, b, _MM_SHUFFLE(2, 0, 2, 0))),
+           _mm_castps_si128(_mm_shuffle_ps(a, b, _MM_SHUFFLE(3, 1, 3, 1)))}};
 }
 
 // A pair of samples for each frame.
@@ -161,7 +162,7 @@ KEST_TILE_PART __m128i LoadPairs(const uint8_t *pu8, size_t sztStep) {
 }
 
 template <typename Kernel, bool kWholeFrames>
-struct PairTile {
+struct PairTile : EveryMachine {
   static constexpr size_t kBytes = Kernel::kLinearBytes;
   static constexpr size_t kFrames = 16 / kBytes;
 
