@@ -42,8 +42,6 @@ struct EveryMachine {
 };
 
 template <typename Kernel>
-using IfOf16 = std::enable_if_t<Kernel::kLinearBytes == 2>;
-template <typename Kernel>
 using IfOf32 = std::enable_if_t<Kernel::kLinearBytes == 4>;
 template <typename Kernel>
 using If24 = std::enable_if_t<Kernel::kLinearBytes == 3>;

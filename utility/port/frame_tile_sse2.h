@@ -109,6 +109,41 @@ struct SquareTile : EveryMachine {
   }
 };
 
+// Frames of four channels to their rows.
+KEST_TILE_PART Vectors<4> FourRows(const Vectors<8> &st) {
+  const __m128i a0 = _mm_unpacklo_epi16(st.v[0], st.v[1]);
+  const __m128i a1 = _mm_unpacklo_epi16(st.v[2], st.v[3]);
+  const __m128i a2 = _mm_unpacklo_epi16(st.v[4], st.v[5]);
+  const __m128i a3 = _mm_unpacklo_epi16(st.v[6], st.v[7]);
+  const __m128i b0 = _mm_unpacklo_epi32(a0, a1);
+  const __m128i b1 = _mm_unpackhi_epi32(a0, a1);
+  const __m128i b2 = _mm_unpacklo_epi32(a2, a3);
+  const __m128i b3 = _mm_unpackhi_epi32(a2, a3);
+  return {{_mm_unpacklo_epi64(b0, b2), _mm_unpackhi_epi64(b0, b2), _mm_unpacklo_epi64(b1, b3),
+           _mm_unpackhi_epi64(b1, b3)}};
+}
+
+// For writing: more rings, a power of two apart, would push each other out of the cache.
+template <typename Kernel, size_t... kLines>
+struct FourRowsTile : EveryMachine {
+  static constexpr size_t kFrames = sizeof...(kLines);
+
+  static void Move(FramePlace<Kernel> stPlace, size_t sztTiles) {
+    for (; sztTiles != 0; --sztTiles) {
+      const Vectors<4> st = FourRows({{LoadHalf(stPlace.pu8Linear + kLines * stPlace.sztStep)...}});
+      StoreRows(stPlace, st, std::make_index_sequence<4>{});
+      stPlace.Skip(kFrames);
+    }
+  }
+
+ private:
+  template <size_t... kRows>
+  KEST_TILE_PART static void StoreRows(const FramePlace<Kernel> &stPlace, const Vectors<4> &st,
+                                       std::index_sequence<kRows...>) {
+    (Store(stPlace.pu8Ring + kRows * stPlace.sztRingPitch, st.v[kRows]), ...);
+  }
+};
+
 // Two channels' rows as the frames of stereo, and back.
 template <size_t kBytes>
 KEST_TILE_PART Vectors<2> Interleaved(__m128i left, __m128i right) {
@@ -199,8 +234,11 @@ struct PairTile : EveryMachine {
 
 namespace kest {
 
+template <>
+struct FrameTile<WriteAsIs<2>, 4, false> : sse2::FourRowsTile<WriteAsIs<2>, 0, 1, 2, 3, 4, 5, 6, 7> {};
 template <typename Kernel>
-struct FrameTile<Kernel, 8, false, IfOf16<Kernel>> : sse2::SquareTile<Kernel, 0, 1, 2, 3, 4, 5, 6, 7> {};
+struct FrameTile<Kernel, 8, false, std::enable_if_t<Kernel::kReads && Kernel::kLinearBytes == 2>>
+    : sse2::SquareTile<Kernel, 0, 1, 2, 3, 4, 5, 6, 7> {};
 template <typename Kernel>
 struct FrameTile<Kernel, 4, false, IfOf32<Kernel>> : sse2::SquareTile<Kernel, 0, 1, 2, 3> {};
 template <typename Kernel, bool kWholeFrames>
