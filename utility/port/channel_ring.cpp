@@ -12,8 +12,8 @@ uint32_t MoveChannel(const kest::MoverTable<kest::Mover<Ring, Linear>> &stTable,
   const auto stWay = stTable.For(u32BytesPerSample, u32Stride);
   // A position before the ring becomes one far behind it; the plan of either is empty.
   const size_t sztStart = static_cast<size_t>(pu8Pos - pu8RingBuf);
-  stWay.pfnMove(pu8RingBuf, kest::PlanRing(sztRingSize, sztStart, u64Bytes, stWay.u32Unit), pu8Data,
-                u32Stride);
+  stWay.pfnMove({pu8RingBuf, 0, pu8Data, u32Stride, 1},
+                kest::PlanRing(sztRingSize, sztStart, u64Bytes, stWay.u32Unit));
   return ZE_KEST_OK;
 }
 
