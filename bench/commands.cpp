@@ -13,6 +13,7 @@
 
 #include <dirent.h>
 #include <fcntl.h>
+#include <sys/file.h>
 #include <unistd.h>
 
 #include "ze_kest/debug.h"
@@ -45,7 +46,7 @@ using namespace std::chrono_literals;
 
 constexpr char kLine[] = "no_such_command=1,2\n";  // 20 bytes; it passes every command and every handler
 constexpr size_t kLineBytes = sizeof(kLine) - 1;
-constexpr uint32_t kLines = 2000;
+constexpr uint32_t kLines = 3000;  // as many as the pipe holds
 
 double Now(clockid_t clock) {
   struct timespec st = {};
@@ -75,7 +76,7 @@ pid_t CommandThread() {
 
 class Pipe {
  public:
-  Pipe() : s32Fd_(open(KEST_DEBUG_PATH("D"), O_WRONLY | O_CLOEXEC)) {}
+  Pipe() : s32Fd_(open(KEST_DEBUG_PATH("D"), O_RDWR | O_CLOEXEC)) {}
   ~Pipe() { close(s32Fd_); }
   Pipe(const Pipe &) = delete;
   Pipe &operator=(const Pipe &) = delete;
@@ -83,6 +84,10 @@ class Pipe {
   void Send() const {
     if (write(s32Fd_, kLine, kLineBytes) != static_cast<ssize_t>(kLineBytes)) ReportFault("a line was cut");
   }
+
+  // A line that is read belongs to who holds the pipe's lock: the command thread waits.
+  void Hold() const { flock(s32Fd_, LOCK_EX); }
+  void Release() const { flock(s32Fd_, LOCK_UN); }
 
  private:
   int s32Fd_;
@@ -105,16 +110,18 @@ class FileLogOff {
   FileLogOff &operator=(const FileLogOff &) = delete;
 };
 
-// Processor time of the command thread for a line.
+// Processor time of the command thread for a line, of a pipe that nobody writes to meanwhile.
 double SecondsPerLine(bool bDispatch) {
   const FileLogOff off;
   const Pipe pipe;
   const clockid_t clock = ClockOfThread(CommandThread());
   g_bDispatch = bDispatch;
   g_u32Lines = 0;
-  const double f64Start = Now(clock);
+  pipe.Hold();
   for (uint32_t i = 0; i < kLines; ++i)
     pipe.Send();
+  const double f64Start = Now(clock);
+  pipe.Release();
   WaitForLines(kLines);
   const double f64Seconds = Now(clock) - f64Start;
   g_bDispatch = true;
@@ -125,17 +132,16 @@ double SecondsPerLine(bool bDispatch) {
 double SecondsOfBareReads() {
   int as32Fd[2] = {};
   if (pipe(as32Fd) != 0) return 0;
-  constexpr uint32_t kFit = 3000;  // lines that a pipe holds
-  for (uint32_t i = 0; i < kFit; ++i)
+  for (uint32_t i = 0; i < kLines; ++i)
     if (write(as32Fd[1], kLine, kLineBytes) < 0) ReportFault("a pipe holds less");
   const double f64Start = Now(CLOCK_THREAD_CPUTIME_ID);
   char cByte = 0;
-  for (size_t i = 0; i < kFit * kLineBytes; ++i)
+  for (size_t i = 0; i < kLines * kLineBytes; ++i)
     if (read(as32Fd[0], &cByte, 1) != 1) ReportFault("a pipe loses bytes");
   const double f64Seconds = Now(CLOCK_THREAD_CPUTIME_ID) - f64Start;
   close(as32Fd[0]);
   close(as32Fd[1]);
-  return f64Seconds / kFit;
+  return f64Seconds / kLines;
 }
 
 // Cycles of a processing thread: how late each is done, in seconds from when it was due.
@@ -171,17 +177,14 @@ double LatenessUnderFlood() {
   std::atomic<bool> bFlood{true};
   std::atomic<uint32_t> u32Sent{0};
   g_u32Lines = 0;
-  const auto flood = [&] {
+  std::thread flood([&] {
     const Pipe pipe;
     for (; bFlood; ++u32Sent)
       pipe.Send();
-  };
-  std::thread one(flood);
-  std::thread two(flood);
+  });
   const double f64Late = LatenessOfTwoThreads();
   bFlood = false;
-  one.join();
-  two.join();
+  flood.join();
   WaitForLines(u32Sent);
   return f64Late;
 }

@@ -5,18 +5,17 @@
 #include <string>
 #include <vector>
 
-#define JSMN_STATIC
-#include <jsmn.h>
-
 #include "ze_kest/utility.h"
 
 #include "bench/rows.h"
 #include "bench/table.h"
+#include "bench/tokenizer_alone.h"
 
 namespace kest::bench {
 namespace {
 
 constexpr size_t kMegabyte = size_t{1} << 20;
+constexpr uint32_t kTokens = 1u << 18;
 
 // Parameters by name, as many as fit.
 std::string Parameters(size_t sztBytes) {
@@ -56,11 +55,8 @@ void AddReader(const std::string &operation, const std::string &text) {
              Fill(&stJsmn, *shared);
              ze_kest_Utility_Jsmn_Destroy(&stJsmn);
            })
-      .Add("", Who::kLimit, [shared, tokens = std::make_shared<std::vector<jsmntok_t>>(kMegabyte / 4)] {
-        jsmn_parser stParser;
-        jsmn_init(&stParser);
-        if (jsmn_parse(&stParser, shared->data(), shared->size(), tokens->data(),
-                       static_cast<unsigned int>(tokens->size())) <= 0) {
+      .Add("", Who::kLimit, [shared, tokens = std::make_shared<std::vector<char>>(kTokens * kTokenBytes)] {
+        if (TokenizeAlone(shared->data(), shared->size(), tokens->data(), kTokens) <= 0) {
           ReportFault("JSON was refused by the tokenizer");
         }
       });
