@@ -5,6 +5,8 @@
 
 #include <cstdarg>
 #include <cstddef>
+#include <cstdint>
+#include <string_view>
 
 #include <sys/types.h>
 
@@ -23,6 +25,10 @@ class LogLine {
   [[nodiscard]] __attribute__((format(printf, 2, 3))) bool Append(const char *pszFormat, ...);
   [[nodiscard]] __attribute__((format(printf, 2, 0))) bool AppendList(const char *pszFormat,
                                                                       va_list arguments);
+
+  // The same for what needs no format: a text as it is, a number in decimal.
+  [[nodiscard]] bool AppendText(std::string_view text);
+  [[nodiscard]] bool AppendNumber(int32_t s32Number);
 
   // How many bytes the file has taken; negative for none.
   [[nodiscard]] ssize_t WriteTo(int s32Fd) const;

@@ -1,11 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <ctime>
-
-#include "ze_kest/utility.h"
+#include <string_view>
 
 #include "debug/control/version.h"
 #include "debug/log/log_file.h"
 #include "debug/log/log_line.h"
+#include "debug/log/thread_ids.h"
+#include "debug/log/wall_time.h"
 #include "utility/core/report.h"
 
 namespace kest {
@@ -13,8 +14,8 @@ namespace {
 
 struct LevelLabel {
   unsigned int u32Level;
-  const char *pszColour;
-  const char *pszLabel;
+  std::string_view colour;
+  std::string_view label;
 };
 
 constexpr LevelLabel kLabels[] = {
@@ -23,7 +24,7 @@ constexpr LevelLabel kLabels[] = {
     {ZE_KEST_LEVEL_ENTER, "\033[1;7;32m", "ENTER"}, {ZE_KEST_LEVEL_EXIT, "\033[1;7;32m", "EXIT"},
     {ZE_KEST_LEVEL_ERR2, "\033[1;31m", "ERR"}};
 constexpr LevelLabel kUnknownLevel = {0, "", ""};
-constexpr const char *kColourEnd = "\033[0m";
+constexpr std::string_view kColourEnd = "\033[0m";
 
 const LevelLabel &LabelOf(unsigned int u32Level) {
   for (const LevelLabel &label : kLabels) {
@@ -32,18 +33,19 @@ const LevelLabel &LabelOf(unsigned int u32Level) {
   return kUnknownLevel;
 }
 
-using TimeText = char[256];
+char Digit(uint32_t u32Number) {
+  return static_cast<char>('0' + u32Number % 10);
+}
+
+WallTime g_wallTime;  // under the log mutex
 
 // Month-day hour:minute:second.millisecond of the wall clock.
-void FormatNow(TimeText &szTime) {
+bool AppendNow(LogLine &line) {
   struct timespec stNow = {};
   clock_gettime(CLOCK_REALTIME, &stNow);
-  struct tm stLocal = {};
-  localtime_r(&stNow.tv_sec, &stLocal);
-  const int s32Length =
-      snprintf(szTime, sizeof(szTime), "%.2d-%.2d %.2d:%.2d:%.2d.%.3ld", stLocal.tm_mon + 1, stLocal.tm_mday,
-               stLocal.tm_hour, stLocal.tm_min, stLocal.tm_sec, stNow.tv_nsec / 1000000);
-  if (s32Length < 0) KEST_ERR_AS("_ZE_KEST_Debug_LogPrefix", "Error! Fail to snprintf()!\n");
+  const auto u32Ms = static_cast<uint32_t>(stNow.tv_nsec / 1000000);
+  const char acMs[] = {'.', Digit(u32Ms / 100), Digit(u32Ms / 10), Digit(u32Ms)};
+  return line.AppendText(g_wallTime.TextOf(stNow.tv_sec)) && line.AppendText({acMs, sizeof(acMs)});
 }
 
 }  // namespace
@@ -51,12 +53,13 @@ void FormatNow(TimeText &szTime) {
 void _ZE_KEST_Debug_LogPrefix(LogLine &line, unsigned int u32Level) {
   if (u32Level == ZE_KEST_LEVEL_PRINT) return;
   const LevelLabel &label = LabelOf(u32Level);
-  const char *pszColourEnd = *label.pszColour == '\0' ? "" : kColourEnd;
-  TimeText szTime = {};
-  FormatNow(szTime);
-  const bool bWhole = line.Append("%s%d %d [%s,%d][%s]<ZE3><%s>%s", label.pszColour, ze_kest_Utility_GetPid(),
-                                  ze_kest_Utility_GetTid(), kVersion, LogRestartCount(), szTime,
-                                  label.pszLabel, pszColourEnd);
+  const ThreadIds ids = IdsOfThisThread();
+  const bool bWhole = line.AppendText(label.colour) && line.AppendNumber(ids.s32Pid) &&
+                      line.AppendText(" ") && line.AppendNumber(ids.s32Tid) && line.AppendText(" [") &&
+                      line.AppendText(kVersion) && line.AppendText(",") &&
+                      line.AppendNumber(LogRestartCount()) && line.AppendText("][") && AppendNow(line) &&
+                      line.AppendText("]<ZE3><") && line.AppendText(label.label) && line.AppendText(">") &&
+                      line.AppendText(label.colour.empty() ? "" : kColourEnd);
   if (!bWhole) KEST_ERR("Error! fprintf Fail return\n");
 }
 
