@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
-#include <cstring>
 #include <utility>
 
 #include <unistd.h>
@@ -34,13 +33,6 @@ bool LogLine::AppendList(const char *pszFormat, va_list arguments) {
   sztLength_ = std::min(sztLength_ + static_cast<size_t>(s32Added), sztSize_ - 1);
   if (!bWhole) pcText_[sztLength_ - 1] = '\n';
   return bWhole;
-}
-
-bool LogLine::AppendText(std::string_view text) {
-  if (sztLength_ + text.size() >= sztSize_ && !Grow(sztLength_ + text.size() + 1)) return false;
-  memcpy(pcText_ + sztLength_, text.data(), text.size());
-  sztLength_ += text.size();
-  return true;
 }
 
 bool LogLine::AppendNumber(int32_t s32Number) {

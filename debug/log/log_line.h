@@ -6,6 +6,7 @@
 #include <cstdarg>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <string_view>
 
 #include <sys/types.h>
@@ -27,7 +28,12 @@ class LogLine {
                                                                       va_list arguments);
 
   // The same for what needs no format: a text as it is, a number in decimal.
-  [[nodiscard]] bool AppendText(std::string_view text);
+  [[nodiscard]] bool AppendText(std::string_view text) {
+    if (sztLength_ + text.size() >= sztSize_ && !Grow(sztLength_ + text.size() + 1)) return false;
+    memcpy(pcText_ + sztLength_, text.data(), text.size());
+    sztLength_ += text.size();
+    return true;
+  }
   [[nodiscard]] bool AppendNumber(int32_t s32Number);
 
   // How many bytes the file has taken; negative for none.

@@ -5,7 +5,7 @@
 #include "debug/control/version.h"
 #include "debug/log/log_file.h"
 #include "debug/log/log_line.h"
-#include "debug/log/thread_ids.h"
+#include "debug/log/thread_id_text.h"
 #include "debug/log/wall_time.h"
 #include "utility/core/report.h"
 
@@ -15,16 +15,17 @@ namespace {
 struct LevelLabel {
   unsigned int u32Level;
   std::string_view colour;
-  std::string_view label;
+  std::string_view label;  // from the end of the time to the beginning of the message
 };
 
-constexpr LevelLabel kLabels[] = {
-    {ZE_KEST_LEVEL_ERR, "\033[1;31m", "ERR"},       {ZE_KEST_LEVEL_WRN, "\033[1;33m", "WRN"},
-    {ZE_KEST_LEVEL_INFO, "\033[1;32m", "INFO"},     {ZE_KEST_LEVEL_TRACE, "\033[1;36m", "TRACE"},
-    {ZE_KEST_LEVEL_ENTER, "\033[1;7;32m", "ENTER"}, {ZE_KEST_LEVEL_EXIT, "\033[1;7;32m", "EXIT"},
-    {ZE_KEST_LEVEL_ERR2, "\033[1;31m", "ERR"}};
-constexpr LevelLabel kUnknownLevel = {0, "", ""};
-constexpr std::string_view kColourEnd = "\033[0m";
+constexpr LevelLabel kLabels[] = {{ZE_KEST_LEVEL_ERR, "\033[1;31m", "]<ZE3><ERR>\033[0m"},
+                                  {ZE_KEST_LEVEL_WRN, "\033[1;33m", "]<ZE3><WRN>\033[0m"},
+                                  {ZE_KEST_LEVEL_INFO, "\033[1;32m", "]<ZE3><INFO>\033[0m"},
+                                  {ZE_KEST_LEVEL_TRACE, "\033[1;36m", "]<ZE3><TRACE>\033[0m"},
+                                  {ZE_KEST_LEVEL_ENTER, "\033[1;7;32m", "]<ZE3><ENTER>\033[0m"},
+                                  {ZE_KEST_LEVEL_EXIT, "\033[1;7;32m", "]<ZE3><EXIT>\033[0m"},
+                                  {ZE_KEST_LEVEL_ERR2, "\033[1;31m", "]<ZE3><ERR>\033[0m"}};
+constexpr LevelLabel kUnknownLevel = {0, "", "]<ZE3><>"};
 
 const LevelLabel &LabelOf(unsigned int u32Level) {
   for (const LevelLabel &label : kLabels) {
@@ -53,13 +54,10 @@ bool AppendNow(LogLine &line) {
 void _ZE_KEST_Debug_LogPrefix(LogLine &line, unsigned int u32Level) {
   if (u32Level == ZE_KEST_LEVEL_PRINT) return;
   const LevelLabel &label = LabelOf(u32Level);
-  const ThreadIds ids = IdsOfThisThread();
-  const bool bWhole = line.AppendText(label.colour) && line.AppendNumber(ids.s32Pid) &&
-                      line.AppendText(" ") && line.AppendNumber(ids.s32Tid) && line.AppendText(" [") &&
-                      line.AppendText(kVersion) && line.AppendText(",") &&
+  const bool bWhole = line.AppendText(label.colour) && line.AppendText(ThreadIdText()) &&
+                      line.AppendText(" [") && line.AppendText(kVersion) && line.AppendText(",") &&
                       line.AppendNumber(LogRestartCount()) && line.AppendText("][") && AppendNow(line) &&
-                      line.AppendText("]<ZE3><") && line.AppendText(label.label) && line.AppendText(">") &&
-                      line.AppendText(label.colour.empty() ? "" : kColourEnd);
+                      line.AppendText(label.label);
   if (!bWhole) KEST_ERR("Error! fprintf Fail return\n");
 }
 
