@@ -23,11 +23,6 @@ Block::Block(Shape shape, Layout layout, uint32_t u32Width)
       u32Width_(u32Width),
       rings_(size_t{shape.u32Channels} * (kRingSamples + kPadding) * u32Width),
       frames_(Bytes(sizeof(uint32_t))) {
-  for (size_t i = 0; i < rings_.size(); ++i)
-    rings_[i] = static_cast<uint8_t>(i * 37 + (i >> 8));
-  for (size_t i = 0; i < frames_.size(); ++i)
-    frames_[i] = static_cast<uint8_t>(i * 41 + (i >> 8));
-
   ZE_KEST_PcmBuffer_s &stPcm = stPort_.stPcm;
   stPort_.bConnected = 1;
   stPcm.sztPcmRingSamples = kRingSamples + (layout.bPadded ? kPadding : 0);
@@ -37,7 +32,7 @@ Block::Block(Shape shape, Layout layout, uint32_t u32Width)
   for (uint32_t u32Group = 0; u32Group < ZE_KEST_PCM_GROUPS; ++u32Group)
     stPcm.astPcmGroup[u32Group] = {-1, 0, {-1, -1, -1, -1, -1, -1, -1, -1, -1, -1}};
   stPcm.astPcmGroup[Group()] = GroupOf(Group(), shape.u32Channels);
-  stPcm.apu8PcmGroupBuf[Group()] = rings_.data();
+  stPcm.apu8PcmGroupBuf[Group()] = rings_.One();
 
   stFilter_.pstParentPipeline = &stPipeline_;
   stFilter_.u32InPortCount = stFilter_.u32OutPortCount = 1;
@@ -45,7 +40,7 @@ Block::Block(Shape shape, Layout layout, uint32_t u32Width)
   stFilter_.sztMaxInPcmProcessSize = stFilter_.sztMaxOutPcmProcessSize = ZE_KEST_NO_BOUND;
   for (uint32_t ch = 0; ch < shape.u32Channels; ++ch) {
     const uint32_t u32Entry = Group() * ZE_KEST_PCM_GROUP_ENTRIES + ch;
-    apSource_[u32Entry] = frames_.data() + size_t{ch} * u32Width;
+    apSource_[u32Entry] = frames_.Other() + size_t{ch} * u32Width;
     au16Stride_[u32Entry] = static_cast<uint16_t>(shape.u32Channels);
   }
 }
@@ -53,7 +48,7 @@ Block::Block(Shape shape, Layout layout, uint32_t u32Width)
 Resampler::Planes Block::PlanesAt(uint32_t u32Position) {
   Resampler::Planes planes = {};
   for (uint32_t ch = 0; ch < shape_.u32Channels; ++ch)
-    planes[ch] = rings_.data() + (size_t{ch} * RingSamples() + u32Position) * u32Width_;
+    planes[ch] = rings_.One() + (size_t{ch} * RingSamples() + u32Position) * u32Width_;
   return planes;
 }
 
@@ -63,17 +58,17 @@ uint32_t Block::FramesBeforeWrap() const {
 
 void Block::Interleave(const Resampler &resampler, uint32_t u32LinearWidth) {
   const uint32_t u32First = FramesBeforeWrap();
-  resampler.Convert({frames_.data()}, PlanesAt(Position()), u32First);
+  resampler.Convert({frames_.Other()}, PlanesAt(Position()), u32First);
   if (u32First == shape_.u32Frames) return;
-  uint8_t *pu8Rest = frames_.data() + size_t{u32First} * shape_.u32Channels * u32LinearWidth;
+  uint8_t *pu8Rest = frames_.Other() + size_t{u32First} * shape_.u32Channels * u32LinearWidth;
   resampler.Convert({pu8Rest}, PlanesAt(0), shape_.u32Frames - u32First);
 }
 
 void Block::Deinterleave(const Resampler &resampler) {
   const uint32_t u32First = FramesBeforeWrap();
-  resampler.Convert(PlanesAt(Position()), {frames_.data()}, u32First);
+  resampler.Convert(PlanesAt(Position()), {frames_.Other()}, u32First);
   if (u32First == shape_.u32Frames) return;
-  uint8_t *pu8Rest = frames_.data() + size_t{u32First} * shape_.u32Channels * u32Width_;
+  uint8_t *pu8Rest = frames_.Other() + size_t{u32First} * shape_.u32Channels * u32Width_;
   resampler.Convert(PlanesAt(0), {pu8Rest}, shape_.u32Frames - u32First);
 }
 

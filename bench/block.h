@@ -5,10 +5,10 @@
 #include <cstring>
 #include <memory>
 #include <string>
-#include <vector>
 
 #include "ze_kest/utility.h"
 
+#include "bench/pages.h"
 #include "bench/plain_loops.h"
 #include "bench/resampler.h"
 #include "bench/table.h"
@@ -58,9 +58,9 @@ class Block {
 
   [[nodiscard]] const ZE_KEST_Filter_s *Filter() const { return &stFilter_; }
   [[nodiscard]] const ZE_KEST_PcmBuffer_s *Pcm() const { return &stPort_.stPcm; }
-  [[nodiscard]] PlainRings Plain() { return {rings_.data(), RingSamples(), Position()}; }
-  [[nodiscard]] uint8_t *Rings() { return rings_.data(); }
-  [[nodiscard]] uint8_t *Frames() { return frames_.data(); }
+  [[nodiscard]] PlainRings Plain() { return {rings_.One(), RingSamples(), Position()}; }
+  [[nodiscard]] uint8_t *Rings() { return rings_.One(); }
+  [[nodiscard]] uint8_t *Frames() { return frames_.Other(); }
 
   // Sources of a port's writers: the interleaved buffer's channels.
   void *const *Sources() const { return apSource_; }
@@ -76,8 +76,8 @@ class Block {
 
   Shape shape_;
   uint32_t u32Width_;
-  std::vector<uint8_t> rings_;
-  std::vector<uint8_t> frames_;  // interleaved, with room for 4 bytes a sample
+  Pages rings_;
+  Pages frames_;  // interleaved, with room for 4 bytes a sample
   ZE_KEST_Port_s stPort_ = {};
   ZE_KEST_Pipeline_s stPipeline_ = {};
   ZE_KEST_Filter_s stFilter_ = {};

@@ -51,9 +51,8 @@ void AddRead(const Reading &reading, Shape shape) {
     });
     // The wider side's bytes.
     const size_t sztBytes = block->Bytes(std::max(reading.u32Width, reading.u32LinearWidth));
-    const auto memory = std::make_shared<std::vector<uint8_t>>(sztBytes);
     row.Add(layout.Name(), Who::kLimit,
-            [block, memory] { memcpy(block->Frames(), memory->data(), memory->size()); });
+            [block, sztBytes] { memcpy(block->Frames(), block->Rings(), sztBytes); });
     row.Add(layout.Name(), Who::kPlain, [block, shape, pfnPlain = reading.pfnPlain] {
       pfnPlain(block->Plain(), block->Frames(), shape.u32Channels, shape.u32Frames);
     });

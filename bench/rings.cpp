@@ -59,9 +59,8 @@ struct ChannelRing {
 };
 
 void AddLimit(Row &row, Layout layout, const SharedBlock &block, size_t sztBytes) {
-  const auto memory = std::make_shared<std::vector<uint8_t>>(sztBytes);
   row.Add(layout.Name(), Who::kLimit,
-          [block, memory] { memcpy(block->Frames(), memory->data(), memory->size()); });
+          [block, sztBytes] { memcpy(block->Frames(), block->Rings(), sztBytes); });
 }
 
 void AddRead(const Reading &reading, Shape shape) {
@@ -132,9 +131,9 @@ void AddByteRing(uint32_t u32Bytes) {
   Row row("copy byte ring to byte ring, bytes in the column of frames", {0, u32Bytes});
   for (const bool bWraps : {false, true}) {
     constexpr uint32_t kRingBytes = 4096;
-    const auto memory = std::make_shared<std::vector<uint8_t>>(2 * kRingBytes);
-    uint8_t *const pu8Src = memory->data();
-    uint8_t *const pu8Dst = pu8Src + kRingBytes;
+    const auto memory = std::make_shared<std::pair<Pages, Pages>>(kRingBytes, kRingBytes);
+    uint8_t *const pu8Src = memory->first.One();
+    uint8_t *const pu8Dst = memory->second.Other();
     const uint32_t u32Offset = bWraps ? kRingBytes - u32Bytes / 2 : 64;
     const std::string layout = bWraps ? "wraps" : "";
     row.Add(layout, Who::kLibrary, [memory, pu8Dst, pu8Src, u32Offset, u32Bytes] {

@@ -64,22 +64,22 @@ constexpr Conversion kConversions[] = {
 void AddConversion(const Conversion &conversion, Shape shape) {
   const size_t sztSamples = size_t{shape.u32Channels} * shape.u32Frames;
   Row row(conversion.pszName, shape);
-  const auto memory = std::make_shared<std::vector<uint32_t>>(2 * sztSamples);
-  uint32_t *const pu32Src = memory->data();
-  uint32_t *const pu32Dst = pu32Src + sztSamples;
+  const auto memory =
+      std::make_shared<std::pair<Pages, Pages>>(sztSamples * sizeof(uint32_t), sztSamples * sizeof(uint32_t));
+  uint8_t *const pu8Src = memory->first.One();
+  uint8_t *const pu8Dst = memory->second.Other();
   for (const auto &[eWho, pfnConvert] :
        {std::pair{Who::kLibrary, conversion.pfnConvert}, std::pair{Who::kPlain, conversion.pfnPlain}}) {
-    row.Add("", eWho, [memory, pu32Src, pu32Dst, sztSamples, pfnConvert = pfnConvert] {
-      pfnConvert(pu32Src, pu32Dst, sztSamples);
+    row.Add("", eWho, [memory, pu8Src, pu8Dst, sztSamples, pfnConvert = pfnConvert] {
+      pfnConvert(pu8Src, pu8Dst, sztSamples);
     });
   }
   const size_t sztBytes = sztSamples * conversion.sztWiderBytes;
-  row.Add("", Who::kLimit, [memory, pu32Src, pu32Dst, sztBytes] { memcpy(pu32Dst, pu32Src, sztBytes); });
+  row.Add("", Who::kLimit, [memory, pu8Src, pu8Dst, sztBytes] { memcpy(pu8Dst, pu8Src, sztBytes); });
   if (conversion.eIn == kNone) return;
   const auto resampler = std::make_shared<Resampler>(conversion.eIn, conversion.eOut, 1);
-  row.Add("", Who::kSwresample, [memory, pu32Src, pu32Dst, sztSamples, resampler] {
-    resampler->Convert({reinterpret_cast<uint8_t *>(pu32Dst)}, {reinterpret_cast<uint8_t *>(pu32Src)},
-                       static_cast<uint32_t>(sztSamples));
+  row.Add("", Who::kSwresample, [memory, pu8Src, pu8Dst, sztSamples, resampler] {
+    resampler->Convert({pu8Dst}, {pu8Src}, static_cast<uint32_t>(sztSamples));
   });
 }
 

@@ -1,20 +1,15 @@
 #!/usr/bin/env bash
-# bench.sh [--quick] [--arm | TEXT...]: prints the table of docs/performance.md, or its rows that contain a TEXT.
-# --quick: every case once, for a moment: the figures mean nothing. --arm: executed instructions on the target's
-# instruction set.
+# bench.sh [--quick] [TEXT...]: prints the table of docs/performance.md, or its rows that contain a TEXT.
+# --quick: every case once, for a moment: the figures mean nothing.
+# bench.sh --arm ...: executed instructions on the target's instruction set, see bench/arm/run.sh.
 source "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 
-quick=()
-if [ "${1:-}" = --quick ]; then
-  quick=(--quick)
+case ${1:-} in --arm)
   shift
-fi
-
+  exec "$root/bench/arm/run.sh" "$@"
+  ;;
+esac
 need "${build_packages[@]}" "${bench_packages[@]}"
-if [ "${1:-}" = --arm ]; then
-  shift
-  exec "$root/bench/arm/run.sh" "${quick[@]}" "$@"
-fi
 
 # In memory: a file system on a disk would be what the log is measured with.
 debug_dir=/dev/shm/kest-bench-$(id -u)/
@@ -22,4 +17,4 @@ mkdir -p "$debug_dir"
 trap 'rm -rf "$debug_dir"' EXIT
 build bench --preset release -B "$root/build/bench" -DKEST_BUILD_BENCH=ON -DKEST_BUILD_TESTS=OFF \
   -DKEST_BUILD_PLAYER=OFF -DKEST_DEBUG_DIR="$debug_dir" >&2
-"$root/build/bench/kest-bench" "${quick[@]}" "$@"
+"$root/build/bench/kest-bench" "$@"
