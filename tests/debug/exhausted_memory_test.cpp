@@ -14,7 +14,6 @@
 #include "debug/thread/tid_test.h"
 #include "tests/support/debug_layer.h"
 #include "tests/support/failing_allocator.h"
-#include "tests/support/fake_counters.h"
 #include "tests/support/ports.h"
 #include "tests/support/report_capture.h"
 #include "utility/core/owned_file.h"
@@ -109,15 +108,10 @@ struct Lines {
 
 const Lines kLines[] = {
     {"help"},
-    {"ascii_color"},
     {"kest_log_restart;kest_log_to_file=on", {"Err! fopen failed!\n"}},
     {"kest_log_to_file=off;kest_log_to_file=on", {"Err! ze_kest_Utility_FileOpen failed!\n"}},
-    {"kest_log_to_print=off"},
     {"kest_print_current_shm"},
-    {"kest_monitor_sleep_time=20000"},
     {"kest_log_level=all;kest_log_level=err"},
-    {"kest_atrace=on;kest_atrace=off"},
-    {"kest_log_size=99999999"},
     {"kest_json_parser=" KEST_DEBUG_DIR "x.json",
      {"Err! FileToString failed!\n", "Err! MALLOC failed!\n", "File string buffer allocation failed!\n",
       "Err! ze_kest_Utility_FileOpen failed!\n"}},
@@ -126,8 +120,6 @@ const Lines kLines[] = {
     {"kest_debug_node=register;kest_debug_send_cmd_by_text=Pipeline0,Filter0,dbgcmd1=test;"
      "kest_debug_node=release"},
     {"kest_debug_node=register;kest_debug_list=print;kest_debug_list=status;kest_debug_node=release"},
-    {"kest_debug_node=remove_filter;kest_debug_node=remove_pipeline"},
-    {"kest_debug_node=pipeline_connect;kest_debug_node=pipeline_disconnect"},
     {"kest_debug_list=parameter"},
     {"kest_debug_set_parameter=Pipeline0,Filter0,Gain,1,4"},
     {"kest_debug_preset_cmd=all,dbgcmd1=test;kest_debug_node=register;kest_debug_preset_cmd=off;"
@@ -320,25 +312,6 @@ TEST_F(ExhaustedMemory, AJsonContextCanBeDestroyedWhateverHasFailed) {
              EXPECT_EQ(ZE_KEST_OK, ze_kest_Utility_Jsmn_Destroy(&stJsmn));
              return u32Filled;
            }});
-}
-
-TEST_F(ExhaustedMemory, AMeasuredCycleIsCountedOrNot) {
-  FakeCounters fake;
-  Filter filter;
-  ZE_KEST_PerformanceMeasure_s st = {};
-  ze_kest_Debug_Log(ZE_KEST_LEVEL_PRINT, "%s", "");  // the first line opens the shared block
-  const auto before = OpenDescriptors();
-  Exhaust({"measure",
-           {ZE_KEST_NOT_INITIALISED, ZE_KEST_OUT_OF_MEMORY},
-           {kNoMemory, "malloc failed.\n", "[PERF_EVENT]MALLOC Failed\n"},
-           [&] {
-             const uint64_t u64Count = st.u64Count;
-             EXPECT_EQ(ZE_KEST_OK, ze_kest_Utility_PerformanceMeasure_StartMeasure(filter, &st, "tag"));
-             const uint32_t u32Result = ze_kest_Utility_PerformanceMeasure_StopMeasure(filter, &st, "tag");
-             EXPECT_EQ(u64Count + (u32Result == ZE_KEST_OK ? 1 : 0), st.u64Count);
-             return u32Result;
-           }});
-  EXPECT_EQ(before, OpenDescriptors());
 }
 
 }  // namespace

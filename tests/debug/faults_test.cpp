@@ -96,15 +96,15 @@ TEST(Faults, WhatStandsInThePipesPlaceAndIsNoneIsNotReadAndHoldsNothingUp) {
       {[](const std::string &) { fs::create_symlink("/dev/null", kPipe); }, "<PRINT>", "D is no pipe"},
       {[](const std::string &) { fs::create_directory(kPipe); }, "<ERR>", "open ret = -1 : Is a directory"}};
   const ptrdiff_t s32Descriptors = OpenDescriptors();
-  for (const auto &[pfnMake, pszLabel, pszReport] : things) {
+  for (const auto &thing : things) {
     EmptyDirectoryAtFullLevel();
-    pfnMake(typed);
+    thing.pfnMake(typed);
     const ReportCapture capture;
     EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_Init());
-    EXPECT_TRUE(WaitFor([&] { return capture.Has(pszLabel, pszReport); })) << pszReport;
+    EXPECT_TRUE(WaitFor([&] { return capture.Has(thing.pszLabel, thing.pszReport); })) << thing.pszReport;
     EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_DeInit());  // without a line
     EXPECT_THAT(ReadFile(kLogFile), HasSubstr(pszReport));
-    EXPECT_EQ(0, ThreadsNamed("KestDebug"));
+    EXPECT_TRUE(WaitFor([] { return ThreadsNamed("KestDebug") == 0; }));
     EXPECT_EQ(s32Descriptors, OpenDescriptors());
     EXPECT_EQ(0, bKestAtraceEnable);
     EXPECT_TRUE(!fs::is_regular_file(kPipe) || ReadFile(kPipe) == typed);
@@ -142,7 +142,7 @@ TEST(Faults, AShutDownDoesNotWaitForALineOfAPipeThatWasRemoved) {
     EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_DeInit());
     if (remover.joinable()) remover.join();
     ExpectErrors(capture, {"D was removed, the thread waits for no line\n"});
-    EXPECT_EQ(0, ThreadsNamed("KestDebug"));
+    EXPECT_TRUE(WaitFor([] { return ThreadsNamed("KestDebug") == 0; }));
   }
   ExpectTheLayerWorks();
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // How a run ends before its inputs do, beside others on the same command pipe.
 #include <csignal>
+#include <filesystem>
 
 #include <fcntl.h>
 #include <gmock/gmock.h>
@@ -9,35 +10,31 @@
 #include "tests/player/audio_data.h"
 #include "tests/player/player_process.h"
 #include "tests/player/player_test.h"
+#include "tests/support/debug_layer.h"
 
 namespace kest::test {
 namespace {
 
-class PlayerEnding : public PlayerTest, public testing::WithParamInterface<int> {};
+using PlayerEnding = PlayerTest;
 
-TEST_P(PlayerEnding, ASignalEndsARealTimeRunWithAReadableFile) {
-  PlayerProcess player({kRecording, "-o", out_, "--loop"});
-  ASSERT_TRUE(PlayOn(player, 10000)) << player.Wait().err;
-  player.Signal(GetParam());
-  const PlayerResult result = player.Wait();
-  EXPECT_EQ(0, result.exitCode) << result.err;
-
+TEST_F(PlayerEnding, ASignalEndsARealTimeRunWithAReadableFile) {
   const AudioData recording = ReadAudio(kRecording);
-  const AudioData output = ReadAudio(out_);
-  EXPECT_THAT(result.out, testing::StartsWith("played " + std::to_string(output.Frames()) + " frames"));
-  ASSERT_GT(output.Frames(), 4000u);
-  for (size_t i = 0; i < output.samples.size(); ++i) {
-    ASSERT_EQ(recording.samples[i % recording.samples.size()], output.samples[i]) << i;
+  for (const int signal : {SIGINT, SIGTERM}) {
+    std::filesystem::remove(out_);
+    PlayerProcess player({kRecording, "-o", out_, "--loop"});
+    ASSERT_TRUE(PlayOn(player, 10000)) << player.Wait().err;
+    player.Signal(signal);
+    const PlayerResult result = player.Wait();
+    EXPECT_EQ(0, result.exitCode) << result.err;
+    const AudioData output = ReadAudio(out_);
+    EXPECT_THAT(result.out, testing::StartsWith("played " + std::to_string(output.Frames()) + " frames"));
+    ASSERT_GT(output.Frames(), 4000u);
+    for (size_t i = 0; i < output.samples.size(); ++i)
+      ASSERT_EQ(recording.samples[i % recording.samples.size()], output.samples[i]) << i;
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(Signals, PlayerEnding, testing::Values(SIGINT, SIGTERM),
-                         [](const auto &test) { return test.param == SIGINT ? "SIGINT" : "SIGTERM"; });
-
-using PlayerOnASharedPipe = PlayerTest;
-
-TEST_F(PlayerOnASharedPipe, EndsAlsoWhenAnotherReaderTakesItsLines) {
-  constexpr const char *kPipe = KEST_DEBUG_DIR "D";
+TEST_F(PlayerEnding, ComesAlsoWhenAnotherReaderTakesItsLines) {
   PlayerProcess player({kRecording, "-o", out_, "--loop"});
   ASSERT_TRUE(WaitWhilePlaying(player, [this] { return OutputSize() > 0 && access(kPipe, F_OK) == 0; }));
   const int otherReader = open(kPipe, O_RDONLY | O_NONBLOCK);

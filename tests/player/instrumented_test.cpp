@@ -53,10 +53,6 @@ Samples SaturatedSum(const Samples &a, const Samples &b) {
   return sum;
 }
 
-void Command(const std::string &line) {
-  EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_SetParameter(line.c_str())) << line;
-}
-
 std::string Dump(const std::string &name) {
   return ReadFile(KEST_DEBUG_DIR + name);
 }
@@ -164,6 +160,45 @@ TEST_F(Instrumented, TheSelectedPipelineIsMeasuredAndTheOthersSayHowToSelectThem
   EXPECT_TRUE(capture_.Has("<PRINT>", "[PERF_EVENT][50][SpeakerOutput][MIPS=") ||
               capture_.Has("<ERR>", "Error opening leader 1 for  HwInstr"));
   Command("kest_perf_event_target=none");
+}
+
+TEST_F(Instrumented, EveryInstrumentMayComeAndGoWhileThePipelinesRun) {
+  Options options = Input({Noise(2, kWav16, 5000), Noise(2, kWav16, 7000)});
+  options.loop = true;
+  options.seconds = 20.0;
+  const char *const aLines[] = {"kest_print_filter_info=on",
+                                "kest_print_filter_info=off",
+                                "kest_dump_io=on",
+                                "kest_dump_io=off",
+                                "kest_dump_filter_io=SpeakerOutput,",
+                                "kest_dump_filter_io=Dec,Vol",
+                                "kest_output_sinewave=on",
+                                "kest_output_sinewave=off",
+                                "kest_output_sinewave_filter=,Volume",
+                                "kest_latency=on",
+                                "kest_latency=off",
+                                "kest_latency_config=Decoder_13,Volume,SpeakerOutput,Delay",
+                                "kest_debug_filter_io=Decoder",
+                                "kest_debug_filter_io=restart",
+                                "kest_debug_filter_io=release",
+                                "kest_filter_debug_level=V,all",
+                                "kest_perf_event_target=pipeline,SpeakerOutput",
+                                "kest_perf_event_target=none",
+                                "kest_debug_list=print",
+                                "kest_debug_list=status",
+                                "kest_debug_set_parameter=Decoder_13,Volume,Gain,-1,4",
+                                "kest_debug_watch_current_tids=off",
+                                "kest_debug_watch_current_tids=on"};
+  Playback playback(player::MakeLayout(options), options);
+  playback.Start();
+  for (uint32_t random = 1; !playback.HasEnded(); random = random * 1664525 + 1013904223) {
+    ze_kest_Debug_SetParameter(aLines[(random >> 16) % std::size(aLines)]);
+    if (capture_.Reports().size() > 10000) capture_.Clear();
+  }
+  playback.Finish();
+  EXPECT_EQ(2 * 20u * 48000, ReadAudio(out_).samples.size());
+  Command("kest_debug_filter_io=Decoder");
+  Command("kest_debug_filter_io=release");
 }
 
 TEST_F(Instrumented, ADumpThatCannotBeWrittenIsReportedAndTheSoundIsWhole) {

@@ -59,6 +59,10 @@ void WriteToPipe(const std::string &bytes) {
   close(s32Fd);
 }
 
+void Command(const std::string &line) {
+  EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_SetParameter(line.c_str())) << line;
+}
+
 bool WaitFor(const std::function<bool()> &condition) {
   const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(30);
   while (!condition()) {

@@ -28,6 +28,9 @@ uint32_t ShutDown();
 // Writes bytes to the command pipe, once its reader is there.
 void WriteToPipe(const std::string &bytes);
 
+// Gives a line that must be carried out to the dispatcher.
+void Command(const std::string &line);
+
 // Waits until the condition holds; false when it does not within a generous time.
 bool WaitFor(const std::function<bool()> &condition);
 

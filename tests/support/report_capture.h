@@ -19,6 +19,8 @@ struct Report {
   std::string text;      // what follows "[line]: "
 };
 
+using Texts = std::vector<std::string>;
+
 class ReportCapture {
  public:
   explicit ReportCapture(uint32_t u32Level = ZE_KEST_LEVEL_ENTER);
@@ -29,7 +31,7 @@ class ReportCapture {
   // All reports so far.
   [[nodiscard]] std::vector<Report> Reports() const;
   // The texts of one label, in order.
-  [[nodiscard]] std::vector<std::string> Texts(const std::string &label) const;
+  [[nodiscard]] kest::test::Texts Texts(const std::string &label) const;
   // Whether some report of the label contains the text.
   [[nodiscard]] bool Has(const std::string &label, const std::string &text) const;
   void Clear();

@@ -53,10 +53,12 @@ void ExpectTaken(Handler pfnHandler, Globals pfnGlobals, const std::vector<Taken
   for (const TakenLine &line : lines) {
     const ReportCapture capture;
     EXPECT_EQ(ZE_KEST_OK, pfnHandler(line.pszLine)) << line.pszLine;
+    std::vector<std::string> expected = {std::string("<INFO>pszLine=") + line.pszLine + "\n"};
+    expected.insert(expected.end(), line.reports.begin(), line.reports.end());
     std::vector<std::string> reports;
     for (const Report &report : capture.Reports())
       reports.push_back(report.label + report.text);
-    EXPECT_EQ(line.reports, reports);
+    EXPECT_EQ(expected, reports);
     EXPECT_EQ(line.globals, pfnGlobals()) << line.pszLine;
   }
 }

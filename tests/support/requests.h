@@ -18,7 +18,8 @@ std::string TestTone();
 std::string PcmLevel();
 std::string DataRate();
 
-// A line of every form that is meant: every report, label and text, and the globals.
+// A line of every form that is meant: every report behind that of the line itself, label and text, and the
+// globals.
 struct TakenLine {
   const char *pszLine;
   std::vector<std::string> reports;

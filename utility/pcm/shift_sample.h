@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// The one kernel of all sample conversions: a sample is read as a number without a sign, shifted, and stored
-// in its new container, which keeps the low bytes.
+// What every sample conversion does: a sample is read as a number without a sign, shifted, and stored in its
+// new container, which keeps the low bytes.
 #pragma once
 
 #include <cstddef>

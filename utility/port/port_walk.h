@@ -36,6 +36,36 @@ class PortSide {
     }
   }
 
+  // The slot that is the last, the last but one and so on: 1 to Count().
+  [[nodiscard]] ZE_KEST_Port_s *AtFromEnd(uint32_t u32FromEnd) const {
+    return apstSlots_[u32Count_ - u32FromEnd];
+  }
+
+  // The ports of the last slots, up to Count(), without a loop, whose counting would be a third of a short
+  // visit.
+  template <typename Visit>
+  void ForEachOfLast(uint32_t u32Slots, Visit visit) const {
+    static_assert(ZE_KEST_MAX_PORTS == 8);
+    ZE_KEST_Port_s *const *const apstEnd = apstSlots_ + u32Count_;
+    const auto visitSlot = [&](uint32_t u32FromEnd) __attribute__((always_inline)) {
+      ZE_KEST_Port_s *pstPort = apstEnd[-static_cast<ptrdiff_t>(u32FromEnd)];
+      if (__builtin_expect(pstPort != nullptr, 1)) visit(*pstPort);
+    };
+    // clang-format off
+    switch (u32Slots) {
+      case 8: visitSlot(8); [[fallthrough]];
+      case 7: visitSlot(7); [[fallthrough]];
+      case 6: visitSlot(6); [[fallthrough]];
+      case 5: visitSlot(5); [[fallthrough]];
+      case 4: visitSlot(4); [[fallthrough]];
+      case 3: visitSlot(3); [[fallthrough]];
+      case 2: visitSlot(2); [[fallthrough]];
+      case 1: visitSlot(1); [[fallthrough]];
+      default: return;
+    }
+    // clang-format on
+  }
+
   // The first port, and every later one that is connected.
   template <typename Visit>
   void ForEachServed(Visit visit) const {

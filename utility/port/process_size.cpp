@@ -8,34 +8,55 @@
 
 namespace {
 
+// The rules are template arguments, as a call for each port would cost as much as the rest.
 using Value = uint32_t (*)(const ZE_KEST_Port_s &);
 using Counts = bool (*)(const ZE_KEST_Port_s &);
 
-// The least value of the ports that count; 0 when none does.
-template <Counts pfnCounts>
-uint32_t LeastOf(const kest::PortSide &stSide, Value pfnValue) {
-  uint32_t u32Least = UINT32_MAX;
-  stSide.ForEach([&](const ZE_KEST_Port_s &stPort) {
-    if (pfnCounts(stPort)) u32Least = std::min(u32Least, pfnValue(stPort));
-  });
+// The lesser of a value and those of the ports of the last slots that count. Mostly all ports have the same
+// to offer, so whether one counts is asked last.
+template <Counts pfnCounts, Value pfnValue>
+uint32_t Least(const kest::PortSide &stSide, uint32_t u32LastSlots, uint32_t u32Least) {
+  stSide.ForEachOfLast(
+      u32LastSlots, [&](const ZE_KEST_Port_s &stPort) __attribute__((always_inline)) {
+        const uint32_t u32Value = pfnValue(stPort);
+        if (u32Value < u32Least && pfnCounts(stPort)) u32Least = u32Value;
+      });
+  return u32Least;
+}
+
+// The least value of the first port that counts there and of those that count behind it; 0 when there is
+// none.
+template <Counts pfnCountsFirst, Counts pfnCounts, Value pfnValue>
+uint32_t LeastFrom(const kest::PortSide &stSide) {
+  for (uint32_t u32Left = stSide.Count(); u32Left != 0; --u32Left) {
+    const ZE_KEST_Port_s *pstPort = stSide.AtFromEnd(u32Left);
+    if (pstPort == nullptr || !pfnCountsFirst(*pstPort)) continue;
+    return Least<pfnCounts, pfnValue>(stSide, u32Left - 1, pfnValue(*pstPort));
+  }
+  return 0;
+}
+
+// The least value of the ports that count; UINT32_MAX, which no ring holds, becomes 0 too.
+template <Counts pfnCounts, Value pfnValue>
+uint32_t LeastOf(const kest::PortSide &stSide) {
+  const uint32_t u32Least = LeastFrom<pfnCounts, pfnCounts, pfnValue>(stSide);
   return u32Least == UINT32_MAX ? 0 : u32Least;
+}
+
+template <Value pfnValue>
+bool HasData(const ZE_KEST_Port_s &stPort) {
+  return pfnValue(stPort) != 0;
+}
+
+bool IsConnected(const ZE_KEST_Port_s &stPort) {
+  return stPort.bConnected != 0;
 }
 
 // The same over inputs that may wait for their first data: ports that are empty before the first one with
 // data are passed over, connected or not, while an empty connected one behind it stops the processing.
-uint32_t LeastBehindFirstData(const kest::PortSide &stSide, Value pfnValue) {
-  uint32_t u32Least = 0;
-  bool bTaken = false;
-  stSide.ForEach([&](const ZE_KEST_Port_s &stPort) {
-    const uint32_t u32Value = pfnValue(stPort);
-    if (!bTaken) {
-      u32Least = u32Value;
-      bTaken = u32Value != 0;
-    } else if (stPort.bConnected != 0) {
-      u32Least = std::min(u32Least, u32Value);
-    }
-  });
-  return u32Least;
+template <Value pfnValue>
+uint32_t LeastBehindFirstData(const kest::PortSide &stSide) {
+  return LeastFrom<HasData<pfnValue>, IsConnected, pfnValue>(stSide);
 }
 
 bool HasPcm(const ZE_KEST_Port_s &stPort) {
@@ -47,11 +68,11 @@ bool HasRaw(const ZE_KEST_Port_s &stPort) {
 }
 
 bool HasRawConnected(const ZE_KEST_Port_s &stPort) {
-  return stPort.bConnected != 0 && HasRaw(stPort);
+  return IsConnected(stPort) && HasRaw(stPort);
 }
 
 bool HasMetaConnected(const ZE_KEST_Port_s &stPort) {
-  return stPort.bConnected != 0 && stPort.stMeta.sztSize != 0;
+  return IsConnected(stPort) && stPort.stMeta.sztSize != 0;
 }
 
 // What this cycle has consumed already stays in: PCM levels are not reduced by it, unlike the byte rings'.
@@ -73,63 +94,79 @@ uint32_t Unwritten(const ZE_KEST_Port_s &stPort) {
   return (stPort.*kRing).sztSpace - (stPort.*kRing).sztWriteSize;
 }
 
-// Which ports of a side count, and for how much.
-struct Rule {
-  kest::PortSide (*pfnSide)(const ZE_KEST_Filter_s &);
-  uint32_t (*pfnLeast)(const kest::PortSide &, Value);
-  Value pfnValue;
-  uint32_t ZE_KEST_Filter_s::*pBound;  // NULL: none
-};
+uint32_t InPcmBound(const ZE_KEST_Filter_s &stFilter) {
+  return stFilter.sztMaxInPcmProcessSize;
+}
 
-constexpr Rule kInputPcm = {kest::InputSide, LeastBehindFirstData, PcmLevel,
-                            &ZE_KEST_Filter_s::sztMaxInPcmProcessSize};
-constexpr Rule kOutputPcm = {kest::OutputSide, LeastOf<HasPcm>, PcmSpace,
-                             &ZE_KEST_Filter_s::sztMaxOutPcmProcessSize};
-constexpr Rule kInputMeta = {kest::InputSide, LeastBehindFirstData, Unread<&ZE_KEST_Port_s::stMeta>, nullptr};
-constexpr Rule kOutputMeta = {kest::OutputSide, LeastOf<HasMetaConnected>, Unwritten<&ZE_KEST_Port_s::stMeta>,
-                              nullptr};
-constexpr Rule kInputRaw = {kest::InputSide, LeastOf<HasRaw>, Unread<&ZE_KEST_Port_s::stRaw>, nullptr};
-constexpr Rule kOutputRaw = {kest::OutputSide, LeastOf<HasRawConnected>, Unwritten<&ZE_KEST_Port_s::stRaw>,
-                             nullptr};
+uint32_t OutPcmBound(const ZE_KEST_Filter_s &stFilter) {
+  return stFilter.sztMaxOutPcmProcessSize;
+}
 
-uint32_t Calculate(const char *pszFunction, const Rule &stRule, const ZE_KEST_Filter_s *pstFilter,
-                   uint32_t *psztProcessSize) {
+uint32_t NoBound(const ZE_KEST_Filter_s &) {
+  return UINT32_MAX;
+}
+
+using SideOf = kest::PortSide (*)(const ZE_KEST_Filter_s &);
+using LeastOfSide = uint32_t (*)(const kest::PortSide &);
+using Bound = uint32_t (*)(const ZE_KEST_Filter_s &);
+
+// Out of line, as what a report needs would be fetched before anything is asked.
+__attribute__((cold, noinline)) uint32_t RefuseNull(const char *pszFunction,
+                                                    const ZE_KEST_Filter_s *pstFilter) {
   KEST_REQUIRE_AS(pszFunction, pstFilter != nullptr, "pstFilter is NULL.\n");
-  KEST_REQUIRE_AS(pszFunction, psztProcessSize != nullptr, "psztProcessSize is NULL.\n");
-  uint32_t u32Size = stRule.pfnLeast(stRule.pfnSide(*pstFilter), stRule.pfnValue);
-  if (stRule.pBound != nullptr) u32Size = std::min(u32Size, pstFilter->*stRule.pBound);
+  KEST_ERR_AS(pszFunction, "psztProcessSize is NULL.\n");
+  return ZE_KEST_INVALID_ARGUMENT;
+}
+
+template <SideOf pfnSide, LeastOfSide pfnLeast, Bound pfnBound>
+uint32_t Calculate(const char *pszFunction, const ZE_KEST_Filter_s *pstFilter, uint32_t *psztProcessSize) {
+  if (pstFilter == nullptr) return RefuseNull(pszFunction, pstFilter);
+  if (psztProcessSize == nullptr) return RefuseNull(pszFunction, pstFilter);
+  const uint32_t u32Size = std::min(pfnLeast(pfnSide(*pstFilter)), pfnBound(*pstFilter));
   *psztProcessSize = u32Size;
   return u32Size == 0 ? ZE_KEST_NOTHING_TO_PROCESS : ZE_KEST_OK;
 }
+
+constexpr auto kUnreadMeta = Unread<&ZE_KEST_Port_s::stMeta>;
+constexpr auto kUnreadRaw = Unread<&ZE_KEST_Port_s::stRaw>;
+constexpr auto kUnwrittenMeta = Unwritten<&ZE_KEST_Port_s::stMeta>;
+constexpr auto kUnwrittenRaw = Unwritten<&ZE_KEST_Port_s::stRaw>;
+
+constexpr auto kInputPcm = Calculate<kest::InputSide, LeastBehindFirstData<PcmLevel>, InPcmBound>;
+constexpr auto kOutputPcm = Calculate<kest::OutputSide, LeastOf<HasPcm, PcmSpace>, OutPcmBound>;
+constexpr auto kInputMeta = Calculate<kest::InputSide, LeastBehindFirstData<kUnreadMeta>, NoBound>;
+constexpr auto kOutputMeta = Calculate<kest::OutputSide, LeastOf<HasMetaConnected, kUnwrittenMeta>, NoBound>;
+constexpr auto kInputRaw = Calculate<kest::InputSide, LeastOf<HasRaw, kUnreadRaw>, NoBound>;
+constexpr auto kOutputRaw = Calculate<kest::OutputSide, LeastOf<HasRawConnected, kUnwrittenRaw>, NoBound>;
 
 }  // namespace
 
 uint32_t ze_kest_Utility_CalculateInputPortPcmProcessSize(const ZE_KEST_Filter_s *pstFilter,
                                                           uint32_t *psztProcessSize) {
-  return Calculate(__func__, kInputPcm, pstFilter, psztProcessSize);
+  return kInputPcm(__func__, pstFilter, psztProcessSize);
 }
 
 uint32_t ze_kest_Utility_CalculateOutputPortPcmProcessSize(const ZE_KEST_Filter_s *pstFilter,
                                                            uint32_t *psztProcessSize) {
-  return Calculate(__func__, kOutputPcm, pstFilter, psztProcessSize);
+  return kOutputPcm(__func__, pstFilter, psztProcessSize);
 }
 
 uint32_t ze_kest_Utility_CalculateInputPortMetadataProcessSize(const ZE_KEST_Filter_s *pstFilter,
                                                                uint32_t *psztProcessSize) {
-  return Calculate(__func__, kInputMeta, pstFilter, psztProcessSize);
+  return kInputMeta(__func__, pstFilter, psztProcessSize);
 }
 
 uint32_t ze_kest_Utility_CalculateOutputPortMetadataProcessSize(const ZE_KEST_Filter_s *pstFilter,
                                                                 uint32_t *psztProcessSize) {
-  return Calculate(__func__, kOutputMeta, pstFilter, psztProcessSize);
+  return kOutputMeta(__func__, pstFilter, psztProcessSize);
 }
 
 uint32_t ze_kest_Utility_CalculateInputPortRawProcessSize(const ZE_KEST_Filter_s *pstFilter,
                                                           uint32_t *psztProcessSize) {
-  return Calculate(__func__, kInputRaw, pstFilter, psztProcessSize);
+  return kInputRaw(__func__, pstFilter, psztProcessSize);
 }
 
 uint32_t ze_kest_Utility_CalculateOutputPortRawProcessSize(const ZE_KEST_Filter_s *pstFilter,
                                                            uint32_t *psztProcessSize) {
-  return Calculate(__func__, kOutputRaw, pstFilter, psztProcessSize);
+  return kOutputRaw(__func__, pstFilter, psztProcessSize);
 }

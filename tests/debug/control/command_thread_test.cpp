@@ -68,14 +68,3 @@ TEST(CommandThread, EmptyLinesRubbishAndEndlessLinesAreRefusedAndTheNextCommandW
   // One empty, the rubbish (its newline makes two, its length three), three of the x, one of conversions.
   EXPECT_EQ(8u, RefusedLines(capture));
 }
-
-TEST(CommandThread, AnExistingPipeIsUsed) {
-  kest::test::EmptyDebugDirectory();
-  ASSERT_EQ(0, system("mkfifo " KEST_DEBUG_DIR "D"));
-  const ReportCapture capture;
-  ASSERT_EQ(ZE_KEST_OK, ze_kest_Debug_Init());
-  WriteToPipe("kest_log_size=66\n");
-  EXPECT_TRUE(WaitFor([&] { return capture.Has("<PRINT>", "LogSizeMax:66\n"); }));
-  EXPECT_TRUE(capture.Has("<ERR>", "Warn! mkfifo ret = -1 : File exists\n"));
-  kest::test::ShutDown();
-}

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <cstring>
 #include <filesystem>
+#include <sstream>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -105,27 +106,13 @@ TEST(Dispatcher, ElevenSeparatorsSplitALineAndWhatFollowsTheValueIsIgnored) {
 
 TEST(Dispatcher, WhatNoCommandTakesGivesEightAndChangesNothing) {
   const DebugLayer layer;
-  for (const char *pszLine : {"",
-                              " ",
-                              "=",
-                              "nonsense",
-                              " help",
-                              "helpx",
-                              "hel",
-                              "kest_log_level",
-                              "kest_log_level=",
-                              "kest_log_level=loud",
-                              "kest_log_level==all",
-                              "kest_log_to_print=maybe",
-                              "kest_atrace=",
-                              "kest_log_size=",
-                              "KEST_LOG_LEVEL=all",
-                              "kest_debug_preset_cmd=",
-                              "kest_debug_preset_cmd=some,x",
-                              "kest_json_parser=",
-                              "kest_debug_list=",
-                              "kest_debug_list=all"}) {
-    EXPECT_EQ(Texts{}, RepliesTo(pszLine, ZE_KEST_INVALID_ARGUMENT)) << pszLine;
+  std::istringstream lines(
+      "; ;=;nonsense; help;helpx;hel;kest_log_level;kest_log_level=;kest_log_level=loud;"
+      "kest_log_level==all;kest_log_to_print=maybe;kest_atrace=;kest_log_size=;"
+      "KEST_LOG_LEVEL=all;kest_debug_preset_cmd=;kest_debug_preset_cmd=some,x;"
+      "kest_json_parser=;kest_debug_list=;kest_debug_list=all;");
+  for (std::string line; std::getline(lines, line, ';');) {
+    EXPECT_EQ(Texts{}, RepliesTo(line, ZE_KEST_INVALID_ARGUMENT)) << line;
     EXPECT_EQ(ZE_KEST_LEVEL_PRINT, g_u32LevelBehind);
   }
   EXPECT_EQ(0, bKestAtraceEnable);

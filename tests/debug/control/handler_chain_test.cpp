@@ -3,7 +3,6 @@
 
 #include "ze_kest/debug.h"
 
-#include "debug/datapath/switches.h"
 #include "tests/support/debug_layer.h"
 #include "tests/support/requests.h"
 
@@ -53,35 +52,7 @@ TEST(HandlerChain, ALineChangesTheRequestsThatItComesByUntilOneTakesIt) {
   }
 }
 
-TEST(HandlerChain, EveryNameIsCutAt63Characters) {
-  const DebugLayer layer;
-  const std::string p(100, 'p');
-  const std::string f(100, 'f');
-  const std::string names = "|" + p.substr(0, 63) + "|" + f.substr(0, 63);
-  struct {
-    std::string line;
-    Globals pfnGlobals;
-    std::string globals;
-  } const aLines[] = {
-      {"kest_perf_event_target=filter," + p + ":" + f, PerfTarget, "32" + names},
-      {"kest_process_status=filter," + p + ":" + f, StatusQuery, "32" + names},
-      {"kest_send_test_tone=" + p + "," + f + ":1", TestTone, "16" + names + "|1"},
-      {"kest_calpcmlev=" + p + "," + f + ",2", PcmLevel, "16" + names + "|2|2"},
-      {"kest_calculate_data_rate=" + p + "," + f + ":3,4", DataRate, "16" + names + "|3|4"},
-  };
-  for (const auto &line : aLines) {
-    EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_SetParameter(line.line.c_str()));
-    EXPECT_EQ(line.globals, line.pfnGlobals());
-  }
-}
-
 TEST(HandlerChain, AStartFindsNoRequest) {
-  {
-    const DebugLayer before;
-    EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_SetParameter("kest_dump_io=on"));
-    EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_SetParameter("kest_latency=on"));
-    EXPECT_TRUE(IsOn(kDumpInput) && IsOn(kDumpOutput) && IsOn(kMeasureLatency));
-  }
   for (uint32_t *pu32 :
        {&u32KestPerfEventTarget, &u32KestQueryProcessStatus, &u32KestSendTestTone,
         &u32KestSendTestToneInputPort, &u32KestCalPcmLev, &u32KestCalPcmLevMaxCount, &u32KestCalPcmLevCount,
@@ -90,7 +61,6 @@ TEST(HandlerChain, AStartFindsNoRequest) {
   }
   const DebugLayer layer;
   EXPECT_EQ((AllRequests{"0||", "0||", "0|||0", "0|||0|0", "0|||0|0"}), AllGlobals());
-  EXPECT_FALSE(IsAnyHookSwitchOn());
 }
 
 }  // namespace

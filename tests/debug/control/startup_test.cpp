@@ -107,20 +107,6 @@ TEST(StartUp, CommandsOfOtherThreadsGoOnThroughShutDownsAndStarts) {
     thread.join();
 }
 
-TEST(StartUp, WithoutADebugDirectoryTheLayerWorksAndEndsByItself) {
-  std::filesystem::remove_all(KEST_DEBUG_DIR);
-  const ReportCapture capture;
-  EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_Init());
-  EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_SetParameter("kest_log_to_print=off"));
-  EXPECT_EQ(ZE_KEST_INVALID_ARGUMENT, ze_kest_Debug_SetParameter("kest_print_current_shm"));
-  EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_DeInit());
-  for (const char *pszText :
-       {"Err! ze_kest_Utility_FileOpen failed!\n", "Warn! mkfifo ret = -1 : No such file",
-        "Err! open ret = -1 : No such file", "Err! Not initialized yet!\n"}) {
-    EXPECT_TRUE(capture.Has("<ERR>", pszText)) << pszText;
-  }
-}
-
 TEST(DebugMutex, AnUnlockByAnotherThreadLeavesTheLockWithItsHolder) {
   const DebugLayer layer;
   kest::_ZE_KEST_Debug_Mutex_Lock();

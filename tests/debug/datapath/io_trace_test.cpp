@@ -100,9 +100,9 @@ TEST_F(IoTrace, RepliesToEveryWord) {
                           "idx:0  p:main                 f:eq              pf:" + std::string(szFile),
                           "idx:1  p:aux                  f:                pf:" + std::string(szAux),
                           "===============\n"));
-  const size_t sztDescriptors = OpenDescriptors();
+  const auto before = OpenDescriptors();
   EXPECT_THAT(reports("release", 0), ElementsAre("kest_debug_filter_io=release\n"));
-  EXPECT_EQ(sztDescriptors - 2, OpenDescriptors());
+  EXPECT_EQ(before - 2, OpenDescriptors());
   EXPECT_EQ(nullptr, pFileKestDebugPipeline);
   EXPECT_EQ("bIoDebug=0\n", reports("print_watch_list,stop", 0).at(1));
   EXPECT_EQ(8u, _ZE_KEST_Debug_Cmd_Io("kest_debug_filter_io"));

@@ -17,8 +17,6 @@
 namespace kest::test {
 namespace {
 
-using Texts = std::vector<std::string>;
-
 constexpr uint32_t kRing = 128;
 constexpr size_t kPlanes[] = {2, 10, 10};
 
@@ -73,7 +71,7 @@ TEST_F(Latency, TheInputIsSilentFor500CyclesThenCarriesTheBurstAndIsLeftAlone) {
     ze_kest_Debug_RegisterInfo("pipe", nullptr, 0, nullptr, nullptr);
     ze_kest_Debug_RegisterInfo("pipe", filter, 0, nullptr, nullptr);
     EXPECT_EQ(ZE_KEST_OK, Send("kest_latency=on"));
-    for (const uint32_t i : {1, 2, 500, 501, 502}) {
+    for (const uint32_t i : {1u, 2u, 500u, 501u, 502u}) {
       if (i == 500) _stKestLatency.au32SilentCycles[2] += 497;
       for (uint32_t g = 0; g < ZE_KEST_PCM_GROUPS; ++g) {
         const Bytes noise = Noise(kPlanes[g] * kRing * (c.u32Bits / 8), g);

@@ -31,10 +31,6 @@ std::string LoggedBy(Calls &&calls) {
   return ReadFile(kLogFile).substr(sztBefore);
 }
 
-void Command(const char *pszLine) {
-  EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_SetParameter(pszLine)) << pszLine;
-}
-
 // Puts a link in the place of the closed log file and switches file logging on again.
 uint32_t ReplaceLogFileBy(const char *pszTarget) {
   _ZE_KEST_Debug_SetMode(kLogToFile, 0);
@@ -190,16 +186,6 @@ TEST(Log, LinesOfManyThreadsNeverInterleave) {
     ++s32Whole;
   }
   EXPECT_EQ(kThreads * kLines, s32Whole);
-}
-
-TEST(Log, ADirectoryThatVanishesWhileTheLayerIsUpStopsTheFileAlone) {
-  const DebugLayer layer;
-  const ReportCapture capture;
-  std::filesystem::remove_all(KEST_DEBUG_DIR);
-  ze_kest_Debug_Log(ZE_KEST_LEVEL_ERR, "into the unlinked file\n");
-  EXPECT_EQ(ZE_KEST_INVALID_ARGUMENT, ze_kest_Debug_SetParameter("kest_log_restart"));
-  EXPECT_TRUE(capture.Has("<ERR>", "Err! fopen failed!\n"));
-  EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_SetParameter("kest_log_level=all"));
 }
 
 TEST(Log, AFileThatCannotBeOpenedOrWrittenAndAnUnknownModeAreReportedOnceAndLoggingGoesOn) {

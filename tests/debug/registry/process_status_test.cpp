@@ -14,22 +14,19 @@ TEST(ProcessStatus, IsAskedOfAFilterAPipelineOrNobody) {
   ExpectTaken(
       _ZE_KEST_Debug_Cmd_QueryProcessStatus, StatusQuery,
       {{"kest_process_status=filter,Decoder_13:Volume",
-        {"<INFO>pszLine=kest_process_status=filter,Decoder_13:Volume\n",
-         "<INFO>pszSub3=filter,Decoder_13:Volume,pszSub=kest_process_status\n",
+        {"<INFO>pszSub3=filter,Decoder_13:Volume,pszSub=kest_process_status\n",
          "<INFO>pszSub3=Decoder_13:Volume,pszSub1=filter\n", "<INFO>[PROCESS_STATUS]Cmd=filter\n",
          "<INFO>[PROCESS_STATUS]Target=filter\n", "<INFO>pszSub3=Volume,pszSub2=Decoder_13\n",
          "<INFO>[PROCESS_STATUS]Pipeline Name=Decoder_13\n", "<INFO>[PROCESS_STATUS]Filter Name=Volume\n"},
         "32|Decoder_13|Volume"},
        {"kest_process_status=pipeline,SpeakerOutput",
-        {"<INFO>pszLine=kest_process_status=pipeline,SpeakerOutput\n",
-         "<INFO>pszSub3=pipeline,SpeakerOutput,pszSub=kest_process_status\n",
+        {"<INFO>pszSub3=pipeline,SpeakerOutput,pszSub=kest_process_status\n",
          "<INFO>pszSub3=SpeakerOutput,pszSub1=pipeline\n", "<INFO>[PROCESS_STATUS]Cmd=pipeline\n",
          "<INFO>[PROCESS_STATUS]Target=pipeline\n", "<INFO>[PROCESS_STATUS]Pipeline Name=SpeakerOutput\n"},
         "16|SpeakerOutput|Volume"},
        {"kest_process_status=none",
-        {"<INFO>pszLine=kest_process_status=none\n", "<INFO>pszSub3=none,pszSub=kest_process_status\n",
-         "<INFO>pszSub3=(null),pszSub1=none\n", "<INFO>[PROCESS_STATUS]Cmd=none\n",
-         "<INFO>[PROCESS_STATUS]Target=none\n"},
+        {"<INFO>pszSub3=none,pszSub=kest_process_status\n", "<INFO>pszSub3=(null),pszSub1=none\n",
+         "<INFO>[PROCESS_STATUS]Cmd=none\n", "<INFO>[PROCESS_STATUS]Target=none\n"},
         "0||"}});
 }
 

@@ -19,8 +19,6 @@
 
 namespace kest::test {
 
-using Texts = std::vector<std::string>;
-
 class RegistryTest : public testing::Test {
  protected:
   ~RegistryTest() override {

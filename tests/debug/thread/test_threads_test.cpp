@@ -19,14 +19,8 @@
 namespace kest::test {
 namespace {
 
-using Texts = std::vector<std::string>;
-
 constexpr const char *kCreateTidTest = "kest_debug_watch=create_test";
 constexpr const char *kCreateSignalTest = "kest_pthread_signal=create_test";
-
-void Command(const std::string &line) {
-  EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_SetParameter(line.c_str())) << line;
-}
 
 bool MayRunRoundRobin() {
   return std::async(std::launch::async,

@@ -44,10 +44,6 @@ class Talker {
   std::thread thread_;
 };
 
-void Command(const std::string &line) {
-  EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_SetParameter(line.c_str())) << line;
-}
-
 using ThreadWatch = RegistryTest;
 
 class ThreadWatchLog : public RegistryTest {

@@ -11,8 +11,6 @@
 namespace kest::test {
 namespace {
 
-using Texts = std::vector<std::string>;
-
 constexpr const char *kDir = KEST_DEBUG_DIR;
 const std::string kPath = KEST_DEBUG_DIR "dumped";
 const char kRing[] = "0123456789";

@@ -13,16 +13,13 @@ using kest::test::PerfTarget;
 TEST(PerfTarget, IsAPipelineAFilterOrNothing) {
   ExpectTaken(_ZE_KEST_Debug_Cmd_SetPerfEventTarget, PerfTarget,
               {{"kest_perf_event_target=filter,main:eq",
-                {"<INFO>pszLine=kest_perf_event_target=filter,main:eq\n", "<INFO>[PERF_EVENT]Cmd=filter\n",
-                 "<INFO>[PERF_EVENT]Pipeline Name=main\n", "<INFO>[PERF_EVENT]Filter Name=eq\n"},
+                {"<INFO>[PERF_EVENT]Cmd=filter\n", "<INFO>[PERF_EVENT]Pipeline Name=main\n",
+                 "<INFO>[PERF_EVENT]Filter Name=eq\n"},
                 "32|main|eq"},
                {"kest_perf_event_target=pipeline,Speaker=a,b:c",  // behind the first "," all is the name
-                {"<INFO>pszLine=kest_perf_event_target=pipeline,Speaker=a,b:c\n",
-                 "<INFO>[PERF_EVENT]Cmd=pipeline\n", "<INFO>[PERF_EVENT]Pipeline Name=Speaker=a,b:c\n"},
+                {"<INFO>[PERF_EVENT]Cmd=pipeline\n", "<INFO>[PERF_EVENT]Pipeline Name=Speaker=a,b:c\n"},
                 "16|Speaker=a,b:c|eq"},
-               {"kest_perf_event_target=none",
-                {"<INFO>pszLine=kest_perf_event_target=none\n", "<INFO>[PERF_EVENT]Cmd=none\n"},
-                "0||"}});
+               {"kest_perf_event_target=none", {"<INFO>[PERF_EVENT]Cmd=none\n"}, "0||"}});
 }
 
 TEST(PerfTarget, KeepsItsNamesButTakesTheKindWhenNamesAreMissing) {
