@@ -8,6 +8,7 @@ test_packages=(libgtest-dev libgmock-dev dpkg-dev file)
 arm_packages=(g++-arm-linux-gnueabihf qemu-user
   android-liblog-dev:armhf libsndfile1-dev:armhf libgtest-dev:armhf libgmock-dev:armhf)
 fuzz_packages=(clang libclang-rt-14-dev)
+bench_packages=(libbenchmark-dev libswresample-dev)
 
 # Each argument a line.
 say() { printf '%s\n' "$@"; }

@@ -49,7 +49,10 @@ int OpenPipe() {
     KEST_ERR_AS(kMonitor, "Warn! mkfifo ret = %d : %s\n", s32Made, ErrorText(s32Error).c_str());
   }
   // Open for writing too: so the open waits for no writer and a read never sees the end of the file.
-  const int s32Fd = open(kPipePath, O_RDWR | O_NONBLOCK | O_CLOEXEC);
+  constexpr int kFlags = O_RDWR | O_NONBLOCK | O_CLOEXEC;
+  // Else every byte that is read sets the access time. Only the pipe's owner may ask for that.
+  int s32Fd = open(kPipePath, kFlags | O_NOATIME);
+  if (s32Fd < 0 && errno == EPERM) s32Fd = open(kPipePath, kFlags);
   if (s32Fd < 0) {
     const int s32Error = errno;
     KEST_ERR_AS(kMonitor, "Err! open ret = %d : %s\n", s32Fd, ErrorText(s32Error).c_str());
@@ -90,50 +93,63 @@ void UnlockLine(int s32Fd) {
   flock(s32Fd, LOCK_UN);
 }
 
-// Waits for the first byte of a line that is this process's to read. False when the thread is to end.
-bool WaitForLine(int s32Fd) {
-  while (WaitForBytes(s32Fd)) {
-    if (LockLine(s32Fd)) {
-      if (HasBytes(s32Fd, 0)) return true;
-      UnlockLine(s32Fd);
-    }
+enum class Got { kByte, kNothing, kEnd };
+
+Got ReadByte(int s32Fd, char *pcByte) {
+  const ssize_t s32Read = read(s32Fd, pcByte, 1);
+  if (s32Read == 1) return Got::kByte;
+  if (s32Read < 0 && (errno == EINTR || errno == EAGAIN)) return Got::kNothing;
+  const int s32Error = errno;
+  KEST_ERR_AS(kMonitor, "Err! read ret = %zd : %s\n", s32Read, ErrorText(s32Error).c_str());
+  return Got::kEnd;
+}
+
+// Takes the first byte of a line, if it is this process's to read, and keeps the lock.
+Got TryToBegin(int s32Fd, char *pcByte) {
+  if (!LockLine(s32Fd)) return Got::kNothing;
+  const Got eGot = ReadByte(s32Fd, pcByte);
+  if (eGot != Got::kByte) UnlockLine(s32Fd);
+  return eGot;
+}
+
+// Waits for a line to begin. False when the thread is to end. Lines that stand behind one another are read
+// without a wait between them.
+bool BeginLine(int s32Fd, char *pcByte) {
+  Got eGot = TryToBegin(s32Fd, pcByte);
+  while (eGot == Got::kNothing) {
+    if (!WaitForBytes(s32Fd)) return false;
+    eGot = TryToBegin(s32Fd, pcByte);
+    if (eGot != Got::kNothing) break;
     // Another process reads the line. For a shut-down here it has come.
     if (!IsRunning(g_stCommandThread)) return false;
     usleep(kOtherReaderUs);
   }
-  return false;
+  return eGot == Got::kByte;
 }
 
 // False when no byte can come any more.
-bool ReadByte(int s32Fd, char *pcByte) {
-  ssize_t s32Read = 0;
-  while ((s32Read = read(s32Fd, pcByte, 1)) <= 0) {
-    if (s32Read == 0 || (errno != EINTR && errno != EAGAIN)) {
-      const int s32Error = errno;
-      KEST_ERR_AS(kMonitor, "Err! read ret = %zd : %s\n", s32Read, ErrorText(s32Error).c_str());
-      return false;
-    }
+bool NextByte(int s32Fd, char *pcByte) {
+  Got eGot = ReadByte(s32Fd, pcByte);
+  for (; eGot == Got::kNothing; eGot = ReadByte(s32Fd, pcByte)) {
     if (!WaitForBytes(s32Fd)) return false;
   }
+  return eGot == Got::kByte;
+}
+
+// The line whose first byte is there, without its newline. A longer one is cut: the byte in the last position
+// is lost, the rest is the next line. False when the pipe has failed or was removed.
+bool ReadLine(int s32Fd, char (&szLine)[kLineSize]) {
+  size_t i = 0;
+  while (szLine[i] != '\n' && i != kLineSize - 1) {
+    ++i;
+    if (!NextByte(s32Fd, &szLine[i])) return false;
+  }
+  szLine[i] = '\0';
   return true;
 }
 
-// One line without its newline. A longer one is cut: the byte in the last position is lost, the rest is the
-// next line. False when the pipe has failed or was removed.
-bool ReadLine(int s32Fd, char (&szLine)[kLineSize]) {
-  size_t i = 0;
-  while (ReadByte(s32Fd, &szLine[i])) {
-    if (szLine[i] == '\n' || i == kLineSize - 1) {
-      szLine[i] = '\0';
-      return true;
-    }
-    ++i;
-  }
-  return false;
-}
-
 bool NextLine(int s32Fd, char (&szLine)[kLineSize]) {
-  if (!WaitForLine(s32Fd)) return false;
+  if (!BeginLine(s32Fd, &szLine[0])) return false;
   const bool bWhole = ReadLine(s32Fd, szLine);
   UnlockLine(s32Fd);
   return bWhole;

@@ -1,11 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <ctime>
-
-#include "ze_kest/utility.h"
+#include <string_view>
 
 #include "debug/control/version.h"
 #include "debug/log/log_file.h"
 #include "debug/log/log_line.h"
+#include "debug/log/thread_id_text.h"
+#include "debug/log/wall_time.h"
 #include "utility/core/report.h"
 
 namespace kest {
@@ -13,17 +14,18 @@ namespace {
 
 struct LevelLabel {
   unsigned int u32Level;
-  const char *pszColour;
-  const char *pszLabel;
+  std::string_view colour;
+  std::string_view label;  // from the end of the time to the beginning of the message
 };
 
-constexpr LevelLabel kLabels[] = {
-    {ZE_KEST_LEVEL_ERR, "\033[1;31m", "ERR"},       {ZE_KEST_LEVEL_WRN, "\033[1;33m", "WRN"},
-    {ZE_KEST_LEVEL_INFO, "\033[1;32m", "INFO"},     {ZE_KEST_LEVEL_TRACE, "\033[1;36m", "TRACE"},
-    {ZE_KEST_LEVEL_ENTER, "\033[1;7;32m", "ENTER"}, {ZE_KEST_LEVEL_EXIT, "\033[1;7;32m", "EXIT"},
-    {ZE_KEST_LEVEL_ERR2, "\033[1;31m", "ERR"}};
-constexpr LevelLabel kUnknownLevel = {0, "", ""};
-constexpr const char *kColourEnd = "\033[0m";
+constexpr LevelLabel kLabels[] = {{ZE_KEST_LEVEL_ERR, "\033[1;31m", "]<ZE3><ERR>\033[0m"},
+                                  {ZE_KEST_LEVEL_WRN, "\033[1;33m", "]<ZE3><WRN>\033[0m"},
+                                  {ZE_KEST_LEVEL_INFO, "\033[1;32m", "]<ZE3><INFO>\033[0m"},
+                                  {ZE_KEST_LEVEL_TRACE, "\033[1;36m", "]<ZE3><TRACE>\033[0m"},
+                                  {ZE_KEST_LEVEL_ENTER, "\033[1;7;32m", "]<ZE3><ENTER>\033[0m"},
+                                  {ZE_KEST_LEVEL_EXIT, "\033[1;7;32m", "]<ZE3><EXIT>\033[0m"},
+                                  {ZE_KEST_LEVEL_ERR2, "\033[1;31m", "]<ZE3><ERR>\033[0m"}};
+constexpr LevelLabel kUnknownLevel = {0, "", "]<ZE3><>"};
 
 const LevelLabel &LabelOf(unsigned int u32Level) {
   for (const LevelLabel &label : kLabels) {
@@ -32,18 +34,19 @@ const LevelLabel &LabelOf(unsigned int u32Level) {
   return kUnknownLevel;
 }
 
-using TimeText = char[256];
+char Digit(uint32_t u32Number) {
+  return static_cast<char>('0' + u32Number % 10);
+}
+
+WallTime g_wallTime;  // under the log mutex
 
 // Month-day hour:minute:second.millisecond of the wall clock.
-void FormatNow(TimeText &szTime) {
+bool AppendNow(LogLine &line) {
   struct timespec stNow = {};
   clock_gettime(CLOCK_REALTIME, &stNow);
-  struct tm stLocal = {};
-  localtime_r(&stNow.tv_sec, &stLocal);
-  const int s32Length =
-      snprintf(szTime, sizeof(szTime), "%.2d-%.2d %.2d:%.2d:%.2d.%.3ld", stLocal.tm_mon + 1, stLocal.tm_mday,
-               stLocal.tm_hour, stLocal.tm_min, stLocal.tm_sec, stNow.tv_nsec / 1000000);
-  if (s32Length < 0) KEST_ERR_AS("_ZE_KEST_Debug_LogPrefix", "Error! Fail to snprintf()!\n");
+  const auto u32Ms = static_cast<uint32_t>(stNow.tv_nsec / 1000000);
+  const char acMs[] = {'.', Digit(u32Ms / 100), Digit(u32Ms / 10), Digit(u32Ms)};
+  return line.AppendText(g_wallTime.TextOf(stNow.tv_sec)) && line.AppendText({acMs, sizeof(acMs)});
 }
 
 }  // namespace
@@ -51,12 +54,10 @@ void FormatNow(TimeText &szTime) {
 void _ZE_KEST_Debug_LogPrefix(LogLine &line, unsigned int u32Level) {
   if (u32Level == ZE_KEST_LEVEL_PRINT) return;
   const LevelLabel &label = LabelOf(u32Level);
-  const char *pszColourEnd = *label.pszColour == '\0' ? "" : kColourEnd;
-  TimeText szTime = {};
-  FormatNow(szTime);
-  const bool bWhole = line.Append("%s%d %d [%s,%d][%s]<ZE3><%s>%s", label.pszColour, ze_kest_Utility_GetPid(),
-                                  ze_kest_Utility_GetTid(), kVersion, LogRestartCount(), szTime,
-                                  label.pszLabel, pszColourEnd);
+  const bool bWhole = line.AppendText(label.colour) && line.AppendText(ThreadIdText()) &&
+                      line.AppendText(" [") && line.AppendText(kVersion) && line.AppendText(",") &&
+                      line.AppendNumber(LogRestartCount()) && line.AppendText("][") && AppendNow(line) &&
+                      line.AppendText(label.label);
   if (!bWhole) KEST_ERR("Error! fprintf Fail return\n");
 }
 

@@ -91,6 +91,36 @@ TEST(Log, EveryLevelHasItsColourAndLabelAndPrintHasNoPrefix) {
   EXPECT_EQ("plain\n", LoggedBy([] { ze_kest_Debug_Log(ZE_KEST_LEVEL_PRINT, "plain\n"); }));
 }
 
+TEST(Log, TheChildOfAForkWritesItsOwnIds) {
+  const DebugLayer layer;
+  LoggedError();
+  EXPECT_EQ(0, InAnotherProcess([] {
+              const std::string id = std::to_string(getpid());
+              EXPECT_THAT(LoggedError(), HasSubstr("m" + id + " " + id + " ["));
+            }));
+  EXPECT_THAT(LoggedError(), HasSubstr("m" + std::to_string(getpid()) + " "));
+}
+
+TEST(Log, AChangeOfTheTimeZoneShowsInTheNextLine) {
+  const DebugLayer layer;
+  for (const auto &[zone, s32Hours] : {std::pair{"AAA-5", 5}, std::pair{"BBB3", -3}, std::pair{"CCC-5", 5}}) {
+    setenv("TZ", zone, 1);
+    tzset();
+    const time_t s64Before = time(nullptr) + s32Hours * 3600;
+    const std::string line = LoggedError();
+    const time_t s64After = time(nullptr) + s32Hours * 3600;
+    const auto text = [](time_t s64) {
+      char szTime[32];
+      struct tm stTime = {};
+      strftime(szTime, sizeof(szTime), "[%m-%d %H:%M:%S.", gmtime_r(&s64, &stTime));
+      return HasSubstr(std::string(szTime));
+    };
+    EXPECT_THAT(line, testing::AnyOf(text(s64Before), text(s64After)));
+  }
+  unsetenv("TZ");
+  tzset();
+}
+
 TEST(Log, TheConsoleGetsTheMessageAloneAndOnlyWhenSwitchedOn) {
   const DebugLayer layer;
   testing::internal::CaptureStdout();

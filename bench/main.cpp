@@ -1,0 +1,24 @@
+// SPDX-License-Identifier: Apache-2.0
+// kest-bench [--quick] [--benchmark_...] [TEXT...]: prints the table, or its rows that contain one of the
+// texts.
+#include <android/log.h>
+
+#include "ze_kest/debug.h"
+
+#include "bench/rows.h"
+#include "bench/table.h"
+
+int main(int s32Args, char **apszArgs) {
+  // What reaches the Android log is put together and dropped: a host without a log daemon would print it.
+  __android_log_set_logger([](const __android_logger_data *, const char *) {});
+  ze_kest_Debug_Init();
+  kest::bench::AddInterleaveRows();
+  kest::bench::AddPortRows();
+  kest::bench::AddRingRows();
+  kest::bench::AddWidthRows();
+  kest::bench::AddCycleRows();
+  kest::bench::AddLogRows();
+  kest::bench::AddCommandRows();
+  kest::bench::AddJsonRows();
+  return kest::bench::RunRows(s32Args, apszArgs);
+}

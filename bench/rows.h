@@ -1,0 +1,16 @@
+// SPDX-License-Identifier: Apache-2.0
+// Each adds its rows to the table.
+#pragma once
+
+namespace kest::bench {
+
+void AddInterleaveRows();
+void AddPortRows();
+void AddRingRows();
+void AddWidthRows();
+void AddCycleRows();
+void AddLogRows();
+void AddCommandRows();
+void AddJsonRows();
+
+}  // namespace kest::bench

@@ -1,0 +1,20 @@
+#!/usr/bin/env bash
+# bench.sh [--quick] [TEXT...]: prints the table of docs/performance.md, or its rows that contain a TEXT.
+# --quick: every case once, for a moment: the figures mean nothing.
+# bench.sh --arm ...: executed instructions on the target's instruction set, see bench/arm/run.sh.
+source "$(dirname "${BASH_SOURCE[0]}")/common.sh"
+
+case ${1:-} in --arm)
+  shift
+  exec "$root/bench/arm/run.sh" "$@"
+  ;;
+esac
+need "${build_packages[@]}" "${bench_packages[@]}"
+
+# In memory: a file system on a disk would be what the log is measured with.
+debug_dir=/dev/shm/kest-bench-$(id -u)/
+mkdir -p "$debug_dir"
+trap 'rm -rf "$debug_dir"' EXIT
+build bench --preset release -B "$root/build/bench" -DKEST_BUILD_BENCH=ON -DKEST_BUILD_TESTS=OFF \
+  -DKEST_BUILD_PLAYER=OFF -DKEST_DEBUG_DIR="$debug_dir" >&2
+"$root/build/bench/kest-bench" "$@"
