@@ -9,11 +9,15 @@ template <typename Ring, typename Linear>
 uint32_t MoveChannel(const kest::MoverTable<kest::Mover<Ring, Linear>> &stTable, Ring *pu8RingBuf,
                      Ring *pu8Pos, uint32_t sztRingSize, Linear *pu8Data, uint64_t u64Bytes,
                      uint32_t u32Stride, uint32_t u32BytesPerSample) {
-  const auto stWay = stTable.For(u32BytesPerSample, u32Stride);
   // A position before the ring becomes one far behind it; the plan of either is empty.
   const size_t sztStart = static_cast<size_t>(pu8Pos - pu8RingBuf);
-  stWay.pfnMove({pu8RingBuf, 0, pu8Data, u32Stride, 1},
-                kest::PlanRing(sztRingSize, sztStart, u64Bytes, stWay.u32Unit));
+  const kest::ChannelBlock<Ring, Linear> stBlock = {pu8RingBuf, 0, pu8Data, u32Stride, 1};
+  if (u32Stride == 1) {
+    stTable.pfnBytes(stBlock, kest::PlanRing(sztRingSize, sztStart, u64Bytes, 1));
+    return ZE_KEST_OK;
+  }
+  const auto stWay = stTable.Strided(u32BytesPerSample);
+  stWay.pfnMove(stBlock, kest::PlanRing(sztRingSize, sztStart, u64Bytes, stWay.u32Unit));
   return ZE_KEST_OK;
 }
 
