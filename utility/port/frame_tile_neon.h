@@ -191,7 +191,6 @@ struct StereoTile : EveryMachine {
         Run::Move(pu8Left, pu8Right, pu8Linear);
         pu8Left += Run::kFrames * Kernel::kRingBytes;
         pu8Right += Run::kFrames * Kernel::kRingBytes;
-        pu8Linear += Run::kFrames * 2 * Kernel::kLinearBytes;
         // Or the distances of the runs are summed up, and added one by one: the accesses step on for nothing.
         asm("" : "+r"(pu8Left), "+r"(pu8Right), "+r"(pu8Linear));
       }
@@ -204,7 +203,7 @@ struct RowStereoRun {
   static constexpr size_t kFrames = 16 / Kernel::kLinearBytes;
 
   KEST_TILE_PART static void Move(typename Kernel::Ring *pu8Left, typename Kernel::Ring *pu8Right,
-                                  typename Kernel::Linear *pu8Linear) {
+                                  typename Kernel::Linear *&pu8Linear) {
     Rows<Kernel::kLinearBytes, 2> stRows;
     if constexpr (Kernel::kReads) {
       stRows.val[0] = Row(Kernel{}, pu8Left);
@@ -215,6 +214,7 @@ struct RowStereoRun {
       PutRow(pu8Left, stRows.val[0]);
       PutRow(pu8Right, stRows.val[1]);
     }
+    pu8Linear += kFrames * 2 * Kernel::kLinearBytes;
   }
 };
 
@@ -269,11 +269,20 @@ template <typename Kernel>
 struct WideningStereoRun {
   static constexpr size_t kFrames = 8;
 
-  KEST_TILE_PART static void Move(const uint8_t *pu8Left, const uint8_t *pu8Right, uint8_t *pu8Linear) {
+  KEST_TILE_PART static void Move(const uint8_t *pu8Left, const uint8_t *pu8Right, uint8_t *&pu8Linear) {
     const uint32x4x2_t stLeft = EvenOdd<Kernel>(pu8Left);
     const uint32x4x2_t stRight = EvenOdd<Kernel>(pu8Right);
-    const uint32x4x4_t stFrames = {{stLeft.val[0], stRight.val[0], stLeft.val[1], stRight.val[1]}};
-    vst4q_u32(As<uint32_t>(pu8Linear), stFrames);
+    register uint32x4_t u32LeftEven asm("q12") = stLeft.val[0];
+    register uint32x4_t u32RightEven asm("q13") = stRight.val[0];
+    register uint32x4_t u32LeftOdd asm("q14") = stLeft.val[1];
+    register uint32x4_t u32RightOdd asm("q15") = stRight.val[1];
+    // With vst4q_u32 the address is added to where the second store would step on by itself.
+    asm volatile(
+        "vst4.32 {d24, d26, d28, d30}, [%[linear]]!\n\t"
+        "vst4.32 {d25, d27, d29, d31}, [%[linear]]!"
+        : [linear] "+r"(pu8Linear)
+        : "w"(u32LeftEven), "w"(u32RightEven), "w"(u32LeftOdd), "w"(u32RightOdd)
+        : "memory");
   }
 };
 
