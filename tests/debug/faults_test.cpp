@@ -103,7 +103,7 @@ TEST(Faults, WhatStandsInThePipesPlaceAndIsNoneIsNotReadAndHoldsNothingUp) {
     EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_Init());
     EXPECT_TRUE(WaitFor([&] { return capture.Has(thing.pszLabel, thing.pszReport); })) << thing.pszReport;
     EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_DeInit());  // without a line
-    EXPECT_THAT(ReadFile(kLogFile), HasSubstr(pszReport));
+    EXPECT_THAT(ReadFile(kLogFile), HasSubstr(thing.pszReport));
     EXPECT_TRUE(WaitFor([] { return ThreadsNamed("KestDebug") == 0; }));
     EXPECT_EQ(s32Descriptors, OpenDescriptors());
     EXPECT_EQ(0, bKestAtraceEnable);

@@ -40,10 +40,9 @@ void MoveFrames(const kest::MoverTable<kest::Mover<Ring, Linear>> &stTable, cons
   const kest::RingPlan stPlan =
       kest::PlanPort(stPcm, u32Position, stFrames.sztSamples, stFrames.u32Width, stWay.u32Unit);
   const uint32_t u32Slots = std::min(stFrames.u32Channels, sztPcmGroupChNumber[stFrames.u32Group]);
-  for (uint32_t u32Slot = 0; u32Slot < u32Slots; ++u32Slot) {
-    stWay.pfnMove(kest::SlotRing(stPcm, stFrames.u32Group, u32Slot, stFrames.u32Width), stPlan,
-                  pu8Linear + size_t{u32Slot} * stFrames.u32Width, stFrames.u32Channels);
-  }
+  stWay.pfnMove({kest::SlotRing(stPcm, stFrames.u32Group, 0, stFrames.u32Width),
+                 kest::RingPitch(stPcm, stFrames.u32Width), pu8Linear, stFrames.u32Channels, u32Slots},
+                stPlan);
 }
 
 }  // namespace

@@ -1,14 +1,15 @@
 // SPDX-License-Identifier: Apache-2.0
-// The ways to move a channel, chosen by width and stride once and then applied to every channel of a port.
+// The ways to move channels, chosen by width and stride once and then applied to all blocks of a port.
 #pragma once
 
-#include "utility/port/ring_copy.h"
+#include "utility/port/channel_block.h"
+#include "utility/port/sample_kernel.h"
 
 namespace kest {
 
-// Moves a plan's units between one channel's ring and its place in a linear buffer.
+// Moves a plan's units between a block's rings and its place in a linear buffer.
 template <typename Ring, typename Linear>
-using Mover = void (*)(Ring *pu8Ring, const RingPlan &stPlan, Linear *pu8Linear, uint32_t u32Stride);
+using Mover = void (*)(const ChannelBlock<Ring, Linear> &stBlock, const RingPlan &stPlan);
 
 using RingReader = Mover<const uint8_t, uint8_t>;
 using RingWriter = Mover<uint8_t, const uint8_t>;
@@ -55,25 +56,10 @@ struct MoverTable {
   }
 };
 
-inline void ReadBytes(const uint8_t *pu8Ring, const RingPlan &stPlan, uint8_t *pu8Linear, uint32_t) {
-  memcpy(pu8Linear, pu8Ring + stPlan.sztStart, stPlan.stFirst.sztWhole);
-  memcpy(pu8Linear + stPlan.stFirst.sztWhole, pu8Ring, stPlan.stSecond.sztWhole);
-}
-
-inline void WriteBytes(uint8_t *pu8Ring, const RingPlan &stPlan, const uint8_t *pu8Linear, uint32_t) {
-  memcpy(pu8Ring + stPlan.sztStart, pu8Linear, stPlan.stFirst.sztWhole);
-  memcpy(pu8Ring, pu8Linear + stPlan.stFirst.sztWhole, stPlan.stSecond.sztWhole);
-}
-
-inline constexpr MoverTable<RingReader> kReadAsIs = {ReadBytes, MoveSamples<ReadAsIs<2>>,
-                                                     MoveSamples<ReadAsIs<3>>, MoveSamples<ReadAsIs<4>>, 0};
-inline constexpr MoverTable<RingReader> kReadTo16 = {ReadBytes, MoveSamples<ReadAsIs<2>>, nullptr,
-                                                     MoveSamples<ReadShifted<4, 2, -16>>, 2};
-inline constexpr MoverTable<RingReader> kReadTo24Le = {ReadBytes, MoveSamples<ReadShifted<2, 4, 8>>, nullptr,
-                                                       MoveSamples<ReadShifted<4, 4, -8>>, 4};
-inline constexpr MoverTable<RingReader> kReadTo32 = {ReadBytes, MoveSamples<ReadShifted<2, 4, 16>>, nullptr,
-                                                     MoveSamples<ReadAsIs<4>>, 4};
-inline constexpr MoverTable<RingWriter> kWriteAsIs = {
-    WriteBytes, MoveSamples<WriteAsIs<2>>, MoveSamples<WriteAsIs<3>>, MoveSamples<WriteAsIs<4>>, 0};
+extern const MoverTable<RingReader> kReadAsIs;
+extern const MoverTable<RingReader> kReadTo16;
+extern const MoverTable<RingReader> kReadTo24Le;
+extern const MoverTable<RingReader> kReadTo32;
+extern const MoverTable<RingWriter> kWriteAsIs;
 
 }  // namespace kest

@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <cstring>
+
 #include "ze_kest/utility.h"
 
 #include "utility/port/channel_move.h"
@@ -6,14 +8,36 @@
 namespace {
 
 template <typename Ring, typename Linear>
-uint32_t MoveChannel(const kest::MoverTable<kest::Mover<Ring, Linear>> &stTable, Ring *pu8RingBuf,
-                     Ring *pu8Pos, uint32_t sztRingSize, Linear *pu8Data, uint64_t u64Bytes,
-                     uint32_t u32Stride, uint32_t u32BytesPerSample) {
+void MovePlanned(const kest::MoverTable<kest::Mover<Ring, Linear>> &stTable, Ring *pu8RingBuf, Ring *pu8Pos,
+                 uint32_t sztRingSize, Linear *pu8Data, uint64_t u64Bytes, uint32_t u32Stride,
+                 uint32_t u32BytesPerSample) {
   const auto stWay = stTable.For(u32BytesPerSample, u32Stride);
   // A position before the ring becomes one far behind it; the plan of either is empty.
   const size_t sztStart = static_cast<size_t>(pu8Pos - pu8RingBuf);
-  stWay.pfnMove(pu8RingBuf, kest::PlanRing(sztRingSize, sztStart, u64Bytes, stWay.u32Unit), pu8Data,
-                u32Stride);
+  stWay.pfnMove({pu8RingBuf, 0, pu8Data, u32Stride, 1},
+                kest::PlanRing(sztRingSize, sztStart, u64Bytes, stWay.u32Unit));
+}
+
+void CopyBytes(const uint8_t *pu8Ring, uint8_t *pu8Linear, size_t sztBytes) {
+  memcpy(pu8Linear, pu8Ring, sztBytes);
+}
+
+void CopyBytes(uint8_t *pu8Ring, const uint8_t *pu8Linear, size_t sztBytes) {
+  memcpy(pu8Ring, pu8Linear, sztBytes);
+}
+
+// A contiguous transfer that does not wrap is a copy and no more: also in the instructions around it.
+template <typename Ring, typename Linear>
+__attribute__((always_inline)) inline uint32_t MoveChannel(
+    const kest::MoverTable<kest::Mover<Ring, Linear>> &stTable, Ring *pu8RingBuf, Ring *pu8Pos,
+    uint32_t sztRingSize, Linear *pu8Data, uint64_t u64Bytes, uint32_t u32Stride,
+    uint32_t u32BytesPerSample) {
+  const size_t sztStart = static_cast<size_t>(pu8Pos - pu8RingBuf);
+  if (u32Stride == 1 && sztStart <= sztRingSize && u64Bytes <= sztRingSize - sztStart) {
+    CopyBytes(pu8Pos, pu8Data, static_cast<size_t>(u64Bytes));
+  } else {
+    MovePlanned(stTable, pu8RingBuf, pu8Pos, sztRingSize, pu8Data, u64Bytes, u32Stride, u32BytesPerSample);
+  }
   return ZE_KEST_OK;
 }
 

@@ -74,15 +74,29 @@ PortRead PlanRead(const ZE_KEST_PcmBuffer_s &stPcm, const Request &stRequest,
           bWholeLastGroup};
 }
 
+// The slots of a run from one on that all carry a channel, or that all do not.
+uint32_t AlikeSlots(const ZE_KEST_PcmGroup_s &stGroup, uint32_t u32Slot, uint32_t u32End) {
+  const bool bCarries = kest::CarriesChannel(stGroup, u32Slot);
+  const uint32_t u32First = u32Slot;
+  while (u32Slot < u32End && kest::CarriesChannel(stGroup, u32Slot) == bCarries)
+    ++u32Slot;
+  return u32Slot - u32First;
+}
+
 void ReadRun(const PortRead &stRead, const ChannelRun &stRun, uint8_t *pu8Dst) {
-  if (stRead.stPcm.apu8PcmGroupBuf[stRun.u32Group] == nullptr) return;
-  const ZE_KEST_PcmGroup_s &stGroup = stRead.stPcm.astPcmGroup[stRun.u32Group];
-  for (uint32_t u32Slot = stRun.u32Slot; u32Slot < stRun.u32Slot + stRun.u32Count; ++u32Slot) {
+  const ZE_KEST_PcmBuffer_s &stPcm = stRead.stPcm;
+  if (stPcm.apu8PcmGroupBuf[stRun.u32Group] == nullptr) return;
+  const ZE_KEST_PcmGroup_s &stGroup = stPcm.astPcmGroup[stRun.u32Group];
+  const uint32_t u32End = stRun.u32Slot + stRun.u32Count;
+  for (uint32_t u32Slot = stRun.u32Slot; u32Slot < u32End;) {
+    const uint32_t u32Channels = AlikeSlots(stGroup, u32Slot, u32End);
     if (kest::CarriesChannel(stGroup, u32Slot)) {
-      stRead.stWay.pfnMove(kest::SlotRing(stRead.stPcm, stRun.u32Group, u32Slot), stRead.stPlan, pu8Dst,
-                           stRead.u32Stride);
+      stRead.stWay.pfnMove({kest::SlotRing(stPcm, stRun.u32Group, u32Slot), kest::RingPitch(stPcm), pu8Dst,
+                            stRead.u32Stride, u32Channels},
+                           stRead.stPlan);
     }
-    pu8Dst += stRead.u32LinearBytes;
+    pu8Dst += size_t{u32Channels} * stRead.u32LinearBytes;
+    u32Slot += u32Channels;
   }
 }
 

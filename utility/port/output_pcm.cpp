@@ -35,18 +35,47 @@ PortWrite PlanWrite(const ZE_KEST_PcmBuffer_s &stPcm, const kest::ChannelWay<kes
                          : kest::PlanPort(stPcm, u32Position, sztSamples, stWay.u32Unit)};
 }
 
+// The sources of a group's slots.
+template <typename Sample>
+struct GroupSources {
+  const ZE_KEST_PcmGroup_s &stGroup;
+  Sample *const *apSrc;
+  const uint16_t *au16Stride;
+
+  [[nodiscard]] const uint8_t *Of(uint32_t u32Slot) const {
+    if (!kest::CarriesChannel(stGroup, u32Slot)) return nullptr;
+    return static_cast<const uint8_t *>(static_cast<const void *>(apSrc[u32Slot]));
+  }
+
+  // The slots from one with a source on whose samples lie one beside the other in the same frames.
+  [[nodiscard]] uint32_t Beside(uint32_t u32First, uint32_t u32Width) const {
+    const auto uAddress = reinterpret_cast<uintptr_t>(Of(u32First));
+    const uint32_t u32Slots = au16Stride[u32First] == 1 ? 0 : kest::SlotCount(stGroup);
+    uint32_t u32Slot = u32First + 1;
+    while (u32Slot < u32Slots && au16Stride[u32Slot] == au16Stride[u32First] &&
+           reinterpret_cast<uintptr_t>(Of(u32Slot)) == uAddress + size_t{u32Slot - u32First} * u32Width)
+      ++u32Slot;
+    return u32Slot - u32First;
+  }
+};
+
 // apSrc, au16Stride: the entries of the group.
 template <typename Sample>
 void WriteGroup(const ZE_KEST_PcmBuffer_s &stPcm, uint32_t u32Group, const PortWrite &stContiguous,
                 const PortWrite &stStrided, Sample *const *apSrc, const uint16_t *au16Stride) {
   if (stPcm.apu8PcmGroupBuf[u32Group] == nullptr) return;
-  const ZE_KEST_PcmGroup_s &stGroup = stPcm.astPcmGroup[u32Group];
-  for (uint32_t u32Slot = 0; u32Slot < kest::SlotCount(stGroup); ++u32Slot) {
-    if (apSrc[u32Slot] == nullptr || !kest::CarriesChannel(stGroup, u32Slot)) continue;
+  const GroupSources<Sample> stSources = {stPcm.astPcmGroup[u32Group], apSrc, au16Stride};
+  const uint32_t u32Slots = kest::SlotCount(stSources.stGroup);
+  uint32_t u32Channels = 1;
+  for (uint32_t u32Slot = 0; u32Slot < u32Slots; u32Slot += u32Channels) {
+    u32Channels = 1;
+    if (stSources.Of(u32Slot) == nullptr) continue;
+    u32Channels = stSources.Beside(u32Slot, kest::BytesPerSample(stPcm));
     const uint16_t u16Stride = au16Stride[u32Slot];
     const PortWrite &stWrite = u16Stride == 1 ? stContiguous : stStrided;
-    const auto *pu8Src = static_cast<const uint8_t *>(static_cast<const void *>(apSrc[u32Slot]));
-    stWrite.stWay.pfnMove(kest::SlotRing(stPcm, u32Group, u32Slot), stWrite.stPlan, pu8Src, u16Stride);
+    stWrite.stWay.pfnMove({kest::SlotRing(stPcm, u32Group, u32Slot), kest::RingPitch(stPcm),
+                           stSources.Of(u32Slot), u16Stride, u32Channels},
+                          stWrite.stPlan);
   }
 }
 

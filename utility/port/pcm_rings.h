@@ -14,10 +14,19 @@ inline uint32_t BytesPerSample(const ZE_KEST_PcmBuffer_s &stPcm) {
   return stPcm.stPcmInfo.u32BitWidth >> 3;
 }
 
-// The ring of a slot of a group that has storage, of samples of some width or of the port's.
+// The distance of a group's rings, of samples of some width or of the port's.
+inline size_t RingPitch(const ZE_KEST_PcmBuffer_s &stPcm, uint32_t u32Width) {
+  return size_t{stPcm.sztPcmRingSamples} * u32Width;
+}
+
+inline size_t RingPitch(const ZE_KEST_PcmBuffer_s &stPcm) {
+  return RingPitch(stPcm, BytesPerSample(stPcm));
+}
+
+// The ring of a slot of a group that has storage.
 inline uint8_t *SlotRing(const ZE_KEST_PcmBuffer_s &stPcm, uint32_t u32Group, uint32_t u32Slot,
                          uint32_t u32Width) {
-  return stPcm.apu8PcmGroupBuf[u32Group] + size_t{u32Slot} * stPcm.sztPcmRingSamples * u32Width;
+  return stPcm.apu8PcmGroupBuf[u32Group] + u32Slot * RingPitch(stPcm, u32Width);
 }
 
 inline uint8_t *SlotRing(const ZE_KEST_PcmBuffer_s &stPcm, uint32_t u32Group, uint32_t u32Slot) {
@@ -38,8 +47,8 @@ inline uint32_t SlotCount(const ZE_KEST_PcmGroup_s &stGroup) {
 inline RingPlan PlanPort(const ZE_KEST_PcmBuffer_s &stPcm, uint32_t u32Position, uint32_t sztSamples,
                          uint32_t u32Width, uint32_t u32Unit) {
   if (u32Position > stPcm.sztPcmRingSamples) return {};
-  return PlanRing(size_t{stPcm.sztPcmRingSamples} * u32Width, size_t{u32Position} * u32Width,
-                  uint64_t{sztSamples} * u32Width, u32Unit);
+  return PlanRing(RingPitch(stPcm, u32Width), size_t{u32Position} * u32Width, uint64_t{sztSamples} * u32Width,
+                  u32Unit);
 }
 
 inline RingPlan PlanPort(const ZE_KEST_PcmBuffer_s &stPcm, uint32_t u32Position, uint32_t sztSamples,

@@ -21,13 +21,30 @@ struct RingPlan {
   RingSegment stSecond;  // from the ring's start
 };
 
+// Whole units; those of samples without the division that the target does not have.
+inline size_t UnitsIn(size_t sztBytes, size_t sztUnit) {
+  switch (sztUnit) {
+    case 1:
+      return sztBytes;
+    case 2:
+      return sztBytes / 2;
+    case 3:
+      return sztBytes / 3;
+    case 4:
+      return sztBytes / 4;
+    default:
+      return sztBytes / sztUnit;
+  }
+}
+
 // The units that begin within the next u64Bytes bytes of a segment; a partial last one counts.
 inline RingSegment SegmentOf(size_t sztSegment, uint64_t u64Bytes, size_t sztUnit) {
   const size_t sztBytes = u64Bytes < sztSegment ? static_cast<size_t>(u64Bytes) : sztSegment;
-  if (sztUnit == 1) return {sztBytes, 0};
-  const size_t sztUnits = sztBytes / sztUnit + (sztBytes % sztUnit != 0 ? 1 : 0);
-  const size_t sztWhole = std::min(sztUnits, sztSegment / sztUnit);
-  return {sztWhole, sztUnits > sztWhole ? sztSegment % sztUnit : 0};
+  const size_t sztWhole = UnitsIn(sztBytes, sztUnit);
+  const size_t sztBegun = sztBytes - sztWhole * sztUnit;
+  if (sztBegun == 0) return {sztWhole, 0};
+  const size_t sztRoom = sztSegment - sztWhole * sztUnit;
+  return sztRoom < sztUnit ? RingSegment{sztWhole, sztRoom} : RingSegment{sztWhole + 1, 0};
 }
 
 // Up to the ring's end and on from its start for at most one lap; nothing when the start lies outside.

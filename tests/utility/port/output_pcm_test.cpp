@@ -23,6 +23,12 @@ struct Sources {
       au16Stride[entry] = au16Strides[entry % 6];
     }
     apSrc[14] = nullptr;
+    // Slots whose samples lie one beside the other in frames, and at last two that do but for their order.
+    for (uint32_t entry = 15; entry < 21; ++entry) {
+      apSrc[entry] = apSrc[15] + (entry - 15);
+      au16Stride[entry] = 11;
+    }
+    std::swap(apSrc[19], apSrc[20]);
   }
   uint32_t Write(ZE_KEST_Filter_s *pstFilter, uint32_t samples) const {
     if constexpr (sizeof(Sample) == 2) {
@@ -54,7 +60,8 @@ void ExpectLikeModel(Filter &filter, bool bStraight) {
     uint8_t *pu8Ring = expected[entry / 12].Data() + size_t{slot} * kRing * width;
     ze_kest_Utility_WriteDataToNonInterleaveRingBuffer(
         pu8Ring, pu8Ring + size_t{position} * width, (bStraight ? 2 : 1) * kRing * width,
-        sources.noise[entry].data(), kSamples * width, sources.au16Stride[entry], width);
+        static_cast<const uint8_t *>(static_cast<const void *>(sources.apSrc[entry])), kSamples * width,
+        sources.au16Stride[entry], width);
   }
   ASSERT_EQ(ZE_KEST_OK, sources.Write(filter, kSamples));
   for (uint32_t g = 0; g < ZE_KEST_PCM_GROUPS; ++g) {

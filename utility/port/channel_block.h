@@ -1,0 +1,120 @@
+// SPDX-License-Identifier: Apache-2.0
+// Moving the samples of channels that lie one beside the other in the frames of a linear buffer, and at equal
+// distances in rings.
+//
+// The frames are gone through once, a few at a time for all the channels, and in them strip by strip of as
+// many channels as there are tiles for. Whatever does not fill a tile is moved sample by sample.
+#pragma once
+
+#include <algorithm>
+
+#include "utility/port/frame_tile.h"
+#include "utility/port/frame_tile_neon.h"
+#include "utility/port/frame_tile_ssse3.h"
+#include "utility/port/ring_plan.h"
+
+namespace kest {
+
+template <typename Ring, typename Linear>
+struct ChannelBlock {
+  Ring *pu8Ring;  // of the first channel
+  size_t sztRingPitch;
+  Linear *pu8Linear;   // the first channel's first sample
+  uint32_t u32Stride;  // samples of a frame; at 1 a block has one channel
+  uint32_t u32Channels;
+};
+
+// So many frames are still in the cache when the next strip of channels comes to them.
+inline constexpr size_t kFramesAtOnce = 256;
+
+// Sample by sample: what the tiles have to be like.
+template <typename Kernel>
+void MoveChannel(FramePlace<Kernel> stPlace, size_t sztFrames) {
+  for (; sztFrames != 0; --sztFrames) {
+    Kernel::Move(stPlace.pu8Ring, stPlace.pu8Linear);
+    stPlace.Skip(1);
+  }
+}
+
+// As many frames as a tile has, or more.
+template <typename Tile, typename Kernel>
+void MoveTiles(FramePlace<Kernel> stPlace, size_t sztFrames) {
+  const size_t sztTiles = sztFrames / Tile::kFrames;
+  const size_t sztRest = sztFrames % Tile::kFrames;
+  Tile::Move(stPlace, sztTiles);
+  if (sztRest == 0) return;
+  // The last tile moves some frames a second time.
+  stPlace.Skip(sztFrames - Tile::kFrames);
+  Tile::Move(stPlace, 1);
+}
+
+template <typename Kernel, uint32_t kChannels, bool kWholeFrames>
+void MoveStrip(const FramePlace<Kernel> &stPlace, size_t sztFrames) {
+  using Tile = FrameTile<Kernel, kChannels, kWholeFrames>;
+  if constexpr (Tile::kFrames != 0) {
+    if (sztFrames >= Tile::kFrames && Tile::Runs()) return MoveTiles<Tile>(stPlace, sztFrames);
+  }
+  for (uint32_t u32Channel = 0; u32Channel < kChannels; ++u32Channel)
+    MoveChannel(stPlace.Channel(u32Channel), sztFrames);
+}
+
+// Strips of kMost channels or less.
+template <typename Kernel, uint32_t kMost>
+void MoveStrips(FramePlace<Kernel> stPlace, uint32_t u32Channels, size_t sztFrames) {
+  if constexpr (kMost == 1 || FrameTile<Kernel, kMost, false>::kFrames != 0) {
+    for (; u32Channels >= kMost; u32Channels -= kMost) {
+      MoveStrip<Kernel, kMost, false>(stPlace, sztFrames);
+      stPlace = stPlace.Channel(kMost);
+    }
+  }
+  if constexpr (kMost > 1) MoveStrips<Kernel, kMost / 2>(stPlace, u32Channels, sztFrames);
+}
+
+template <typename Kernel>
+void MoveFrames(FramePlace<Kernel> stPlace, uint32_t u32Channels, size_t sztFrames) {
+  while (sztFrames != 0) {
+    const size_t sztPiece = std::min(sztFrames, kFramesAtOnce);
+    MoveStrips<Kernel, kMostTileChannels>(stPlace, u32Channels, sztPiece);
+    stPlace.Skip(sztPiece);
+    sztFrames -= sztPiece;
+  }
+}
+
+// Stereo has its own way where the frames hold nothing else.
+template <typename Kernel>
+void MoveWhole(const FramePlace<Kernel> &stPlace, uint32_t u32Channels, size_t sztFrames) {
+  if constexpr (FrameTile<Kernel, 2, true>::kFrames != 0) {
+    if (u32Channels == 2 && stPlace.sztStep == 2 * Kernel::kLinearBytes)
+      return MoveStrip<Kernel, 2, true>(stPlace, sztFrames);
+  }
+  MoveFrames(stPlace, u32Channels, sztFrames);
+}
+
+// The place behind the segment, which is that of another one in the ring.
+template <typename Kernel>
+typename Kernel::Linear *MoveSegment(const FramePlace<Kernel> &stPlace, const RingSegment &stSegment,
+                                     uint32_t u32Channels) {
+  MoveWhole(stPlace, u32Channels, stSegment.sztWhole);
+  FramePlace<Kernel> stEnd = stPlace;
+  stEnd.Skip(stSegment.sztWhole);
+  if (stSegment.sztCut == 0) return stEnd.pu8Linear;
+  for (uint32_t u32Channel = 0; u32Channel < u32Channels; ++u32Channel) {
+    const FramePlace<Kernel> stChannel = stEnd.Channel(u32Channel);
+    Kernel::MoveCut(stChannel.pu8Ring, stChannel.pu8Linear, stSegment.sztCut);
+  }
+  return stEnd.pu8Linear + stEnd.sztStep;
+}
+
+// Moves the samples of a plan whose unit is the kernel's width in the ring.
+template <typename Kernel>
+void MoveBlock(const ChannelBlock<typename Kernel::Ring, typename Kernel::Linear> &stBlock,
+               const RingPlan &stPlan) {
+  FramePlace<Kernel> stPlace = {stBlock.pu8Ring + stPlan.sztStart, stBlock.sztRingPitch, stBlock.pu8Linear,
+                                stBlock.u32Stride * Kernel::kLinearBytes};
+  stPlace.pu8Linear = MoveSegment(stPlace, stPlan.stFirst, stBlock.u32Channels);
+  if (stPlan.stSecond.sztWhole + stPlan.stSecond.sztCut == 0) return;
+  stPlace.pu8Ring = stBlock.pu8Ring;
+  MoveSegment(stPlace, stPlan.stSecond, stBlock.u32Channels);
+}
+
+}  // namespace kest

@@ -1,0 +1,54 @@
+// SPDX-License-Identifier: Apache-2.0
+// A few samples of a few channels, moved in one go between rings and the frames of a linear buffer.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <type_traits>
+
+// Tiles are in registers only when all of it is one function.
+#define KEST_TILE_PART __attribute__((always_inline)) inline
+
+namespace kest {
+
+// A channel's next sample in its ring and in a frame. The channels behind it follow at equal distances.
+template <typename Kernel>
+struct FramePlace {
+  typename Kernel::Ring *pu8Ring;
+  size_t sztRingPitch;  // bytes from one channel's ring to the next one's
+  typename Kernel::Linear *pu8Linear;
+  size_t sztStep;  // bytes from frame to frame
+
+  void Skip(size_t sztFrames) {
+    pu8Ring += sztFrames * Kernel::kRingBytes;
+    pu8Linear += sztFrames * sztStep;
+  }
+  [[nodiscard]] FramePlace Channel(uint32_t u32Channel) const {
+    return {pu8Ring + u32Channel * sztRingPitch, sztRingPitch, pu8Linear + u32Channel * Kernel::kLinearBytes,
+            sztStep};
+  }
+};
+
+// Moves kFrames frames of kChannels channels, which may be all that a frame has; the same as the kernel
+// sample by sample. The instruction sets specialise it; without frames there is no such tile.
+template <typename Kernel, uint32_t kChannels, bool kWholeFrames, typename Enable = void>
+struct FrameTile {
+  static constexpr size_t kFrames = 0;
+};
+
+// Of tiles that the machine always has the instructions for.
+struct EveryMachine {
+  static constexpr bool Runs() { return true; }
+};
+
+template <typename Kernel>
+using IfOf32 = std::enable_if_t<Kernel::kLinearBytes == 4>;
+template <typename Kernel>
+using If24 = std::enable_if_t<Kernel::kLinearBytes == 3>;
+template <typename Kernel>
+using IfNot24 = std::enable_if_t<Kernel::kLinearBytes != 3>;
+
+// The channels of the widest tiles.
+inline constexpr uint32_t kMostTileChannels = 8;
+
+}  // namespace kest
