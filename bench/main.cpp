@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 // kest-bench [--quick] [--benchmark_...] [TEXT...]: prints the table, or its rows that contain one of the
 // texts.
+#include <cstdio>
+
 #include <android/log.h>
+#include <unistd.h>
 
 #include "ze_kest/debug.h"
 
@@ -9,6 +12,10 @@
 #include "bench/table.h"
 
 int main(int s32Args, char **apszArgs) {
+  if (access(KEST_DEBUG_DIR, W_OK) != 0) {
+    perror(KEST_DEBUG_DIR);
+    return 1;
+  }
   // What reaches the Android log is put together and dropped: a host without a log daemon would print it.
   __android_log_set_logger([](const __android_logger_data *, const char *) {});
   ze_kest_Debug_Init();

@@ -35,22 +35,6 @@ bool LogLine::AppendList(const char *pszFormat, va_list arguments) {
   return bWhole;
 }
 
-bool LogLine::AppendNumber(int32_t s32Number) {
-  constexpr size_t kLongest = sizeof("-2147483648");
-  char acDigits[kLongest];
-  char *const pcEnd = acDigits + kLongest;
-  char *pc = pcEnd;
-  const bool bNegative = s32Number < 0;
-  uint32_t u32Left = static_cast<uint32_t>(s32Number);
-  if (bNegative) u32Left = 0 - u32Left;
-  do {
-    *--pc = static_cast<char>('0' + u32Left % 10);
-    u32Left /= 10;
-  } while (u32Left != 0);
-  if (bNegative) *--pc = '-';
-  return AppendText({pc, static_cast<size_t>(pcEnd - pc)});
-}
-
 bool LogLine::Grow(size_t sztSize) {
   Owned<char> longer = Allocate<char>(sztSize);
   if (longer == nullptr) return false;

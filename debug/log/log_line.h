@@ -5,7 +5,6 @@
 
 #include <cstdarg>
 #include <cstddef>
-#include <cstdint>
 #include <cstring>
 #include <string_view>
 
@@ -27,14 +26,13 @@ class LogLine {
   [[nodiscard]] __attribute__((format(printf, 2, 0))) bool AppendList(const char *pszFormat,
                                                                       va_list arguments);
 
-  // The same for what needs no format: a text as it is, a number in decimal.
+  // The same for a text as it is.
   [[nodiscard]] bool AppendText(std::string_view text) {
     if (sztLength_ + text.size() >= sztSize_ && !Grow(sztLength_ + text.size() + 1)) return false;
     memcpy(pcText_ + sztLength_, text.data(), text.size());
     sztLength_ += text.size();
     return true;
   }
-  [[nodiscard]] bool AppendNumber(int32_t s32Number);
 
   // How many bytes the file has taken; negative for none.
   [[nodiscard]] ssize_t WriteTo(int s32Fd) const;

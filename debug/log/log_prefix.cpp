@@ -2,11 +2,10 @@
 #include <ctime>
 #include <string_view>
 
-#include "debug/control/version.h"
 #include "debug/log/log_file.h"
 #include "debug/log/log_line.h"
+#include "debug/log/prefix_middle.h"
 #include "debug/log/thread_id_text.h"
-#include "debug/log/wall_time.h"
 #include "utility/core/report.h"
 
 namespace kest {
@@ -38,15 +37,16 @@ char Digit(uint32_t u32Number) {
   return static_cast<char>('0' + u32Number % 10);
 }
 
-WallTime g_wallTime;  // under the log mutex
+PrefixMiddle g_middle;  // under the log mutex
 
-// Month-day hour:minute:second.millisecond of the wall clock.
-bool AppendNow(LogLine &line) {
+// From behind the ids to the milliseconds.
+bool AppendMiddle(LogLine &line) {
   struct timespec stNow = {};
   clock_gettime(CLOCK_REALTIME, &stNow);
   const auto u32Ms = static_cast<uint32_t>(stNow.tv_nsec / 1000000);
-  const char acMs[] = {'.', Digit(u32Ms / 100), Digit(u32Ms / 10), Digit(u32Ms)};
-  return line.AppendText(g_wallTime.TextOf(stNow.tv_sec)) && line.AppendText({acMs, sizeof(acMs)});
+  const char acMs[] = {Digit(u32Ms / 100), Digit(u32Ms / 10), Digit(u32Ms)};
+  return line.AppendText(g_middle.TextOf(stNow.tv_sec, LogRestartCount())) &&
+         line.AppendText({acMs, sizeof(acMs)});
 }
 
 }  // namespace
@@ -55,9 +55,7 @@ void _ZE_KEST_Debug_LogPrefix(LogLine &line, unsigned int u32Level) {
   if (u32Level == ZE_KEST_LEVEL_PRINT) return;
   const LevelLabel &label = LabelOf(u32Level);
   const bool bWhole = line.AppendText(label.colour) && line.AppendText(ThreadIdText()) &&
-                      line.AppendText(" [") && line.AppendText(kVersion) && line.AppendText(",") &&
-                      line.AppendNumber(LogRestartCount()) && line.AppendText("][") && AppendNow(line) &&
-                      line.AppendText(label.label);
+                      AppendMiddle(line) && line.AppendText(label.label);
   if (!bWhole) KEST_ERR("Error! fprintf Fail return\n");
 }
 

@@ -1,18 +1,19 @@
 // SPDX-License-Identifier: Apache-2.0
-// The wall clock as the log shows it.
+// What lines of the same second have in common behind their ids.
 #pragma once
 
+#include <cstdint>
 #include <ctime>
 #include <string_view>
 
 namespace kest {
 
-// "month-day hour:minute:second" of a local time. Within one second the calendar is asked once, unless the
-// time zone changes.
-class WallTime {
+// " [version,restarts][month-day hour:minute:second." in local time. Within one second the calendar is asked
+// once, unless the time zone changes.
+class PrefixMiddle {
  public:
   // Valid until the next call.
-  std::string_view TextOf(time_t s64Second);
+  std::string_view TextOf(time_t s64Second, int32_t s32Restarts);
 
  private:
   // What tells one time zone from another, as far as the C library says so.
@@ -23,11 +24,12 @@ class WallTime {
     bool operator==(const Zone &other) const;
   };
   static Zone ZoneNow();
-  void Format(time_t s64Second);
+  void Format(time_t s64Second, int32_t s32Restarts);
 
-  time_t s64Second_ = -1;
+  time_t s64Second_ = 0;
+  int32_t s32Restarts_ = 0;
   Zone zone_ = {};
-  char szText_[80] = "";
+  char szText_[128] = "";
   size_t sztLength_ = 0;
 };
 
