@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
 // A playing player seen through the registry's commands, and changed by them.
-#include <algorithm>
 #include <cmath>
 #include <csignal>
 #include <filesystem>
@@ -9,6 +8,7 @@
 #include <gmock/gmock.h>
 
 #include "tests/player/audio_data.h"
+#include "tests/player/console.h"
 #include "tests/player/player_process.h"
 #include "tests/player/player_test.h"
 #include "tests/support/debug_layer.h"
@@ -25,29 +25,6 @@ constexpr int kWav16 = SF_FORMAT_WAV | SF_FORMAT_PCM_16;
 constexpr int kWav24 = SF_FORMAT_WAV | SF_FORMAT_PCM_24;
 // Far more than what the pipelines hold of 16-bit stereo.
 constexpr uint64_t kPlentyOfBytes = 100000;
-
-// Commands are carried out one after the other: where this one's reply begins, the one before has its whole.
-constexpr const char *kMark = "kest_print_current_shm";
-constexpr const char *kReplyOfMark = "\nDebugLevel:";
-constexpr const char *kEndOfMark = "\nbDebugPresetCmd:";
-
-std::string WithSingleBlanks(std::string text) {
-  const auto bothBlank = [](char a, char b) { return a == ' ' && b == ' '; };
-  text.erase(std::unique(text.begin(), text.end(), bothBlank), text.end());
-  return text;
-}
-
-// Types a command and gives what it adds to the log, with every run of blanks made one.
-std::string Ask(const std::string &command) {
-  const size_t before = ReadFile(kLogFile).size();
-  WriteToPipe(command + "\n" + kMark + "\n");
-  std::string reply;
-  EXPECT_TRUE(WaitFor([&] {
-    reply = ReadFile(kLogFile).erase(0, before);
-    return reply.find(kEndOfMark) != std::string::npos;
-  })) << command;
-  return WithSingleBlanks(reply.substr(0, reply.find(kReplyOfMark)));
-}
 
 // A player, asked while it plays and ended as its user does.
 class PlayerRegistry : public PlayerTest {
