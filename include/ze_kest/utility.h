@@ -15,7 +15,9 @@
 #include <stdio.h>
 #include <time.h>
 
+#include "ze_kest/json.h"
 #include "ze_kest/model.h"
+#include "ze_kest/performance.h"
 #include "ze_kest/result.h"
 
 #ifdef __cplusplus
@@ -172,89 +174,6 @@ ZE_KEST_API uint32_t ze_kest_Utility_ShmAlloc(const char *pszName, int *ps32ShmF
  * The descriptors are read, not reset. ZE_KEST_FAILED: a path could not be formatted. */
 ZE_KEST_API uint32_t ze_kest_Utility_ShmFree(const char *pszName, const int *ps32ShmFd, const int *ps32LockFd,
                                              void *pvAddr);
-
-/* ---- Performance: what a thread's work costs. A record is used by one thread at a time. ---- */
-
-/* The counted events. Entry 0 leads the group. */
-#define ZE_KEST_PERF_EVENTS 3
-#define ZE_KEST_PERF_EVENT_NAME_SIZE 32
-extern ZE_KEST_API const char PERF_EVENT_NAME[ZE_KEST_PERF_EVENTS][ZE_KEST_PERF_EVENT_NAME_SIZE];
-/* Type and config of each event, in the numbers of perf_event_open. */
-extern ZE_KEST_API const uint32_t PERF_EVENT_TYPE[ZE_KEST_PERF_EVENTS];
-extern ZE_KEST_API const uint64_t PERF_EVENT_CONFIG[ZE_KEST_PERF_EVENTS];
-
-/* A group of counters, owned by the caller, who sets it to zero before its first use and closes it after its
- * last. Entry e belongs to event e: retired instructions, CPU cycles, nanoseconds of task clock. */
-typedef struct ZE_KEST_PerfEvent_s {
-  int32_t as32Fd[ZE_KEST_PERF_EVENTS];     /* valid while bInit is 1; -1: not open */
-  uint64_t au64Id[ZE_KEST_PERF_EVENTS];    /* the kernel's id of the event */
-  uint64_t au64Count[ZE_KEST_PERF_EVENTS]; /* value at the last read */
-  uint64_t au64Total[ZE_KEST_PERF_EVENTS]; /* sum of all values read since the record was zeroed */
-  uint32_t bInit;                          /* 1 while the group is open */
-} ZE_KEST_PerfEvent_s;
-
-/* The counters of the calling thread, without its time in the kernel. Open, then any number of Enable and
- * GetCurrentEventCount, then Close, all on the thread that is measured. System calls, and reading allocates:
- * not real-time safe. Failures are reported. */
-
-/* Opens the group, stopped; closes it first when it is open. Counts and totals stay as they are.
- * ZE_KEST_NOT_INITIALISED: the kernel refuses an event. The record is closed then; what was opened before the
- * refused event stays open in as32Fd, where nothing closes it. */
-ZE_KEST_API uint32_t ze_kest_Utility_PerfEvent_Open(ZE_KEST_PerfEvent_s *pstPerfEvent);
-
-/* Sets the counters to zero and starts them. ZE_KEST_NOT_INITIALISED: not open. */
-ZE_KEST_API uint32_t ze_kest_Utility_PerfEvent_Enable(ZE_KEST_PerfEvent_s *pstPerfEvent);
-
-/* Stops the counters, stores their values in au64Count and adds them to au64Total. An event that the kernel
- * does not deliver keeps both. ZE_KEST_NOT_INITIALISED: not open; ZE_KEST_FAILED: the group could not be read
- * or memory is exhausted, it is stopped all the same. */
-ZE_KEST_API uint32_t ze_kest_Utility_PerfEvent_GetCurrentEventCount(ZE_KEST_PerfEvent_s *pstPerfEvent);
-
-/* Closes the group; as32Fd keeps its stale values. ZE_KEST_NOT_INITIALISED: not open. */
-ZE_KEST_API uint32_t ze_kest_Utility_PerfEvent_Close(ZE_KEST_PerfEvent_s *pstPerfEvent);
-
-/* The measured cycles of a pipeline, a filter or a section of one. Owned by the caller, who sets it to zero
- * before its first use; one that is dropped while its stPerfEvent.bInit is 1 needs stPerfEvent closed:
- * between a start and its stop, and after a stop whose read failed or that found another target. Times are
- * microseconds of the monotonic clock, 0 if it cannot be read. */
-typedef struct ZE_KEST_PerformanceMeasure_s {
-  uint64_t u64Count;               /* completed stops */
-  uint64_t u64FirstStartTime;      /* 0: none yet */
-  uint64_t u64StartTime;           /* of the latest start */
-  uint64_t u64StopTime;            /* of the latest stop */
-  uint64_t u64ExeTime;             /* from the latest start to the latest stop; 0 if that would be negative */
-  ZE_KEST_PerfEvent_s stPerfEvent; /* a group of its own for every cycle; the totals are those of all */
-} ZE_KEST_PerformanceMeasure_s;
-
-/* Bracket one processing cycle. Every 50th stop reports, at PRINT level, the averages since the first start:
- * million instructions and cycles per second and the CPU's load.
- *
- * The pipeline and filter forms measure only the target of debug.h, and answer ZE_KEST_OK when they are not
- * it: without any target they set a used record to zero, and a target whose name is still open makes the
- * stops report the command that would select them. The plain form always measures.
- * pszPipelineName, pszFilterName: compared whole with the target's; pstFilter: gives the names of filter and
- * parent pipeline; pszTag: names the measured section in the reports, "(null)" for NULL.
- * ZE_KEST_MISSING_ARGUMENT: any other argument is NULL (reported); ZE_KEST_NOT_INITIALISED: the counters
- * could not be opened or read, with the times written so far kept; ZE_KEST_OUT_OF_MEMORY (stops): no memory
- * for the report, the cycle's events are in the totals but it is not counted.
- * Called on the thread that runs the pipeline or filter. A call that is not for the target is real-time safe
- * but for its reports and for closing a group that is still open; one that measures is not. */
-ZE_KEST_API uint32_t ze_kest_Utility_PerformanceMeasure_StartPipelineMeasure(
-    const char *pszPipelineName, ZE_KEST_PerformanceMeasure_s *pstPerformanceMeasure);
-ZE_KEST_API uint32_t ze_kest_Utility_PerformanceMeasure_StopPipelineMeasure(
-    const char *pszPipelineName, ZE_KEST_PerformanceMeasure_s *pstPerformanceMeasure);
-ZE_KEST_API uint32_t
-ze_kest_Utility_PerformanceMeasure_StartFilterMeasure(const char *pszPipelineName, const char *pszFilterName,
-                                                      ZE_KEST_PerformanceMeasure_s *pstPerformanceMeasure);
-ZE_KEST_API uint32_t
-ze_kest_Utility_PerformanceMeasure_StopFilterMeasure(const char *pszPipelineName, const char *pszFilterName,
-                                                     ZE_KEST_PerformanceMeasure_s *pstPerformanceMeasure);
-ZE_KEST_API uint32_t ze_kest_Utility_PerformanceMeasure_StartMeasure(
-    const ZE_KEST_Filter_s *pstFilter, ZE_KEST_PerformanceMeasure_s *pstPerformanceMeasure,
-    const char *pszTag);
-ZE_KEST_API uint32_t ze_kest_Utility_PerformanceMeasure_StopMeasure(
-    const ZE_KEST_Filter_s *pstFilter, ZE_KEST_PerformanceMeasure_s *pstPerformanceMeasure,
-    const char *pszTag);
 
 /* ---- Process size: how much a filter may process in this cycle ---- */
 
@@ -570,89 +489,6 @@ ZE_KEST_API uint32_t ze_kest_Utility_CheckPcmGroupCapability(const ZE_KEST_Filte
                                                              uint32_t ePcmGroupType);
 ZE_KEST_API uint32_t ze_kest_Utility_CheckOutPortPcmGroupCapability(const ZE_KEST_Filter_s *pstFilter,
                                                                     uint32_t ePcmGroupType);
-
-/* ---- JSON: an index of a text's tokens, and look-ups in it. Not real-time safe. ----
- *
- * Values are handed back as the characters that stand in the text; what they mean is the caller's business.
- * Create; set pszStringData and sztStringDataSize; FillUpTokenInfo; look up and read; Destroy. A context
- * belongs to one thread at a time; look-ups and reads, which change nothing, may run side by side. */
-
-enum ZE_KEST_JsmnType_e {
-  ZE_KEST_JSMN_UNDEF = 0,
-  ZE_KEST_JSMN_OBJECT = 1,
-  ZE_KEST_JSMN_ARRAY = 2,
-  ZE_KEST_JSMN_STRING = 3,
-  ZE_KEST_JSMN_PRIMITIVE = 4 /* a number, true, false, null or any other bare word */
-};
-
-/* One token. Its text: an object or array with its brackets, a string without its quotes, a primitive as it
- * stands. */
-typedef struct ZE_KEST_JsmnTokenInfo_s {
-  int32_t type;  /* a ZE_KEST_JsmnType_e */
-  int32_t start; /* offset of the text's first character in pszStringData; -1 while the token is open */
-  int32_t end;   /* offset behind its last character; -1 while the token is open */
-  int32_t size;  /* direct children: keys of an object, elements of an array, the one value of a key */
-} ZE_KEST_JsmnTokenInfo_s;
-
-typedef struct ZE_KEST_Jsmn_s {
-  uint32_t pos;                          /* offset of the next character to read */
-  uint32_t toknext;                      /* index of the next free token */
-  int32_t toksuper;                      /* index of the token around pos, -1 for none */
-  ZE_KEST_JsmnTokenInfo_s *pstTokenInfo; /* the token array, owned by the context */
-  const char *pszStringData;             /* the text, the caller's; read up to its size or a NUL before it.
-                                            Must stay as it is while the index is in use */
-  size_t sztTokenInfoSize;               /* bytes of the token array */
-  size_t sztStringDataSize;              /* bytes of the text; nothing behind 2 GiB is read */
-  uint32_t u32TotalTokenCounter;         /* tokens of the index, 0 before it is filled */
-} ZE_KEST_Jsmn_s;
-
-/* Makes an empty context with room for 256 tokens; what the record held before is overwritten.
- * ZE_KEST_OUT_OF_MEMORY: no memory for the token array (reported); the context is empty. */
-ZE_KEST_API uint32_t ze_kest_Utility_Jsmn_Create(ZE_KEST_Jsmn_s *pstJsmn);
-
-/* Releases the token array and zeroes the context; the text is left alone.
- * ZE_KEST_INVALID_ARGUMENT, with its report: NULL, or a context without a token array, such as one whose fill
- * has failed; that one holds nothing. */
-ZE_KEST_API uint32_t ze_kest_Utility_Jsmn_Destroy(ZE_KEST_Jsmn_s *pstJsmn);
-
-/* Fills the index from the text; the token array grows by 4096 bytes as often as it must, which makes
- * pointers to tokens invalid. A second call goes on behind what has been read. The time grows with the square
- * of the keys of an object. ZE_KEST_INVALID_ARGUMENT, with its report: NULL, no token array, no text or one
- * of 0 bytes. ZE_KEST_FAILED: the text is malformed (reported with -2), incomplete (-3) or holds no token
- * (0); the token array is released. ZE_KEST_OUT_OF_MEMORY: the array could not grow (reported) and stays as
- * it is. */
-ZE_KEST_API uint32_t ze_kest_Utility_Jsmn_FillUpTokenInfo(ZE_KEST_Jsmn_s *pstJsmn);
-
-/* The first string token that reads exactly pszDataName, key or value, at whatever depth.
- * pstTargetTokenInfo: NULL to search the whole text; or a key of this context, to search from itself to the
- * end of its value. A match that begins behind that end is reported at WRN level.
- * NULL, reported at ERR level: a context without tokens, no name, a target that is not of this context or is
- * its last token. NULL when nothing matches. */
-ZE_KEST_API ZE_KEST_JsmnTokenInfo_s *ze_kest_Utility_Jsmn_GetTokenInfo_ByDataName(
-    const ZE_KEST_Jsmn_s *pstJsmn, const ZE_KEST_JsmnTokenInfo_s *pstTargetTokenInfo,
-    const char *pszDataName);
-
-/* The first string token, key or value, behind a token of this context; NULL as target stands for token 0,
- * the root. NULL, reported at ERR level: a context without tokens, a target that is not of this context or is
- * its last token. NULL when no string follows. */
-ZE_KEST_API ZE_KEST_JsmnTokenInfo_s *ze_kest_Utility_Jsmn_GetNextTokenInfo(
-    const ZE_KEST_Jsmn_s *pstJsmn, const ZE_KEST_JsmnTokenInfo_s *pstTargetTokenInfo);
-
-/* Bytes of the text of a key's value, the token behind it, into *psztDataSize. ZE_KEST_OK with *psztDataSize
- * unchanged for a token that is not of this context or is its last one. ZE_KEST_INVALID_ARGUMENT, with its
- * report: a context without tokens, NULL. */
-ZE_KEST_API uint32_t ze_kest_Utility_Jsmn_GetDataSize_ByTokenInfo(const ZE_KEST_Jsmn_s *pstJsmn,
-                                                                  const ZE_KEST_JsmnTokenInfo_s *pstTokenInfo,
-                                                                  size_t *psztDataSize);
-
-/* Copies the text of a key's value, the token behind it, without a terminating NUL.
- * pszData: out, sztDataSize bytes; sztDataSize: exactly the size of the value, not 0.
- * ZE_KEST_OK with nothing copied for a token that is not of this context or is its last one.
- * ZE_KEST_INVALID_ARGUMENT, with its report: a context without tokens, NULL, a size of 0.
- * ZE_KEST_NOTHING_TO_PROCESS: the value has another size (reported). */
-ZE_KEST_API uint32_t ze_kest_Utility_Jsmn_ReadData_ByTokenInfo(const ZE_KEST_Jsmn_s *pstJsmn,
-                                                               const ZE_KEST_JsmnTokenInfo_s *pstTokenInfo,
-                                                               char *pszData, size_t sztDataSize);
 
 #ifdef __cplusplus
 }

@@ -1,0 +1,104 @@
+/* SPDX-License-Identifier: Apache-2.0
+ *
+ * CPU counters, and the measurement of processing cycles with them; part of ze_kest/utility.h. */
+#ifndef ZE_KEST_PERFORMANCE_H
+#define ZE_KEST_PERFORMANCE_H
+
+#include <stddef.h>
+#include <stdint.h>
+
+#include "ze_kest/model.h"
+#include "ze_kest/result.h"
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/* ---- Performance: what a thread's work costs. A record is used by one thread at a time. ---- */
+
+/* The counted events. Entry 0 leads the group. */
+#define ZE_KEST_PERF_EVENTS 3
+#define ZE_KEST_PERF_EVENT_NAME_SIZE 32
+extern ZE_KEST_API const char PERF_EVENT_NAME[ZE_KEST_PERF_EVENTS][ZE_KEST_PERF_EVENT_NAME_SIZE];
+/* Type and config of each event, in the numbers of perf_event_open. */
+extern ZE_KEST_API const uint32_t PERF_EVENT_TYPE[ZE_KEST_PERF_EVENTS];
+extern ZE_KEST_API const uint64_t PERF_EVENT_CONFIG[ZE_KEST_PERF_EVENTS];
+
+/* A group of counters, owned by the caller, who sets it to zero before its first use and closes it after its
+ * last. Entry e belongs to event e: retired instructions, CPU cycles, nanoseconds of task clock. */
+typedef struct ZE_KEST_PerfEvent_s {
+  int32_t as32Fd[ZE_KEST_PERF_EVENTS];     /* valid while bInit is 1; -1: not open */
+  uint64_t au64Id[ZE_KEST_PERF_EVENTS];    /* the kernel's id of the event */
+  uint64_t au64Count[ZE_KEST_PERF_EVENTS]; /* value at the last read */
+  uint64_t au64Total[ZE_KEST_PERF_EVENTS]; /* sum of all values read since the record was zeroed */
+  uint32_t bInit;                          /* 1 while the group is open */
+} ZE_KEST_PerfEvent_s;
+
+/* The counters of the calling thread, without its time in the kernel. Open, then any number of Enable and
+ * GetCurrentEventCount, then Close, all on the thread that is measured. System calls, and reading allocates:
+ * not real-time safe. Failures are reported. */
+
+/* Opens the group, stopped; closes it first when it is open. Counts and totals stay as they are.
+ * ZE_KEST_NOT_INITIALISED: the kernel refuses an event. The record is closed then; what was opened before the
+ * refused event stays open in as32Fd, where nothing closes it. */
+ZE_KEST_API uint32_t ze_kest_Utility_PerfEvent_Open(ZE_KEST_PerfEvent_s *pstPerfEvent);
+
+/* Sets the counters to zero and starts them. ZE_KEST_NOT_INITIALISED: not open. */
+ZE_KEST_API uint32_t ze_kest_Utility_PerfEvent_Enable(ZE_KEST_PerfEvent_s *pstPerfEvent);
+
+/* Stops the counters, stores their values in au64Count and adds them to au64Total. An event that the kernel
+ * does not deliver keeps both. ZE_KEST_NOT_INITIALISED: not open; ZE_KEST_FAILED: the group could not be read
+ * or memory is exhausted, it is stopped all the same. */
+ZE_KEST_API uint32_t ze_kest_Utility_PerfEvent_GetCurrentEventCount(ZE_KEST_PerfEvent_s *pstPerfEvent);
+
+/* Closes the group; as32Fd keeps its stale values. ZE_KEST_NOT_INITIALISED: not open. */
+ZE_KEST_API uint32_t ze_kest_Utility_PerfEvent_Close(ZE_KEST_PerfEvent_s *pstPerfEvent);
+
+/* The measured cycles of a pipeline, a filter or a section of one. Owned by the caller, who sets it to zero
+ * before its first use; one that is dropped while its stPerfEvent.bInit is 1 needs stPerfEvent closed:
+ * between a start and its stop, and after a stop whose read failed or that found another target. Times are
+ * microseconds of the monotonic clock, 0 if it cannot be read. */
+typedef struct ZE_KEST_PerformanceMeasure_s {
+  uint64_t u64Count;               /* completed stops */
+  uint64_t u64FirstStartTime;      /* 0: none yet */
+  uint64_t u64StartTime;           /* of the latest start */
+  uint64_t u64StopTime;            /* of the latest stop */
+  uint64_t u64ExeTime;             /* from the latest start to the latest stop; 0 if that would be negative */
+  ZE_KEST_PerfEvent_s stPerfEvent; /* a group of its own for every cycle; the totals are those of all */
+} ZE_KEST_PerformanceMeasure_s;
+
+/* Bracket one processing cycle. Every 50th stop reports, at PRINT level, the averages since the first start:
+ * million instructions and cycles per second and the CPU's load.
+ *
+ * The pipeline and filter forms measure only the target of debug.h, and answer ZE_KEST_OK when they are not
+ * it: without any target they set a used record to zero, and a target whose name is still open makes the
+ * stops report the command that would select them. The plain form always measures.
+ * pszPipelineName, pszFilterName: compared whole with the target's; pstFilter: gives the names of filter and
+ * parent pipeline; pszTag: names the measured section in the reports, "(null)" for NULL.
+ * ZE_KEST_MISSING_ARGUMENT: any other argument is NULL (reported); ZE_KEST_NOT_INITIALISED: the counters
+ * could not be opened or read, with the times written so far kept; ZE_KEST_OUT_OF_MEMORY (stops): no memory
+ * for the report, the cycle's events are in the totals but it is not counted.
+ * Called on the thread that runs the pipeline or filter. A call that is not for the target is real-time safe
+ * but for its reports and for closing a group that is still open; one that measures is not. */
+ZE_KEST_API uint32_t ze_kest_Utility_PerformanceMeasure_StartPipelineMeasure(
+    const char *pszPipelineName, ZE_KEST_PerformanceMeasure_s *pstPerformanceMeasure);
+ZE_KEST_API uint32_t ze_kest_Utility_PerformanceMeasure_StopPipelineMeasure(
+    const char *pszPipelineName, ZE_KEST_PerformanceMeasure_s *pstPerformanceMeasure);
+ZE_KEST_API uint32_t
+ze_kest_Utility_PerformanceMeasure_StartFilterMeasure(const char *pszPipelineName, const char *pszFilterName,
+                                                      ZE_KEST_PerformanceMeasure_s *pstPerformanceMeasure);
+ZE_KEST_API uint32_t
+ze_kest_Utility_PerformanceMeasure_StopFilterMeasure(const char *pszPipelineName, const char *pszFilterName,
+                                                     ZE_KEST_PerformanceMeasure_s *pstPerformanceMeasure);
+ZE_KEST_API uint32_t ze_kest_Utility_PerformanceMeasure_StartMeasure(
+    const ZE_KEST_Filter_s *pstFilter, ZE_KEST_PerformanceMeasure_s *pstPerformanceMeasure,
+    const char *pszTag);
+ZE_KEST_API uint32_t ze_kest_Utility_PerformanceMeasure_StopMeasure(
+    const ZE_KEST_Filter_s *pstFilter, ZE_KEST_PerformanceMeasure_s *pstPerformanceMeasure,
+    const char *pszTag);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif
