@@ -9,8 +9,9 @@
 #include <algorithm>
 
 #include "utility/port/frame_tile.h"
+#include "utility/port/frame_tile_avx2.h"
 #include "utility/port/frame_tile_neon.h"
-#include "utility/port/frame_tile_ssse3.h"
+#include "utility/port/packed_tile_avx2.h"
 #include "utility/port/ring_plan.h"
 
 namespace kest {
@@ -52,7 +53,7 @@ template <typename Kernel, uint32_t kChannels, bool kWholeFrames>
 void MoveStrip(const FramePlace<Kernel> &stPlace, size_t sztFrames) {
   using Tile = FrameTile<Kernel, kChannels, kWholeFrames>;
   if constexpr (Tile::kFrames != 0) {
-    if (sztFrames >= Tile::kFrames && Tile::Runs()) return MoveTiles<Tile>(stPlace, sztFrames);
+    if (sztFrames >= Tile::kFrames) return MoveTiles<Tile>(stPlace, sztFrames);
   }
   for (uint32_t u32Channel = 0; u32Channel < kChannels; ++u32Channel)
     MoveChannel(stPlace.Channel(u32Channel), sztFrames);
@@ -80,14 +81,28 @@ void MoveFrames(FramePlace<Kernel> stPlace, uint32_t u32Channels, size_t sztFram
   }
 }
 
-// Stereo has its own way where the frames hold nothing else.
+// The model's groups, of two channels and of ten, have their own ways where the frames hold nothing else.
+template <typename Kernel, uint32_t kChannels>
+bool MovedWhole(const FramePlace<Kernel> &stPlace, uint32_t u32Channels, size_t sztFrames) {
+  if constexpr (FrameTile<Kernel, kChannels, true>::kFrames == 0) return false;
+  if (u32Channels != kChannels || stPlace.sztStep != kChannels * Kernel::kLinearBytes) return false;
+  MoveStrip<Kernel, kChannels, true>(stPlace, sztFrames);
+  return true;
+}
+
+template <typename Kernel>
+KEST_RUNS_TILES void MoveWithTiles(const FramePlace<Kernel> &stPlace, uint32_t u32Channels,
+                                   size_t sztFrames) {
+  if (MovedWhole<Kernel, 2>(stPlace, u32Channels, sztFrames)) return;
+  if (MovedWhole<Kernel, 10>(stPlace, u32Channels, sztFrames)) return;
+  MoveFrames(stPlace, u32Channels, sztFrames);
+}
+
 template <typename Kernel>
 void MoveWhole(const FramePlace<Kernel> &stPlace, uint32_t u32Channels, size_t sztFrames) {
-  if constexpr (FrameTile<Kernel, 2, true>::kFrames != 0) {
-    if (u32Channels == 2 && stPlace.sztStep == 2 * Kernel::kLinearBytes)
-      return MoveStrip<Kernel, 2, true>(stPlace, sztFrames);
-  }
-  MoveFrames(stPlace, u32Channels, sztFrames);
+  if (TilesRun()) return MoveWithTiles(stPlace, u32Channels, sztFrames);
+  for (uint32_t u32Channel = 0; u32Channel < u32Channels; ++u32Channel)
+    MoveChannel(stPlace.Channel(u32Channel), sztFrames);
 }
 
 // The place behind the segment, which is that of another one in the ring.

@@ -9,7 +9,23 @@
 // Tiles are in registers only when all of it is one function.
 #define KEST_TILE_PART __attribute__((always_inline)) inline
 
+// What runs tiles is one function too where the processor is asked for their instructions: those may not be
+// inlined anywhere else, and each call from tile to tile would cost as much as a tile.
+#ifdef __x86_64__
+#define KEST_RUNS_TILES __attribute__((target("avx2"), flatten))
+#else
+#define KEST_RUNS_TILES
+#endif
+
 namespace kest {
+
+inline bool TilesRun() {
+#ifdef __x86_64__
+  return __builtin_cpu_supports("avx2") != 0;
+#else
+  return true;
+#endif
+}
 
 // A channel's next sample in its ring and in a frame. The channels behind it follow at equal distances.
 template <typename Kernel>
@@ -29,18 +45,17 @@ struct FramePlace {
   }
 };
 
-// Moves kFrames frames of kChannels channels, which may be all that a frame has; the same as the kernel
-// sample by sample. The instruction sets specialise it; without frames there is no such tile.
-template <typename Kernel, uint32_t kChannels, bool kWholeFrames, typename Enable = void>
-struct FrameTile {
+struct NoTile {
   static constexpr size_t kFrames = 0;
 };
 
-// Of tiles that the machine always has the instructions for.
-struct EveryMachine {
-  static constexpr bool Runs() { return true; }
-};
+// Moves kFrames frames of kChannels channels, which may be all that a frame has; the same as the kernel
+// sample by sample. The instruction sets specialise it.
+template <typename Kernel, uint32_t kChannels, bool kWholeFrames, typename Enable = void>
+struct FrameTile : NoTile {};
 
+template <typename Kernel>
+using IfOf16 = std::enable_if_t<Kernel::kLinearBytes == 2>;
 template <typename Kernel>
 using IfOf32 = std::enable_if_t<Kernel::kLinearBytes == 4>;
 template <typename Kernel>

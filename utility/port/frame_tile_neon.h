@@ -155,7 +155,7 @@ KEST_TILE_PART void WriteRows(uint8_t *pu8Ring, size_t sztPitch, const AnyRows &
 
 // Of 16 and 32 bits.
 template <typename Kernel, uint32_t kChannels>
-struct RowTile : EveryMachine {
+struct RowTile {
   using Channels = std::make_index_sequence<kChannels>;
   static constexpr size_t kFrames = 16 / Kernel::kLinearBytes;
   using Lanes = std::make_integer_sequence<int, int{kFrames}>;
@@ -177,7 +177,7 @@ struct RowTile : EveryMachine {
 
 // Stereo alone: the frames lie one after another. Several runs of them, as the loop costs as much as one.
 template <typename Kernel, typename Run>
-struct StereoTile : EveryMachine {
+struct StereoTile {
   static constexpr size_t kRuns = 4;
   static constexpr size_t kFrames = kRuns * Run::kFrames;
 
@@ -250,7 +250,7 @@ KEST_TILE_PART void StoreEvenOdd(uint8_t *pu8, size_t sztStep, const AnyRows &st
 }
 
 template <typename Kernel, uint32_t kChannels>
-struct WideningTile : EveryMachine {
+struct WideningTile {
   static constexpr size_t kFrames = 8;
 
   static void Move(FramePlace<Kernel> stPlace, size_t sztTiles) {
@@ -288,7 +288,7 @@ struct WideningStereoRun {
 
 // Packed, of one channel: a vector holds the first, the second or the third bytes.
 template <typename Kernel>
-struct PackedTile : EveryMachine {
+struct PackedTile {
   static constexpr size_t kFrames = 8;
   using Lanes = std::make_integer_sequence<int, int{kFrames}>;
 
@@ -308,7 +308,7 @@ struct PackedTile : EveryMachine {
 
 // In assembly: compilers move the registers of the structured accesses around for the zips between them.
 template <typename Kernel>
-struct PackedStereoTile : EveryMachine {
+struct PackedStereoTile {
   static constexpr size_t kFrames = 8;
 
   static void Move(const FramePlace<Kernel> &stPlace, size_t sztTiles) {
