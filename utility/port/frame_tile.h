@@ -39,9 +39,14 @@ struct FramePlace {
     pu8Ring += sztFrames * Kernel::kRingBytes;
     pu8Linear += sztFrames * sztStep;
   }
+  [[nodiscard]] typename Kernel::Ring *RingOf(size_t sztChannel) const {
+    return pu8Ring + sztChannel * sztRingPitch;
+  }
+  [[nodiscard]] typename Kernel::Linear *Frame(size_t sztFrame) const {
+    return pu8Linear + sztFrame * sztStep;
+  }
   [[nodiscard]] FramePlace Channel(uint32_t u32Channel) const {
-    return {pu8Ring + u32Channel * sztRingPitch, sztRingPitch, pu8Linear + u32Channel * Kernel::kLinearBytes,
-            sztStep};
+    return {RingOf(u32Channel), sztRingPitch, pu8Linear + u32Channel * Kernel::kLinearBytes, sztStep};
   }
 };
 

@@ -18,12 +18,12 @@ struct SquareTile {
     const size_t sztLane = kLaneFrames * stPlace.sztStep;
     if constexpr (Kernel::kReads) {
       const Vectors<kLaneFrames> st =
-          Transposed(Vectors<kLaneFrames>{{Row<Kernel>(stPlace.pu8Ring + kLines * stPlace.sztRingPitch)...}});
-      (Store(stPlace.pu8Linear + kLines * stPlace.sztStep, sztLane, st.v[kLines]), ...);
+          Transposed(Vectors<kLaneFrames>{{Row<Kernel>(stPlace.RingOf(kLines))...}});
+      (Store(stPlace.Frame(kLines), sztLane, st.v[kLines]), ...);
     } else {
       const Vectors<kLaneFrames> st =
-          Transposed(Vectors<kLaneFrames>{{Load(stPlace.pu8Linear + kLines * stPlace.sztStep, sztLane)...}});
-      (StoreWhole(stPlace.pu8Ring + kLines * stPlace.sztRingPitch, st.v[kLines]), ...);
+          Transposed(Vectors<kLaneFrames>{{Load(stPlace.Frame(kLines), sztLane)...}});
+      (StoreWhole(stPlace.RingOf(kLines), st.v[kLines]), ...);
     }
   }
 };
@@ -35,9 +35,8 @@ struct WideTile {
 
   KEST_LANES static void Move(const FramePlace<Kernel> &stPlace) {
     const size_t sztLane = 4 * stPlace.sztRingPitch;
-    const Vectors<4> st =
-        Transposed(Vectors<4>{{Row<Kernel>(stPlace.pu8Ring + kLines * stPlace.sztRingPitch, sztLane)...}});
-    (StoreWhole(stPlace.pu8Linear + kLines * stPlace.sztStep, st.v[kLines]), ...);
+    const Vectors<4> st = Transposed(Vectors<4>{{Row<Kernel>(stPlace.RingOf(kLines), sztLane)...}});
+    (StoreWhole(stPlace.Frame(kLines), st.v[kLines]), ...);
   }
 };
 
@@ -56,9 +55,8 @@ struct FourTile {
 
  private:
   KEST_LANES static void Read(const FramePlace<Kernel> &stPlace) {
-    const Vectors<4> st = {{Row<Kernel>(stPlace.pu8Ring), Row<Kernel>(stPlace.pu8Ring + stPlace.sztRingPitch),
-                            Row<Kernel>(stPlace.pu8Ring + 2 * stPlace.sztRingPitch),
-                            Row<Kernel>(stPlace.pu8Ring + 3 * stPlace.sztRingPitch)}};
+    const Vectors<4> st = {{Row<Kernel>(stPlace.pu8Ring), Row<Kernel>(stPlace.RingOf(1)),
+                            Row<Kernel>(stPlace.RingOf(2)), Row<Kernel>(stPlace.RingOf(3))}};
     const __m256i a0 = _mm256_unpacklo_epi16(st.v[0], st.v[1]);
     const __m256i a1 = _mm256_unpackhi_epi16(st.v[0], st.v[1]);
     const __m256i b0 = _mm256_unpacklo_epi16(st.v[2], st.v[3]);
@@ -70,7 +68,7 @@ struct FourTile {
   }
   // Frames of either lane.
   KEST_LANES static void StoreTwo(const FramePlace<Kernel> &stPlace, size_t sztFrame, __m256i v) {
-    uint8_t *const pu8 = stPlace.pu8Linear + sztFrame * stPlace.sztStep;
+    uint8_t *const pu8 = stPlace.Frame(sztFrame);
     uint8_t *const pu8Second = pu8 + 8 * stPlace.sztStep;
     StoreHalf(pu8, FirstLane(v));
     StoreHalf(pu8 + stPlace.sztStep, HighHalf(FirstLane(v)));
@@ -79,13 +77,13 @@ struct FourTile {
   }
 
   KEST_LANES static void Write(const FramePlace<Kernel> &stPlace) {
-    const Vectors<8> st = {{_mm256_set_m128i(LoadHalf(stPlace.pu8Linear + (8 + kLines) * stPlace.sztStep),
-                                             LoadHalf(stPlace.pu8Linear + kLines * stPlace.sztStep))...}};
+    const Vectors<8> st = {
+        {_mm256_set_m128i(LoadHalf(stPlace.Frame(8 + kLines)), LoadHalf(stPlace.Frame(kLines)))...}};
     const Vectors<4> rows = Transposed(
         Vectors<4>{{_mm256_unpacklo_epi16(st.v[0], st.v[1]), _mm256_unpacklo_epi16(st.v[2], st.v[3]),
                     _mm256_unpacklo_epi16(st.v[4], st.v[5]), _mm256_unpacklo_epi16(st.v[6], st.v[7])}});
     for (size_t sztRow = 0; sztRow < 4; ++sztRow)
-      StoreWhole(stPlace.pu8Ring + sztRow * stPlace.sztRingPitch, rows.v[sztRow]);
+      StoreWhole(stPlace.RingOf(sztRow), rows.v[sztRow]);
   }
 };
 
@@ -95,10 +93,9 @@ struct TenTile {
   static constexpr size_t kFrames = 16;
 
   KEST_LANES static void Move(const FramePlace<Kernel> &stPlace) {
-    const Vectors<8> st =
-        Transposed(Vectors<8>{{Row<Kernel>(stPlace.pu8Ring + kLines * stPlace.sztRingPitch)...}});
-    const __m256i ninth = Row<Kernel>(stPlace.pu8Ring + 8 * stPlace.sztRingPitch);
-    const __m256i tenth = Row<Kernel>(stPlace.pu8Ring + 9 * stPlace.sztRingPitch);
+    const Vectors<8> st = Transposed(Vectors<8>{{Row<Kernel>(stPlace.RingOf(kLines))...}});
+    const __m256i ninth = Row<Kernel>(stPlace.RingOf(8));
+    const __m256i tenth = Row<Kernel>(stPlace.RingOf(9));
     StoreFour(stPlace.pu8Linear, {{st.v[0], st.v[1], st.v[2], st.v[3]}}, _mm256_unpacklo_epi16(ninth, tenth));
     StoreFour(stPlace.pu8Linear + 4 * kFrameBytes, {{st.v[4], st.v[5], st.v[6], st.v[7]}},
               _mm256_unpackhi_epi16(ninth, tenth));
@@ -151,7 +148,7 @@ struct PairTile {
   static constexpr size_t kFrames = 32 / kBytes;
 
   KEST_LANES static void Move(const FramePlace<Kernel> &stPlace) {
-    auto *const pu8Right = stPlace.pu8Ring + stPlace.sztRingPitch;
+    auto *const pu8Right = stPlace.RingOf(1);
     if constexpr (Kernel::kReads) {
       StoreFrames(stPlace, Interleaved<kBytes>(Row<Kernel>(stPlace.pu8Ring), Row<Kernel>(pu8Right)));
     } else {

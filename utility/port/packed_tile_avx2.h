@@ -123,8 +123,8 @@ struct PackedPairTile {
 
   KEST_LANES static void Move(const FramePlace<Kernel> &stPlace) {
     auto *const pu8Left = stPlace.pu8Ring;
-    auto *const pu8Right = stPlace.pu8Ring + stPlace.sztRingPitch;
-    auto *const pu8Tail = stPlace.pu8Linear + 4 * stPlace.sztStep;
+    auto *const pu8Right = stPlace.RingOf(1);
+    auto *const pu8Tail = stPlace.Frame(4);
     const PackedPairs<kWholeFrames> stPairs = {stPlace.sztStep, 8 * stPlace.sztStep};
     if constexpr (Kernel::kReads) {
       stPairs.Store(stPlace.pu8Linear,
