@@ -20,12 +20,19 @@ namespace {
 
 constexpr timespec kWatchPeriod = {0, 20'000'000};
 
+// Whether the run was started so that it outlives its terminal, as nohup does.
+bool IsHangUpIgnored() {
+  struct sigaction hangUp {};
+  return sigaction(SIGHUP, nullptr, &hangUp) == 0 && hangUp.sa_handler == SIG_IGN;
+}
+
 // The signals that end a run, blocked in every thread and taken by the main thread alone.
 sigset_t BlockEndSignals() {
   sigset_t set;
   sigemptyset(&set);
   sigaddset(&set, SIGINT);
   sigaddset(&set, SIGTERM);
+  if (!IsHangUpIgnored()) sigaddset(&set, SIGHUP);
   pthread_sigmask(SIG_BLOCK, &set, nullptr);
   return set;
 }
@@ -59,6 +66,8 @@ int Main(int argc, char **argv) {
   const Options &options = std::get<Options>(parsed);
 
   const sigset_t endSignals = BlockEndSignals();
+  // Who no longer reads what is printed, or the command pipe, does not end the run.
+  std::signal(SIGPIPE, SIG_IGN);
   __android_log_set_logger(options.logcat ? LogToStderr : LogNowhere);
   const DebugSession session;
   AnnounceCapabilities();
