@@ -4,7 +4,6 @@
 #include <cerrno>
 #include <chrono>
 #include <condition_variable>
-#include <csignal>
 #include <cstring>
 #include <iostream>
 #include <mutex>
@@ -22,13 +21,26 @@ namespace {
 
 constexpr const char *kDirectory = KEST_DEBUG_DIR;
 constexpr const char *kCommandPipe = KEST_DEBUG_DIR "D";
+constexpr const char *kLogFile = KEST_DEBUG_DIR "KestLog.txt";
 
-void WarnWithoutDirectory() {
-  if (access(kDirectory, W_OK | X_OK) == 0) return;
+void WarnOfDirectory() {
   std::cerr << "kest-player: there will be no log and no command pipe: " << kDirectory << ": "
             << std::strerror(errno) << "\n"
             << "kest-player: to have them, run  mkdir -p " << kDirectory
             << "  and make the directory writable for you\n";
+}
+
+// What a player of another user has left, or uses.
+void WarnOfFile(const char *path) {
+  if (access(path, R_OK | W_OK) == 0 || errno == ENOENT) return;
+  std::cerr << "kest-player: " << path << " cannot be used: " << std::strerror(errno)
+            << "; play as the user whom it belongs to, or remove it when nobody plays\n";
+}
+
+void WarnOfWhatIsMissing() {
+  if (access(kDirectory, W_OK | X_OK) != 0) return WarnOfDirectory();
+  WarnOfFile(kCommandPipe);
+  WarnOfFile(kLogFile);
 }
 
 // The end of the debug layer waits until the command thread has read one more line. Another process on the
@@ -51,19 +63,10 @@ class PipeWaker {
   static constexpr std::chrono::milliseconds kPeriod{50};
 
   void Run() {
-    BlockBrokenPipe();
     std::unique_lock<std::mutex> lock(mutex_);
     do {
       WriteLine();
     } while (!doneChanged_.wait_for(lock, kPeriod, [this] { return done_; }));
-  }
-
-  // The reader may go between open and write.
-  static void BlockBrokenPipe() {
-    sigset_t set;
-    sigemptyset(&set);
-    sigaddset(&set, SIGPIPE);
-    pthread_sigmask(SIG_BLOCK, &set, nullptr);
   }
 
   // Nothing to do when it fails: nobody reads, or the pipe is full of lines. A file in the pipe's place is
@@ -83,7 +86,7 @@ class PipeWaker {
 }  // namespace
 
 DebugSession::DebugSession() {
-  WarnWithoutDirectory();
+  WarnOfWhatIsMissing();
   // The library changes the umask when it creates shared files; the player's output keeps the user's.
   const mode_t userMask = umask(0);
   umask(userMask);

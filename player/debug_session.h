@@ -6,7 +6,8 @@ namespace kest::player {
 
 class DebugSession {
  public:
-  // Says on stderr when there will be no log and no command pipe.
+  // Says on stderr when there will be no log or no command pipe. The process has to ignore SIGPIPE: at the
+  // end lines go into the command pipe, whose other readers may leave it.
   DebugSession();
   ~DebugSession();
   DebugSession(const DebugSession &) = delete;
