@@ -2,19 +2,13 @@
 #include "player/debug_session.h"
 
 #include <cerrno>
-#include <chrono>
-#include <condition_variable>
 #include <cstring>
 #include <iostream>
-#include <mutex>
-#include <thread>
 
-#include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include "ze_kest/debug.h"
-
-#include "player/unique_fd.h"
 
 namespace kest::player {
 namespace {
@@ -43,46 +37,6 @@ void WarnOfWhatIsMissing() {
   WarnOfFile(kLogFile);
 }
 
-// The end of the debug layer waits until the command thread has read one more line. Another process on the
-// same pipe may take that line, so this writes empty ones for as long as it lives.
-class PipeWaker {
- public:
-  PipeWaker() : thread_([this] { Run(); }) {}
-  ~PipeWaker() {
-    {
-      const std::lock_guard<std::mutex> lock(mutex_);
-      done_ = true;
-    }
-    doneChanged_.notify_one();
-    thread_.join();
-  }
-  PipeWaker(const PipeWaker &) = delete;
-  PipeWaker &operator=(const PipeWaker &) = delete;
-
- private:
-  static constexpr std::chrono::milliseconds kPeriod{50};
-
-  void Run() {
-    std::unique_lock<std::mutex> lock(mutex_);
-    do {
-      WriteLine();
-    } while (!doneChanged_.wait_for(lock, kPeriod, [this] { return done_; }));
-  }
-
-  // Nothing to do when it fails: nobody reads, or the pipe is full of lines. A file in the pipe's place is
-  // somebody's.
-  static void WriteLine() {
-    const UniqueFd pipe(open(kCommandPipe, O_WRONLY | O_NONBLOCK | O_CLOEXEC));
-    struct stat opened = {};
-    if (fstat(pipe.Get(), &opened) == 0 && S_ISFIFO(opened.st_mode)) (void)!write(pipe.Get(), "\n", 1);
-  }
-
-  std::mutex mutex_;
-  std::condition_variable doneChanged_;
-  bool done_ = false;
-  std::thread thread_;
-};
-
 }  // namespace
 
 DebugSession::DebugSession() {
@@ -95,7 +49,7 @@ DebugSession::DebugSession() {
 }
 
 DebugSession::~DebugSession() {
-  const PipeWaker waker;
+  waker_.Start();
   ze_kest_Debug_DeInit();
 }
 

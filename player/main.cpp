@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <ctime>
 #include <iostream>
+#include <system_error>
 
 #include <android/log.h>
 #include <unistd.h>
@@ -81,6 +82,9 @@ int Main(int argc, char **argv) {
 int main(int argc, char **argv) {
   try {
     return kest::player::Main(argc, argv);
+  } catch (const std::system_error &error) {
+    std::fprintf(stderr, "kest-player: cannot start a thread: %s; see ulimit -u\n", error.what());
+    return 1;
   } catch (const std::exception &error) {
     std::fprintf(stderr, "kest-player: %s\n", error.what());
     return 1;
