@@ -6,6 +6,7 @@ if(KEST_BUILD_PLAYER)
   file(RELATIVE_PATH kest_lib_from_bin "${CMAKE_INSTALL_FULL_BINDIR}" "${CMAKE_INSTALL_FULL_LIBDIR}")
   set_target_properties(kest-player PROPERTIES INSTALL_RPATH "$ORIGIN/${kest_lib_from_bin}")
   install(TARGETS kest-player)
+  install(FILES "${PROJECT_SOURCE_DIR}/player/example.json" DESTINATION "${CMAKE_INSTALL_DOCDIR}/player")
 endif()
 
 set(kest_cmake_dir "${CMAKE_INSTALL_LIBDIR}/cmake/kest")

@@ -7,10 +7,12 @@ tools=arm-linux-gnueabihf-
 stripped=$(mktemp)
 trap 'rm -f "$stripped"' EXIT
 
-# text, data and bss of each object: TEXT DATA BSS PATH, the path from the root.
+# text, data and bss of each file's object: TEXT DATA BSS PATH, the path from the root. The build keeps the objects
+# of files that are gone.
 object_sizes() {
-  (cd "$build/CMakeFiles/kest_objects.dir" && find ./* -name '*.o' -exec ${tools}size {} +) |
-    awk '$1 != "text" { sub(/^\.\//, "", $6); sub(/\.o$/, "", $6); print $1, $2, $3, $6 }'
+  find utility debug -name '*.cpp' -printf '%p.o\n' |
+    (cd "$build/CMakeFiles/kest_objects.dir" && xargs ${tools}size) |
+    awk '$1 != "text" { sub(/\.o$/, "", $6); print $1, $2, $3, $6 }'
 }
 largest_three() { sort -nr | head -n 3 | awk '{ printf "| %d | %d | %d | `%s` |\n", $1, $2, $3, $4 }'; }
 

@@ -39,7 +39,7 @@ OwnedFilter MakeMixer(const FilterLayout & /*layout*/, const FilterMaterial &mat
 
 uint64_t FrameLimit(const Options &options, uint32_t sampleRate) {
   if (!options.seconds) return SpeakerOutput::kNoLimit;
-  return static_cast<uint64_t>(std::ceil(*options.seconds * sampleRate));
+  return static_cast<uint64_t>(std::round(*options.seconds * sampleRate));
 }
 
 OwnedFilter MakeSpeakerOutput(const FilterLayout &layout, const FilterMaterial &material) {

@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <ctime>
 #include <iostream>
+#include <system_error>
 
 #include <android/log.h>
 #include <unistd.h>
@@ -20,12 +21,19 @@ namespace {
 
 constexpr timespec kWatchPeriod = {0, 20'000'000};
 
+// Whether the run was started so that it outlives its terminal, as nohup does.
+bool IsHangUpIgnored() {
+  struct sigaction hangUp {};
+  return sigaction(SIGHUP, nullptr, &hangUp) == 0 && hangUp.sa_handler == SIG_IGN;
+}
+
 // The signals that end a run, blocked in every thread and taken by the main thread alone.
 sigset_t BlockEndSignals() {
   sigset_t set;
   sigemptyset(&set);
   sigaddset(&set, SIGINT);
   sigaddset(&set, SIGTERM);
+  if (!IsHangUpIgnored()) sigaddset(&set, SIGHUP);
   pthread_sigmask(SIG_BLOCK, &set, nullptr);
   return set;
 }
@@ -59,6 +67,8 @@ int Main(int argc, char **argv) {
   const Options &options = std::get<Options>(parsed);
 
   const sigset_t endSignals = BlockEndSignals();
+  // Who no longer reads what is printed, or the command pipe, does not end the run.
+  std::signal(SIGPIPE, SIG_IGN);
   __android_log_set_logger(options.logcat ? LogToStderr : LogNowhere);
   const DebugSession session;
   AnnounceCapabilities();
@@ -72,6 +82,9 @@ int Main(int argc, char **argv) {
 int main(int argc, char **argv) {
   try {
     return kest::player::Main(argc, argv);
+  } catch (const std::system_error &error) {
+    std::fprintf(stderr, "kest-player: cannot start a thread: %s; see ulimit -u\n", error.what());
+    return 1;
   } catch (const std::exception &error) {
     std::fprintf(stderr, "kest-player: %s\n", error.what());
     return 1;

@@ -35,8 +35,8 @@ constexpr const char *kFooter =
     "Settings: \"file\" of Lpcm and SpeakerOutput, counted from the configuration's\n"
     "directory; \"gain_db\" of Volume and \"delay_ms\" of Delay, 0 when left out.\n"
     "\n"
-    "Exit code: 0 played, also when ended by SIGINT or SIGTERM; 1 an error; 2 a wrong\n"
-    "command line.";
+    "Exit code: 0 played, also when ended by SIGINT, SIGTERM or SIGHUP; 1 an error; 2 a\n"
+    "wrong command line.";
 
 class HelpFormatter : public CLI::Formatter {
  public:

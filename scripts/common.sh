@@ -17,14 +17,14 @@ fail() {
   exit 1
 }
 
-as_root() {
-  if [ "$(id -u)" = 0 ]; then
-    "$@"
-  elif command -v sudo >/dev/null; then
-    sudo "$@"
-  else
+need_root_for() {
+  [ "$(id -u)" = 0 ] || command -v sudo >/dev/null ||
     fail "This needs root: $*" "Run the script as root, or install sudo."
-  fi
+}
+
+as_root() {
+  need_root_for "$@"
+  if [ "$(id -u)" = 0 ]; then "$@"; else sudo "$@"; fi
 }
 
 # PACKAGE of this machine's architecture or of none, or PACKAGE:ARCHITECTURE.
@@ -47,6 +47,7 @@ need() {
     is_installed "$package" || missing+=("$package")
   done
   [ ${#missing[@]} -gt 0 ] || return 0
+  need_root_for apt-get install "${missing[@]}"
   say "Installing ${missing[*]} ..."
   mkdir -p "$root/build"
   local log="$root/build/packages.log"

@@ -43,12 +43,13 @@ test_preset() {
     run_tests "$preset" "$root/build/$preset" -j "$(nproc)"
     return
   fi
-  local name=local
-  [ "$preset" = release ] || name=local-$preset
+  # Short and without a blank, wherever the tree is: commands name files in it.
+  local name=local-$preset own_dir=/dev/shm/kest-test-$(id -u)/
   say "$debug_dir cannot be created in a namespace of its own: $why" \
-    "Testing a build with the debug directory build/$name/kest/ instead."
-  build "$name" --preset "$preset" -B "$root/build/$name" -DKEST_DEBUG_DIR="$root/build/$name/kest/"
+    "Testing a build with the debug directory $own_dir instead."
+  build "$name" --preset "$preset" -B "$root/build/$name" -DKEST_DEBUG_DIR="$own_dir"
   KEST_TEST_NAMESPACE=none run_tests "$preset" "$root/build/$name"
+  rm -rf "$own_dir"
 }
 
 fuzz() {

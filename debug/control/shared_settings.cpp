@@ -3,6 +3,8 @@
 
 #include <utility>
 
+#include <sys/stat.h>
+
 #include "ze_kest/utility.h"
 
 #include "debug/control/debug_mutex.h"
@@ -27,8 +29,11 @@ SharedBlock *g_pstBlock = nullptr;
 PresetText g_szPresetCmd = "";
 uint8_t g_bPresetCmd = 0;
 
+// Nothing also when somebody has emptied the file: to touch its memory would end the process.
 SharedSettings *MappedSettings() {
-  return g_pstBlock == nullptr ? nullptr : g_pstBlock->pstSettings;
+  struct stat stFile = {};
+  if (g_pstBlock == nullptr || fstat(g_pstBlock->s32ShmFd, &stFile) != 0) return nullptr;
+  return stFile.st_size == 0 ? nullptr : g_pstBlock->pstSettings;
 }
 
 SharedBlock *AllocateBlock() {
@@ -52,13 +57,13 @@ SharedBlock *ReplaceBlock(SharedBlock *pstBlock) {
 // A level of 0 means that no process has set the block up. False for that one.
 bool Adopt() {
   const HoldingShm holding;
-  const SharedSettings &shared = *MappedSettings();
-  const uint32_t u32Level = Load(shared.u32DebugLevel);
+  const SharedSettings *pstShared = MappedSettings();
+  const uint32_t u32Level = pstShared == nullptr ? 0 : Load(pstShared->u32DebugLevel);
   if (u32Level == 0) return false;
   Store(u32KestDebugLevel, u32Level);
-  g_bPresetCmd = Load(shared.bPresetCmd);
+  g_bPresetCmd = Load(pstShared->bPresetCmd);
   // Another process may be writing the text: the copy ends within the field whatever stands there.
-  return CopyText(g_szPresetCmd, shared.szPresetCmd);
+  return CopyText(g_szPresetCmd, pstShared->szPresetCmd);
 }
 
 // With the mutex held.

@@ -169,6 +169,7 @@ TEST(Faults, AFullDiskLosesTheLinesThatDoNotFitAndNoneAfterThem) {
   if (!MayMount()) GTEST_SKIP() << "needs a mount namespace";
   const Disk disk(0, "size=32k");
   ASSERT_EQ(ZE_KEST_OK, ze_kest_Debug_Init());
+  ASSERT_TRUE(WaitFor([] { return fs::is_fifo(kPipe); }));
   Disk::Fill();
   const ReportCapture capture;
   constexpr int kLost = 50;

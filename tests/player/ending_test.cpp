@@ -19,7 +19,8 @@ using PlayerEnding = PlayerTest;
 
 TEST_F(PlayerEnding, ASignalEndsARealTimeRunWithAReadableFile) {
   const AudioData recording = ReadAudio(kRecording);
-  for (const int signal : {SIGINT, SIGTERM}) {
+  signal(SIGHUP, SIG_DFL);  // nohup's children would ignore it
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
     std::filesystem::remove(out_);
     PlayerProcess player({kRecording, "-o", out_, "--loop"});
     ASSERT_TRUE(PlayOn(player, 10000)) << player.Wait().err;

@@ -63,6 +63,10 @@ TEST_F(PlayerFaults, FilesThatVanishOrAreReplacedUnderAPlayerLeaveItsSoundAlone)
         fs::create_directory(kLogFile);
         WriteToPipe("kest_log_restart\n");
       },
+      [](const PlayerProcess &) {
+        fs::resize_file(KEST_DEBUG_DIR "shm_global", 0);
+        WriteToPipe("kest_print_current_shm\nkest_log_level=all\n");
+      },
       // Again when the player puts a file into it meanwhile.
       [](const PlayerProcess &) {
         for (std::error_code ignored; fs::exists(KEST_DEBUG_DIR);)

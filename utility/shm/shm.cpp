@@ -77,8 +77,11 @@ bool OpenBlock(const char *pszPath, int *ps32Fd, bool *pbCreated) {
 // Sets the length and takes the room for it: writing to a mapped file on a full disk would end the process.
 bool ReserveBlock(int s32Fd) {
   if (ftruncate(s32Fd, ZE_KEST_SHM_SIZE) != 0) return false;
-  if (fallocate(s32Fd, 0, 0, ZE_KEST_SHM_SIZE) == 0) return true;
-  return errno == EOPNOTSUPP || errno == ENOSYS;
+  int s32Reserved = 0;
+  do {
+    s32Reserved = fallocate(s32Fd, 0, 0, ZE_KEST_SHM_SIZE);
+  } while (s32Reserved != 0 && errno == EINTR);
+  return s32Reserved == 0 || errno == EOPNOTSUPP || errno == ENOSYS;
 }
 
 bool MapBlock(int s32Fd, bool bCreated, void **ppvAddr) {
