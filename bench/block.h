@@ -6,7 +6,7 @@
 #include <memory>
 #include <string>
 
-#include "ze_kest/utility.h"
+#include "ze_kest/port.h"
 
 #include "bench/pages.h"
 #include "bench/plain_loops.h"

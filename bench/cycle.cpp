@@ -5,7 +5,7 @@
 #include <memory>
 
 #include "ze_kest/debug.h"
-#include "ze_kest/utility.h"
+#include "ze_kest/port.h"
 
 #include "bench/rows.h"
 #include "bench/table.h"

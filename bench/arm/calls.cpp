@@ -9,7 +9,7 @@
 #include <cstring>
 
 #include "ze_kest/debug.h"
-#include "ze_kest/utility.h"
+#include "ze_kest/port.h"
 
 #include "utility/core/report.h"
 
