@@ -150,9 +150,9 @@ __attribute__((noinline)) void PlainPointers(const ZE_KEST_PcmBuffer_s &stPcm, C
   stChannels.bGroups = 1;
   uint32_t u32Position = stPcm.sztPcmReadOffset + stPcm.sztPcmReadSize;
   if (u32Position >= stPcm.sztPcmRingSamples) u32Position -= stPcm.sztPcmRingSamples;
-  for (int32_t g = 0; g < ZE_KEST_PCM_GROUPS; ++g) {
+  for (uint32_t g = 0; g < ZE_KEST_PCM_GROUPS; ++g) {
     const ZE_KEST_PcmGroup_s &stGroup = stPcm.astPcmGroup[g];
-    if (stGroup.ePcmGroupType != g) continue;
+    if (stGroup.ePcmGroupType != static_cast<int32_t>(g)) continue;
     auto *pSamples = reinterpret_cast<Sample *>(stPcm.apu8PcmGroupBuf[g]) + u32Position;
     for (uint32_t k = 0; k < stGroup.u32ChannelCount; ++k, pSamples += stPcm.sztPcmRingSamples)
       if (stGroup.as32ChMap[k] != -1) stChannels.apSamples[g * ZE_KEST_PCM_GROUP_ENTRIES + k] = pSamples;
