@@ -64,11 +64,11 @@ void Block::Interleave(const Resampler &resampler, uint32_t u32LinearWidth) {
   resampler.Convert({pu8Rest}, PlanesAt(0), shape_.u32Frames - u32First);
 }
 
-void Block::Deinterleave(const Resampler &resampler) {
+void Block::Deinterleave(const Resampler &resampler, uint8_t *pu8Frames) {
   const uint32_t u32First = FramesBeforeWrap();
-  resampler.Convert(PlanesAt(Position()), {frames_.Other()}, u32First);
+  resampler.Convert(PlanesAt(Position()), {pu8Frames}, u32First);
   if (u32First == shape_.u32Frames) return;
-  uint8_t *pu8Rest = frames_.Other() + size_t{u32First} * shape_.u32Channels * u32Width_;
+  uint8_t *pu8Rest = pu8Frames + size_t{u32First} * shape_.u32Channels * u32Width_;
   resampler.Convert(PlanesAt(0), {pu8Rest}, shape_.u32Frames - u32First);
 }
 

@@ -6,7 +6,7 @@
 #include <memory>
 #include <string>
 
-#include "ze_kest/utility.h"
+#include "ze_kest/port.h"
 
 #include "bench/pages.h"
 #include "bench/plain_loops.h"
@@ -62,13 +62,16 @@ class Block {
   [[nodiscard]] uint8_t *Rings() { return rings_.One(); }
   [[nodiscard]] uint8_t *Frames() { return frames_.Other(); }
 
+  // The filter writes into the other block's rings too.
+  void AlsoWriteTo(Block &other) { stFilter_.apstOutPort[stFilter_.u32OutPortCount++] = &other.stPort_; }
+
   // Sources of a port's writers: the interleaved buffer's channels.
   void *const *Sources() const { return apSource_; }
   const uint16_t *Strides() const { return au16Stride_; }
 
   // The same with libswresample, in two calls where the block wraps.
   void Interleave(const Resampler &resampler, uint32_t u32LinearWidth);
-  void Deinterleave(const Resampler &resampler);
+  void Deinterleave(const Resampler &resampler, uint8_t *pu8Frames);
 
  private:
   [[nodiscard]] Resampler::Planes PlanesAt(uint32_t u32Position);

@@ -51,7 +51,8 @@ void AddDeinterleave(const Format &format, Shape shape) {
     });
     if (format.ePlanar == AV_SAMPLE_FMT_NONE) return;
     const auto resampler = std::make_shared<Resampler>(format.ePacked, format.ePlanar, shape.u32Channels);
-    row.Add(layout.Name(), Who::kSwresample, [block, resampler] { block->Deinterleave(*resampler); });
+    row.Add(layout.Name(), Who::kSwresample,
+            [block, resampler] { block->Deinterleave(*resampler, block->Frames()); });
   });
 }
 

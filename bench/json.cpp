@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 // The JSON reader beside the tokenizer alone, which is given an array that is large enough.
+#include "ze_kest/json.h"
+
 #include <cstdlib>
 #include <memory>
 #include <string>
 #include <vector>
-
-#include "ze_kest/utility.h"
 
 #include "bench/rows.h"
 #include "bench/table.h"

@@ -23,7 +23,9 @@ int main(int s32Args, char **apszArgs) {
   kest::bench::AddPortRows();
   kest::bench::AddRingRows();
   kest::bench::AddWidthRows();
+  kest::bench::AddByteRingRows();
   kest::bench::AddCycleRows();
+  kest::bench::AddPortWalkRows();
   kest::bench::AddLogRows();
   kest::bench::AddCommandRows();
   kest::bench::AddJsonRows();

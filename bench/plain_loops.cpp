@@ -78,6 +78,7 @@ void ConvertAll(const void *pvSrc, void *pvDst, size_t sztSamples, Convert conve
 
 template <typename Call>
 void ByWidth(size_t sztWidth, Call call) {
+  if (sztWidth == 1) call(uint8_t{});
   if (sztWidth == 2) call(uint16_t{});
   if (sztWidth == 3) call(Packed24{});
   if (sztWidth == 4) call(uint32_t{});

@@ -15,7 +15,7 @@ struct PlainRings {
   size_t sztPosition;
 };
 
-// By the bytes of a sample: 2, 3 or 4.
+// By the bytes of a sample: 1 to 4.
 void PlainInterleave(size_t sztWidth, const PlainRings &stRings, void *pvFrames, size_t sztChannels,
                      size_t sztFrames);
 void PlainDeinterleave(size_t sztWidth, const PlainRings &stRings, const void *pvFrames, size_t sztChannels,

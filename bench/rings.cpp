@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// The ring routines that move one channel, applied to the channels of a block one after another, and the byte
-// rings.
+// The ring routines that move one channel, applied to the channels of a block one after another.
 #include <algorithm>
 
 #include "bench/block.h"
@@ -126,24 +125,6 @@ void AddContiguous(Shape shape) {
   });
 }
 
-// A byte ring's content of the size of a block's channel.
-void AddByteRing(uint32_t u32Bytes) {
-  Row row("copy byte ring to byte ring, bytes in the column of frames", {0, u32Bytes});
-  for (const bool bWraps : {false, true}) {
-    constexpr uint32_t kRingBytes = 4096;
-    const auto memory = std::make_shared<std::pair<Pages, Pages>>(kRingBytes, kRingBytes);
-    uint8_t *const pu8Src = memory->first.One();
-    uint8_t *const pu8Dst = memory->second.Other();
-    const uint32_t u32Offset = bWraps ? kRingBytes - u32Bytes / 2 : 64;
-    const std::string layout = bWraps ? "wraps" : "";
-    row.Add(layout, Who::kLibrary, [memory, pu8Dst, pu8Src, u32Offset, u32Bytes] {
-      ze_kest_Utility_CopyFromRingToRingBuffer(pu8Dst, kRingBytes, 0, 0, pu8Src, kRingBytes, u32Offset, 0,
-                                               u32Bytes);
-    });
-    row.Add(layout, Who::kLimit, [memory, pu8Dst, pu8Src, u32Bytes] { memcpy(pu8Dst, pu8Src, u32Bytes); });
-  }
-}
-
 }  // namespace
 
 void AddRingRows() {
@@ -152,8 +133,6 @@ void AddRingRows() {
   for (const uint32_t u32Width : {2u, 3u, 4u})
     ForEachShape([&](Shape shape) { AddWrite(u32Width, shape); });
   ForEachShape(AddContiguous);
-  for (const uint32_t u32Bytes : {256u, 1024u})
-    AddByteRing(u32Bytes);
 }
 
 }  // namespace kest::bench

@@ -7,8 +7,10 @@ namespace kest::bench {
 void AddInterleaveRows();
 void AddPortRows();
 void AddRingRows();
+void AddByteRingRows();
 void AddWidthRows();
 void AddCycleRows();
+void AddPortWalkRows();
 void AddLogRows();
 void AddCommandRows();
 void AddJsonRows();

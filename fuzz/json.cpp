@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 // The JSON reader on any bytes: its index is the one that the tokenizer alone makes, and every look-up is
 // made.
+#include "ze_kest/json.h"
+
 #include <cstring>
 #include <string>
-
-#include "ze_kest/utility.h"
 
 #include "fuzz/expect.h"
 #include "fuzz/silent_log.h"

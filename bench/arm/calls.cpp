@@ -9,7 +9,7 @@
 #include <cstring>
 
 #include "ze_kest/debug.h"
-#include "ze_kest/utility.h"
+#include "ze_kest/port.h"
 
 #include "utility/core/report.h"
 
@@ -19,6 +19,7 @@ constexpr uint32_t kFrames = 1024;
 constexpr uint32_t kRingSamples = 4096;
 constexpr uint32_t kOffset = 3500;  // the block goes around the ring's end
 constexpr uint32_t kMaxChannels = 10;
+constexpr uint32_t kMetaBlockBytes = 64;
 
 // Linear buffers and rings begin where a real caller's do: at nothing better than a sample.
 struct alignas(64) Buffers {
@@ -116,6 +117,20 @@ struct Pcm {
     }
   }
 
+  // A second port whose rings are those of the first one.
+  static void PrepareTwoPorts() {
+    Prepare();
+    astPorts[1].stPcm = astPorts[0].stPcm;
+    stFilter.u32OutPortCount = 2;
+  }
+  static void WriteAll(ZE_KEST_Filter_s *pstFilter, uint32_t *) {
+    if constexpr (kBits == 16) {
+      ze_kest_Utility_WriteAllOutputPort16BitPcmBuffer(pstFilter, kFrames, aps16Src, au16Stride);
+    } else {
+      ze_kest_Utility_WriteAllOutputPort32BitPcmBuffer(pstFilter, kFrames, aps32Src, au16Stride);
+    }
+  }
+
   // One channel by the routines that serve it alone.
   template <auto pfnRead>
   static void ReadRing(ZE_KEST_Filter_s *, uint32_t *) {
@@ -195,6 +210,41 @@ void LowerLevels() {
 template <auto pfnCalculate>
 void ProcessSize(ZE_KEST_Filter_s *pstFilter, uint32_t *pu32Size) {
   pfnCalculate(pstFilter, pu32Size);
+}
+
+template <auto pfnUpdate>
+void Account(ZE_KEST_Filter_s *pstFilter, uint32_t *) {
+  pfnUpdate(pstFilter, kFrames);
+}
+
+template <auto pfnUpdate>
+void AccountOne(ZE_KEST_Filter_s *pstFilter, uint32_t *) {
+  pfnUpdate(pstFilter, kFrames, ZE_KEST_MAX_PORTS - 1);
+}
+
+// One port forwards to itself what its byte rings hold, which are blocks of metadata.
+void PrepareByteRings() {
+  stFilter.u32OutPortCount = 1;
+  astPorts[0].stMeta.pu8Buf = astPorts[0].stRaw.pu8Buf = stBuffers.au8Rings;
+  for (uint32_t u32Block = 0; u32Block < kFrames; u32Block += kMetaBlockBytes) {
+    const uint32_t au32Header[] = {u32Block, kMetaBlockBytes - ZE_KEST_METADATA_HEADER_SIZE};
+    memcpy(stBuffers.au8Rings + u32Block, au32Header, sizeof(au32Header));
+  }
+}
+
+template <auto pfnForward>
+void Forward(ZE_KEST_Filter_s *pstFilter, uint32_t *) {
+  pfnForward(pstFilter, 0, kFrames);
+}
+
+void ReadMetadataBlock(ZE_KEST_Filter_s *pstFilter, uint32_t *pu32Size) {
+  uint32_t u32Tag = 0;
+  ze_kest_Utility_ReadOneBlockInputPortMetadataBuffer(pstFilter, 0, 0, &u32Tag, pu32Size);
+}
+
+void QueryMetadataLength(ZE_KEST_Filter_s *pstFilter, uint32_t *pu32Size) {
+  uint32_t u32Last = 0;
+  ze_kest_Utility_QueryInputPortMetadataLen(pstFilter, 0, 4 * ZE_KEST_METADATA_SAMPLES, pu32Size, &u32Last);
 }
 
 void Nothing(ZE_KEST_Filter_s *, uint32_t *) {}
@@ -280,6 +330,10 @@ constexpr Case kCases[] = {
     {"write 10ch 16", kTen, "1.2", Pcm<10, 16>::Write, Pcm<10, 16>::Prepare},
     {"write 10ch 24", kTen, "3.0", Pcm<10, 24>::Write, Pcm<10, 24>::Prepare},
     {"write 10ch 32", kTen, "1.5", Pcm<10, 32>::Write, Pcm<10, 32>::Prepare},
+    {"write two ports 2ch 16", 2 * kStereo, "2 x write 2ch 16", Pcm<2, 16>::WriteAll,
+     Pcm<2, 16>::PrepareTwoPorts},
+    {"write two ports 10ch 32", 2 * kTen, "2 x write 10ch 32", Pcm<10, 32>::WriteAll,
+     Pcm<10, 32>::PrepareTwoPorts},
 
     {"ring read 32", kFrames, "-", Pcm<2, 32>::ReadRing<ze_kest_Utility_ReadDataFromNonInterleaveRingBuffer>},
     {"ring readTo32 16", kFrames, "1.25 x ring read 32",
@@ -287,12 +341,20 @@ constexpr Case kCases[] = {
     {"ring readTo32 32", kFrames, "1.25 x ring read 32",
      Pcm<2, 32>::ReadRing<ze_kest_Utility_ReadDataFromNonInterleaveRingBuffer_To32Bit>},
 
+    {"memcpy 1024", kFrames, "-", Copy<kFrames>},
     {"memcpy 2048", kFrames, "-", Copy<2 * kFrames>},
     {"memcpy 4096", kFrames, "-", Copy<4 * kFrames>},
     {"stride 1 write 16", kFrames, "1.1 x memcpy 2048", WriteContiguous<2>},
     {"stride 1 write 32", kFrames, "1.1 x memcpy 4096", WriteContiguous<4>},
     {"stride 1 read 16", kFrames, "1.1 x memcpy 2048", ReadContiguous<2>},
     {"stride 1 read 32", kFrames, "1.1 x memcpy 4096", ReadContiguous<4>},
+
+    {"forward meta 1024 bytes", kFrames, "-", Forward<ze_kest_Utility_WriteAllOutputPortMetadataBuffer>,
+     PrepareByteRings},
+    {"forward raw 1024 bytes", kFrames, "-", Forward<ze_kest_Utility_WriteAllOutputPortRawBuffer>,
+     PrepareByteRings},
+    {"metadata block", 0, "-", ReadMetadataBlock, PrepareByteRings},
+    {"metadata length of 4 blocks", 0, "-", QueryMetadataLength, PrepareByteRings},
 
     {"hook off", 0, "16", CallHook},
     {"latency start off", 0, "-", CallLatencyStart},
@@ -308,6 +370,14 @@ constexpr Case kCases[] = {
      ProcessSize<ze_kest_Utility_CalculateOutputPortMetadataProcessSize>},
     {"process size input raw", 0, "90", ProcessSize<ze_kest_Utility_CalculateInputPortRawProcessSize>},
     {"process size output raw", 0, "90", ProcessSize<ze_kest_Utility_CalculateOutputPortRawProcessSize>},
+
+    {"account input pcm", 0, "-", Account<ze_kest_Utility_UpdateAllInputPortPcmReadSize>},
+    {"account output pcm", 0, "-", Account<ze_kest_Utility_UpdateAllOutputPortPcmWriteSize>},
+    {"account input meta", 0, "-", Account<ze_kest_Utility_UpdateAllInputPortMetadataReadSize>},
+    {"account output meta", 0, "-", Account<ze_kest_Utility_UpdateAllOutputPortMetadataWriteSize>},
+    {"account input raw", 0, "-", Account<ze_kest_Utility_UpdateAllInputPortRawReadSize>},
+    {"account output raw", 0, "-", Account<ze_kest_Utility_UpdateAllOutputPortRawWriteSize>},
+    {"account one input pcm", 0, "-", AccountOne<ze_kest_Utility_UpdateSpecificInputPortPcmReadSize>},
 };
 
 void List() {

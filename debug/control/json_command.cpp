@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "debug/control/json_command.h"
 
+#include "ze_kest/json.h"
 #include "ze_kest/utility.h"
 
 #include "utility/core/owned_memory.h"

@@ -7,7 +7,7 @@
 #include <algorithm>
 #include <optional>
 
-#include "ze_kest/utility.h"
+#include "ze_kest/port.h"
 
 #include "utility/port/pcm_rings.h"
 #include "utility/port/ring_position.h"

@@ -2,7 +2,7 @@
 // Which pipeline feeds which.
 #include <cstring>
 
-#include "ze_kest/utility.h"
+#include "ze_kest/debug.h"
 
 #include "debug/control/debug_mutex.h"
 #include "debug/registry/registry.h"

@@ -3,7 +3,7 @@
 
 #include <cstring>
 
-#include "ze_kest/utility.h"
+#include "ze_kest/debug.h"
 
 #include "debug/control/debug_mutex.h"
 #include "debug/control/startup.h"

@@ -5,7 +5,7 @@
 
 #include <functional>
 
-#include "ze_kest/utility.h"
+#include "ze_kest/port.h"
 
 #include "fuzz/expect.h"
 #include "fuzz/random_filter.h"

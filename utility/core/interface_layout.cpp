@@ -5,8 +5,9 @@
 #include <cstdint>
 
 #include "ze_kest/debug.h"
+#include "ze_kest/json.h"
 #include "ze_kest/model.h"
-#include "ze_kest/utility.h"
+#include "ze_kest/performance.h"
 
 namespace {
 

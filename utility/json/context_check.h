@@ -2,7 +2,7 @@
 // Checks of a JSON context that several operations share, reported under the name of the one that asks.
 #pragma once
 
-#include "ze_kest/utility.h"
+#include "ze_kest/json.h"
 
 #include "utility/core/report.h"
 

@@ -2,6 +2,7 @@
 // Questions to the index of a JSON text.
 #include <cstring>
 
+#include "ze_kest/json.h"
 #include "ze_kest/utility.h"
 
 #include "utility/core/report.h"

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // The life of a JSON context and its index of tokens.
+#include "ze_kest/json.h"
 #include "ze_kest/utility.h"
 
 #include "utility/core/report.h"

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include "ze_kest/utility.h"
+#include "ze_kest/json.h"
 
 namespace kest {
 

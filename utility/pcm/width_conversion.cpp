@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "ze_kest/utility.h"
+#include "ze_kest/port.h"
 
 #include "utility/core/report.h"
 #include "utility/pcm/width_kernels.h"

@@ -2,7 +2,7 @@
 // What the report on measured cycles shows: averages since the first start, and the counters as text.
 #pragma once
 
-#include "ze_kest/utility.h"
+#include "ze_kest/performance.h"
 
 #include "utility/core/owned_memory.h"
 

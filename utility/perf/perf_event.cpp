@@ -8,7 +8,7 @@
 #include <sys/syscall.h>
 #include <unistd.h>
 
-#include "ze_kest/utility.h"
+#include "ze_kest/performance.h"
 
 #include "utility/core/owned_memory.h"
 #include "utility/core/report.h"

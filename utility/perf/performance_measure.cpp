@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // Measurement of processing cycles, each between a start and a stop.
 #include "ze_kest/debug.h"
-#include "ze_kest/utility.h"
+#include "ze_kest/performance.h"
 
 #include "utility/core/monotonic_us.h"
 #include "utility/core/report.h"

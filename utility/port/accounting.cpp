@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <algorithm>
 
-#include "ze_kest/utility.h"
+#include "ze_kest/port.h"
 
 #include "utility/core/report.h"
 #include "utility/port/port_walk.h"
@@ -40,7 +40,8 @@ void AddRawWrite(ZE_KEST_Port_s &stPort, uint32_t u32Count) {
   stPort.stRaw.sztWriteSize += u32Count;
 }
 
-// One size of the ports of one side.
+// One size of the ports of one side. The accounts are template arguments, as a call for each port would cost
+// as much as the rest.
 struct Account {
   kest::PortSide (*pfnSide)(const ZE_KEST_Filter_s &);
   void (*pfnAdd)(ZE_KEST_Port_s &, uint32_t);
@@ -54,69 +55,70 @@ constexpr Account kMetaWrite = {kest::OutputSide, AddMetaWrite, false};
 constexpr Account kRawRead = {kest::InputSide, AddDataRead<&ZE_KEST_Port_s::stRaw>, false};
 constexpr Account kRawWrite = {kest::OutputSide, AddRawWrite, false};
 
-uint32_t UpdateAll(const char *pszFunction, const Account &stAccount, ZE_KEST_Filter_s *pstFilter,
-                   uint32_t u32Count) {
+template <const Account &kAccount>
+uint32_t UpdateAll(const char *pszFunction, ZE_KEST_Filter_s *pstFilter, uint32_t u32Count) {
   KEST_REQUIRE_AS(pszFunction, pstFilter != nullptr, "pstFilter is NULL.\n");
-  if (stAccount.bRefusesZero && u32Count == 0) return ZE_KEST_NO;
-  stAccount.pfnSide(*pstFilter).ForEachServed([&](ZE_KEST_Port_s &stPort) {
-    stAccount.pfnAdd(stPort, u32Count);
+  if (kAccount.bRefusesZero && u32Count == 0) return ZE_KEST_NO;
+  kAccount.pfnSide(*pstFilter).ForEachServed([&](ZE_KEST_Port_s &stPort) {
+    kAccount.pfnAdd(stPort, u32Count);
   });
   return ZE_KEST_OK;
 }
 
 // A port that does not exist is no error here, and one that is not connected is updated: both are meant.
-uint32_t UpdateOne(const char *pszFunction, const Account &stAccount, ZE_KEST_Filter_s *pstFilter,
-                   uint32_t u32Count, uint32_t u32PortIdx) {
+template <const Account &kAccount>
+uint32_t UpdateOne(const char *pszFunction, ZE_KEST_Filter_s *pstFilter, uint32_t u32Count,
+                   uint32_t u32PortIdx) {
   KEST_REQUIRE_AS(pszFunction, pstFilter != nullptr, "pstFilter is NULL.\n");
-  if (stAccount.bRefusesZero && u32Count == 0) return ZE_KEST_NO;
-  ZE_KEST_Port_s *pstPort = stAccount.pfnSide(*pstFilter).At(u32PortIdx);
-  if (pstPort != nullptr) stAccount.pfnAdd(*pstPort, u32Count);
+  if (kAccount.bRefusesZero && u32Count == 0) return ZE_KEST_NO;
+  ZE_KEST_Port_s *pstPort = kAccount.pfnSide(*pstFilter).At(u32PortIdx);
+  if (pstPort != nullptr) kAccount.pfnAdd(*pstPort, u32Count);
   return ZE_KEST_OK;
 }
 
 }  // namespace
 
 uint32_t ze_kest_Utility_UpdateAllInputPortPcmReadSize(ZE_KEST_Filter_s *pstFilter, uint32_t sztSamples) {
-  return UpdateAll(__func__, kPcmRead, pstFilter, sztSamples);
+  return UpdateAll<kPcmRead>(__func__, pstFilter, sztSamples);
 }
 
 uint32_t ze_kest_Utility_UpdateAllOutputPortPcmWriteSize(ZE_KEST_Filter_s *pstFilter, uint32_t sztSamples) {
-  return UpdateAll(__func__, kPcmWrite, pstFilter, sztSamples);
+  return UpdateAll<kPcmWrite>(__func__, pstFilter, sztSamples);
 }
 
 uint32_t ze_kest_Utility_UpdateAllInputPortMetadataReadSize(ZE_KEST_Filter_s *pstFilter, uint32_t sztBytes) {
-  return UpdateAll(__func__, kMetaRead, pstFilter, sztBytes);
+  return UpdateAll<kMetaRead>(__func__, pstFilter, sztBytes);
 }
 
 uint32_t ze_kest_Utility_UpdateAllOutputPortMetadataWriteSize(ZE_KEST_Filter_s *pstFilter,
                                                               uint32_t sztBytes) {
-  return UpdateAll(__func__, kMetaWrite, pstFilter, sztBytes);
+  return UpdateAll<kMetaWrite>(__func__, pstFilter, sztBytes);
 }
 
 uint32_t ze_kest_Utility_UpdateAllInputPortRawReadSize(ZE_KEST_Filter_s *pstFilter, uint32_t sztBytes) {
-  return UpdateAll(__func__, kRawRead, pstFilter, sztBytes);
+  return UpdateAll<kRawRead>(__func__, pstFilter, sztBytes);
 }
 
 uint32_t ze_kest_Utility_UpdateAllOutputPortRawWriteSize(ZE_KEST_Filter_s *pstFilter, uint32_t sztBytes) {
-  return UpdateAll(__func__, kRawWrite, pstFilter, sztBytes);
+  return UpdateAll<kRawWrite>(__func__, pstFilter, sztBytes);
 }
 
 uint32_t ze_kest_Utility_UpdateSpecificInputPortPcmReadSize(ZE_KEST_Filter_s *pstFilter, uint32_t sztSamples,
                                                             uint32_t u32PortIdx) {
-  return UpdateOne(__func__, kPcmRead, pstFilter, sztSamples, u32PortIdx);
+  return UpdateOne<kPcmRead>(__func__, pstFilter, sztSamples, u32PortIdx);
 }
 
 uint32_t ze_kest_Utility_UpdateSpecificOutputPortPcmWriteSize(ZE_KEST_Filter_s *pstFilter,
                                                               uint32_t sztSamples, uint32_t u32PortIdx) {
-  return UpdateOne(__func__, kPcmWrite, pstFilter, sztSamples, u32PortIdx);
+  return UpdateOne<kPcmWrite>(__func__, pstFilter, sztSamples, u32PortIdx);
 }
 
 uint32_t ze_kest_Utility_UpdateSpecificInputPortMetadataReadSize(ZE_KEST_Filter_s *pstFilter,
                                                                  uint32_t sztBytes, uint32_t u32PortIdx) {
-  return UpdateOne(__func__, kMetaRead, pstFilter, sztBytes, u32PortIdx);
+  return UpdateOne<kMetaRead>(__func__, pstFilter, sztBytes, u32PortIdx);
 }
 
 uint32_t ze_kest_Utility_UpdateSpecificInputPortRawReadSize(ZE_KEST_Filter_s *pstFilter, uint32_t sztBytes,
                                                             uint32_t u32PortIdx) {
-  return UpdateOne(__func__, kRawRead, pstFilter, sztBytes, u32PortIdx);
+  return UpdateOne<kRawRead>(__func__, pstFilter, sztBytes, u32PortIdx);
 }

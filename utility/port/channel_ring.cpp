@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <cstring>
 
-#include "ze_kest/utility.h"
+#include "ze_kest/port.h"
 
 #include "utility/port/channel_move.h"
 

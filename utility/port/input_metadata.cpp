@@ -2,7 +2,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include "ze_kest/utility.h"
+#include "ze_kest/port.h"
 
 #include "utility/core/report.h"
 #include "utility/port/port_walk.h"

@@ -1,0 +1,341 @@
+/* SPDX-License-Identifier: Apache-2.0
+ *
+ * What filters call while they process: the PCM, metadata and raw data of their ports, the rings that hold
+ * it, and the conversions of samples; part of ze_kest/utility.h.
+ *
+ * Unless a comment says otherwise: a function returns a result code of result.h; a NULL argument is reported
+ * at ERR level and answered with ZE_KEST_INVALID_ARGUMENT; outputs keep their values on failure; the
+ * functions work on the calling filter's own ports, on the thread that runs the filter, take no lock,
+ * allocate nothing and log nothing on success, so they are real-time safe. */
+#ifndef ZE_KEST_PORT_H
+#define ZE_KEST_PORT_H
+
+#include <stdint.h>
+
+#include "ze_kest/model.h"
+#include "ze_kest/result.h"
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/* ---- Process size: how much a filter may process in this cycle ---- */
+
+/* The largest amount that the counting ports of one side can all deliver or take, PCM in samples per channel,
+ * metadata and raw in bytes. *psztProcessSize is 0 whenever the result is ZE_KEST_NOTHING_TO_PROCESS.
+ *
+ * Input PCM and metadata: the first port with data counts, connected or not; empty ports before it are passed
+ * over. Ports after it count when they are connected, and an empty one makes the size 0.
+ * Output PCM: every port with a ring counts. Output metadata and raw: every connected port with a ring.
+ * Input raw: every port with a ring.
+ * PCM sizes are limited by the filter's sztMaxInPcmProcessSize and sztMaxOutPcmProcessSize. */
+ZE_KEST_API uint32_t ze_kest_Utility_CalculateInputPortPcmProcessSize(const ZE_KEST_Filter_s *pstFilter,
+                                                                      uint32_t *psztProcessSize);
+ZE_KEST_API uint32_t ze_kest_Utility_CalculateOutputPortPcmProcessSize(const ZE_KEST_Filter_s *pstFilter,
+                                                                       uint32_t *psztProcessSize);
+ZE_KEST_API uint32_t ze_kest_Utility_CalculateInputPortMetadataProcessSize(const ZE_KEST_Filter_s *pstFilter,
+                                                                           uint32_t *psztProcessSize);
+ZE_KEST_API uint32_t ze_kest_Utility_CalculateOutputPortMetadataProcessSize(const ZE_KEST_Filter_s *pstFilter,
+                                                                            uint32_t *psztProcessSize);
+ZE_KEST_API uint32_t ze_kest_Utility_CalculateInputPortRawProcessSize(const ZE_KEST_Filter_s *pstFilter,
+                                                                      uint32_t *psztProcessSize);
+ZE_KEST_API uint32_t ze_kest_Utility_CalculateOutputPortRawProcessSize(const ZE_KEST_Filter_s *pstFilter,
+                                                                       uint32_t *psztProcessSize);
+
+/* ---- Rings. No argument is checked; all return ZE_KEST_OK; source and destination must not overlap. ---- */
+
+/* One channel between its ring and a linear buffer in which it may be interleaved with others.
+ * pu8RingBuf: start of the ring; pu8Pos: where in the ring to begin; sztRingSize: bytes of the ring;
+ * pu8Data: the channel's first sample in the linear buffer; u64Bytes: bytes of ring data, a partial last
+ * sample is moved whole; u32Stride: distance of the channel's samples in the linear buffer, in its samples;
+ * u32BytesPerSample: width in the ring, 2, 3 or 4 (the converting reads: 2 or 4), any other moves nothing.
+ *
+ * A stride of 1 copies the ring's bytes as they are, whatever the width and in the converting reads too.
+ * Nothing outside the ring is touched: a sample that crosses its end is cut (missing bytes read as 0), more
+ * than the rest of the ring and one lap is not moved, and nothing is when pu8Pos lies outside.
+ * _To16Bit gives the upper 16 bits; _To24Le a 32-bit word with the upper 24 bits in its low three bytes, not
+ * sign-extended; _To32Bit the sample left-aligned in 32 bits. */
+ZE_KEST_API uint32_t ze_kest_Utility_WriteDataToNonInterleaveRingBuffer(uint8_t *pu8RingBuf, uint8_t *pu8Pos,
+                                                                        uint32_t sztRingSize,
+                                                                        const uint8_t *pu8Data,
+                                                                        uint64_t u64Bytes, uint32_t u32Stride,
+                                                                        uint32_t u32BytesPerSample);
+ZE_KEST_API uint32_t ze_kest_Utility_ReadDataFromNonInterleaveRingBuffer(
+    const uint8_t *pu8RingBuf, const uint8_t *pu8Pos, uint32_t sztRingSize, uint8_t *pu8Data,
+    uint64_t u64Bytes, uint32_t u32Stride, uint32_t u32BytesPerSample);
+ZE_KEST_API uint32_t ze_kest_Utility_ReadDataFromNonInterleaveRingBuffer_To16Bit(
+    const uint8_t *pu8RingBuf, const uint8_t *pu8Pos, uint32_t sztRingSize, uint8_t *pu8Data,
+    uint64_t u64Bytes, uint32_t u32Stride, uint32_t u32BytesPerSample);
+ZE_KEST_API uint32_t ze_kest_Utility_ReadDataFromNonInterleaveRingBuffer_To24Le(
+    const uint8_t *pu8RingBuf, const uint8_t *pu8Pos, uint32_t sztRingSize, uint8_t *pu8Data,
+    uint64_t u64Bytes, uint32_t u32Stride, uint32_t u32BytesPerSample);
+ZE_KEST_API uint32_t ze_kest_Utility_ReadDataFromNonInterleaveRingBuffer_To32Bit(
+    const uint8_t *pu8RingBuf, const uint8_t *pu8Pos, uint32_t sztRingSize, uint8_t *pu8Data,
+    uint64_t u64Bytes, uint32_t u32Stride, uint32_t u32BytesPerSample);
+
+/* Copies sztCount bytes between byte rings, or from a ring into a linear buffer. A position is offset plus
+ * advance, less the ring's size once when it is not below it; nothing is copied when it lies outside still.
+ * Not more than a ring's size is copied. All sizes in bytes. */
+ZE_KEST_API uint32_t ze_kest_Utility_CopyFromRingToRingBuffer(uint8_t *pu8Dst, uint32_t sztDstSize,
+                                                              uint32_t sztDstOffset, uint32_t sztDstAdvance,
+                                                              const uint8_t *pu8Src, uint32_t sztSrcSize,
+                                                              uint32_t sztSrcOffset, uint32_t sztSrcAdvance,
+                                                              uint32_t sztCount);
+ZE_KEST_API uint32_t ze_kest_Utility_CopyFromRingToNonRingBuffer(uint8_t *pu8Dst, const uint8_t *pu8Ring,
+                                                                 uint32_t sztRingSize, uint32_t sztOffset,
+                                                                 uint32_t sztAdvance, uint32_t sztCount);
+
+/* ---- Sample widths: a linear run of samples from one container to another. Any thread, real-time safe. ----
+ */
+
+/* Containers: 16 bits; 24 bits packed into three bytes, the low one first; 24LE, the low three bytes of a
+ * 32-bit word (the top byte is dropped); 32 bits. A wider sample has its bits at the top (24LE apart), the
+ * rest zero; a narrower one loses its low bits: nothing is rounded or saturated.
+ *
+ * u32Count: samples; 0 converts nothing. Pointers need not be aligned. The samples are converted one after
+ * another in ascending order, so ranges may overlap where no sample is written over before it is read.
+ * ZE_KEST_INVALID_ARGUMENT: a NULL pointer (reported), nothing is written. */
+ZE_KEST_API uint32_t ze_kest_Utility_ConvertPcmFrom16BitTo24Bit(const uint16_t *pu16Ptr, uint8_t *pu8Ptr,
+                                                                uint32_t u32Count);
+ZE_KEST_API uint32_t ze_kest_Utility_ConvertPcmFrom24BitTo16Bit(const uint8_t *pu8Ptr, uint16_t *pu16Ptr,
+                                                                uint32_t u32Count);
+ZE_KEST_API uint32_t ze_kest_Utility_ConvertPcmFrom16BitTo32Bit(const uint16_t *pu16Ptr, uint32_t *pu32Dest,
+                                                                uint32_t u32Count);
+ZE_KEST_API uint32_t ze_kest_Utility_ConvertPcmFrom32BitTo16Bit(const uint32_t *pu32PtrSrc,
+                                                                uint16_t *pu16PtrDes, uint32_t u32Count);
+ZE_KEST_API uint32_t ze_kest_Utility_ConvertPcmFrom24BitTo32Bit(const uint8_t *pu8Ptr, uint32_t *pu32Ptr,
+                                                                uint32_t u32Count);
+ZE_KEST_API uint32_t ze_kest_Utility_ConvertPcmFrom24LETo16Bit(const uint32_t *pu32Ptr, uint16_t *pu16Ptr,
+                                                               uint32_t u32Count);
+ZE_KEST_API uint32_t ze_kest_Utility_ConvertPcmFrom24LETo32Bit(const uint32_t *pu32Src, uint32_t *pu32Dest,
+                                                               uint32_t u32Count);
+
+/* A second generation of the same conversions: 16 to 32 bits, 24LE to 32 bits in place, 24LE to 16 bits. The
+ * destination comes first, and to convert no samples is refused.
+ * ps32Dst, ps16Dst: sztSamples samples, out; ps16Dst must not be NULL: it is not checked.
+ * ZE_KEST_INVALID_ARGUMENT: another NULL pointer or 0 samples (each reported), nothing is written. */
+ZE_KEST_API uint32_t ze_kest_Utility_Convert16BitPcmTo32BitPcm(int32_t *ps32Dst, const int16_t *ps16Src,
+                                                               uint32_t sztSamples);
+ZE_KEST_API uint32_t ze_kest_Utility_Convert32BitPcmFromLow24BitToHigh24Bit(int32_t *ps32Src,
+                                                                            uint32_t sztSamples);
+ZE_KEST_API uint32_t ze_kest_Utility_Convert32BitPcmFromLow24BitTo16BitPcm(int16_t *ps16Dst,
+                                                                           const int32_t *ps32Src,
+                                                                           uint32_t sztSamples);
+
+/* ---- Interleave: one channel group of a port, given by the port's PCM part ---- */
+
+/* Frames of an interleaved buffer into the rings of a group, and back. Channel k of a frame belongs to slot k
+ * of the group; the channel map is not asked, no level or offset changes.
+ *
+ * pstPcm: the port's PCM part; ePcmGroupType: the group, 0 to 2; u32Advance: where in the rings to begin, in
+ * samples from sztPcmReadOffset; sztSamples: samples per channel, the frames of pvSrc or pvDst; source and
+ * destination must not overlap. The samples have the width given here on both sides, 16, 24 (packed) or 32
+ * bits, and the group's storage is one of rings of that width. Of any other width nothing is moved, but with
+ * one channel its bytes are copied all the same.
+ *
+ * Nothing outside the rings is touched: nothing is moved when the position lies beyond the ring after one lap
+ * or when the group has no storage, and not more than the rest of the ring and one lap.
+ * ZE_KEST_INVALID_ARGUMENT: a group above 2 or a NULL pointer (each reported), nothing is written. */
+
+/* u32ChNum: channels of a frame; 0 and more than the group's number of channels count as 2. u32BitWidth: bits
+ * of a sample; 0 counts as 16. Both corrections are reported at INFO level. */
+ZE_KEST_API uint32_t ze_kest_Utility_ConvertInterleaveToNonInterleave(uint32_t u32ChNum, uint32_t u32BitWidth,
+                                                                      const ZE_KEST_PcmBuffer_s *pstPcm,
+                                                                      uint32_t ePcmGroupType,
+                                                                      uint32_t u32Advance, const void *pvSrc,
+                                                                      uint32_t sztSamples);
+
+/* u32ChNum: channels of a frame; 0: nothing is done, no pointer is checked. Channels beyond the group's
+ * number of channels have no ring: their slots of the frames stay as they were. u32BytesPerSample: 2, 3 or 4.
+ */
+ZE_KEST_API uint32_t ze_kest_Utility_ConvertNonInterleaveToInterleave(
+    void *pvDst, const ZE_KEST_PcmBuffer_s *pstPcm, uint32_t ePcmGroupType, uint32_t u32ChNum,
+    uint32_t u32Advance, uint32_t sztSamples, uint32_t u32BytesPerSample);
+
+/* Copies a group's channels from the rings of one port to the same slots of another, with wrap-around on both
+ * sides. The source's group record says which slots carry a channel; no level or offset changes.
+ * pstDst, pstSrc: the ports' PCM parts, whose rings must not overlap; u32DstAdvance, u32SrcAdvance: where to
+ * begin, in samples from the ports' sztPcmReadOffset; sztSamples: samples per channel; ePcmGroupType: 0 to 2.
+ * The ports have the same sample width: u32BitWidth 0 of the source counts as 16, of the destination as the
+ * source's. Nothing is copied when a port has no storage for the group, a position lies outside its ring
+ * after one lap or the source's samples are the wider ones; never more than a ring's size is.
+ * ZE_KEST_INVALID_ARGUMENT: a group above 2 or a NULL pointer (each reported). */
+ZE_KEST_API uint32_t ze_kest_Utility_CopyNonInterleavePcmBuffer(const ZE_KEST_PcmBuffer_s *pstDst,
+                                                                const ZE_KEST_PcmBuffer_s *pstSrc,
+                                                                uint32_t u32DstAdvance,
+                                                                uint32_t u32SrcAdvance, uint32_t sztSamples,
+                                                                uint32_t ePcmGroupType);
+
+/* ---- Reading an input port. Reading consumes nothing: account for it with the Update functions. ---- */
+
+/* Reads channels u32FirstCh to u32LastCh of a port into an interleaved buffer.
+ * u32PortIdx: 0 to u32InPortCount - 1, connected unless it is 0; pvDst: sztSamples frames of u32DstChNum
+ * samples; sztSamples: samples per channel; u32FirstCh, u32LastCh: global channel numbers (0-1, 2-11 and
+ * 12-21 for groups 0, 1 and 2), both inclusive; u32DstChNum: samples of a destination frame, at least the
+ * channels read.
+ *
+ * Channel c goes to slot c - u32FirstCh of every frame. A channel that the port does not carry leaves its
+ * slot as it was. The destination's samples have the port's width, or are those of the ring reads of the same
+ * suffix (port widths 16 and 32). With u32DstChNum 1 the port's bytes come unconverted, so pvDst needs room
+ * for samples of the port's width.
+ *
+ * ZE_KEST_INVALID_ARGUMENT: a NULL pointer (reported), an empty channel range, more channels than
+ * u32DstChNum, no such port. ZE_KEST_FAILED: u32LastCh lies beyond the groups that can be read (reported);
+ * the channels before it are written. Ports of 16 and 24 bits and the converting reads give group 2 only to
+ * the last channel read. */
+ZE_KEST_API uint32_t ze_kest_Utility_ReadInputPortPcmBuffer(const ZE_KEST_Filter_s *pstFilter,
+                                                            uint32_t u32PortIdx, void *pvDst,
+                                                            uint32_t sztSamples, uint32_t u32FirstCh,
+                                                            uint32_t u32LastCh, uint32_t u32DstChNum);
+ZE_KEST_API uint32_t ze_kest_Utility_ReadInputPortPcmBuffer_To16Bit(const ZE_KEST_Filter_s *pstFilter,
+                                                                    uint32_t u32PortIdx, void *pvDst,
+                                                                    uint32_t sztSamples, uint32_t u32FirstCh,
+                                                                    uint32_t u32LastCh, uint32_t u32DstChNum);
+ZE_KEST_API uint32_t ze_kest_Utility_ReadInputPortPcmBuffer_To24Le(const ZE_KEST_Filter_s *pstFilter,
+                                                                   uint32_t u32PortIdx, void *pvDst,
+                                                                   uint32_t sztSamples, uint32_t u32FirstCh,
+                                                                   uint32_t u32LastCh, uint32_t u32DstChNum);
+
+/* Tag and size in bytes (header included) of the next unread metadata block of a port. The caller knows that
+ * the ring holds one. u32Unused is not read. ZE_KEST_INVALID_ARGUMENT without a report when there is no such
+ * port or no whole header at its read position. */
+ZE_KEST_API uint32_t ze_kest_Utility_ReadOneBlockInputPortMetadataBuffer(const ZE_KEST_Filter_s *pstFilter,
+                                                                         uint32_t u32PortIdx,
+                                                                         uint32_t u32Unused,
+                                                                         uint32_t *pu32Tag,
+                                                                         uint32_t *pu32BlockSize);
+
+/* Bytes of metadata that belong to a number of samples: the next sztSamples / 256 blocks of a port, up to the
+ * one that reaches the end of the held data, which counts whole. The first is taken from the read position
+ * whatever the ring holds, so an empty ring gives the block there. *pu32LastBlockSize is the size of the last
+ * block with a payload and is left alone when there is none. ZE_KEST_INVALID_ARGUMENT without a report when
+ * there is no such port. */
+ZE_KEST_API uint32_t ze_kest_Utility_QueryInputPortMetadataLen(const ZE_KEST_Filter_s *pstFilter,
+                                                               uint32_t u32PortIdx, uint32_t sztSamples,
+                                                               uint32_t *pu32Len,
+                                                               uint32_t *pu32LastBlockSize);
+
+/* Bytes of metadata that go with a step of sztSamples on input port 0, counted in blocks as above, not more
+ * than u32MaxBytes (in whole blocks). *pu32Remainder: samples left over from the step before, in; left over
+ * for the next one, out. Returns bytes, not a result code; 0 for NULL, which is not reported. */
+ZE_KEST_API uint32_t ze_kest_Utility_QueryInputMinMetaProcessSize(const ZE_KEST_Filter_s *pstFilter,
+                                                                  uint32_t sztSamples, uint32_t u32MaxBytes,
+                                                                  uint32_t *pu32Remainder);
+
+/* ---- Writing output ports. Writing commits nothing: account for it with the Update functions. ---- */
+
+/* Writes sztSamples samples per channel to one output port behind the data that its rings hold.
+ * u32PortIdx: 0 to u32OutPortCount - 1, connected unless it is 0; the port has the function's sample width,
+ * or, in the 32-bit functions, packed 24-bit samples as the sources then have; apSrc: 36 entries,
+ * 12 per group, the source of slot k of group g at 12 * g + k, NULL for none; au16Stride: 36 entries,
+ * distance of a source's samples, in samples. The caller knows that the rings have the space. With
+ * ZE_KEST_OPTION_DIRECT_WRITE and a bound of the output process size the samples are stored without
+ * wrap-around. ZE_KEST_INVALID_ARGUMENT: a NULL pointer (reported), no such port. */
+ZE_KEST_API uint32_t ze_kest_Utility_WriteOutputPort16BitPcmBuffer(const ZE_KEST_Filter_s *pstFilter,
+                                                                   uint32_t u32PortIdx, uint32_t sztSamples,
+                                                                   int16_t *const *apSrc,
+                                                                   const uint16_t *au16Stride);
+ZE_KEST_API uint32_t ze_kest_Utility_WriteOutputPort32BitPcmBuffer(const ZE_KEST_Filter_s *pstFilter,
+                                                                   uint32_t u32PortIdx, uint32_t sztSamples,
+                                                                   int32_t *const *apSrc,
+                                                                   const uint16_t *au16Stride);
+
+/* The same to every output port; ports that cannot be written are passed over. */
+ZE_KEST_API uint32_t ze_kest_Utility_WriteAllOutputPort16BitPcmBuffer(const ZE_KEST_Filter_s *pstFilter,
+                                                                      uint32_t sztSamples,
+                                                                      int16_t *const *apSrc,
+                                                                      const uint16_t *au16Stride);
+ZE_KEST_API uint32_t ze_kest_Utility_WriteAllOutputPort32BitPcmBuffer(const ZE_KEST_Filter_s *pstFilter,
+                                                                      uint32_t sztSamples,
+                                                                      int32_t *const *apSrc,
+                                                                      const uint16_t *au16Stride);
+
+/* Forwards sztBytes unread bytes of one input port's ring to the ring of every connected output port. A port
+ * without the space, or an input without the data, is passed over, and so is a ring without a buffer; sizes
+ * that contradict each other are reported and passed over. ZE_KEST_INVALID_ARGUMENT: a NULL filter
+ * (reported), no such input port. */
+ZE_KEST_API uint32_t ze_kest_Utility_WriteAllOutputPortMetadataBuffer(const ZE_KEST_Filter_s *pstFilter,
+                                                                      uint32_t u32InPortIdx,
+                                                                      uint32_t sztBytes);
+ZE_KEST_API uint32_t ze_kest_Utility_WriteAllOutputPortRawBuffer(const ZE_KEST_Filter_s *pstFilter,
+                                                                 uint32_t u32InPortIdx, uint32_t sztBytes);
+
+/* 1 when some output port has a metadata ring, 0 when none has, ZE_KEST_INVALID_ARGUMENT for NULL. */
+ZE_KEST_API uint32_t ze_kest_Utility_IsOutputMetadataBufferExist(const ZE_KEST_Filter_s *pstFilter);
+
+/* ---- Accounting: add what this cycle consumed or produced ---- */
+
+/* All ports of one side: the first one, and every later one that is connected. PCM in samples per channel,
+ * ZE_KEST_NO and no change for 0; metadata and raw in bytes. PCM sizes and the metadata write size stop at
+ * the ring's capacity, the others do not. */
+ZE_KEST_API uint32_t ze_kest_Utility_UpdateAllInputPortPcmReadSize(ZE_KEST_Filter_s *pstFilter,
+                                                                   uint32_t sztSamples);
+ZE_KEST_API uint32_t ze_kest_Utility_UpdateAllOutputPortPcmWriteSize(ZE_KEST_Filter_s *pstFilter,
+                                                                     uint32_t sztSamples);
+ZE_KEST_API uint32_t ze_kest_Utility_UpdateAllInputPortMetadataReadSize(ZE_KEST_Filter_s *pstFilter,
+                                                                        uint32_t sztBytes);
+ZE_KEST_API uint32_t ze_kest_Utility_UpdateAllOutputPortMetadataWriteSize(ZE_KEST_Filter_s *pstFilter,
+                                                                          uint32_t sztBytes);
+ZE_KEST_API uint32_t ze_kest_Utility_UpdateAllInputPortRawReadSize(ZE_KEST_Filter_s *pstFilter,
+                                                                   uint32_t sztBytes);
+ZE_KEST_API uint32_t ze_kest_Utility_UpdateAllOutputPortRawWriteSize(ZE_KEST_Filter_s *pstFilter,
+                                                                     uint32_t sztBytes);
+
+/* One port, connected or not. A port that does not exist is not an error: nothing changes, ZE_KEST_OK. */
+ZE_KEST_API uint32_t ze_kest_Utility_UpdateSpecificInputPortPcmReadSize(ZE_KEST_Filter_s *pstFilter,
+                                                                        uint32_t sztSamples,
+                                                                        uint32_t u32PortIdx);
+ZE_KEST_API uint32_t ze_kest_Utility_UpdateSpecificOutputPortPcmWriteSize(ZE_KEST_Filter_s *pstFilter,
+                                                                          uint32_t sztSamples,
+                                                                          uint32_t u32PortIdx);
+ZE_KEST_API uint32_t ze_kest_Utility_UpdateSpecificInputPortMetadataReadSize(ZE_KEST_Filter_s *pstFilter,
+                                                                             uint32_t sztBytes,
+                                                                             uint32_t u32PortIdx);
+ZE_KEST_API uint32_t ze_kest_Utility_UpdateSpecificInputPortRawReadSize(ZE_KEST_Filter_s *pstFilter,
+                                                                        uint32_t sztBytes,
+                                                                        uint32_t u32PortIdx);
+
+/* ---- Channel groups ---- */
+
+/* First global channel and number of channels of the groups 0, 1 and 2. */
+extern ZE_KEST_API const uint32_t sztPcmGroupBaseChIdx[ZE_KEST_PCM_GROUPS];
+extern ZE_KEST_API const uint32_t sztPcmGroupChNumber[ZE_KEST_PCM_GROUPS];
+
+/* Copies a PCM format to the output ports: the first one, and every later one that is connected. */
+ZE_KEST_API uint32_t ze_kest_Utility_UpdatePcmInfoToAllOutputPort(ZE_KEST_Filter_s *pstFilter,
+                                                                  const ZE_KEST_PcmInfo_s *pstPcmInfo);
+
+/* Copies three group records to the same ports and counts their channels anew. A group for which a port has
+ * no storage is marked -1 there and not counted. u32Unused is not read. */
+ZE_KEST_API uint32_t ze_kest_Utility_UpdatePcmGroupToAllOutputPort(ZE_KEST_Filter_s *pstFilter,
+                                                                   uint32_t u32Unused,
+                                                                   const ZE_KEST_PcmGroup_s *pastPcmGroup);
+
+/* Pointers to the unread samples of every channel of an input port, valid up to the ring's end; the caller
+ * handles the wrap.
+ * apCh: out, 36 entries, slot k of group g at 12 * g + k, NULL where there is no channel;
+ * au16Stride: out, 36 entries, all 1; pbGroupPresent: out, 1 when the port has group records, else left
+ * alone. A channel count that contradicts the port's format is reported and does not change the result.
+ * ZE_KEST_INVALID_ARGUMENT: a NULL pointer (reported), no such port. */
+ZE_KEST_API uint32_t ze_kest_Utility_AnalyzeInputPort16BitPcmGroup(const ZE_KEST_Filter_s *pstFilter,
+                                                                   uint32_t u32PortIdx, int16_t **apCh,
+                                                                   uint16_t *au16Stride,
+                                                                   uint8_t *pbGroupPresent);
+ZE_KEST_API uint32_t ze_kest_Utility_AnalyzeInputPort32BitPcmGroup(const ZE_KEST_Filter_s *pstFilter,
+                                                                   uint32_t u32PortIdx, int32_t **apCh,
+                                                                   uint16_t *au16Stride,
+                                                                   uint8_t *pbGroupPresent);
+
+/* Whether a side's connected ports carry a group: 1 when one does or none is connected, else 0. The first
+ * asks both sides, the second the outputs. ZE_KEST_INVALID_ARGUMENT: a NULL filter (reported), a group
+ * above 2. */
+ZE_KEST_API uint32_t ze_kest_Utility_CheckPcmGroupCapability(const ZE_KEST_Filter_s *pstFilter,
+                                                             uint32_t ePcmGroupType);
+ZE_KEST_API uint32_t ze_kest_Utility_CheckOutPortPcmGroupCapability(const ZE_KEST_Filter_s *pstFilter,
+                                                                    uint32_t ePcmGroupType);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif
