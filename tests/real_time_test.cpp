@@ -5,7 +5,6 @@
 #include <cstddef>
 #include <memory>
 
-#include <gtest/gtest.h>
 #include <linux/filter.h>
 #include <linux/seccomp.h>
 #include <sys/mman.h>
@@ -13,12 +12,8 @@
 #include <sys/syscall.h>
 #include <unistd.h>
 
-#include "ze_kest/debug.h"
-
-#include "tests/support/debug_layer.h"
 #include "tests/support/failing_allocator.h"
 #include "tests/support/ports.h"
-#include "tests/support/report_capture.h"
 #include "utility/core/shared_name.h"
 
 namespace kest::test {

@@ -3,19 +3,12 @@
 #include <functional>
 #include <sstream>
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include "ze_kest/debug.h"
-
 #include "debug/control/command_table.h"
 #include "debug/control/debug_mutex.h"
 #include "debug/registry/registry.h"
 #include "debug/thread/tid_test.h"
-#include "tests/support/debug_layer.h"
 #include "tests/support/failing_allocator.h"
 #include "tests/support/ports.h"
-#include "tests/support/report_capture.h"
 #include "utility/core/owned_file.h"
 #include "utility/core/owned_memory.h"
 
@@ -23,7 +16,6 @@ namespace kest::test {
 namespace {
 
 using testing::IsSupersetOf;
-using Texts = std::vector<std::string>;
 
 constexpr const char *kFile = KEST_DEBUG_DIR "x.json";
 constexpr const char *kNoMemory = "Error! MALLOC error! \n";
@@ -55,7 +47,7 @@ bool Survives(const Scenario &scenario, uint32_t u32Refused, Texts &reports) {
     EXPECT_EQ(ZE_KEST_OK, u32Result);
     return false;
   }
-  EXPECT_THAT(scenario.results, testing::Contains(u32Result));
+  EXPECT_THAT(scenario.results, Contains(u32Result));
   const Texts errors = capture.Texts("<ERR>");
   EXPECT_EQ(scenario.reports.empty(), errors.empty());
   reports.insert(reports.end(), errors.begin(), errors.end());

@@ -6,26 +6,17 @@
 #include <sstream>
 #include <thread>
 
-#include <gmock/gmock.h>
 #include <sys/mount.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "ze_kest/debug.h"
-#include "ze_kest/utility.h"
-
-#include "tests/support/debug_layer.h"
-#include "tests/support/report_capture.h"
+#include "tests/support/library_test.h"
 
 namespace kest::test {
 namespace {
 
 namespace fs = std::filesystem;
-using testing::AllOf;
-using testing::Contains;
-using testing::EndsWith;
-using testing::HasSubstr;
 
 // A disk of its own over the debug directory.
 class Disk {
@@ -176,16 +167,16 @@ TEST(Faults, AFullDiskLosesTheLinesThatDoNotFitAndNoneAfterThem) {
     LogError("fits or is cut");
   for (int i = 1; i < kLost; ++i)
     LogError("lost");
-  EXPECT_EQ(std::vector<std::string>(kLost, "Error! Fail to fflush()!\n"), capture.Texts("<ERR>"));
+  EXPECT_EQ(Texts(kLost, "Error! Fail to fflush()!\n"), capture.Texts("<ERR>"));
 
   Disk::MakeRoom();
   LogError("after");
   std::istringstream file(ReadFile(kLogFile));
-  std::vector<std::string> lines;
+  Texts lines;
   for (std::string line; std::getline(file, line);)
     lines.push_back(line);
-  EXPECT_THAT(lines.back(), AllOf(testing::StartsWith("\033[1;31m"), EndsWith("<ERR>\033[0mafter")));
-  EXPECT_THAT(lines, testing::Not(Contains(HasSubstr("lost"))));
+  EXPECT_THAT(lines.back(), AllOf(StartsWith("\033[1;31m"), EndsWith("<ERR>\033[0mafter")));
+  EXPECT_THAT(lines, Not(Contains(HasSubstr("lost"))));
   ShutDown();
 }
 
@@ -251,7 +242,7 @@ TEST(Faults, WithoutDescriptorsTheOpenLogGoesOnAndWhatNeedsANewOneIsReported) {
   }
   WriteToPipe("kest_log_to_file=on\nkest_log_size=12345\n");
   EXPECT_TRUE(WaitFor([] { return ReadFile(kLogFile).find("LogSizeMax:12345\n") != std::string::npos; }));
-  EXPECT_THAT(ReadFile(kLogFile), testing::Not(HasSubstr("not logged")));
+  EXPECT_THAT(ReadFile(kLogFile), Not(HasSubstr("not logged")));
   EXPECT_EQ(s32Descriptors, OpenDescriptors());
 }
 
@@ -268,7 +259,7 @@ TEST(Faults, ALogFileThatWasRemovedOrReplacedComesBackWithARestart) {
     EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_SetParameter("kest_log_restart"));
     LogError("into the new one");
     EXPECT_THAT(ReadFile(kLogFile), EndsWith("into the new one\n"));
-    EXPECT_THAT(capture.Texts("<ERR>"), testing::IsEmpty());
+    EXPECT_THAT(capture.Texts("<ERR>"), IsEmpty());
   }
   EXPECT_EQ(s32Descriptors, OpenDescriptors());
 }

@@ -17,15 +17,12 @@
 
 #include <android/log.h>
 #include <fcntl.h>
-#include <gmock/gmock.h>
 #include <sys/mman.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include "ze_kest/debug.h"
-
 #include "debug/control/shared_settings.h"
-#include "tests/support/debug_layer.h"
+#include "tests/support/library_test.h"
 
 namespace kest::test {
 namespace {

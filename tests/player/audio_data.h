@@ -13,10 +13,14 @@ namespace kest::test {
 
 constexpr const char *kRecording = "/usr/share/sounds/alsa/Front_Center.wav";
 
+constexpr int kWav16 = SF_FORMAT_WAV | SF_FORMAT_PCM_16;
+constexpr int kWav24 = SF_FORMAT_WAV | SF_FORMAT_PCM_24;
+constexpr int kWav32 = SF_FORMAT_WAV | SF_FORMAT_PCM_32;
+
 struct AudioData {
   int channels = 2;
   int sampleRate = 48000;
-  int format = SF_FORMAT_WAV | SF_FORMAT_PCM_16;
+  int format = kWav16;
   std::vector<int32_t> samples;  // interleaved
 
   [[nodiscard]] size_t Frames() const { return samples.size() / static_cast<size_t>(channels); }

@@ -1,25 +1,17 @@
 // SPDX-License-Identifier: Apache-2.0
 // Configuration files: what they play, and what is said about faulty ones.
 #include <algorithm>
-#include <filesystem>
 #include <fstream>
 
 #include <android/log.h>
-#include <gmock/gmock.h>
 #include <unistd.h>
 
 #include "player/config/layout_reader.h"
 #include "player/player_error.h"
-#include "tests/player/audio_data.h"
-#include "tests/player/player_process.h"
 #include "tests/player/player_test.h"
 
 namespace kest::test {
 namespace {
-
-using testing::HasSubstr;
-
-constexpr int kWav16 = SF_FORMAT_WAV | SF_FORMAT_PCM_16;
 
 class Config : public PlayerTest {
  protected:

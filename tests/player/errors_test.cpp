@@ -4,22 +4,14 @@
 #include <iterator>
 #include <sstream>
 
-#include <gmock/gmock.h>
 #include <sys/mount.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "tests/player/audio_data.h"
-#include "tests/player/player_process.h"
 #include "tests/player/player_test.h"
 
 namespace kest::test {
 namespace {
-
-using testing::AllOf;
-using testing::HasSubstr;
-
-constexpr int kWav16 = SF_FORMAT_WAV | SF_FORMAT_PCM_16;
 
 // Eight more than the one that is always there.
 constexpr const char *kNineInputs = "2 3 4 5 6 7 8 9";
@@ -30,7 +22,7 @@ void ExpectError(const std::vector<std::string> &arguments, const testing::Match
   const PlayerResult result = PlayFast(arguments);
   EXPECT_EQ(1, result.exitCode);
   EXPECT_EQ("", result.out);
-  EXPECT_THAT(result.err, AllOf(testing::StartsWith("kest-player: "), message));
+  EXPECT_THAT(result.err, AllOf(StartsWith("kest-player: "), message));
 }
 
 TEST_F(PlayerErrors, InputsThatCannotBePlayedLeaveTheOutputAlone) {

@@ -3,17 +3,10 @@
 #include <atomic>
 
 #include <dlfcn.h>
-#include <gmock/gmock.h>
-
-#include "ze_kest/debug.h"
-#include "ze_kest/utility.h"
 
 #include "player/layout.h"
 #include "player/playback.h"
-#include "tests/player/audio_data.h"
 #include "tests/player/player_test.h"
-#include "tests/support/debug_layer.h"
-#include "tests/support/report_capture.h"
 
 namespace kest::test {
 namespace {
@@ -83,7 +76,7 @@ constexpr const char *kQuestions[] = {"kest_debug_list=status", "kest_debug_list
 TEST_F(PlayerTest, TheSoundIsRightWhateverMemoryTheInstrumentsAreRefused) {
   const DebugLayer layer;
   const ReportCapture capture(ZE_KEST_LEVEL_ERR);
-  const AudioData input = Noise(10, SF_FORMAT_WAV | SF_FORMAT_PCM_24, 20000);
+  const AudioData input = Noise(10, kWav24, 20000);
   player::Options options;
   options.inputs = {Path("in.wav")};
   options.output = out_;

@@ -1,17 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 // A device that fails under a running player: the sound is whole and the player ends.
 #include <algorithm>
-#include <filesystem>
 #include <fstream>
 
-#include <gmock/gmock.h>
 #include <sys/mount.h>
 #include <sys/resource.h>
 #include <unistd.h>
 
-#include "tests/player/audio_data.h"
 #include "tests/player/player_test.h"
-#include "tests/support/debug_layer.h"
 
 namespace kest::test {
 namespace {
@@ -48,7 +44,7 @@ class PlayerFaults : public PlayerTest {
     EXPECT_TRUE(input_.samples == ReadAudio(out_).samples);
   }
 
-  const AudioData input_ = Noise(2, SF_FORMAT_WAV | SF_FORMAT_PCM_16, 48000);
+  const AudioData input_ = Noise(2, kWav16, 48000);
 };
 
 TEST_F(PlayerFaults, FilesThatVanishOrAreReplacedUnderAPlayerLeaveItsSoundAlone) {
@@ -101,7 +97,7 @@ TEST_F(PlayerFaults, WhatIsNoPipeAtTheStartOrAReadOnlyDiskLeavesTheSoundAlone) {
   WriteFile(kPipe, typed);
   PlayThrough([](const PlayerProcess &) {});
   EXPECT_EQ(typed, ReadFile(kPipe));
-  EXPECT_THAT(ReadFile(kLogFile), testing::HasSubstr("D is no pipe, no commands are read"));
+  EXPECT_THAT(ReadFile(kLogFile), HasSubstr("D is no pipe, no commands are read"));
   if (!MayMount()) GTEST_SKIP() << "needs a mount namespace";
   ASSERT_EQ(0, mount("kest-test", KEST_DEBUG_DIR, "tmpfs", MS_RDONLY, ""));
   PlayThrough([](const PlayerProcess &) {});

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
 // What filters do when they are changed while they run, and when their output is full.
-#include <gtest/gtest.h>
 
 #include "ze_kest/result.h"
 
@@ -9,7 +8,6 @@
 #include "player/filters/metadata_counter.h"
 #include "player/filters/volume.h"
 #include "player/framework/filter_entries.h"
-#include "tests/player/audio_data.h"
 #include "tests/player/player_test.h"
 #include "tests/player/port_access.h"
 
@@ -198,7 +196,7 @@ TEST(FilterEntries, RefuseWhatTheFilterDoesNotHaveAndChangeNothing) {
 using LpcmInAFile = test::PlayerTest;
 
 TEST_F(LpcmInAFile, CountsTheCompleteBlocksThatItHasDecoded) {
-  test::WriteAudio(Path("in.wav"), test::Noise(1, SF_FORMAT_WAV | SF_FORMAT_PCM_32, 1000));
+  test::WriteAudio(Path("in.wav"), test::Noise(1, test::kWav32, 1000));
   Lpcm lpcm(kMono, AudioReader(Path("in.wav")), 1, false);
   ZE_KEST_Pipeline_s pipeline = {};
   lpcm.SetParent(pipeline);

@@ -4,20 +4,14 @@
 #include <csignal>
 #include <cstring>
 
-#include <gmock/gmock.h>
 #include <sys/mount.h>
 #include <unistd.h>
-
-#include "ze_kest/debug.h"
 
 #include "player/framework/metadata_block.h"
 #include "player/layout.h"
 #include "player/playback.h"
-#include "tests/player/audio_data.h"
 #include "tests/player/console.h"
 #include "tests/player/player_test.h"
-#include "tests/support/debug_layer.h"
-#include "tests/support/report_capture.h"
 
 namespace kest::test {
 namespace {
@@ -25,13 +19,6 @@ namespace {
 using player::kCycleFrames;
 using player::Options;
 using player::Playback;
-using testing::Contains;
-using testing::ContainsRegex;
-using testing::HasSubstr;
-
-constexpr int kWav16 = SF_FORMAT_WAV | SF_FORMAT_PCM_16;
-constexpr int kWav24 = SF_FORMAT_WAV | SF_FORMAT_PCM_24;
-constexpr int kWav32 = SF_FORMAT_WAV | SF_FORMAT_PCM_32;
 
 using Samples = std::vector<int32_t>;
 

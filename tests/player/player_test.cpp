@@ -1,10 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "tests/player/player_test.h"
 
-#include <filesystem>
-
-#include "tests/support/debug_layer.h"
-
 namespace kest::test {
 
 namespace fs = std::filesystem;

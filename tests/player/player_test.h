@@ -2,11 +2,11 @@
 // A test of the player: a directory for its files, empty at the start, and a debug directory beside it.
 #pragma once
 
-#include <string>
+#include <filesystem>
 
-#include <gtest/gtest.h>
-
+#include "tests/player/audio_data.h"
 #include "tests/player/player_process.h"
+#include "tests/support/library_test.h"
 
 namespace kest::test {
 

@@ -2,21 +2,11 @@
 // What the player makes of its inputs.
 #include <algorithm>
 #include <cmath>
-#include <filesystem>
 
-#include <gmock/gmock.h>
-
-#include "tests/player/audio_data.h"
-#include "tests/player/player_process.h"
 #include "tests/player/player_test.h"
 
 namespace kest::test {
 namespace {
-
-using testing::HasSubstr;
-
-constexpr int kWav16 = SF_FORMAT_WAV | SF_FORMAT_PCM_16;
-constexpr int kWav24 = SF_FORMAT_WAV | SF_FORMAT_PCM_24;
 
 class Player : public PlayerTest {
  protected:
@@ -48,7 +38,7 @@ TEST_F(Player, TheOutputHoldsEverySampleOfTheInput) {
                {1, kWav24, 5001, kWav24},
                {2, kWav16, 70001, kWav16},
                {2, kWav24, 5120, kWav24},
-               {2, SF_FORMAT_WAV | SF_FORMAT_PCM_32, 255, SF_FORMAT_PCM_32},
+               {2, kWav32, 255, SF_FORMAT_PCM_32},
                {2, SF_FORMAT_FLAC | SF_FORMAT_PCM_24, 5001, kWav24},
                {3, kWav16, 1, kWav16},
                {6, kWav16, 5001, kWav16},
@@ -76,7 +66,7 @@ TEST_F(Player, FloatingPointInputsSaturateAtFullScale) {
   const AudioData output = Played({Path("in.wav")});
   EXPECT_EQ(SF_FORMAT_PCM_32, output.format & SF_FORMAT_SUBMASK);
   EXPECT_THAT(output.samples,
-              testing::ElementsAre(0, 1 << 30, -(1 << 29), INT32_MAX, INT32_MAX, INT32_MIN, INT32_MIN, 0));
+              ElementsAre(0, 1 << 30, -(1 << 29), INT32_MAX, INT32_MAX, INT32_MIN, INT32_MIN, 0));
 }
 
 TEST_F(Player, InputsOfDifferentLengthAndWidthMixToTheSaturatedSum) {

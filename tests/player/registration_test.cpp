@@ -5,15 +5,10 @@
 #include <thread>
 
 #include <android/log.h>
-#include <gtest/gtest.h>
-
-#include "ze_kest/debug.h"
 
 #include "player/layout.h"
 #include "player/playback.h"
-#include "tests/player/audio_data.h"
 #include "tests/player/player_test.h"
-#include "tests/support/debug_layer.h"
 
 namespace kest::player {
 namespace {

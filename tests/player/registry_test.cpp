@@ -2,27 +2,14 @@
 // A playing player seen through the registry's commands, and changed by them.
 #include <cmath>
 #include <csignal>
-#include <filesystem>
 #include <optional>
 
-#include <gmock/gmock.h>
-
-#include "tests/player/audio_data.h"
 #include "tests/player/console.h"
-#include "tests/player/player_process.h"
 #include "tests/player/player_test.h"
-#include "tests/support/debug_layer.h"
 
 namespace kest::test {
 namespace {
 
-using testing::AllOf;
-using testing::ContainsRegex;
-using testing::HasSubstr;
-using testing::Not;
-
-constexpr int kWav16 = SF_FORMAT_WAV | SF_FORMAT_PCM_16;
-constexpr int kWav24 = SF_FORMAT_WAV | SF_FORMAT_PCM_24;
 // Far more than what the pipelines hold of 16-bit stereo.
 constexpr uint64_t kPlentyOfBytes = 100000;
 

@@ -9,9 +9,7 @@
 #include <string>
 #include <vector>
 
-#include <gtest/gtest.h>
-
-#include "ze_kest/utility.h"
+#include "tests/support/library_test.h"
 
 namespace kest::test {
 

@@ -2,25 +2,16 @@
 #include <algorithm>
 #include <filesystem>
 
-#include <gtest/gtest.h>
+#include "tests/support/library_test.h"
 
-#include "ze_kest/debug.h"
-
-#include "tests/support/debug_layer.h"
-#include "tests/support/report_capture.h"
-
-using kest::test::DebugLayer;
-using kest::test::ReportCapture;
-using kest::test::WaitFor;
-using kest::test::WriteToPipe;
-
+namespace kest::test {
 namespace {
 
 constexpr const char *kRefused = "Err! SetParameter failed(0x8)!\n";
 
 // How many lines the thread has read and nothing has taken.
 size_t RefusedLines(const ReportCapture &capture) {
-  const std::vector<std::string> errors = capture.Texts("<ERR>");
+  const Texts errors = capture.Texts("<ERR>");
   return static_cast<size_t>(std::count(errors.begin(), errors.end(), kRefused));
 }
 
@@ -50,7 +41,7 @@ TEST(CommandThread, ALongLineIsCutAt127BytesLosesOneByteAndGoesOnAsTheNextLine) 
   EXPECT_TRUE(WaitFor([&] { return capture.Has("<PRINT>", "LogSizeMax:77\n"); }));
   EXPECT_FALSE(capture.Has("<PRINT>", "LogSizeMax:89\n"));
   EXPECT_EQ(1u, RefusedLines(capture));
-  const std::vector<std::string> prints = capture.Texts("<PRINT>");
+  const Texts prints = capture.Texts("<PRINT>");
   EXPECT_EQ(4, std::count(prints.begin(), prints.end(), "LogSizeMax:1234567\n"));
 }
 
@@ -68,3 +59,5 @@ TEST(CommandThread, EmptyLinesRubbishAndEndlessLinesAreRefusedAndTheNextCommandW
   // One empty, the rubbish (its newline makes two, its length three), three of the x, one of conversions.
   EXPECT_EQ(8u, RefusedLines(capture));
 }
+
+}  // namespace kest::test

@@ -3,21 +3,10 @@
 #include <filesystem>
 #include <sstream>
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
+#include "tests/support/library_test.h"
 
-#include "ze_kest/debug.h"
-
-#include "tests/support/debug_layer.h"
-#include "tests/support/report_capture.h"
-
-using kest::test::DebugLayer;
-using kest::test::Report;
-using kest::test::ReportCapture;
-
+namespace kest::test {
 namespace {
-
-using Texts = std::vector<std::string>;
 
 uint32_t g_u32LevelBehind = 0;  // in force behind the latest line
 
@@ -124,10 +113,10 @@ TEST(Dispatcher, WhatNoCommandTakesGivesEightAndChangesNothing) {
 TEST(Dispatcher, ANumberOutOfRangeIsAFormatErrorThoughItsLimitIsStored) {
   const DebugLayer layer;
   const auto restartsIn1000Messages = [] {
-    const auto sztBefore = std::filesystem::file_size(kest::test::kLogFile);
+    const auto sztBefore = std::filesystem::file_size(kLogFile);
     for (int i = 0; i < 1000; ++i)
       ze_kest_Debug_Log(ZE_KEST_LEVEL_PRINT, "x\n");
-    return std::filesystem::file_size(kest::test::kLogFile) < sztBefore + 2000;
+    return std::filesystem::file_size(kLogFile) < sztBefore + 2000;
   };
   for (const char *pszKeyword : {"kest_monitor_sleep_time", "kest_log_size"}) {
     for (const char *pszNumber : {"2147483647", "-2147483648", "-99999999999", "99999999999999999999"}) {
@@ -150,7 +139,7 @@ TEST(Dispatcher, TheHelpHas128RowsAndTheVersion) {
   EXPECT_EQ("<PRINT>---------------------------------\n", replies[73]);
   for (size_t i = 74; i < 128; ++i)
     EXPECT_EQ("<PRINT>\n", replies[i]);
-  EXPECT_THAT(replies[128], testing::MatchesRegex("<PRINT>_ZE_KEST_Debug_GetVersion,[0-9]+,2023/06/01,01\n"));
+  EXPECT_THAT(replies[128], MatchesRegex("<PRINT>_ZE_KEST_Debug_GetVersion,[0-9]+,2023/06/01,01\n"));
 }
 
 TEST(Dispatcher, TheColourSamplesComeAtInfoLevel) {
@@ -168,3 +157,5 @@ TEST(Dispatcher, TheExportedEntryRefusesNullAndALayerThatIsNotUp) {
   EXPECT_EQ(ZE_KEST_NOT_INITIALISED, ze_kest_Debug_SetParameter("help"));
   EXPECT_EQ((Texts{"pszParameterPairs is NULL.\n", "Err! Not initialized yet!\n"}), capture.Texts("<ERR>"));
 }
+
+}  // namespace kest::test

@@ -1,15 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
-#include <gtest/gtest.h>
-
-#include "ze_kest/debug.h"
-
-#include "tests/support/debug_layer.h"
+#include "tests/support/library_test.h"
 #include "tests/support/requests.h"
 
 namespace kest::test {
 namespace {
 
-using AllRequests = std::vector<std::string>;
+using AllRequests = Texts;
 
 AllRequests AllGlobals() {
   return {PerfTarget(), StatusQuery(), TestTone(), PcmLevel(), DataRate()};

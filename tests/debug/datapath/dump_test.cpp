@@ -4,15 +4,9 @@
 #include <filesystem>
 #include <map>
 
-#include <gtest/gtest.h>
-
-#include "ze_kest/debug.h"
-
 #include "debug/datapath/dump_selections.h"
-#include "tests/support/debug_layer.h"
 #include "tests/support/failing_allocator.h"
 #include "tests/support/ports.h"
-#include "tests/support/report_capture.h"
 
 namespace kest::test {
 namespace {
@@ -111,7 +105,7 @@ TEST_F(Dump, PcmOfEveryServedPortIsWrittenInterleaved) {
     const ReportCapture capture;
     SwitchOn(cycle.eKind == kInputDump ? kDumpInput : kDumpOutput);
     EXPECT_EQ(ZE_KEST_OK, _ZE_KEST_Debug_Dump(filter, cycle.eKind));
-    EXPECT_EQ(std::vector<std::string>(bOddWidth ? sztServed : 0, wrong), capture.Texts("<PRINT>"));
+    EXPECT_EQ(Texts(bOddWidth ? sztServed : 0, wrong), capture.Texts("<PRINT>"));
     EXPECT_TRUE(expected == DumpedFiles());
   }
 }

@@ -1,24 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <optional>
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include "ze_kest/debug.h"
-
 #include "debug/datapath/dump.h"
 #include "debug/datapath/sine_output.h"
-#include "tests/support/debug_layer.h"
 #include "tests/support/failing_allocator.h"
 #include "tests/support/ports.h"
-#include "tests/support/report_capture.h"
 
 namespace kest::test {
 namespace {
-
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::MatchesRegex;
 
 // Turns one switch on for the length of a scope.
 class Switched {

@@ -3,16 +3,10 @@
 
 #include <thread>
 
-#include <gtest/gtest.h>
-
-#include "ze_kest/debug.h"
-
 #include "debug/datapath/latency_state.h"
 #include "debug/registry/registry.h"
-#include "tests/support/debug_layer.h"
 #include "tests/support/fake_counters.h"
 #include "tests/support/ports.h"
-#include "tests/support/report_capture.h"
 
 namespace kest::test {
 namespace {

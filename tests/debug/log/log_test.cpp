@@ -4,21 +4,10 @@
 #include <sstream>
 #include <thread>
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <unistd.h>
 
-#include "ze_kest/debug.h"
-#include "ze_kest/utility.h"
-
 #include "debug/log/log_file.h"
-#include "tests/support/debug_layer.h"
-#include "tests/support/report_capture.h"
-
-using testing::AllOf;
-using testing::HasSubstr;
-using testing::MatchesRegex;
-using testing::Not;
+#include "tests/support/library_test.h"
 
 namespace kest::test {
 namespace {
@@ -182,7 +171,7 @@ TEST(Log, LinesOfManyThreadsNeverInterleave) {
   int s32Whole = 0;
   for (std::string line; std::getline(file, line);) {
     if (line.find("xx") == std::string::npos) continue;
-    EXPECT_THAT(line, AllOf(testing::StartsWith("\033[1;31m"), testing::EndsWith("<ERR>\033[0m" + text)));
+    EXPECT_THAT(line, AllOf(StartsWith("\033[1;31m"), EndsWith("<ERR>\033[0m" + text)));
     ++s32Whole;
   }
   EXPECT_EQ(kThreads * kLines, s32Whole);
@@ -201,7 +190,7 @@ TEST(Log, AFileThatCannotBeOpenedOrWrittenAndAnUnknownModeAreReportedOnceAndLogg
 
   ReplaceLogFileBy("/dev/full");
   ze_kest_Debug_Log(ZE_KEST_LEVEL_ERR, "lost\n");
-  const std::vector<std::string> errors = capture.Texts("<ERR>");
+  const Texts errors = capture.Texts("<ERR>");
   EXPECT_EQ(1, std::count(errors.begin(), errors.end(), "Error! Fail to fflush()!\n"));
   EXPECT_EQ("ze_kest_Debug_Log", capture.Reports().back().function);
 }
@@ -229,7 +218,7 @@ TEST(LogToFile, WritesTheMessageAloneFlushedAndReportsAFailure) {
   const ReportCapture capture;
   FILE *pFull = fopen("/dev/full", "w");
   ze_kest_Utility_LogToFile(pFull, "lost\n");
-  EXPECT_EQ((std::vector<std::string>{"Error! Fail to fflush()!\n"}), capture.Texts("<ERR>"));
+  EXPECT_EQ((Texts{"Error! Fail to fflush()!\n"}), capture.Texts("<ERR>"));
   fclose(pFull);
   FILE *pReadOnly = fopen(path.c_str(), "r");
   ze_kest_Utility_LogToFile(pReadOnly, "refused\n");

@@ -57,11 +57,10 @@ TEST_F(Listing, ShowsPipelinesFiltersConnectionsPortsAndTheirBytesAndEveryState)
   const char *const apszStates[] = {"NONE ", "IDLE ", "STOP ", "PREPA", "RUN  ", "PAUSE", "DRAIN", "?    "};
   for (uint32_t i = 0; i < 8; ++i) {
     filter.pstParentPipeline->u32State = i;
-    EXPECT_THAT(PrintsOf("kest_debug_list=print")[5],
-                testing::StartsWith(std::string("idx:1  ") + apszStates[i]));
+    EXPECT_THAT(PrintsOf("kest_debug_list=print")[5], StartsWith(std::string("idx:1  ") + apszStates[i]));
   }
   filter.pstParentPipeline = nullptr;
-  EXPECT_THAT(PrintsOf("kest_debug_list=print")[5], testing::StartsWith("idx:1  ?    "));
+  EXPECT_THAT(PrintsOf("kest_debug_list=print")[5], StartsWith("idx:1  ?    "));
 }
 
 TEST_F(Listing, ConnectionsFillTheFirstFreeSlotOfTheFirstPipelineAndTheNinthIsDropped) {

@@ -5,10 +5,7 @@
 
 #include "tests/support/requests.h"
 
-using kest::_ZE_KEST_Debug_Cmd_QueryProcessStatus;
-using kest::test::ExpectOdd;
-using kest::test::ExpectTaken;
-using kest::test::StatusQuery;
+namespace kest::test {
 
 TEST(ProcessStatus, IsAskedOfAFilterAPipelineOrNobody) {
   ExpectTaken(
@@ -44,3 +41,5 @@ TEST(ProcessStatus, KeepsItsNamesButTakesTheKindWhenNamesAreMissing) {
              {nullptr, 8, "pszSub", "32|aux|gain"},
              {"kest_process_state=none", 8, "", "0||"}});
 }
+
+}  // namespace kest::test

@@ -117,11 +117,11 @@ TEST_F(Status, EveryKindOfFilterTellsItsOwn) {
       ze_kest_Debug_UnRegisterInfo("P", nullptr);
     }
   }
-  EXPECT_THAT(g_asked, testing::HasSubstr("SyncStatus:4 CurrentPTS:8 CurrentSTC:8 DataEmpty:8 SyncEnable:1 "
-                                          "OutputEnable:1 BypassEnable:1 IsPCM:4"));
+  EXPECT_THAT(g_asked, HasSubstr("SyncStatus:4 CurrentPTS:8 CurrentSTC:8 DataEmpty:8 SyncEnable:1 "
+                                 "OutputEnable:1 BypassEnable:1 IsPCM:4"));
   g_values["IsPCM"] = 0;
   AddFilter("P", "ArcOutput").pfnGetParameter = Get;
-  EXPECT_THAT(NodesOf(PrintsOf("kest_debug_list=status")), testing::EndsWith(" in[0] underrun npcm:0\n"));
+  EXPECT_THAT(NodesOf(PrintsOf("kest_debug_list=status")), EndsWith(" in[0] underrun npcm:0\n"));
 }
 
 TEST_F(Status, PipelinesAndTheirGraphFrameTheFilters) {

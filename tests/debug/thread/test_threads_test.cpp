@@ -5,16 +5,11 @@
 #include <future>
 #include <thread>
 
-#include <gtest/gtest.h>
-
-#include "ze_kest/debug.h"
-
 #include "debug/control/create_thread.h"
 #include "debug/thread/signal_test.h"
 #include "debug/thread/thread_commands.h"
 #include "debug/thread/tid_test.h"
-#include "tests/support/debug_layer.h"
-#include "tests/support/report_capture.h"
+#include "tests/support/library_test.h"
 
 namespace kest::test {
 namespace {

@@ -1,12 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <filesystem>
 
-#include <gtest/gtest.h>
-
-#include "ze_kest/utility.h"
-
-#include "tests/support/debug_layer.h"
-#include "tests/support/report_capture.h"
+#include "tests/support/library_test.h"
 
 namespace kest::test {
 namespace {

@@ -1,7 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include <gtest/gtest.h>
-
-#include "ze_kest/utility.h"
+#include "tests/support/library_test.h"
 
 TEST(EnumNames, FirstAndLastNameOfEveryEnumerationAndUnkownBehindThem) {
   struct {

@@ -1,9 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <cmath>
 
-#include <gtest/gtest.h>
-
-#include "ze_kest/utility.h"
+#include "tests/support/library_test.h"
 
 TEST(FixedPointDb, IsExactToTheBitAndTheGainOfEveryWholeDecibelThatFits) {
   struct {

@@ -5,9 +5,7 @@
 #include <string>
 #include <thread>
 
-#include <gtest/gtest.h>
-
-#include "tests/support/report_capture.h"
+#include "tests/support/library_test.h"
 
 TEST(SharedName, IsTerminatedWithinItsFieldAtEveryMomentOfAWrite) {
   kest::NameField szField = "";

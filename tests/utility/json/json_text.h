@@ -5,11 +5,10 @@
 #include <cstring>
 #include <string>
 
-#include <gtest/gtest.h>
 #include <sys/mman.h>
 #include <unistd.h>
 
-#include "ze_kest/utility.h"
+#include "tests/support/library_test.h"
 
 namespace kest::test {
 

@@ -1,11 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "tests/support/report_capture.h"
 #include "tests/utility/json/json_text.h"
 
-using kest::test::JsonText;
-using kest::test::Report;
-using kest::test::ReportCapture;
-
+namespace kest::test {
 namespace {
 
 constexpr int kNone = -1;        // no target; no match
@@ -170,3 +166,5 @@ TEST_F(JsonLookup, ArgumentsAreCheckedInOrderAndReportedUnderTheOperationsName) 
   invalid("ReadData_ByTokenInfo", read(1, nullptr), "pszData is NULL.\n");
   invalid("ReadData_ByTokenInfo", read(1, &cData), "Invalid parameter: sztDataSize!\n");
 }
+
+}  // namespace kest::test

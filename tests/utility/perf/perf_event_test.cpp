@@ -1,19 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
-#include <gtest/gtest.h>
-
-#include "ze_kest/utility.h"
-
-#include "tests/support/debug_layer.h"
 #include "tests/support/failing_allocator.h"
 #include "tests/support/fake_counters.h"
-#include "tests/support/report_capture.h"
+#include "tests/support/library_test.h"
 
-using kest::test::FailingAllocator;
-using kest::test::FakeCounters;
-using kest::test::OpenDescriptors;
-using kest::test::ReportCapture;
+namespace kest::test {
+
 using Counts = std::vector<uint64_t>;
-using Texts = std::vector<std::string>;
 
 namespace {
 
@@ -165,3 +157,5 @@ TEST_F(PerfEvent, TheKernelOfThisMachineCountsOrRefusesTheLeader) {
   tryIt();
   EXPECT_EQ(before, OpenDescriptors());
 }
+
+}  // namespace kest::test

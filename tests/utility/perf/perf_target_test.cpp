@@ -5,10 +5,7 @@
 
 #include "tests/support/requests.h"
 
-using kest::_ZE_KEST_Debug_Cmd_SetPerfEventTarget;
-using kest::test::ExpectOdd;
-using kest::test::ExpectTaken;
-using kest::test::PerfTarget;
+namespace kest::test {
 
 TEST(PerfTarget, IsAPipelineAFilterOrNothing) {
   ExpectTaken(_ZE_KEST_Debug_Cmd_SetPerfEventTarget, PerfTarget,
@@ -38,3 +35,5 @@ TEST(PerfTarget, KeepsItsNamesButTakesTheKindWhenNamesAreMissing) {
              {nullptr, 8, "pszSub", "32|sub|gain"},
              {"kest_perf_event_targets=none", 8, "", "0||"}});
 }
+
+}  // namespace kest::test

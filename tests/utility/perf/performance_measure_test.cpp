@@ -1,27 +1,17 @@
 // SPDX-License-Identifier: Apache-2.0
-#include <gtest/gtest.h>
-
-#include "ze_kest/utility.h"
-
-#include "tests/support/debug_layer.h"
 #include "tests/support/failing_allocator.h"
 #include "tests/support/fake_counters.h"
 #include "tests/support/ports.h"
-#include "tests/support/report_capture.h"
 #include "utility/perf/perf_target.h"
 
-using kest::test::FailingAllocator;
-using kest::test::FakeCounters;
-using kest::test::Filter;
-using kest::test::OpenDescriptors;
-using kest::test::ReportCapture;
+namespace kest::test {
+
 using Measure = ZE_KEST_PerformanceMeasure_s;
-using Texts = std::vector<std::string>;
 
 namespace {
 
 void Select(const std::string &target) {
-  kest::_ZE_KEST_Debug_Cmd_SetPerfEventTarget(("kest_perf_event_target=" + target).c_str());
+  _ZE_KEST_Debug_Cmd_SetPerfEventTarget(("kest_perf_event_target=" + target).c_str());
 }
 
 struct Form {
@@ -242,3 +232,5 @@ TEST_F(PerformanceMeasure, AMissingArgumentIsReportedUnderTheCalledFunction) {
   EXPECT_TRUE(capture.Has("<PRINT>", "[pipe:filter][(null)]Start"));
   EXPECT_EQ(ZE_KEST_OK, ze_kest_Utility_PerfEvent_Close(&st.stPerfEvent));
 }
+
+}  // namespace kest::test

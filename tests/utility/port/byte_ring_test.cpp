@@ -1,13 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-#include <gtest/gtest.h>
-
 #include "tests/support/ports.h"
 
+namespace kest::test {
 namespace {
-
-using kest::test::Bytes;
-using kest::test::Guarded;
-using kest::test::Noise;
 
 struct Place {
   uint32_t size, offset, advance;
@@ -53,3 +48,5 @@ TEST(ByteRing, CopiesInOrderFromAndToEveryPlace) {
     }
   }
 }
+
+}  // namespace kest::test

@@ -1,13 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-#include <gtest/gtest.h>
-
 #include "tests/support/ports.h"
 
+namespace kest::test {
 namespace {
-
-using kest::test::Bytes;
-using kest::test::Guarded;
-using kest::test::Noise;
 
 // What the conversions make of a sample, byte by byte; no bytes where they handle no such width.
 using Convert = Bytes (*)(const Bytes &);
@@ -105,3 +100,5 @@ TEST(ChannelRing, MovesWhatTheModelMovesFromEveryPosition) {
     }
   }
 }
+
+}  // namespace kest::test

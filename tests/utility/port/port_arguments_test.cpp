@@ -1,9 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // What the operations on ports do with arguments and records that are not right.
-#include <gtest/gtest.h>
 
 #include "tests/support/ports.h"
-#include "tests/support/report_capture.h"
 
 namespace {
 
