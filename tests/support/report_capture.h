@@ -30,6 +30,8 @@ class ReportCapture {
 
   // All reports so far.
   [[nodiscard]] std::vector<Report> Reports() const;
+  // Their labels and texts.
+  [[nodiscard]] kest::test::Texts Lines() const;
   // The texts of one label, in order.
   [[nodiscard]] kest::test::Texts Texts(const std::string &label) const;
   // Whether some report of the label contains the text.

@@ -38,10 +38,7 @@ TEST_F(PerfEvent, AGroupIsOpenedStoppedForTheCallingThreadOutsideTheKernel) {
     attributes[5] = 97;
     const FakeCounters::Event &event = fake.events[e];
     EXPECT_EQ(attributes, event.attributes);
-    EXPECT_EQ(0, event.s32Pid);
-    EXPECT_EQ(-1, event.s32Cpu);
-    EXPECT_EQ(e == 0 ? -1 : fake.events[0].s32Fd, event.s32GroupFd);
-    EXPECT_EQ(0u, event.u32Flags);
+    EXPECT_THAT(event.arguments, ElementsAre(0, -1, e == 0 ? -1 : fake.events[0].s32Fd, 0));
     EXPECT_EQ(event.s32Fd, st.as32Fd[e]);
     EXPECT_EQ(event.u64Id, st.au64Id[e]);
   }
