@@ -1,40 +1,19 @@
 // SPDX-License-Identifier: Apache-2.0
 // What the debug layer makes of a device that fails it: real disks, files and limits.
-#include <algorithm>
 #include <filesystem>
-#include <fstream>
-#include <sstream>
 #include <thread>
 
-#include <sys/mount.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "tests/support/disk.h"
 #include "tests/support/library_test.h"
 
 namespace kest::test {
 namespace {
 
 namespace fs = std::filesystem;
-
-// A disk of its own over the debug directory.
-class Disk {
- public:
-  Disk(unsigned long u32Flags, const char *pszOptions) {
-    EmptyDebugDirectory();
-    EXPECT_EQ(0, mount("kest-test", KEST_DEBUG_DIR, "tmpfs", u32Flags, pszOptions));
-  }
-  ~Disk() { EXPECT_EQ(0, umount2(KEST_DEBUG_DIR, MNT_DETACH)); }
-  Disk(const Disk &) = delete;
-  Disk &operator=(const Disk &) = delete;
-
-  static void Fill() { std::ofstream(kFiller, std::ios::binary) << std::string(1 << 20, '.'); }
-  static void MakeRoom() { fs::remove(kFiller); }
-
- private:
-  static constexpr const char *kFiller = KEST_DEBUG_DIR "filler";
-};
 
 // While it lives, no file can be opened.
 class NoDescriptors {
@@ -149,9 +128,8 @@ TEST(Faults, AHundredThousandLinesOfAShellAreAllCarriedOutInOrder) {
   EXPECT_TRUE(
       WaitFor([] { return ReadFile(kLogFile).find("LogSizeMax:1000199999\n") != std::string::npos; }));
   __android_log_set_logger(__android_log_stderr_logger);
-  std::istringstream file(ReadFile(kLogFile));
   int s32Next = 1000100000;
-  for (std::string line; std::getline(file, line);)
+  for (const std::string &line : LinesOf(ReadFile(kLogFile)))
     s32Next += line == "LogSizeMax:" + std::to_string(s32Next) ? 1 : 0;
   EXPECT_EQ(1000200000, s32Next);
 }
@@ -171,10 +149,7 @@ TEST(Faults, AFullDiskLosesTheLinesThatDoNotFitAndNoneAfterThem) {
 
   Disk::MakeRoom();
   LogError("after");
-  std::istringstream file(ReadFile(kLogFile));
-  Texts lines;
-  for (std::string line; std::getline(file, line);)
-    lines.push_back(line);
+  const Texts lines = LinesOf(ReadFile(kLogFile));
   EXPECT_THAT(lines.back(), AllOf(StartsWith("\033[1;31m"), EndsWith("<ERR>\033[0mafter")));
   EXPECT_THAT(lines, Not(Contains(HasSubstr("lost"))));
   ShutDown();
@@ -184,40 +159,32 @@ TEST(Faults, ADiskThatIsFullOrReadOnlyOrWithoutDescriptorsAtTheStartIsReportedAn
   if (!MayMount()) GTEST_SKIP() << "needs a mount namespace";
   ExpectTheLayerWorks();  // from here on a start sets everything up, the first capture of a process nothing
   const ptrdiff_t s32Descriptors = OpenDescriptors();
-  const auto useLayer = [] {
+  const auto use = [](uint32_t (*pfnEnd)(), const std::vector<const char *> &errors) {
+    const ReportCapture capture;
     EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_Init());
     LogError("nowhere");
-    EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_SetParameter("kest_log_level=all"));
+    Command("kest_log_level=all");
     EXPECT_EQ(ZE_KEST_INVALID_ARGUMENT, ze_kest_Debug_SetParameter("kest_print_current_shm"));
+    ExpectErrors(capture, {"Err! shared memory initialization fails\n"});
+    ExpectErrors(capture, errors);
+    EXPECT_EQ(ZE_KEST_OK, pfnEnd());
   };
-  const char *const pszNoBlock = "Err! shared memory initialization fails\n";
   {
     const Disk disk(0, "size=16k");
     Disk::Fill();
-    const ReportCapture capture;
-    useLayer();
-    ExpectErrors(capture, {"Err! ftruncate fails, errno=No space left on device\n", pszNoBlock,
-                           "Error! Fail to fflush()!\n"});
-    EXPECT_EQ(ZE_KEST_OK, ShutDown());
+    use(ShutDown, {"Err! ftruncate fails, errno=No space left on device\n", "Error! Fail to fflush()!\n"});
   }
   {
     const Disk disk(MS_RDONLY, "");
-    const ReportCapture capture;
-    useLayer();
-    ExpectErrors(capture, {"errno=(30, Read-only file system)\n", pszNoBlock,
-                           "Err! ze_kest_Utility_FileOpen failed!\n",
-                           "Warn! mkfifo ret = -1 : Read-only file system\n"});
-    EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_DeInit());
+    use(ze_kest_Debug_DeInit,
+        {"errno=(30, Read-only file system)\n", "Err! ze_kest_Utility_FileOpen failed!\n",
+         "Warn! mkfifo ret = -1 : Read-only file system\n"});
   }
   {
     EmptyDebugDirectory();
-    const ReportCapture capture;
     const NoDescriptors none;
-    useLayer();
-    ExpectErrors(capture,
-                 {"errno=(24, Too many open files)\n", pszNoBlock, "Err! ze_kest_Utility_FileOpen failed!\n",
-                  "Err! open ret = -1 : Too many open files\n"});
-    EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_DeInit());
+    use(ze_kest_Debug_DeInit, {"errno=(24, Too many open files)\n", "Err! ze_kest_Utility_FileOpen failed!\n",
+                               "Err! open ret = -1 : Too many open files\n"});
   }
   EXPECT_EQ(s32Descriptors, OpenDescriptors());
   ExpectTheLayerWorks();
@@ -256,7 +223,7 @@ TEST(Faults, ALogFileThatWasRemovedOrReplacedComesBackWithARestart) {
     LogError("into the file that is open");
     EXPECT_THAT(ReadFile(KEST_DEBUG_DIR "moved"), EndsWith("into the file that is open\n"));
     EXPECT_EQ(bReplaced ? "somebody's\n" : "", ReadFile(kLogFile));
-    EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_SetParameter("kest_log_restart"));
+    Command("kest_log_restart");
     LogError("into the new one");
     EXPECT_THAT(ReadFile(kLogFile), EndsWith("into the new one\n"));
     EXPECT_THAT(capture.Texts("<ERR>"), IsEmpty());

@@ -4,7 +4,6 @@
 #include <csignal>
 #include <cstring>
 
-#include <sys/mount.h>
 #include <unistd.h>
 
 #include "player/framework/metadata_block.h"
@@ -12,6 +11,7 @@
 #include "player/playback.h"
 #include "tests/player/console.h"
 #include "tests/player/player_test.h"
+#include "tests/support/disk.h"
 
 namespace kest::test {
 namespace {
@@ -190,20 +190,16 @@ TEST_F(Instrumented, EveryInstrumentMayComeAndGoWhileThePipelinesRun) {
 
 TEST_F(Instrumented, ADumpThatCannotBeWrittenIsReportedAndTheSoundIsWhole) {
   if (!MayMount()) GTEST_SKIP() << "needs a mount namespace";
-  const struct {
-    unsigned long flags;
-    const char *pszOptions;
-    const char *pszReport;
-  } disks[] = {{MS_RDONLY, "", "Err! fopen failed!\n"}, {0, "size=64k", "Error! Fail to fflush()!\n"}};
+  const std::tuple<unsigned long, const char *, const char *> disks[] = {
+      {MS_RDONLY, "", "Err! fopen failed!\n"}, {0, "size=64k", "Error! Fail to fflush()!\n"}};
   const AudioData input = Noise(10, kWav24, 30000);
   Command("kest_dump_io=on");
   Command("kest_debug_filter_io=SpeakerOutput,restart");
-  for (const auto &disk : disks) {
+  for (const auto &[flags, pszOptions, pszReport] : disks) {
     capture_.Clear();
-    ASSERT_EQ(0, mount("kest-test", KEST_DEBUG_DIR, "tmpfs", disk.flags, disk.pszOptions));
-    EXPECT_TRUE(input.samples == Played({input})) << disk.pszReport;
-    EXPECT_THAT(capture_.Texts("<ERR>"), Contains(disk.pszReport));
-    ASSERT_EQ(0, umount2(KEST_DEBUG_DIR, MNT_DETACH));
+    const Disk disk(flags, pszOptions);
+    EXPECT_TRUE(input.samples == Played({input})) << pszReport;
+    EXPECT_THAT(capture_.Texts("<ERR>"), Contains(pszReport));
   }
 
   const std::string moved = Path("moved");

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <cstring>
 #include <filesystem>
-#include <sstream>
 
 #include "tests/support/library_test.h"
 
@@ -95,12 +94,12 @@ TEST(Dispatcher, ElevenSeparatorsSplitALineAndWhatFollowsTheValueIsIgnored) {
 
 TEST(Dispatcher, WhatNoCommandTakesGivesEightAndChangesNothing) {
   const DebugLayer layer;
-  std::istringstream lines(
+  constexpr const char *pszLines =
       "; ;=;nonsense; help;helpx;hel;kest_log_level;kest_log_level=;kest_log_level=loud;"
       "kest_log_level==all;kest_log_to_print=maybe;kest_atrace=;kest_log_size=;"
       "KEST_LOG_LEVEL=all;kest_debug_preset_cmd=;kest_debug_preset_cmd=some,x;"
-      "kest_json_parser=;kest_debug_list=;kest_debug_list=all;");
-  for (std::string line; std::getline(lines, line, ';');) {
+      "kest_json_parser=;kest_debug_list=;kest_debug_list=all;";
+  for (const std::string &line : LinesOf(pszLines, ';')) {
     EXPECT_EQ(Texts{}, RepliesTo(line, ZE_KEST_INVALID_ARGUMENT)) << line;
     EXPECT_EQ(ZE_KEST_LEVEL_PRINT, g_u32LevelBehind);
   }

@@ -36,7 +36,7 @@ TEST(ShutDown, EndsTheThreadAndRemovesTheSharedBlockUntilTheNextStartAndASecondO
     {
       const DebugLayer layer;
       EXPECT_TRUE(std::filesystem::exists(KEST_DEBUG_DIR "shm_global"));
-      EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_SetParameter("kest_log_level=info"));
+      Command("kest_log_level=info");
       EXPECT_EQ(ZE_KEST_LEVEL_INFO, u32KestDebugLevel);
     }
     EXPECT_EQ(0, ThreadsNamed("KestDebug"));
@@ -51,13 +51,13 @@ TEST(StartUp, ALaterProcessAdoptsTheLevelAndThePresetCommand) {
   EmptyDebugDirectory();
   EXPECT_EQ(0, InAnotherProcess([] {
               EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_Init());
-              EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_SetParameter("kest_log_level=wrn"));
-              EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_SetParameter("kest_debug_preset_cmd=all,a=b,c=d"));
+              Command("kest_log_level=wrn");
+              Command("kest_debug_preset_cmd=all,a=b,c=d");
             }));
   ASSERT_EQ(ZE_KEST_OK, ze_kest_Debug_Init());
   EXPECT_EQ(ZE_KEST_LEVEL_WRN, u32KestDebugLevel);
   const ReportCapture capture;
-  EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_SetParameter("kest_print_current_shm"));
+  Command("kest_print_current_shm");
   EXPECT_TRUE(capture.Has("<PRINT>", "DebugPresetCmd:a=b,c=d,a=b,c=d\n"));
   EXPECT_TRUE(capture.Has("<PRINT>", "bDebugPresetCmd:1,1\n"));
   ShutDown();
@@ -65,15 +65,10 @@ TEST(StartUp, ALaterProcessAdoptsTheLevelAndThePresetCommand) {
 
 TEST(StartUp, TheFirstLogLineOfAnyThreadSetsTheBaseUpOnce) {
   EmptyDebugDirectory();
-  std::vector<std::thread> threads;
-  for (int i = 0; i < 8; ++i) {
-    threads.emplace_back([] {
-      ze_kest_Debug_Log(ZE_KEST_LEVEL_PRINT, "x\n");
-      EXPECT_EQ(ZE_KEST_LEVEL_PRINT, __atomic_load_n(&u32KestDebugLevel, __ATOMIC_RELAXED));
-    });
-  }
-  for (std::thread &thread : threads)
-    thread.join();
+  InThreads(8, [](int) {
+    ze_kest_Debug_Log(ZE_KEST_LEVEL_PRINT, "x\n");
+    EXPECT_EQ(ZE_KEST_LEVEL_PRINT, __atomic_load_n(&u32KestDebugLevel, __ATOMIC_RELAXED));
+  });
   EXPECT_TRUE(std::filesystem::exists(KEST_DEBUG_DIR "shm_global"));
   EXPECT_FALSE(std::filesystem::exists(kLogFile));
 }

@@ -162,7 +162,7 @@ TEST_F(Dump, ARunKeepsItsFilesUntilItIsSwitchedOff) {
   for (const char *pszLine :
        {"kest_dump_io=on", "kest_dump_input=on", "kest_dump_input=off", "kest_dump_input_filter=pi,fil",
         "kest_dump_input=on", "kest_dump_input_filter=pipe2,filter", "kest_dump_input_filter=pipe,b"}) {
-    EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_SetParameter(pszLine));
+    Command(pszLine);
     EXPECT_EQ(ZE_KEST_OK, _ZE_KEST_Debug_Dump(filter, kInputDump));
   }
   EXPECT_EQ((Files{{"DumpInpipefilter0_0.raw", data + data}, {"DumpInpipefilter0_1.raw", data}}),

@@ -16,9 +16,7 @@ class Switched {
   ~Switched() { Set("=off"); }
 
  private:
-  void Set(const char *pszValue) {
-    EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_SetParameter((keyword_ + pszValue).c_str()));
-  }
+  void Set(const char *pszValue) { Command(keyword_ + pszValue); }
   std::string keyword_;
 };
 
@@ -124,11 +122,11 @@ TEST(Hook, WritesASineOverTheFirstOutputOfTheSelectedFilter) {
   pcm.sztPcmWriteSize = 6;
   std::vector<int16_t> expected = StorageOf(port);
   const auto run = [&](const char *pszSelection) {
-    EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_SetParameter(pszSelection));
+    Command(pszSelection);
     EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_Filter(filter));
   };
 
-  EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_SetParameter("kest_output_sinewave_filter=pipe,other"));
+  Command("kest_output_sinewave_filter=pipe,other");
   const Switched sine("kest_output_sinewave");
   EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_Filter(filter));
   run("kest_output_sinewave_filter=pipeline,");
@@ -216,13 +214,13 @@ TEST(Hook, HasNothingOnAfterANewStart) {
   for (const char *pszLine :
        {"kest_print_filter_info=on", "kest_dump_io=on", "kest_latency=on", "kest_output_sinewave=on",
         "kest_output_sinewave_filter=other,", "kest_debug_filter_io=pipe,restart"}) {
-    EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_SetParameter(pszLine));
+    Command(pszLine);
   }
   layer.reset();
   layer.emplace();
   EXPECT_FALSE(IsAnyHookSwitchOn());
   EXPECT_EQ(0u, ze_kest_Debug_Io_Is_Enable());
-  EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_SetParameter("kest_debug_filter_io=restart"));
+  Command("kest_debug_filter_io=restart");
   EXPECT_EQ(0u, ze_kest_Debug_Io_Is_Enable());  // nothing is watched
   EXPECT_STREQ("", _stKestSineSelection.szPipelineName);
 }

@@ -14,9 +14,7 @@ using IoDebugCommand = RegistryTest;
 Texts ReportsOf(const char *pszLine, uint32_t u32Expected) {
   const ReportCapture capture;
   EXPECT_EQ(u32Expected, _ZE_KEST_Debug_Cmd_DebugIo(pszLine)) << pszLine;
-  Texts texts;
-  for (const Report &report : capture.Reports())
-    texts.push_back(report.label + report.text);
+  const Texts texts = capture.Lines();
   EXPECT_EQ("<INFO>" NAME "pszDup=" + std::string(pszLine) + "\n", texts.at(0));
   return {texts.begin() + std::min<ptrdiff_t>(2, static_cast<ptrdiff_t>(texts.size())), texts.end()};
 }

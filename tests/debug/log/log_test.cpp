@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <algorithm>
 #include <filesystem>
-#include <sstream>
-#include <thread>
 
 #include <unistd.h>
 
@@ -160,16 +158,9 @@ TEST(Log, LinesOfManyThreadsNeverInterleave) {
   constexpr int kThreads = 8;
   constexpr int kLines = 200;
   const std::string text = std::string(100, 'x') + '|';
-  std::vector<std::thread> threads;
-  for (int t = 0; t < kThreads; ++t) {
-    threads.emplace_back([&text] { LogLines(kLines, ZE_KEST_LEVEL_ERR, text.c_str()); });
-  }
-  for (std::thread &thread : threads)
-    thread.join();
-
-  std::istringstream file(ReadFile(kLogFile));
+  InThreads(kThreads, [&text](int) { LogLines(kLines, ZE_KEST_LEVEL_ERR, text.c_str()); });
   int s32Whole = 0;
-  for (std::string line; std::getline(file, line);) {
+  for (const std::string &line : LinesOf(ReadFile(kLogFile))) {
     if (line.find("xx") == std::string::npos) continue;
     EXPECT_THAT(line, AllOf(StartsWith("\033[1;31m"), EndsWith("<ERR>\033[0m" + text)));
     ++s32Whole;

@@ -44,7 +44,7 @@ TEST_F(FilterParameters, AreSetInTheFirstFilterWhoseNamesBeginAsGivenIfItHasAnEn
   }
   EXPECT_EQ("", g_set);
   const ReportCapture capture;
-  EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_SetParameter("kest_debug_set_parameter=P,Volume,Bad,1,4"));
+  Command("kest_debug_set_parameter=P,Volume,Bad,1,4");
   EXPECT_EQ((Texts{"Error (0x00000021)! Fail to set parameter from filter:'Volume'\n"}),
             capture.Texts("<ERR>"));
 }

@@ -141,7 +141,7 @@ TEST_F(Status, AFilterThatDoesNotAnswerIsReportedAndStillGetsItsLine) {
   AddFilter("P", "Volume").pfnGetParameter = Get;
   AddFilter("P", "Delay");  // has no entry at all
   const ReportCapture capture;
-  EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_SetParameter("kest_debug_list=status"));
+  Command("kest_debug_list=status");
   EXPECT_TRUE(capture.Has("<PRINT>", " gain:0, mute:1\n"));
   EXPECT_TRUE(capture.Has("<PRINT>", " pcm delay:0, raw delay:0\n"));
   EXPECT_EQ((Texts{"Error (0x00000013)! Fail to get parameter from filter:'Volume'\n",
