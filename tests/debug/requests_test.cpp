@@ -221,11 +221,7 @@ TEST(Requests, WithSomethingMissingKeepWhatWasReadBeforeIt) {
 
 TEST(HandlerChain, ALineChangesTheRequestsThatItComesByUntilOneTakesIt) {
   const DebugLayer layer;
-  struct {
-    const char *pszLine;
-    uint32_t u32Result;
-    Texts globals;
-  } const aLines[] = {
+  const std::tuple<const char *, uint32_t, Texts> aLines[] = {
       {"kest_log_size=5", 0, {"32|p1|f1", "32|p2|f2", "16|p3|f3|7", "16|p4|f4|9|9", "16|p5|f5|1|2"}},
       {"kest_perf_event_target=none", 0, {"0||", "32|p2|f2", "16|p3|f3|7", "16|p4|f4|9|9", "16|p5|f5|1|2"}},
       {"kest_process_status=none", 0, {"0||", "0||", "16|p3|f3|7", "16|p4|f4|9|9", "16|p5|f5|1|2"}},
@@ -238,10 +234,10 @@ TEST(HandlerChain, ALineChangesTheRequestsThatItComesByUntilOneTakesIt) {
       // Refused by its own handler, so it goes on to the others.
       {"kest_perf_event_target=pipeline,", 8, {"16|p1|f1", "0||", "0|||0", "16|||9|9", "16|p5|f5|1|2"}},
   };
-  for (const auto &line : aLines) {
+  for (const auto &[pszLine, u32Result, globals] : aLines) {
     MakeEveryRequest();
-    EXPECT_EQ(line.u32Result, ze_kest_Debug_SetParameter(line.pszLine)) << line.pszLine;
-    EXPECT_EQ(line.globals, AllGlobals()) << line.pszLine;
+    EXPECT_EQ(u32Result, ze_kest_Debug_SetParameter(pszLine)) << pszLine;
+    EXPECT_EQ(globals, AllGlobals()) << pszLine;
   }
 }
 

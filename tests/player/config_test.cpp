@@ -57,20 +57,17 @@ TEST_F(Config, VolumeAndDelayWorkWhereverTheyStand) {
   const std::string volume = R"(, "Volume": {"gain_db": -6})";
   const std::string delay = R"(, "Delay": {"delay_ms": 100})";
   const std::string defaults = R"(, "Volume": {}, "Delay": {})";
-  const struct {
-    std::string input;
-    std::string output;
-  } chains[] = {{volume + delay, ""},
-                {delay + volume, defaults},
-                {"", volume + delay},
-                {defaults, delay + volume},
-                {delay, volume}};
-  for (const auto &chain : chains) {
-    EXPECT_TRUE(wanted == PlayedFrom(R"({"SpeakerOutput": {"Mixer": {})" + chain.output +
+  const std::pair<std::string, std::string> chains[] = {{volume + delay, ""},
+                                                        {delay + volume, defaults},
+                                                        {"", volume + delay},
+                                                        {defaults, delay + volume},
+                                                        {delay, volume}};
+  for (const auto &[input, output] : chains) {
+    EXPECT_TRUE(wanted == PlayedFrom(R"({"SpeakerOutput": {"Mixer": {})" + output +
                                      R"(, "SpeakerOutput": {"file": "out.wav"}},
                                      "In": {"Lpcm": {"file": "Volume"})" +
-                                     chain.input + "}}"))
-        << chain.input << " | " << chain.output;
+                                     input + "}}"))
+        << input << " | " << output;
   }
 }
 
@@ -108,10 +105,7 @@ TEST_F(Config, AFaultIsSaidWithItsPlaceAndWhatIsAllowed) {
   for (char name = '1'; name <= '9'; ++name) {
     nine += std::string(", \"") + name + "\": {" + input + "}";
   }
-  const struct {
-    std::string document;
-    std::string complaint;
-  } faults[] = {
+  const std::pair<std::string, std::string> faults[] = {
       {"", "cannot read x: it is empty"},
       {" ", "x: malformed or incomplete JSON in line 1 (the reader answered 3)"},
       {"{\n\"A\": ]}", "x: malformed or incomplete JSON in line 2 (the reader answered 3)"},
@@ -156,9 +150,9 @@ TEST_F(Config, AFaultIsSaidWithItsPlaceAndWhatIsAllowed) {
       {"{\"A\": {" + input + "}}", "x: the pipeline \"SpeakerOutput\" is missing"},
       {"{" + output + "}", "x: 0 pipelines feed SpeakerOutput; 1 to 8 are needed"},
       {nine + "}", "x: 9 pipelines feed SpeakerOutput; 1 to 8 are needed"}};
-  for (const auto &fault : faults) {
-    Write(fault.document);
-    EXPECT_EQ(fault.complaint, Complaint()) << fault.document;
+  for (const auto &[document, complaint] : faults) {
+    Write(document);
+    EXPECT_EQ(complaint, Complaint()) << document;
   }
 }
 

@@ -29,29 +29,24 @@ int32_t SaturatedSum(int64_t a, int64_t b) {
 
 TEST_F(Player, TheOutputHoldsEverySampleOfTheInput) {
   // The lengths leave a rest of a cycle, or fit one exactly, or are shorter than one.
-  const struct {
-    int channels;
-    int format;
-    size_t frames;
-    int outputFormat;
-  } files[] = {{1, SF_FORMAT_WAV | SF_FORMAT_PCM_U8, 5001, kWav16},
-               {1, kWav24, 5001, kWav24},
-               {2, kWav16, 70001, kWav16},
-               {2, kWav24, 5120, kWav24},
-               {2, kWav32, 255, SF_FORMAT_PCM_32},
-               {2, SF_FORMAT_FLAC | SF_FORMAT_PCM_24, 5001, kWav24},
-               {3, kWav16, 1, kWav16},
-               {6, kWav16, 5001, kWav16},
-               {10, kWav24, 5001, kWav24},
-               {2, kWav16, 0, kWav16}};
-  for (const auto &file : files) {
-    SCOPED_TRACE(testing::Message() << file.channels << " channels, format " << std::hex << file.format);
-    const AudioData input = Noise(file.channels, file.format, file.frames);
+  const std::tuple<int, int, size_t, int> files[] = {{1, SF_FORMAT_WAV | SF_FORMAT_PCM_U8, 5001, kWav16},
+                                                     {1, kWav24, 5001, kWav24},
+                                                     {2, kWav16, 70001, kWav16},
+                                                     {2, kWav24, 5120, kWav24},
+                                                     {2, kWav32, 255, SF_FORMAT_PCM_32},
+                                                     {2, SF_FORMAT_FLAC | SF_FORMAT_PCM_24, 5001, kWav24},
+                                                     {3, kWav16, 1, kWav16},
+                                                     {6, kWav16, 5001, kWav16},
+                                                     {10, kWav24, 5001, kWav24},
+                                                     {2, kWav16, 0, kWav16}};
+  for (const auto &[channels, format, frames, outputFormat] : files) {
+    SCOPED_TRACE(testing::Message() << channels << " channels, format " << std::hex << format);
+    const AudioData input = Noise(channels, format, frames);
     WriteAudio(Path("in"), input);
     const AudioData output = Played({Path("in")});
     EXPECT_EQ(input.channels, output.channels);
     EXPECT_EQ(input.sampleRate, output.sampleRate);
-    EXPECT_EQ(file.outputFormat & SF_FORMAT_SUBMASK, output.format & SF_FORMAT_SUBMASK);
+    EXPECT_EQ(outputFormat & SF_FORMAT_SUBMASK, output.format & SF_FORMAT_SUBMASK);
     EXPECT_TRUE(input.samples == output.samples);
   }
 }

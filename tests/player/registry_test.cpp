@@ -104,15 +104,13 @@ TEST_F(PlayerRegistry, ASetGainAndATextCommandAreHeardFromThenOn) {
   const AudioData input = Noise(2, kWav16, 5001);
   WriteAudio(Path("in.wav"), input);
   Start({Path("in.wav"), "--loop"});
-  const struct {
-    const char *pszCommand;
-    const char *pszStatus;
-  } changes[] = {{"kest_debug_set_parameter=Decoder_13,Volume,Gain,-6,4", "gain:-6, mute:0\n"},
-                 {"kest_debug_send_cmd_by_text=Decoder_13,Volume,mute=on", "gain:-6, mute:1\n"}};
-  for (const auto &change : changes) {
-    Ask(change.pszCommand);
+  const std::pair<const char *, const char *> changes[] = {
+      {"kest_debug_set_parameter=Decoder_13,Volume,Gain,-6,4", "gain:-6, mute:0\n"},
+      {"kest_debug_send_cmd_by_text=Decoder_13,Volume,mute=on", "gain:-6, mute:1\n"}};
+  for (const auto &[pszCommand, pszStatus] : changes) {
+    Ask(pszCommand);
     EXPECT_TRUE(PlayOn(*player_, kPlentyOfBytes));
-    EXPECT_THAT(Ask("kest_debug_list=status"), HasSubstr(change.pszStatus));
+    EXPECT_THAT(Ask("kest_debug_list=status"), HasSubstr(pszStatus));
   }
   End();
 

@@ -31,10 +31,7 @@ Texts RepliesTo(const std::string &line, uint32_t u32Expected = ZE_KEST_OK,
 
 TEST(Dispatcher, EveryInlineCommandConfirmsInItsOwnWords) {
   const DebugLayer layer;
-  struct {
-    const char *pszLine;
-    Texts replies;
-  } const aCommands[] = {
+  const std::pair<const char *, Texts> aCommands[] = {
       {"kest_log_to_print=on", {"<PRINT>kest_log_to_print=on\n", "<PRINT>Log to console(1)\n"}},
       {"kest_log_to_print=off", {"<PRINT>kest_log_to_print=off\n", "<PRINT>Log to console(0)\n"}},
       {"kest_log_to_file=off", {"<PRINT>kest_log_to_file=off\n", "<PRINT>Log to file(0)\n"}},
@@ -55,25 +52,22 @@ TEST(Dispatcher, EveryInlineCommandConfirmsInItsOwnWords) {
         "<PRINT>bDebugPresetCmd:0,0\n"}},
       {"ascii_color", {}},
   };
-  for (const auto &command : aCommands)
-    EXPECT_EQ(command.replies, RepliesTo(command.pszLine));
+  for (const auto &[pszLine, replies] : aCommands)
+    EXPECT_EQ(replies, RepliesTo(pszLine));
 }
 
 TEST(Dispatcher, EveryLogLevelShowsTheTestLinesThatItLetsThrough) {
   const DebugLayer layer;
   const Texts tests = {"<INFO>Test:<INFO>\n", "<WRN>Test:<WRN>\n", "<ERR>Test:<ERR>\n"};
-  struct {
-    const char *pszName;
-    uint32_t u32Level;
-    long firstTest;
-  } const aLevels[] = {{"all", 240, 0}, {"trace", 80, 0}, {"info", 64, 0}, {"wrn", 48, 1},
-                       {"err", 32, 2},  {"sync", 33, 2},  {"hdmi", 34, 2}, {"none", 1, 3}};
-  for (const auto &level : aLevels) {
-    const std::string line = std::string("kest_log_level=") + level.pszName;
+  const std::tuple<const char *, uint32_t, long> aLevels[] = {
+      {"all", 240, 0}, {"trace", 80, 0}, {"info", 64, 0}, {"wrn", 48, 1},
+      {"err", 32, 2},  {"sync", 33, 2},  {"hdmi", 34, 2}, {"none", 1, 3}};
+  for (const auto &[pszName, u32Level, firstTest] : aLevels) {
+    const std::string line = std::string("kest_log_level=") + pszName;
     Texts expected = {"<PRINT>" + line + "\n"};
-    expected.insert(expected.end(), tests.begin() + level.firstTest, tests.end());
+    expected.insert(expected.end(), tests.begin() + firstTest, tests.end());
     EXPECT_EQ(expected, RepliesTo(line));
-    EXPECT_EQ(level.u32Level, g_u32LevelBehind);
+    EXPECT_EQ(u32Level, g_u32LevelBehind);
   }
 }
 

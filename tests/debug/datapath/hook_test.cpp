@@ -163,15 +163,12 @@ TEST(Hook, WritesASineOverTheFirstOutputOfTheSelectedFilter) {
   expected[119] = Sine(2);
   EXPECT_EQ(expected, StorageOf(port));
 
-  const struct {
-    uint32_t u32Channels;
-    uint32_t sztLevel;
-    uint32_t sztWriteSize;
-  } aWild[] = {{0x80000000, 480, 1}, {2, 480, 0xFFFFFFFF}, {2, 0x90000000, 4}, {2, 0, 0}};
-  for (const auto &wild : aWild) {
-    pcm.stPcmInfo.u32TotalChannels = wild.u32Channels;
-    pcm.sztPcmLevel = wild.sztLevel;
-    pcm.sztPcmWriteSize = wild.sztWriteSize;
+  const std::array<uint32_t, 3> aWild[] = {
+      {0x80000000, 480, 1}, {2, 480, 0xFFFFFFFF}, {2, 0x90000000, 4}, {2, 0, 0}};
+  for (const auto &[u32Channels, sztLevel, sztWriteSize] : aWild) {
+    pcm.stPcmInfo.u32TotalChannels = u32Channels;
+    pcm.sztPcmLevel = sztLevel;
+    pcm.sztPcmWriteSize = sztWriteSize;
     EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_Filter(filter));
   }
   pcm.sztPcmWriteSize = 4;

@@ -42,12 +42,7 @@ class JsonLookup : public testing::Test {
 }  // namespace
 
 TEST_F(JsonLookup, ANameIsFoundAnywhereOrFromATargetToTheEndOfItsValue) {
-  const struct {
-    int s32Target;
-    const char *pszName;
-    int s32Found;
-    const char *pszReport;
-  } aLookups[] = {
+  const std::tuple<int, const char *, int, const char *> aLookups[] = {
       {kNone, "b", 3, ""},
       {kNone, "d", kNone, ""},  // "dd" only begins so
       {kNone, "ddd", kNone, ""},
@@ -63,10 +58,10 @@ TEST_F(JsonLookup, ANameIsFoundAnywhereOrFromATargetToTheEndOfItsValue) {
       {kStranger, "b", kNone, kCantFind},
       {kNone, nullptr, kNone, "pszDataName is NULL.\n"},
   };
-  for (const auto &lookup : aLookups) {
-    EXPECT_EQ(lookup.s32Found, Index(ze_kest_Utility_Jsmn_GetTokenInfo_ByDataName(
-                                   &json.st, Token(lookup.s32Target), lookup.pszName)));
-    EXPECT_EQ(lookup.pszReport, Reported()) << lookup.s32Target;
+  for (const auto &[s32Target, pszName, s32Found, pszReport] : aLookups) {
+    EXPECT_EQ(s32Found,
+              Index(ze_kest_Utility_Jsmn_GetTokenInfo_ByDataName(&json.st, Token(s32Target), pszName)));
+    EXPECT_EQ(pszReport, Reported()) << s32Target;
   }
 }
 
