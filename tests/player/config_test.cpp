@@ -22,14 +22,14 @@ class Config : public PlayerTest {
   void Write(const std::string &text) const { std::ofstream(path_) << text; }
 
   // What comes out of a run that must succeed.
-  [[nodiscard]] std::vector<int32_t> Played(const std::vector<std::string> &arguments) const {
+  [[nodiscard]] Samples Played(const Texts &arguments) const {
     std::filesystem::remove(out_);
     const PlayerResult result = PlayFast(arguments);
     EXPECT_EQ(0, result.exitCode) << result.err;
     EXPECT_THAT(result.out, HasSubstr("in order"));
     return ReadAudio(out_).samples;
   }
-  [[nodiscard]] std::vector<int32_t> PlayedFrom(const std::string &text) const {
+  [[nodiscard]] Samples PlayedFrom(const std::string &text) const {
     Write(text);
     return Played({"--config", path_});
   }
@@ -76,7 +76,7 @@ TEST_F(Config, AnInputHasItsOwnSettings) {
   const AudioData late = Noise(1, kWav16, 3000, 2);
   WriteAudio(Path("a \"b\\c.wav"), early);
   WriteAudio(Path("late.wav"), late);
-  std::vector<int32_t> wanted(3480, 0);
+  Samples wanted(3480, 0);
   std::copy(late.samples.begin(), late.samples.end(), wanted.begin() + 480);
   for (size_t i = 0; i < early.samples.size(); ++i) {
     wanted[i] = static_cast<int32_t>(
@@ -168,9 +168,8 @@ TEST_F(Config, ARunThatCannotBeginLeavesTheOutputAlone) {
   EXPECT_EQ(1, missing.exitCode);
   EXPECT_THAT(missing.err, HasSubstr("kest-player: cannot read " + Path("in.wav")));
 
-  const std::vector<std::string> conflicts[] = {
-      {"in.wav"}, {"-o", out_}, {"--gain-db", "0"}, {"--delay-ms", "0"}};
-  for (std::vector<std::string> arguments : conflicts) {
+  const Texts conflicts[] = {{"in.wav"}, {"-o", out_}, {"--gain-db", "0"}, {"--delay-ms", "0"}};
+  for (Texts arguments : conflicts) {
     arguments.insert(arguments.end(), {"--config", path_});
     const PlayerResult result = PlayFast(arguments);
     EXPECT_EQ(2, result.exitCode) << arguments[0];

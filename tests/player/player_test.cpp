@@ -32,4 +32,12 @@ bool PlayerTest::PlayOn(PlayerProcess &player, uint64_t bytes) const {
   return WaitWhilePlaying(player, [&] { return OutputSize() >= wanted; });
 }
 
+player::Options PlayerTest::Fast(const Texts &inputs) const {
+  player::Options options;
+  options.inputs = inputs;
+  options.output = out_;
+  options.fast = true;
+  return options;
+}
+
 }  // namespace kest::test

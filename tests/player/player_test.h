@@ -4,6 +4,7 @@
 
 #include <filesystem>
 
+#include "player/options.h"
 #include "tests/player/audio_data.h"
 #include "tests/player/player_process.h"
 #include "tests/support/library_test.h"
@@ -23,6 +24,9 @@ class PlayerTest : public testing::Test {
   [[nodiscard]] uint64_t OutputSize() const;
   // Waits until the output has grown by so much; false when the player has ended first.
   bool PlayOn(PlayerProcess &player, uint64_t bytes) const;
+
+  // A run as fast as possible in this process.
+  [[nodiscard]] player::Options Fast(const std::vector<std::string> &inputs) const;
 
   const std::string out_ = Path("out.wav");
 };

@@ -35,13 +35,7 @@ class PlaybackRegistration : public test::PlayerTest {
     test::WriteAudio(Path("in.flac"), test::Noise(2, kFlac, 20000));
   }
 
-  [[nodiscard]] Options Fast() const {
-    Options options;
-    options.inputs = {Path("in.flac"), Path("in.flac")};
-    options.output = out_;
-    options.fast = true;
-    return options;
-  }
+  [[nodiscard]] Options Fast() const { return PlayerTest::Fast({Path("in.flac"), Path("in.flac")}); }
   [[nodiscard]] Options Endless() const {
     Options options = Fast();
     options.fast = false;

@@ -16,7 +16,7 @@ constexpr uint64_t kPlentyOfBytes = 100000;
 // A player, asked while it plays and ended as its user does.
 class PlayerRegistry : public PlayerTest {
  protected:
-  void Start(std::vector<std::string> arguments) {
+  void Start(Texts arguments) {
     arguments.insert(arguments.end(), {"-o", out_});
     player_.emplace(arguments);
     ASSERT_TRUE(PlayOn(*player_, kPlentyOfBytes)) << player_->Wait().err;
@@ -94,15 +94,13 @@ TEST_F(PlayerRegistry, TheStatusShowsTheFiltersValuesAndTheirParameters) {
   EXPECT_LT(blocksDecoded, blocksAfter + 44);
 
   const std::string list = Ask("kest_debug_list=parameter");
-  for (const char *name : {"OkFrmCnt", "RfSignalType", "Gain", "Mute", "DelayTime", "RawDelayTime"}) {
+  for (const char *name : {"OkFrmCnt", "RfSignalType", "Gain", "Mute", "DelayTime", "RawDelayTime"})
     EXPECT_THAT(list, ContainsRegex("\n'" + std::string(name) + "', '[^']+', '4'\n"));
-  }
   End();
 }
 
 TEST_F(PlayerRegistry, ASetGainAndATextCommandAreHeardFromThenOn) {
-  const AudioData input = Noise(2, kWav16, 5001);
-  WriteAudio(Path("in.wav"), input);
+  const AudioData input = WriteNoise(Path("in.wav"), 2, kWav16, 5001);
   Start({Path("in.wav"), "--loop"});
   const std::pair<const char *, const char *> changes[] = {
       {"kest_debug_set_parameter=Decoder_13,Volume,Gain,-6,4", "gain:-6, mute:0\n"},
@@ -114,7 +112,7 @@ TEST_F(PlayerRegistry, ASetGainAndATextCommandAreHeardFromThenOn) {
   }
   End();
 
-  const std::vector<int32_t> output = ReadAudio(out_).samples;
+  const Samples output = ReadAudio(out_).samples;
   size_t i = 0;
   for (const double gain : {1.0, std::pow(10.0, -6 / 20.0), 0.0}) {
     const size_t first = i;

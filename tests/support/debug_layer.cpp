@@ -30,9 +30,8 @@ DebugLayer::~DebugLayer() {
 
 void EmptyDebugDirectory() {
   std::filesystem::create_directories(KEST_DEBUG_DIR);
-  for (const auto &entry : std::filesystem::directory_iterator(KEST_DEBUG_DIR)) {
+  for (const auto &entry : std::filesystem::directory_iterator(KEST_DEBUG_DIR))
     std::filesystem::remove_all(entry.path());
-  }
 }
 
 uint32_t ShutDown() {

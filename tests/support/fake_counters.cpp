@@ -111,9 +111,7 @@ int __wrap_ioctl(int s32Fd, unsigned long u32Request, ...) {
   va_start(args, u32Request);
   void *pvArgument = va_arg(args, void *);
   va_end(args);
-  if (!Answers() || _IOC_TYPE(u32Request) != '$') {
-    return __real_ioctl(s32Fd, u32Request, pvArgument);
-  }
+  if (!Answers() || _IOC_TYPE(u32Request) != '$') return __real_ioctl(s32Fd, u32Request, pvArgument);
   return FakeCounters::pCurrent.load()->Control(s32Fd, u32Request, pvArgument);
 }
 

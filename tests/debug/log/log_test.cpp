@@ -50,9 +50,8 @@ TEST(Log, NothingIsWrittenBeforeStartAndAfterShutDownThoughTheSinksAreOn) {
   std::filesystem::remove(KEST_DEBUG_DIR "shm_global");
   switchOnAndLog("late\n");
   ResetLogSinks();
-  for (const std::string &sink : {testing::internal::GetCapturedStdout(), ReadFile(kLogFile)}) {
+  for (const std::string &sink : {testing::internal::GetCapturedStdout(), ReadFile(kLogFile)})
     EXPECT_THAT(sink, AllOf(Not(HasSubstr("early")), Not(HasSubstr("late"))));
-  }
   // The late line did not set the base up anew.
   EXPECT_FALSE(std::filesystem::exists(KEST_DEBUG_DIR "shm_global"));
 }

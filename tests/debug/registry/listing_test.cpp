@@ -67,9 +67,8 @@ TEST_F(Listing, ConnectionsFillTheFirstFreeSlotOfTheFirstPipelineAndTheNinthIsDr
   AddPipeline("P");
   AddFilter("P", "F");
   AddPipeline("P");
-  for (int i = 0; i < 9; ++i) {
+  for (int i = 0; i < 9; ++i)
     EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_ConnectPipeline("P", i % 2 == 0 ? "even" : "odd"));
-  }
   EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_ConnectPipeline("nobody", "x"));
   const auto connectionsOf = [](const ZE_KEST_DebugInfo_s &info) {
     std::string text;

@@ -39,9 +39,8 @@ struct Move {
 // Bytes beyond the ring's end are not written, and read as zero.
 void ModelSample(const Routine &routine, Bytes &ring, size_t at, uint8_t *pu8Linear, size_t width) {
   Bytes sample(width);
-  for (size_t j = 0; j < width && at + j < ring.size(); ++j) {
+  for (size_t j = 0; j < width && at + j < ring.size(); ++j)
     (routine.pfnRead ? sample[j] : ring[at + j]) = routine.pfnRead ? ring[at + j] : pu8Linear[j];
-  }
   const Bytes converted = routine.pfnConvert(sample);
   if (routine.pfnRead) std::copy(converted.begin(), converted.end(), pu8Linear);
 }

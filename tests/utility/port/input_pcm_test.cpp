@@ -123,9 +123,8 @@ TEST(InputPcm, OnlyA32BitReadAsIsGoesBeyondTheFirstChannelOfTheLastGroup) {
     EXPECT_EQ(c.reports.empty() ? ZE_KEST_OK : ZE_KEST_FAILED,
               c.reader.pfnRead(filter, 0, dst.data(), 1, c.first, c.last, UINT32_MAX));
     EXPECT_EQ(c.reports, capture.Texts("<ERR>")) << c.first << '-' << c.last;
-    for (const Report &report : capture.Reports()) {
+    for (const Report &report : capture.Reports())
       EXPECT_EQ(c.reader.pszFunction, report.function);
-    }
     EXPECT_EQ(c.first == 22, dst == Bytes(88, 0x11)) << "the channels before it are read";
   }
 }

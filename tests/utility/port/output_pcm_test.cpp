@@ -59,9 +59,8 @@ void ExpectLikeModel(Filter &filter, bool bStraight) {
         sources.au16Stride[entry], width);
   }
   ASSERT_EQ(ZE_KEST_OK, sources.Write(filter, kSamples));
-  for (uint32_t g = 0; g < ZE_KEST_PCM_GROUPS; ++g) {
+  for (uint32_t g = 0; g < ZE_KEST_PCM_GROUPS; ++g)
     ASSERT_EQ(expected[g].Content(), port.groups[g].Content()) << width << ' ' << g << ' ' << position;
-  }
   EXPECT_EQ(3u, pcm.sztPcmWriteSize) << "not part of the position, and a write commits nothing";
 }
 
@@ -89,9 +88,8 @@ TEST(OutputPcm, OnlyTheOptionWithABoundWritesStraightOn) {
   for (const uint32_t bits : {8u, 16u, 24u, 32u}) {
     for (const uint32_t bound : {ZE_KEST_NO_BOUND, 64u}) {
       for (const unsigned option : {0x00u, 0xFBu, 0x04u}) {
-        for (const uint32_t level : {1u, 7u}) {
+        for (const uint32_t level : {1u, 7u})
           ASSERT_NO_FATAL_FAILURE(ExpectMode(bits, bound, static_cast<uint8_t>(option), level)) << option;
-        }
       }
     }
   }

@@ -95,9 +95,8 @@ TEST(PortArguments, AMissingOneIsReportedTheFilterFirstTheOthersBehindTheCheckOf
     ExpectReport(call, nullptr, 9, "pstFilter is NULL.\n");
   const Call asIs = {"_ZE_KEST_UTILITY_ReadInputCheckSanity", kMissing[0].pfn, ""};
   ExpectReport(asIs, nullptr, 9, "pstFilter is NULL.\n");
-  for (const Call &call : kMissing) {
+  for (const Call &call : kMissing)
     ExpectReport(call, ports, 0, std::string(call.pszMissing) + " is NULL.\n");
-  }
 }
 
 TEST(PortArguments, APortThatIsNotThereIsRefusedSilently) {
