@@ -9,7 +9,6 @@
 #include "player/framework/metadata_block.h"
 #include "player/layout.h"
 #include "player/playback.h"
-#include "tests/player/console.h"
 #include "tests/player/player_test.h"
 #include "tests/support/disk.h"
 

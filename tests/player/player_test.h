@@ -11,6 +11,10 @@
 
 namespace kest::test {
 
+// Types a command into the pipe of the running player and gives what it adds to the log, with every run of
+// blanks made one.
+std::string Ask(const std::string &command);
+
 class PlayerTest : public testing::Test {
  public:
   // A file of the test.

@@ -4,7 +4,6 @@
 #include <csignal>
 #include <optional>
 
-#include "tests/player/console.h"
 #include "tests/player/player_test.h"
 
 namespace kest::test {

@@ -6,8 +6,6 @@
 #include <array>
 #include <cstring>
 #include <memory>
-#include <string>
-#include <vector>
 
 #include "tests/support/library_test.h"
 

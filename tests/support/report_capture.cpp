@@ -67,6 +67,11 @@ bool ReportCapture::Has(const std::string &label, const std::string &text) const
                      [&text](const std::string &found) { return found.find(text) != std::string::npos; });
 }
 
+int64_t ReportCapture::Count(const std::string &label, const std::string &text) const {
+  const kest::test::Texts lines = Lines();
+  return std::count(lines.begin(), lines.end(), label + text);
+}
+
 void ReportCapture::Clear() {
   const std::lock_guard<std::mutex> lock(g_mutex);
   g_reports.clear();

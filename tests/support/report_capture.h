@@ -36,6 +36,8 @@ class ReportCapture {
   [[nodiscard]] kest::test::Texts Texts(const std::string &label) const;
   // Whether some report of the label contains the text.
   [[nodiscard]] bool Has(const std::string &label, const std::string &text) const;
+  // How many reports of the label have exactly the text.
+  [[nodiscard]] int64_t Count(const std::string &label, const std::string &text) const;
   void Clear();
 
  private:

@@ -5,8 +5,6 @@
 #include <filesystem>
 #include <thread>
 
-#include <unistd.h>
-
 #include "debug/control/create_thread.h"
 #include "debug/control/debug_mutex.h"
 #include "debug/control/shared_settings.h"

@@ -1,5 +1,4 @@
 // SPDX-License-Identifier: Apache-2.0
-#include <algorithm>
 #include <filesystem>
 
 #include <unistd.h>
@@ -180,8 +179,7 @@ TEST(Log, AFileThatCannotBeOpenedOrWrittenAndAnUnknownModeAreReportedOnceAndLogg
 
   ReplaceLogFileBy("/dev/full");
   ze_kest_Debug_Log(ZE_KEST_LEVEL_ERR, "lost\n");
-  const Texts errors = capture.Texts("<ERR>");
-  EXPECT_EQ(1, std::count(errors.begin(), errors.end(), "Error! Fail to fflush()!\n"));
+  EXPECT_EQ(1, capture.Count("<ERR>", "Error! Fail to fflush()!\n"));
   EXPECT_EQ("ze_kest_Debug_Log", capture.Reports().back().function);
 }
 

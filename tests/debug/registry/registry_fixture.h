@@ -4,8 +4,6 @@
 
 #include <cstring>
 #include <deque>
-#include <string>
-#include <vector>
 
 #include "debug/control/debug_mutex.h"
 #include "debug/registry/registry.h"

@@ -2,7 +2,6 @@
 #include "utility/core/shared_name.h"
 
 #include <atomic>
-#include <string>
 #include <thread>
 
 #include "tests/support/library_test.h"

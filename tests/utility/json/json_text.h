@@ -3,7 +3,6 @@
 #pragma once
 
 #include <cstring>
-#include <string>
 
 #include "tests/support/library_test.h"
 #include "tests/support/pages.h"
@@ -27,8 +26,6 @@ class JsonText {
     EXPECT_EQ(bFailed ? ZE_KEST_INVALID_ARGUMENT : ZE_KEST_OK, ze_kest_Utility_Jsmn_Destroy(&st));
     EXPECT_EQ(bFailed, st.pszStringData != nullptr);
   }
-  JsonText(const JsonText &) = delete;
-  JsonText &operator=(const JsonText &) = delete;
 
   uint32_t Fill() { return ze_kest_Utility_Jsmn_FillUpTokenInfo(&st); }
 
