@@ -193,7 +193,7 @@ TEST_F(Latency, EveryMeasurementPrintsItsResultOnceAndTheOutputGoesOnBeingWritte
   }
 }
 
-TEST_F(Latency, NothingIsTouchedOfAPortThatContradictsItself) {
+TEST_F(Latency, NothingIsTouchedOfAPortThatContradictsItselfNorOfAFilterThatIsNotSelected) {
   Filter filter;
   ZE_KEST_PcmBuffer_s &in = filter.In(0).Pcm(32, kRing, {2, 0, 0});
   ZE_KEST_PcmBuffer_s &out = filter.Out(0).Pcm(32, kRing, {2, 0, 0});
@@ -211,6 +211,10 @@ TEST_F(Latency, NothingIsTouchedOfAPortThatContradictsItself) {
     EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_MeasureLatency(filter, ZE_KEST_LATENCY_START));
     EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_MeasureLatency(filter, ZE_KEST_LATENCY_END));
   }
+  in.stPcmInfo.u32BitWidth = 32;
+  in.sztPcmLevel = 20;
+  Send("kest_latency_start_filter=pipe,other");
+  EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_MeasureLatency(filter, ZE_KEST_LATENCY_START));
   EXPECT_EQ(before, filter.In(0).groups[0].Content());
   EXPECT_FALSE(IsMarked(_stKestLatency.bFound));
   EXPECT_EQ(size_t{60} * 4,
