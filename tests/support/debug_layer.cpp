@@ -72,9 +72,9 @@ bool WaitFor(const std::function<bool()> &condition) {
 }
 
 void InThreads(int s32Count, const std::function<void(int)> &function) {
-  std::vector<std::thread> threads;
+  std::vector<std::thread> threads(static_cast<size_t>(s32Count));
   for (int i = 0; i < s32Count; ++i)
-    threads.emplace_back(function, i);
+    threads[static_cast<size_t>(i)] = std::thread(function, i);
   for (std::thread &thread : threads)
     thread.join();
 }
