@@ -2,23 +2,17 @@
 // What filters call in every cycle: no memory, no lock, no system call, no report, and nothing touched that
 // the arguments do not name.
 #include <csignal>
-#include <cstddef>
 #include <memory>
 
-#include <gtest/gtest.h>
 #include <linux/filter.h>
 #include <linux/seccomp.h>
-#include <sys/mman.h>
 #include <sys/prctl.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
-#include "ze_kest/debug.h"
-
-#include "tests/support/debug_layer.h"
 #include "tests/support/failing_allocator.h"
+#include "tests/support/pages.h"
 #include "tests/support/ports.h"
-#include "tests/support/report_capture.h"
 #include "utility/core/shared_name.h"
 
 namespace kest::test {
@@ -29,48 +23,6 @@ constexpr uint32_t kMetaBytes = 256;  // and bytes of the others
 constexpr uint32_t kReadOffset = 50;  // so that longer runs wrap
 constexpr uint8_t kUntouched = 0x5A;  // no byte of the data has this value
 constexpr std::array<uint32_t, 3> kSlots = {2, 10, 10};
-
-// Memory between pages that cannot be touched, at their end or at their start.
-class Pages {
- public:
-  Pages(size_t sztBytes, bool bAtEnd) : sztBytes_(sztBytes), sztAll_((sztBytes / Page() + 3) * Page()) {
-    pu8All_ = static_cast<uint8_t *>(mmap(nullptr, sztAll_, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0));
-    Protect(PROT_READ | PROT_WRITE);
-    pu8Data_ = bAtEnd ? pu8All_ + sztAll_ - Page() - sztBytes : pu8All_ + Page();
-  }
-  ~Pages() { munmap(pu8All_, sztAll_); }
-  Pages(const Pages &) = delete;
-  Pages &operator=(const Pages &) = delete;
-
-  void Protect(int s32Protection) {
-    EXPECT_EQ(0, mprotect(pu8All_ + Page(), sztAll_ - 2 * Page(), s32Protection));
-  }
-  [[nodiscard]] uint8_t *Data() const { return pu8Data_; }
-  void Fill(const Bytes &bytes) { std::copy(bytes.begin(), bytes.end(), pu8Data_); }
-  [[nodiscard]] size_t Changed(const Bytes &before) const {
-    size_t sztChanged = 0;
-    for (size_t i = 0; i < sztBytes_; ++i)
-      sztChanged += pu8Data_[i] != before[i] ? 1 : 0;
-    return sztChanged;
-  }
-
- private:
-  static size_t Page() { return static_cast<size_t>(sysconf(_SC_PAGESIZE)); }
-
-  size_t sztBytes_;
-  size_t sztAll_;
-  uint8_t *pu8All_ = nullptr;
-  uint8_t *pu8Data_ = nullptr;
-};
-
-// With what it held at first.
-struct Block {
-  Block(Bytes content, bool bAtEnd) : before(std::move(content)), pages(before.size(), bAtEnd) {
-    pages.Fill(before);
-  }
-  Bytes before;
-  Pages pages;
-};
 
 // What a call works on.
 struct Amounts {
@@ -99,12 +51,12 @@ class Scene {
 
   void Protect(int s32Protection) {
     for (const auto &block : blocks_)
-      block->pages.Protect(s32Protection);
+      block->Protect(s32Protection);
   }
   [[nodiscard]] size_t Changed() const {
     size_t sztChanged = 0;
     for (const auto &block : blocks_)
-      sztChanged += block->pages.Changed(block->before);
+      sztChanged += block->Changed();
     return sztChanged;
   }
   [[nodiscard]] ZE_KEST_PcmBuffer_s &In() const { return filter.st->apstInPort[0]->stPcm; }
@@ -132,7 +84,7 @@ class Scene {
     return data;
   }
   uint8_t *Add(Bytes content) {
-    return blocks_.emplace_back(std::make_unique<Block>(std::move(content), bAtEnd_))->pages.Data();
+    return blocks_.emplace_back(std::make_unique<Pages>(std::move(content), bAtEnd_))->Data();
   }
   // Inputs are full, outputs are empty.
   void Connect(Port &port, uint32_t u32Bits, bool bFull) {
@@ -164,7 +116,7 @@ class Scene {
   }
 
   bool bAtEnd_;
-  std::vector<std::unique_ptr<Block>> blocks_;
+  std::vector<std::unique_ptr<Pages>> blocks_;
 };
 
 struct Row {
@@ -320,8 +272,7 @@ TEST_F(RealTime, ACallTakesNoMemoryAndNoLockAndTouchesWhatItIsAskedToAlone) {
   const std::pair<uint32_t, bool> aRuns[] = {{0, true}, {1, true}, {15, true}, {kRing, true}, {15, false}};
   for (const Row &row : kRows) {
     for (const auto &[n, bAtEnd] : aRuns) {
-      const testing::ScopedTrace trace(__FILE__, __LINE__,
-                                       std::string(row.pszName) + " " + std::to_string(n));
+      SCOPED_TRACE(row.pszName + (" " + std::to_string(n)));
       ExpectModest(row, n, bAtEnd);
     }
   }

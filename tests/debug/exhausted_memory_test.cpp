@@ -1,21 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 // Memory is exhausted at every request of the library in turn.
 #include <functional>
-#include <sstream>
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include "ze_kest/debug.h"
 
 #include "debug/control/command_table.h"
 #include "debug/control/debug_mutex.h"
 #include "debug/registry/registry.h"
 #include "debug/thread/tid_test.h"
-#include "tests/support/debug_layer.h"
 #include "tests/support/failing_allocator.h"
 #include "tests/support/ports.h"
-#include "tests/support/report_capture.h"
 #include "utility/core/owned_file.h"
 #include "utility/core/owned_memory.h"
 
@@ -23,7 +15,6 @@ namespace kest::test {
 namespace {
 
 using testing::IsSupersetOf;
-using Texts = std::vector<std::string>;
 
 constexpr const char *kFile = KEST_DEBUG_DIR "x.json";
 constexpr const char *kNoMemory = "Error! MALLOC error! \n";
@@ -55,7 +46,7 @@ bool Survives(const Scenario &scenario, uint32_t u32Refused, Texts &reports) {
     EXPECT_EQ(ZE_KEST_OK, u32Result);
     return false;
   }
-  EXPECT_THAT(scenario.results, testing::Contains(u32Result));
+  EXPECT_THAT(scenario.results, Contains(u32Result));
   const Texts errors = capture.Texts("<ERR>");
   EXPECT_EQ(scenario.reports.empty(), errors.empty());
   reports.insert(reports.end(), errors.begin(), errors.end());
@@ -83,8 +74,7 @@ uint32_t Exhaust(const Scenario &scenario) {
 // One line after another; the first result that is not ZE_KEST_OK.
 uint32_t RunLines(const std::string &lines) {
   uint32_t u32Result = ZE_KEST_OK;
-  std::istringstream stream(lines);
-  for (std::string line; std::getline(stream, line, ';');) {
+  for (const std::string &line : LinesOf(lines, ';')) {
     const uint32_t u32Line = ze_kest_Debug_SetParameter(line.c_str());
     if (u32Result == ZE_KEST_OK) u32Result = u32Line;
   }
@@ -95,8 +85,9 @@ class ExhaustedMemory : public testing::Test {
  protected:
   // Every request that was made has been refused once.
   ~ExhaustedMemory() override {
-    EXPECT_EQ(AskingSites(), RefusedSites());
-    RecordProperty("CallsThatAsk", static_cast<int>(AskingSites().size()));
+    const Sites sites = SitesSoFar();
+    EXPECT_EQ(sites.asking, sites.refused);
+    RecordProperty("CallsThatAsk", static_cast<int>(sites.asking.size()));
   }
 };
 
@@ -155,14 +146,14 @@ TEST_F(ExhaustedMemory, ACommandIsTakenOrRefusedWhole) {
 // On purpose without a word: logging to the file stops until it is switched on anew.
 TEST_F(ExhaustedMemory, ALogThatHasGrownTooLongGoesOnOrStops) {
   const DebugLayer layer;
-  ASSERT_EQ(ZE_KEST_OK, ze_kest_Debug_SetParameter("kest_log_size=0"));
+  Command("kest_log_size=0");
   Exhaust({"log", {ZE_KEST_OK}, {}, [] {
              for (int i = 0; i < 1000; ++i)
                ze_kest_Debug_Log(ZE_KEST_LEVEL_PRINT, "x\n");
              FailingAllocator::Recover();
              return RunLines("kest_log_to_file=on");
            }});
-  ASSERT_EQ(ZE_KEST_OK, ze_kest_Debug_SetParameter("kest_log_size=99999999"));
+  Command("kest_log_size=99999999");
 }
 
 // Every inline command and every handler behind them has a copy of its own.
@@ -194,7 +185,7 @@ TEST_F(ExhaustedMemory, TheHookGoesOnOrEndsItsCycle) {
   const DebugLayer layer;
   CycleFilter filter;
   for (const char *pszLine : {"kest_print_filter_info=on", "kest_dump_io=on", "kest_latency=on"})
-    ASSERT_EQ(ZE_KEST_OK, ze_kest_Debug_SetParameter(pszLine));
+    Command(pszLine);
   Exhaust({"hook",
            {ZE_KEST_OK, ZE_KEST_OUT_OF_MEMORY},
            {"_ZE_KEST_Debug_FilterPcmInfo fail to allocate\n",
@@ -202,7 +193,7 @@ TEST_F(ExhaustedMemory, TheHookGoesOnOrEndsItsCycle) {
             "_ZE_KEST_Debug_FilterRawInfo fail to allocate\n", kNoMemory, "Err! fopen failed!\n"},
            [&filter] { return static_cast<uint32_t>(ze_kest_Debug_Filter(filter)); }});
   for (const char *pszLine : {"kest_print_filter_info=off", "kest_dump_io=off", "kest_latency=off"})
-    ASSERT_EQ(ZE_KEST_OK, ze_kest_Debug_SetParameter(pszLine));
+    Command(pszLine);
 }
 
 TEST_F(ExhaustedMemory, AFailedRegistrationLeavesTheRegistryAsItWas) {

@@ -1,49 +1,19 @@
 // SPDX-License-Identifier: Apache-2.0
 // What the debug layer makes of a device that fails it: real disks, files and limits.
-#include <algorithm>
 #include <filesystem>
-#include <fstream>
-#include <sstream>
 #include <thread>
 
-#include <gmock/gmock.h>
-#include <sys/mount.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "ze_kest/debug.h"
-#include "ze_kest/utility.h"
-
-#include "tests/support/debug_layer.h"
-#include "tests/support/report_capture.h"
+#include "tests/support/disk.h"
+#include "tests/support/library_test.h"
 
 namespace kest::test {
 namespace {
 
 namespace fs = std::filesystem;
-using testing::AllOf;
-using testing::Contains;
-using testing::EndsWith;
-using testing::HasSubstr;
-
-// A disk of its own over the debug directory.
-class Disk {
- public:
-  Disk(unsigned long u32Flags, const char *pszOptions) {
-    EmptyDebugDirectory();
-    EXPECT_EQ(0, mount("kest-test", KEST_DEBUG_DIR, "tmpfs", u32Flags, pszOptions));
-  }
-  ~Disk() { EXPECT_EQ(0, umount2(KEST_DEBUG_DIR, MNT_DETACH)); }
-  Disk(const Disk &) = delete;
-  Disk &operator=(const Disk &) = delete;
-
-  static void Fill() { std::ofstream(kFiller, std::ios::binary) << std::string(1 << 20, '.'); }
-  static void MakeRoom() { fs::remove(kFiller); }
-
- private:
-  static constexpr const char *kFiller = KEST_DEBUG_DIR "filler";
-};
 
 // While it lives, no file can be opened.
 class NoDescriptors {
@@ -158,9 +128,8 @@ TEST(Faults, AHundredThousandLinesOfAShellAreAllCarriedOutInOrder) {
   EXPECT_TRUE(
       WaitFor([] { return ReadFile(kLogFile).find("LogSizeMax:1000199999\n") != std::string::npos; }));
   __android_log_set_logger(__android_log_stderr_logger);
-  std::istringstream file(ReadFile(kLogFile));
   int s32Next = 1000100000;
-  for (std::string line; std::getline(file, line);)
+  for (const std::string &line : LinesOf(ReadFile(kLogFile)))
     s32Next += line == "LogSizeMax:" + std::to_string(s32Next) ? 1 : 0;
   EXPECT_EQ(1000200000, s32Next);
 }
@@ -177,16 +146,13 @@ TEST(Faults, AFullDiskLosesTheLinesThatDoNotFitAndNoneAfterThem) {
     LogError("fits or is cut");
   for (int i = 1; i < kLost; ++i)
     LogError("lost");
-  EXPECT_EQ(std::vector<std::string>(kLost, "Error! Fail to fflush()!\n"), capture.Texts("<ERR>"));
+  EXPECT_EQ(Texts(kLost, "Error! Fail to fflush()!\n"), capture.Texts("<ERR>"));
 
   Disk::MakeRoom();
   LogError("after");
-  std::istringstream file(ReadFile(kLogFile));
-  std::vector<std::string> lines;
-  for (std::string line; std::getline(file, line);)
-    lines.push_back(line);
-  EXPECT_THAT(lines.back(), AllOf(testing::StartsWith("\033[1;31m"), EndsWith("<ERR>\033[0mafter")));
-  EXPECT_THAT(lines, testing::Not(Contains(HasSubstr("lost"))));
+  const Texts lines = LinesOf(ReadFile(kLogFile));
+  EXPECT_THAT(lines.back(), AllOf(StartsWith("\033[1;31m"), EndsWith("<ERR>\033[0mafter")));
+  EXPECT_THAT(lines, Not(Contains(HasSubstr("lost"))));
   ShutDown();
 }
 
@@ -194,40 +160,32 @@ TEST(Faults, ADiskThatIsFullOrReadOnlyOrWithoutDescriptorsAtTheStartIsReportedAn
   if (!MayMount()) GTEST_SKIP() << "needs a mount namespace";
   ExpectTheLayerWorks();  // from here on a start sets everything up, the first capture of a process nothing
   const ptrdiff_t s32Descriptors = OpenDescriptors();
-  const auto useLayer = [] {
+  const auto use = [](uint32_t (*pfnEnd)(), const std::vector<const char *> &errors) {
+    const ReportCapture capture;
     EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_Init());
     LogError("nowhere");
-    EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_SetParameter("kest_log_level=all"));
+    Command("kest_log_level=all");
     EXPECT_EQ(ZE_KEST_INVALID_ARGUMENT, ze_kest_Debug_SetParameter("kest_print_current_shm"));
+    ExpectErrors(capture, {"Err! shared memory initialization fails\n"});
+    ExpectErrors(capture, errors);
+    EXPECT_EQ(ZE_KEST_OK, pfnEnd());
   };
-  const char *const pszNoBlock = "Err! shared memory initialization fails\n";
   {
     const Disk disk(0, "size=16k");
     Disk::Fill();
-    const ReportCapture capture;
-    useLayer();
-    ExpectErrors(capture, {"Err! ftruncate fails, errno=No space left on device\n", pszNoBlock,
-                           "Error! Fail to fflush()!\n"});
-    EXPECT_EQ(ZE_KEST_OK, ShutDown());
+    use(ShutDown, {"Err! ftruncate fails, errno=No space left on device\n", "Error! Fail to fflush()!\n"});
   }
   {
     const Disk disk(MS_RDONLY, "");
-    const ReportCapture capture;
-    useLayer();
-    ExpectErrors(capture, {"errno=(30, Read-only file system)\n", pszNoBlock,
-                           "Err! ze_kest_Utility_FileOpen failed!\n",
-                           "Warn! mkfifo ret = -1 : Read-only file system\n"});
-    EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_DeInit());
+    use(ze_kest_Debug_DeInit,
+        {"errno=(30, Read-only file system)\n", "Err! ze_kest_Utility_FileOpen failed!\n",
+         "Warn! mkfifo ret = -1 : Read-only file system\n"});
   }
   {
     EmptyDebugDirectory();
-    const ReportCapture capture;
     const NoDescriptors none;
-    useLayer();
-    ExpectErrors(capture,
-                 {"errno=(24, Too many open files)\n", pszNoBlock, "Err! ze_kest_Utility_FileOpen failed!\n",
-                  "Err! open ret = -1 : Too many open files\n"});
-    EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_DeInit());
+    use(ze_kest_Debug_DeInit, {"errno=(24, Too many open files)\n", "Err! ze_kest_Utility_FileOpen failed!\n",
+                               "Err! open ret = -1 : Too many open files\n"});
   }
   EXPECT_EQ(s32Descriptors, OpenDescriptors());
   ExpectTheLayerWorks();
@@ -252,7 +210,7 @@ TEST(Faults, WithoutDescriptorsTheOpenLogGoesOnAndWhatNeedsANewOneIsReported) {
   }
   WriteToPipe("kest_log_to_file=on\nkest_log_size=12345\n");
   EXPECT_TRUE(WaitFor([] { return ReadFile(kLogFile).find("LogSizeMax:12345\n") != std::string::npos; }));
-  EXPECT_THAT(ReadFile(kLogFile), testing::Not(HasSubstr("not logged")));
+  EXPECT_THAT(ReadFile(kLogFile), Not(HasSubstr("not logged")));
   EXPECT_EQ(s32Descriptors, OpenDescriptors());
 }
 
@@ -266,10 +224,10 @@ TEST(Faults, ALogFileThatWasRemovedOrReplacedComesBackWithARestart) {
     LogError("into the file that is open");
     EXPECT_THAT(ReadFile(KEST_DEBUG_DIR "moved"), EndsWith("into the file that is open\n"));
     EXPECT_EQ(bReplaced ? "somebody's\n" : "", ReadFile(kLogFile));
-    EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_SetParameter("kest_log_restart"));
+    Command("kest_log_restart");
     LogError("into the new one");
     EXPECT_THAT(ReadFile(kLogFile), EndsWith("into the new one\n"));
-    EXPECT_THAT(capture.Texts("<ERR>"), testing::IsEmpty());
+    EXPECT_THAT(capture.Texts("<ERR>"), IsEmpty());
   }
   EXPECT_EQ(s32Descriptors, OpenDescriptors());
 }

@@ -13,19 +13,14 @@
 #include <new>
 #include <random>
 #include <set>
-#include <sstream>
 
 #include <android/log.h>
-#include <fcntl.h>
-#include <gmock/gmock.h>
 #include <sys/mman.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include "ze_kest/debug.h"
-
 #include "debug/control/shared_settings.h"
-#include "tests/support/debug_layer.h"
+#include "tests/support/library_test.h"
 
 namespace kest::test {
 namespace {
@@ -58,20 +53,12 @@ struct Board {
   std::array<std::atomic<uint32_t>, kProcesses> aSteps;  // of a slot; move on while its process does not hang
 };
 
-// Memory that processes of this test share.
-class SharedBoard {
- public:
-  SharedBoard()
-      : pst_(new (mmap(nullptr, sizeof(Board), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0))
-                 Board{}) {}
-  ~SharedBoard() { munmap(pst_, sizeof(Board)); }
-  SharedBoard(const SharedBoard &) = delete;
-  SharedBoard &operator=(const SharedBoard &) = delete;
-  Board *operator->() const { return pst_; }
-
- private:
-  Board *pst_;
-};
+// Of this process and those that it forks.
+Board &SharedBoard() {
+  static auto *pst =
+      new (mmap(nullptr, sizeof(Board), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0)) Board{};
+  return *pst;
+}
 
 // A line that shows by itself whether it is whole; some are longer than any buffer of the standard library.
 void LogStressLine(Random &random) {
@@ -90,27 +77,18 @@ void Step(Random &random) {
 }
 
 // The life of one process: until it is killed, or stopped and shut down.
-void Live(const SharedBoard &board, std::atomic<uint32_t> &steps, uint32_t u32Seed) {
+void Live(std::atomic<uint32_t> &steps, uint32_t u32Seed) {
   __android_log_set_logger([](const __android_logger_data *, const char *) {});
   Random random(u32Seed);
-  while (!board->bStop) {
+  while (!SharedBoard().bStop) {
     ze_kest_Debug_Init();
-    for (uint32_t u32Left = Below(random, 3000); u32Left > 0 && !board->bStop; --u32Left) {
+    for (uint32_t u32Left = Below(random, 3000); u32Left > 0 && !SharedBoard().bStop; --u32Left) {
       ++steps;
       Step(random);
     }
     ze_kest_Debug_DeInit();
     ++steps;
   }
-}
-
-// An engineer's line, when some process reads.
-void TypeLine(Random &random) {
-  const int s32Fd = open(kPipe, O_WRONLY | O_NONBLOCK);
-  if (s32Fd < 0) return;
-  const std::string line = AnyCommand(random) + std::string("\n");
-  [[maybe_unused]] const ssize_t s32Written = write(s32Fd, line.data(), line.size());
-  close(s32Fd);
 }
 
 // What stands in the block while the processes write it: nothing yet, or settings that somebody has made.
@@ -128,9 +106,8 @@ void CheckSharedBlock() {
 // Starts the processes, kills them at random and starts them again.
 class Director {
  public:
-  explicit Director(const SharedBoard &board) : board_(board) { board_->bStop = false; }
-
   void Run(Random &random, milliseconds length) {
+    board_.bStop = false;
     const auto end = Clock::now() + length;
     while (Clock::now() < end && !testing::Test::HasFailure()) {
       StartMissing(random);
@@ -138,7 +115,7 @@ class Director {
       const Process &process = aProcesses_[Below(random, kProcesses)];
       if (Below(random, 10) == 0 && process.s32Pid > 0) kill(process.s32Pid, SIGKILL);
     }
-    board_->bStop = true;
+    board_.bStop = true;
     while (IsAnyAlive())
       Tick(random);
   }
@@ -159,7 +136,7 @@ class Director {
       const auto u32Seed = static_cast<uint32_t>(random());
       const pid_t s32Pid = fork();
       if (s32Pid == 0) {
-        Live(board_, board_->aSteps[i], u32Seed);
+        Live(board_.aSteps[i], u32Seed);
         _exit(0);
       }
       aProcesses_[i] = {s32Pid, 0, Clock::now()};
@@ -167,11 +144,11 @@ class Director {
   }
 
   void Tick(Random &random) {
-    TypeLine(random);
+    TryWriteToPipe(AnyCommand(random) + std::string("\n"));  // an engineer's, when some process reads
     usleep(5000);
     CheckSharedBlock();
     for (size_t i = 0; i < kProcesses; ++i)
-      Look(aProcesses_[i], board_->aSteps[i]);
+      Look(aProcesses_[i], board_.aSteps[i]);
   }
 
   void Look(Process &process, uint32_t u32Steps) {
@@ -200,7 +177,7 @@ class Director {
                        [](const Process &process) { return process.s32Pid > 0; });
   }
 
-  const SharedBoard &board_;
+  Board &board_ = SharedBoard();
   std::array<Process, kProcesses> aProcesses_;
   std::set<pid_t> killed_;
 };
@@ -232,8 +209,7 @@ void CheckLine(const std::string &line, const std::set<pid_t> &killed, int &s32W
 }
 
 void CheckLog(const std::set<pid_t> &killed, int &s32Whole) {
-  std::istringstream file(ReadFile(kLogFile));
-  for (std::string line; std::getline(file, line);)
+  for (const std::string &line : LinesOf(ReadFile(kLogFile)))
     CheckLine(line, killed, s32Whole);
 }
 
@@ -245,13 +221,13 @@ seconds StressLength() {
 TEST(SeveralProcesses, ALineOfThePipeIsReadByOneOfThemAlone) {
   constexpr int kLines = 2000;
   EmptyDebugDirectory();
-  const SharedBoard board;
+  SharedBoard().bStop = false;
   std::array<pid_t, kProcesses> as32Pids = {};
   for (size_t i = 0; i < kProcesses; ++i) {
     as32Pids[i] = fork();
     if (as32Pids[i] != 0) continue;
     ze_kest_Debug_Init();
-    while (!board->bStop)
+    while (!SharedBoard().bStop)
       usleep(1000);
     _exit(0);
   }
@@ -261,26 +237,24 @@ TEST(SeveralProcesses, ALineOfThePipeIsReadByOneOfThemAlone) {
     missing.insert("LogSizeMax:" + std::to_string(100000000 + i));
   }
   EXPECT_TRUE(WaitFor([&] {
-    std::istringstream file(ReadFile(kLogFile));
-    for (std::string line; std::getline(file, line);)
+    for (const std::string &line : LinesOf(ReadFile(kLogFile)))
       missing.erase(line);
     return missing.empty();
   })) << missing.size()
       << " of the lines, the first " << *missing.begin();
-  board->bStop = true;
+  SharedBoard().bStop = true;
   for (const pid_t s32Pid : as32Pids)
     waitpid(s32Pid, nullptr, 0);
 }
 
 TEST(SeveralProcesses, LogCommandDieAndRestartInAnyOrderAndNoLineIsTornAndNoneHangs) {
   EmptyDebugDirectory();
-  const SharedBoard board;
   Random random(std::random_device{}());
   const auto end = Clock::now() + StressLength();
   int s32Whole = 0;
   // In rounds: a log is whole to read when nobody empties it.
   do {
-    Director director(board);
+    Director director;
     director.Run(random, milliseconds(1000));
     CheckLog(director.Killed(), s32Whole);
     std::filesystem::remove(kLogFile);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "tests/player/audio_data.h"
 
+#include <algorithm>
 #include <fstream>
 #include <memory>
 #include <random>
@@ -41,16 +42,35 @@ AudioData Noise(int channels, int format, size_t frames, uint32_t seed) {
   std::mt19937 random(seed);
   AudioData audio{channels, 48000, format, {}};
   audio.samples.resize(frames * static_cast<size_t>(channels));
-  for (int32_t &sample : audio.samples) {
+  for (int32_t &sample : audio.samples)
     sample = static_cast<int32_t>(static_cast<uint32_t>(random()) & BitMask(format));
-  }
   return audio;
+}
+
+Samples SaturatedSum(Samples a, const Samples &b) {
+  std::transform(b.begin(), b.end(), a.begin(), a.begin(), [](int64_t x, int64_t y) {
+    return static_cast<int32_t>(std::clamp<int64_t>(x + y, INT32_MIN, INT32_MAX));
+  });
+  return a;
+}
+
+Samples Looped(const Samples &samples, size_t count) {
+  Samples looped(count);
+  for (size_t i = 0; i < count; ++i)
+    looped[i] = samples[i % samples.size()];
+  return looped;
 }
 
 void WriteAudio(const std::string &path, const AudioData &audio) {
   const File file = Create(path, audio.channels, audio.sampleRate, audio.format);
   const auto count = static_cast<sf_count_t>(audio.samples.size());
   EXPECT_EQ(count, sf_write_int(file.get(), audio.samples.data(), count));
+}
+
+AudioData WriteNoise(const std::string &path, int channels, int format, size_t frames, uint32_t seed) {
+  AudioData audio = Noise(channels, format, frames, seed);
+  WriteAudio(path, audio);
+  return audio;
 }
 
 void WriteFloats(const std::string &path, const std::vector<double> &mono) {

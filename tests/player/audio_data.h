@@ -13,11 +13,17 @@ namespace kest::test {
 
 constexpr const char *kRecording = "/usr/share/sounds/alsa/Front_Center.wav";
 
+constexpr int kWav16 = SF_FORMAT_WAV | SF_FORMAT_PCM_16;
+constexpr int kWav24 = SF_FORMAT_WAV | SF_FORMAT_PCM_24;
+constexpr int kWav32 = SF_FORMAT_WAV | SF_FORMAT_PCM_32;
+
+using Samples = std::vector<int32_t>;
+
 struct AudioData {
   int channels = 2;
   int sampleRate = 48000;
-  int format = SF_FORMAT_WAV | SF_FORMAT_PCM_16;
-  std::vector<int32_t> samples;  // interleaved
+  int format = kWav16;
+  Samples samples;  // interleaved
 
   [[nodiscard]] size_t Frames() const { return samples.size() / static_cast<size_t>(channels); }
 };
@@ -25,7 +31,14 @@ struct AudioData {
 // Noise that uses every bit of the format, the same for the same seed.
 AudioData Noise(int channels, int format, size_t frames, uint32_t seed = 1);
 
+// The sum sample by sample, saturated; the first one is the longer.
+Samples SaturatedSum(Samples a, const Samples &b);
+// So many samples of the endless repetition.
+Samples Looped(const Samples &samples, size_t count);
+
 void WriteAudio(const std::string &path, const AudioData &audio);
+// Writes noise, and gives it.
+AudioData WriteNoise(const std::string &path, int channels, int format, size_t frames, uint32_t seed = 1);
 void WriteFloats(const std::string &path, const std::vector<double> &mono);
 
 // Zeroes 1000 bytes of a file.

@@ -1,25 +1,17 @@
 // SPDX-License-Identifier: Apache-2.0
 // Configuration files: what they play, and what is said about faulty ones.
 #include <algorithm>
-#include <filesystem>
 #include <fstream>
 
 #include <android/log.h>
-#include <gmock/gmock.h>
 #include <unistd.h>
 
 #include "player/config/layout_reader.h"
 #include "player/player_error.h"
-#include "tests/player/audio_data.h"
-#include "tests/player/player_process.h"
 #include "tests/player/player_test.h"
 
 namespace kest::test {
 namespace {
-
-using testing::HasSubstr;
-
-constexpr int kWav16 = SF_FORMAT_WAV | SF_FORMAT_PCM_16;
 
 class Config : public PlayerTest {
  protected:
@@ -30,14 +22,14 @@ class Config : public PlayerTest {
   void Write(const std::string &text) const { std::ofstream(path_) << text; }
 
   // What comes out of a run that must succeed.
-  [[nodiscard]] std::vector<int32_t> Played(const std::vector<std::string> &arguments) const {
+  [[nodiscard]] Samples Played(const Texts &arguments) const {
     std::filesystem::remove(out_);
     const PlayerResult result = PlayFast(arguments);
     EXPECT_EQ(0, result.exitCode) << result.err;
     EXPECT_THAT(result.out, HasSubstr("in order"));
     return ReadAudio(out_).samples;
   }
-  [[nodiscard]] std::vector<int32_t> PlayedFrom(const std::string &text) const {
+  [[nodiscard]] Samples PlayedFrom(const std::string &text) const {
     Write(text);
     return Played({"--config", path_});
   }
@@ -65,20 +57,17 @@ TEST_F(Config, VolumeAndDelayWorkWhereverTheyStand) {
   const std::string volume = R"(, "Volume": {"gain_db": -6})";
   const std::string delay = R"(, "Delay": {"delay_ms": 100})";
   const std::string defaults = R"(, "Volume": {}, "Delay": {})";
-  const struct {
-    std::string input;
-    std::string output;
-  } chains[] = {{volume + delay, ""},
-                {delay + volume, defaults},
-                {"", volume + delay},
-                {defaults, delay + volume},
-                {delay, volume}};
-  for (const auto &chain : chains) {
-    EXPECT_TRUE(wanted == PlayedFrom(R"({"SpeakerOutput": {"Mixer": {})" + chain.output +
+  const std::pair<std::string, std::string> chains[] = {{volume + delay, ""},
+                                                        {delay + volume, defaults},
+                                                        {"", volume + delay},
+                                                        {defaults, delay + volume},
+                                                        {delay, volume}};
+  for (const auto &[input, output] : chains) {
+    EXPECT_TRUE(wanted == PlayedFrom(R"({"SpeakerOutput": {"Mixer": {})" + output +
                                      R"(, "SpeakerOutput": {"file": "out.wav"}},
                                      "In": {"Lpcm": {"file": "Volume"})" +
-                                     chain.input + "}}"))
-        << chain.input << " | " << chain.output;
+                                     input + "}}"))
+        << input << " | " << output;
   }
 }
 
@@ -87,7 +76,7 @@ TEST_F(Config, AnInputHasItsOwnSettings) {
   const AudioData late = Noise(1, kWav16, 3000, 2);
   WriteAudio(Path("a \"b\\c.wav"), early);
   WriteAudio(Path("late.wav"), late);
-  std::vector<int32_t> wanted(3480, 0);
+  Samples wanted(3480, 0);
   std::copy(late.samples.begin(), late.samples.end(), wanted.begin() + 480);
   for (size_t i = 0; i < early.samples.size(); ++i) {
     wanted[i] = static_cast<int32_t>(
@@ -116,10 +105,7 @@ TEST_F(Config, AFaultIsSaidWithItsPlaceAndWhatIsAllowed) {
   for (char name = '1'; name <= '9'; ++name) {
     nine += std::string(", \"") + name + "\": {" + input + "}";
   }
-  const struct {
-    std::string document;
-    std::string complaint;
-  } faults[] = {
+  const std::pair<std::string, std::string> faults[] = {
       {"", "cannot read x: it is empty"},
       {" ", "x: malformed or incomplete JSON in line 1 (the reader answered 3)"},
       {"{\n\"A\": ]}", "x: malformed or incomplete JSON in line 2 (the reader answered 3)"},
@@ -164,9 +150,9 @@ TEST_F(Config, AFaultIsSaidWithItsPlaceAndWhatIsAllowed) {
       {"{\"A\": {" + input + "}}", "x: the pipeline \"SpeakerOutput\" is missing"},
       {"{" + output + "}", "x: 0 pipelines feed SpeakerOutput; 1 to 8 are needed"},
       {nine + "}", "x: 9 pipelines feed SpeakerOutput; 1 to 8 are needed"}};
-  for (const auto &fault : faults) {
-    Write(fault.document);
-    EXPECT_EQ(fault.complaint, Complaint()) << fault.document;
+  for (const auto &[document, complaint] : faults) {
+    Write(document);
+    EXPECT_EQ(complaint, Complaint()) << document;
   }
 }
 
@@ -182,9 +168,8 @@ TEST_F(Config, ARunThatCannotBeginLeavesTheOutputAlone) {
   EXPECT_EQ(1, missing.exitCode);
   EXPECT_THAT(missing.err, HasSubstr("kest-player: cannot read " + Path("in.wav")));
 
-  const std::vector<std::string> conflicts[] = {
-      {"in.wav"}, {"-o", out_}, {"--gain-db", "0"}, {"--delay-ms", "0"}};
-  for (std::vector<std::string> arguments : conflicts) {
+  const Texts conflicts[] = {{"in.wav"}, {"-o", out_}, {"--gain-db", "0"}, {"--delay-ms", "0"}};
+  for (Texts arguments : conflicts) {
     arguments.insert(arguments.end(), {"--config", path_});
     const PlayerResult result = PlayFast(arguments);
     EXPECT_EQ(2, result.exitCode) << arguments[0];

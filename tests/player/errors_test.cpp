@@ -4,33 +4,25 @@
 #include <iterator>
 #include <sstream>
 
-#include <gmock/gmock.h>
 #include <sys/mount.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "tests/player/audio_data.h"
-#include "tests/player/player_process.h"
 #include "tests/player/player_test.h"
 
 namespace kest::test {
 namespace {
-
-using testing::AllOf;
-using testing::HasSubstr;
-
-constexpr int kWav16 = SF_FORMAT_WAV | SF_FORMAT_PCM_16;
 
 // Eight more than the one that is always there.
 constexpr const char *kNineInputs = "2 3 4 5 6 7 8 9";
 
 class PlayerErrors : public PlayerTest {};
 
-void ExpectError(const std::vector<std::string> &arguments, const testing::Matcher<std::string> &message) {
+void ExpectError(const Texts &arguments, const testing::Matcher<std::string> &message) {
   const PlayerResult result = PlayFast(arguments);
   EXPECT_EQ(1, result.exitCode);
   EXPECT_EQ("", result.out);
-  EXPECT_THAT(result.err, AllOf(testing::StartsWith("kest-player: "), message));
+  EXPECT_THAT(result.err, AllOf(StartsWith("kest-player: "), message));
 }
 
 TEST_F(PlayerErrors, InputsThatCannotBePlayedLeaveTheOutputAlone) {
@@ -53,8 +45,7 @@ TEST_F(PlayerErrors, InputsThatCannotBePlayedLeaveTheOutputAlone) {
 }
 
 TEST_F(PlayerErrors, AnInputIsNeverOverwritten) {
-  const AudioData input = Noise(2, kWav16, 1000);
-  WriteAudio(Path("in.wav"), input);
+  const AudioData input = WriteNoise(Path("in.wav"), 2, kWav16, 1000);
   ASSERT_EQ(0, symlink(Path("in.wav").c_str(), Path("same.wav").c_str()));
   ExpectError({kRecording, "-o", Path("missing/out.wav")},
               HasSubstr("cannot create " + Path("missing/out.wav")));
@@ -81,7 +72,7 @@ TEST_F(PlayerErrors, AFullDiskIsReported) {
 }
 
 TEST_F(PlayerErrors, AWrongCommandLineHasItsOwnExitCode) {
-  std::vector<std::vector<std::string>> commandLines = {{}, {kRecording}, {"-o", out_}};
+  std::vector<Texts> commandLines = {{}, {kRecording}, {"-o", out_}};
   for (const char *options : {"--loud", "--gain-db 54", "--delay-ms 1001", "--seconds 0", "--seconds nan",
                               "--fast --loop", kNineInputs}) {
     std::istringstream words(options);

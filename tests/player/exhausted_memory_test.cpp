@@ -3,17 +3,10 @@
 #include <atomic>
 
 #include <dlfcn.h>
-#include <gmock/gmock.h>
-
-#include "ze_kest/debug.h"
-#include "ze_kest/utility.h"
 
 #include "player/layout.h"
 #include "player/playback.h"
-#include "tests/player/audio_data.h"
 #include "tests/player/player_test.h"
-#include "tests/support/debug_layer.h"
-#include "tests/support/report_capture.h"
 
 namespace kest::test {
 namespace {
@@ -64,16 +57,14 @@ FILE *ze_kest_Utility_FileOpen(const char *pszPath, const char *pszMode) {
 namespace kest::test {
 namespace {
 
-constexpr const char *kInstruments[] = {
-    "kest_print_filter_info=on",
-    "kest_dump_io=on",
-    "kest_latency_config=Nobody,Nobody,SpeakerOutput,Delay",
-    "kest_latency=on",
-    "kest_perf_event_target=pipeline,SpeakerOutput",
-    "kest_debug_filter_io=Decoder",
-    "kest_debug_filter_io=SpeakerOutput",
-    "kest_debug_filter_io=restart",
-};
+constexpr const char *kInstruments[] = {"kest_print_filter_info=on",
+                                        "kest_dump_io=on",
+                                        "kest_latency_config=Nobody,Nobody,SpeakerOutput,Delay",
+                                        "kest_latency=on",
+                                        "kest_perf_event_target=pipeline,SpeakerOutput",
+                                        "kest_debug_filter_io=Decoder",
+                                        "kest_debug_filter_io=SpeakerOutput",
+                                        "kest_debug_filter_io=restart"};
 
 // Each is taken or not.
 constexpr const char *kQuestions[] = {"kest_debug_list=status", "kest_debug_list=print",
@@ -83,12 +74,9 @@ constexpr const char *kQuestions[] = {"kest_debug_list=status", "kest_debug_list
 TEST_F(PlayerTest, TheSoundIsRightWhateverMemoryTheInstrumentsAreRefused) {
   const DebugLayer layer;
   const ReportCapture capture(ZE_KEST_LEVEL_ERR);
-  const AudioData input = Noise(10, SF_FORMAT_WAV | SF_FORMAT_PCM_24, 20000);
-  player::Options options;
-  options.inputs = {Path("in.wav")};
-  options.output = out_;
-  options.fast = true;
-  WriteAudio(options.inputs.front(), input);
+  const AudioData input = Noise(10, kWav24, 20000);
+  const player::Options options = Fast({Path("in.wav")});
+  WriteAudio(Path("in.wav"), input);
 
   for (uint32_t u32Seed = 1; u32Seed <= 3; ++u32Seed) {
     for (const char *pszLine : kInstruments)

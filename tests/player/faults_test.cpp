@@ -1,24 +1,17 @@
 // SPDX-License-Identifier: Apache-2.0
 // A device that fails under a running player: the sound is whole and the player ends.
 #include <algorithm>
-#include <filesystem>
-#include <fstream>
 
-#include <gmock/gmock.h>
-#include <sys/mount.h>
 #include <sys/resource.h>
 #include <unistd.h>
 
-#include "tests/player/audio_data.h"
 #include "tests/player/player_test.h"
-#include "tests/support/debug_layer.h"
+#include "tests/support/disk.h"
 
 namespace kest::test {
 namespace {
 
 namespace fs = std::filesystem;
-
-constexpr const char *kFiller = KEST_DEBUG_DIR "filler";
 
 // The descriptors that a process holds all the time: a dump opens further ones for a moment.
 rlim_t HeldDescriptors(pid_t pid) {
@@ -48,7 +41,7 @@ class PlayerFaults : public PlayerTest {
     EXPECT_TRUE(input_.samples == ReadAudio(out_).samples);
   }
 
-  const AudioData input_ = Noise(2, SF_FORMAT_WAV | SF_FORMAT_PCM_16, 48000);
+  const AudioData input_ = Noise(2, kWav16, 48000);
 };
 
 TEST_F(PlayerFaults, FilesThatVanishOrAreReplacedUnderAPlayerLeaveItsSoundAlone) {
@@ -80,13 +73,9 @@ TEST_F(PlayerFaults, FilesThatVanishOrAreReplacedUnderAPlayerLeaveItsSoundAlone)
 
 TEST_F(PlayerFaults, ADeviceWithoutRoomLeavesTheSoundAlone) {
   if (!MayMount()) GTEST_SKIP() << "needs a mount namespace";
-  ASSERT_EQ(0, mount("kest-test", KEST_DEBUG_DIR, "tmpfs", 0, "size=2m"));
-  PlayThrough([](const PlayerProcess &) {
-    std::ofstream(kFiller, std::ios::binary) << std::string(3 << 20, '.');
-    EXPECT_EQ(0u, fs::space(KEST_DEBUG_DIR).available);
-  });
+  const Disk disk(0, "size=2m");
+  PlayThrough([](const PlayerProcess &) { Disk::Fill(); });
   PlayThrough([](const PlayerProcess &) {});  // full from the start
-  ASSERT_EQ(0, umount2(KEST_DEBUG_DIR, MNT_DETACH));
 }
 
 TEST_F(PlayerFaults, AProcessWithoutDescriptorsLeavesTheSoundAlone) {
@@ -105,11 +94,10 @@ TEST_F(PlayerFaults, WhatIsNoPipeAtTheStartOrAReadOnlyDiskLeavesTheSoundAlone) {
   WriteFile(kPipe, typed);
   PlayThrough([](const PlayerProcess &) {});
   EXPECT_EQ(typed, ReadFile(kPipe));
-  EXPECT_THAT(ReadFile(kLogFile), testing::HasSubstr("D is no pipe, no commands are read"));
+  EXPECT_THAT(ReadFile(kLogFile), HasSubstr("D is no pipe, no commands are read"));
   if (!MayMount()) GTEST_SKIP() << "needs a mount namespace";
-  ASSERT_EQ(0, mount("kest-test", KEST_DEBUG_DIR, "tmpfs", MS_RDONLY, ""));
+  const Disk disk(MS_RDONLY, "");
   PlayThrough([](const PlayerProcess &) {});
-  ASSERT_EQ(0, umount2(KEST_DEBUG_DIR, MNT_DETACH));
 }
 
 }  // namespace

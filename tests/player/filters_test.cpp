@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
 // What filters do when they are changed while they run, and when their output is full.
-#include <gtest/gtest.h>
 
 #include "ze_kest/result.h"
 
@@ -9,7 +8,6 @@
 #include "player/filters/metadata_counter.h"
 #include "player/filters/volume.h"
 #include "player/framework/filter_entries.h"
-#include "tests/player/audio_data.h"
 #include "tests/player/player_test.h"
 #include "tests/player/port_access.h"
 
@@ -42,9 +40,8 @@ class Bench {
 
   void WriteInput() {
     ZE_KEST_PcmBuffer_s &pcm = in_.Record().stPcm;
-    for (uint32_t i = 0; i < kCycleFrames; ++i) {
+    for (uint32_t i = 0; i < kCycleFrames; ++i)
       SampleAt(in_, pcm.sztPcmLevel + i) = ++lastSample_;
-    }
     pcm.sztPcmWriteSize = kCycleFrames;
 
     ZE_KEST_DataBuffer_s &metadata = in_.Record().stMeta;
@@ -62,15 +59,13 @@ class Bench {
  private:
   void TakeOutput(std::vector<int32_t> &played) {
     ZE_KEST_PcmBuffer_s &pcm = out_.Record().stPcm;
-    for (uint32_t i = 0; i < pcm.sztPcmLevel; ++i) {
+    for (uint32_t i = 0; i < pcm.sztPcmLevel; ++i)
       played.push_back(SampleAt(out_, i));
-    }
     pcm.sztPcmReadSize = pcm.sztPcmLevel;
 
     ZE_KEST_DataBuffer_s &metadata = out_.Record().stMeta;
-    for (uint32_t offset = 0; offset < metadata.sztLevel; offset += kMetadataBlockBytes) {
+    for (uint32_t offset = 0; offset < metadata.sztLevel; offset += kMetadataBlockBytes)
       metadata_.Count(BlockAt(out_, offset));
-    }
     metadata.sztReadSize = metadata.sztLevel;
     out_.ReleaseRead();
   }
@@ -89,9 +84,8 @@ constexpr size_t kCycle = kCycleFrames;
 // What the frames of a run should hold: silence, then numbers from the first on.
 std::vector<int32_t> SilenceThenNumbers(size_t silence, int32_t first, size_t frames) {
   std::vector<int32_t> expected(frames, 0);
-  for (size_t i = silence; i < frames; ++i) {
+  for (size_t i = silence; i < frames; ++i)
     expected[i] = first++;
-  }
   return expected;
 }
 
@@ -184,9 +178,8 @@ TEST(FilterEntries, RefuseWhatTheFilterDoesNotHaveAndChangeNothing) {
   EXPECT_EQ(ZE_KEST_INVALID_ARGUMENT, record.pfnGetParameter(&record, "DelayTime", &value, 4));
   EXPECT_EQ(ZE_KEST_INVALID_ARGUMENT, record.pfnGetParameter(&record, nullptr, &value, 4));
   EXPECT_EQ(ZE_KEST_INVALID_ARGUMENT, record.pfnGetParameter(&record, "Gain", nullptr, 4));
-  for (const char *text : {"", "mute", "mute=onward", "Gain"}) {
+  for (const char *text : {"", "mute", "mute=onward", "Gain"})
     EXPECT_EQ(ZE_KEST_INVALID_ARGUMENT, Command(volume, text)) << text;
-  }
   EXPECT_EQ(3, volume.GainDb());
   EXPECT_FALSE(volume.Mute());
 
@@ -198,7 +191,7 @@ TEST(FilterEntries, RefuseWhatTheFilterDoesNotHaveAndChangeNothing) {
 using LpcmInAFile = test::PlayerTest;
 
 TEST_F(LpcmInAFile, CountsTheCompleteBlocksThatItHasDecoded) {
-  test::WriteAudio(Path("in.wav"), test::Noise(1, SF_FORMAT_WAV | SF_FORMAT_PCM_32, 1000));
+  test::WriteAudio(Path("in.wav"), test::Noise(1, test::kWav32, 1000));
   Lpcm lpcm(kMono, AudioReader(Path("in.wav")), 1, false);
   ZE_KEST_Pipeline_s pipeline = {};
   lpcm.SetParent(pipeline);

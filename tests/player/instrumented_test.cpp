@@ -4,20 +4,13 @@
 #include <csignal>
 #include <cstring>
 
-#include <gmock/gmock.h>
-#include <sys/mount.h>
 #include <unistd.h>
-
-#include "ze_kest/debug.h"
 
 #include "player/framework/metadata_block.h"
 #include "player/layout.h"
 #include "player/playback.h"
-#include "tests/player/audio_data.h"
-#include "tests/player/console.h"
 #include "tests/player/player_test.h"
-#include "tests/support/debug_layer.h"
-#include "tests/support/report_capture.h"
+#include "tests/support/disk.h"
 
 namespace kest::test {
 namespace {
@@ -25,15 +18,6 @@ namespace {
 using player::kCycleFrames;
 using player::Options;
 using player::Playback;
-using testing::Contains;
-using testing::ContainsRegex;
-using testing::HasSubstr;
-
-constexpr int kWav16 = SF_FORMAT_WAV | SF_FORMAT_PCM_16;
-constexpr int kWav24 = SF_FORMAT_WAV | SF_FORMAT_PCM_24;
-constexpr int kWav32 = SF_FORMAT_WAV | SF_FORMAT_PCM_32;
-
-using Samples = std::vector<int32_t>;
 
 // Samples as ports of the width hold them, the upper bits of each.
 std::string InPorts(const Samples &samples, size_t bytesPerSample) {
@@ -45,14 +29,6 @@ std::string InPorts(const Samples &samples, size_t bytesPerSample) {
   return bytes;
 }
 
-Samples SaturatedSum(const Samples &a, const Samples &b) {
-  Samples sum(a.size());
-  std::transform(a.begin(), a.end(), b.begin(), sum.begin(), [](int64_t x, int64_t y) {
-    return static_cast<int32_t>(std::clamp<int64_t>(x + y, INT32_MIN, INT32_MAX));
-  });
-  return sum;
-}
-
 std::string Dump(const std::string &name) {
   return ReadFile(KEST_DEBUG_DIR + name);
 }
@@ -61,13 +37,11 @@ std::string Dump(const std::string &name) {
 class Instrumented : public PlayerTest {
  protected:
   Options Input(const std::vector<AudioData> &inputs) {
-    Options options;
+    Options options = Fast({});
     for (const AudioData &audio : inputs) {
       options.inputs.push_back(Path("in" + std::to_string(options.inputs.size()) + ".wav"));
       WriteAudio(options.inputs.back(), audio);
     }
-    options.output = out_;
-    options.fast = true;
     return options;
   }
   Samples Played(const Options &options) {
@@ -166,33 +140,20 @@ TEST_F(Instrumented, EveryInstrumentMayComeAndGoWhileThePipelinesRun) {
   Options options = Input({Noise(2, kWav16, 5000), Noise(2, kWav16, 7000)});
   options.loop = true;
   options.seconds = 20.0;
-  const char *const aLines[] = {"kest_print_filter_info=on",
-                                "kest_print_filter_info=off",
-                                "kest_dump_io=on",
-                                "kest_dump_io=off",
-                                "kest_dump_filter_io=SpeakerOutput,",
-                                "kest_dump_filter_io=Dec,Vol",
-                                "kest_output_sinewave=on",
-                                "kest_output_sinewave=off",
-                                "kest_output_sinewave_filter=,Volume",
-                                "kest_latency=on",
-                                "kest_latency=off",
-                                "kest_latency_config=Decoder_13,Volume,SpeakerOutput,Delay",
-                                "kest_debug_filter_io=Decoder",
-                                "kest_debug_filter_io=restart",
-                                "kest_debug_filter_io=release",
-                                "kest_filter_debug_level=V,all",
-                                "kest_perf_event_target=pipeline,SpeakerOutput",
-                                "kest_perf_event_target=none",
-                                "kest_debug_list=print",
-                                "kest_debug_list=status",
-                                "kest_debug_set_parameter=Decoder_13,Volume,Gain,-1,4",
-                                "kest_debug_watch_current_tids=off",
-                                "kest_debug_watch_current_tids=on"};
+  const Texts lines = LinesOf(
+      "kest_print_filter_info=on;kest_print_filter_info=off;kest_dump_io=on;kest_dump_io=off;"
+      "kest_dump_filter_io=SpeakerOutput,;kest_dump_filter_io=Dec,Vol;kest_output_sinewave=on;"
+      "kest_output_sinewave=off;kest_output_sinewave_filter=,Volume;kest_latency=on;kest_latency=off;"
+      "kest_latency_config=Decoder_13,Volume,SpeakerOutput,Delay;kest_debug_filter_io=Decoder;"
+      "kest_debug_filter_io=restart;kest_debug_filter_io=release;kest_filter_debug_level=V,all;"
+      "kest_perf_event_target=pipeline,SpeakerOutput;kest_perf_event_target=none;kest_debug_list=print;"
+      "kest_debug_list=status;kest_debug_set_parameter=Decoder_13,Volume,Gain,-1,4;"
+      "kest_debug_watch_current_tids=off;kest_debug_watch_current_tids=on",
+      ';');
   Playback playback(player::MakeLayout(options), options);
   playback.Start();
   for (uint32_t random = 1; !playback.HasEnded(); random = random * 1664525 + 1013904223) {
-    ze_kest_Debug_SetParameter(aLines[(random >> 16) % std::size(aLines)]);
+    ze_kest_Debug_SetParameter(lines[(random >> 16) % lines.size()].c_str());
     if (capture_.Reports().size() > 10000) capture_.Clear();
   }
   playback.Finish();
@@ -203,20 +164,16 @@ TEST_F(Instrumented, EveryInstrumentMayComeAndGoWhileThePipelinesRun) {
 
 TEST_F(Instrumented, ADumpThatCannotBeWrittenIsReportedAndTheSoundIsWhole) {
   if (!MayMount()) GTEST_SKIP() << "needs a mount namespace";
-  const struct {
-    unsigned long flags;
-    const char *pszOptions;
-    const char *pszReport;
-  } disks[] = {{MS_RDONLY, "", "Err! fopen failed!\n"}, {0, "size=64k", "Error! Fail to fflush()!\n"}};
+  const std::tuple<unsigned long, const char *, const char *> disks[] = {
+      {MS_RDONLY, "", "Err! fopen failed!\n"}, {0, "size=64k", "Error! Fail to fflush()!\n"}};
   const AudioData input = Noise(10, kWav24, 30000);
   Command("kest_dump_io=on");
   Command("kest_debug_filter_io=SpeakerOutput,restart");
-  for (const auto &disk : disks) {
+  for (const auto &[flags, pszOptions, pszReport] : disks) {
     capture_.Clear();
-    ASSERT_EQ(0, mount("kest-test", KEST_DEBUG_DIR, "tmpfs", disk.flags, disk.pszOptions));
-    EXPECT_TRUE(input.samples == Played({input})) << disk.pszReport;
-    EXPECT_THAT(capture_.Texts("<ERR>"), Contains(disk.pszReport));
-    ASSERT_EQ(0, umount2(KEST_DEBUG_DIR, MNT_DETACH));
+    const Disk disk(flags, pszOptions);
+    EXPECT_TRUE(input.samples == Played({input})) << pszReport;
+    EXPECT_THAT(capture_.Texts("<ERR>"), Contains(pszReport));
   }
 
   const std::string moved = Path("moved");
@@ -230,8 +187,7 @@ TEST_F(Instrumented, ADumpThatCannotBeWrittenIsReportedAndTheSoundIsWhole) {
 
 // An engineer's session: what is typed into the pipe takes hold in the running pipelines.
 TEST_F(PlayerTest, CommandsInThePipeSwitchTheInstrumentsOfARunningPlayer) {
-  const AudioData input = Noise(2, kWav16, 50000);
-  WriteAudio(Path("in.wav"), input);
+  const AudioData input = WriteNoise(Path("in.wav"), 2, kWav16, 50000);
   PlayerProcess player({Path("in.wav"), "--loop", "-o", out_});
   ASSERT_TRUE(PlayOn(player, 10000)) << player.Wait().err;
   Ask("kest_dump_input_filter=SpeakerOutput,Mixer");

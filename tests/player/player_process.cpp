@@ -20,9 +20,8 @@ namespace {
 std::vector<std::string> CommandLine(const std::vector<std::string> &arguments) {
   std::vector<std::string> words;
   std::istringstream command(KEST_PLAYER_COMMAND);
-  for (std::string word; std::getline(command, word, '|');) {
+  for (std::string word; std::getline(command, word, '|');)
     words.push_back(word);
-  }
   words.insert(words.end(), arguments.begin(), arguments.end());
   return words;
 }

@@ -1,13 +1,26 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "tests/player/player_test.h"
 
-#include <filesystem>
-
-#include "tests/support/debug_layer.h"
+#include <algorithm>
 
 namespace kest::test {
 
 namespace fs = std::filesystem;
+
+namespace {
+
+// Commands are carried out one after the other: where this one's reply begins, the one before has its whole.
+constexpr const char *kMark = "kest_print_current_shm";
+constexpr const char *kReplyOfMark = "\nDebugLevel:";
+constexpr const char *kEndOfMark = "\nbDebugPresetCmd:";
+
+std::string WithSingleBlanks(std::string text) {
+  const auto bothBlank = [](char a, char b) { return a == ' ' && b == ' '; };
+  text.erase(std::unique(text.begin(), text.end(), bothBlank), text.end());
+  return text;
+}
+
+}  // namespace
 
 PlayerTest::PlayerTest() {
   fs::remove_all(Path(""));
@@ -34,6 +47,25 @@ uint64_t PlayerTest::OutputSize() const {
 bool PlayerTest::PlayOn(PlayerProcess &player, uint64_t bytes) const {
   const uint64_t wanted = OutputSize() + bytes;
   return WaitWhilePlaying(player, [&] { return OutputSize() >= wanted; });
+}
+
+player::Options PlayerTest::Fast(const Texts &inputs) const {
+  player::Options options;
+  options.inputs = inputs;
+  options.output = out_;
+  options.fast = true;
+  return options;
+}
+
+std::string Ask(const std::string &command) {
+  const size_t before = ReadFile(kLogFile).size();
+  WriteToPipe(command + "\n" + kMark + "\n");
+  std::string reply;
+  EXPECT_TRUE(WaitFor([&] {
+    reply = ReadFile(kLogFile).erase(0, before);
+    return reply.find(kEndOfMark) != std::string::npos;
+  })) << command;
+  return WithSingleBlanks(reply.substr(0, reply.find(kReplyOfMark)));
 }
 
 }  // namespace kest::test

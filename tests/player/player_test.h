@@ -2,13 +2,18 @@
 // A test of the player: a directory for its files, empty at the start, and a debug directory beside it.
 #pragma once
 
-#include <string>
+#include <filesystem>
 
-#include <gtest/gtest.h>
-
+#include "player/options.h"
+#include "tests/player/audio_data.h"
 #include "tests/player/player_process.h"
+#include "tests/support/library_test.h"
 
 namespace kest::test {
+
+// Types a command into the pipe of the running player and gives what it adds to the log, with every run of
+// blanks made one.
+std::string Ask(const std::string &command);
 
 class PlayerTest : public testing::Test {
  public:
@@ -23,6 +28,9 @@ class PlayerTest : public testing::Test {
   [[nodiscard]] uint64_t OutputSize() const;
   // Waits until the output has grown by so much; false when the player has ended first.
   bool PlayOn(PlayerProcess &player, uint64_t bytes) const;
+
+  // A run as fast as possible in this process.
+  [[nodiscard]] player::Options Fast(const std::vector<std::string> &inputs) const;
 
   const std::string out_ = Path("out.wav");
 };

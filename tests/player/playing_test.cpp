@@ -2,26 +2,16 @@
 // What the player makes of its inputs.
 #include <algorithm>
 #include <cmath>
-#include <filesystem>
 
-#include <gmock/gmock.h>
-
-#include "tests/player/audio_data.h"
-#include "tests/player/player_process.h"
 #include "tests/player/player_test.h"
 
 namespace kest::test {
 namespace {
 
-using testing::HasSubstr;
-
-constexpr int kWav16 = SF_FORMAT_WAV | SF_FORMAT_PCM_16;
-constexpr int kWav24 = SF_FORMAT_WAV | SF_FORMAT_PCM_24;
-
 class Player : public PlayerTest {
  protected:
   // Gives the output of a run that must succeed.
-  [[nodiscard]] AudioData Played(std::vector<std::string> arguments) {
+  [[nodiscard]] AudioData Played(Texts arguments) {
     arguments.insert(arguments.end(), {"-o", out_});
     const PlayerResult result = PlayFast(arguments);
     EXPECT_EQ(0, result.exitCode) << result.err;
@@ -33,35 +23,25 @@ class Player : public PlayerTest {
   std::string said_;  // by the last run
 };
 
-int32_t SaturatedSum(int64_t a, int64_t b) {
-  return static_cast<int32_t>(std::clamp<int64_t>(a + b, INT32_MIN, INT32_MAX));
-}
-
 TEST_F(Player, TheOutputHoldsEverySampleOfTheInput) {
   // The lengths leave a rest of a cycle, or fit one exactly, or are shorter than one.
-  const struct {
-    int channels;
-    int format;
-    size_t frames;
-    int outputFormat;
-  } files[] = {{1, SF_FORMAT_WAV | SF_FORMAT_PCM_U8, 5001, kWav16},
-               {1, kWav24, 5001, kWav24},
-               {2, kWav16, 70001, kWav16},
-               {2, kWav24, 5120, kWav24},
-               {2, SF_FORMAT_WAV | SF_FORMAT_PCM_32, 255, SF_FORMAT_PCM_32},
-               {2, SF_FORMAT_FLAC | SF_FORMAT_PCM_24, 5001, kWav24},
-               {3, kWav16, 1, kWav16},
-               {6, kWav16, 5001, kWav16},
-               {10, kWav24, 5001, kWav24},
-               {2, kWav16, 0, kWav16}};
-  for (const auto &file : files) {
-    SCOPED_TRACE(testing::Message() << file.channels << " channels, format " << std::hex << file.format);
-    const AudioData input = Noise(file.channels, file.format, file.frames);
-    WriteAudio(Path("in"), input);
+  const std::tuple<int, int, size_t, int> files[] = {{1, SF_FORMAT_WAV | SF_FORMAT_PCM_U8, 5001, kWav16},
+                                                     {1, kWav24, 5001, kWav24},
+                                                     {2, kWav16, 70001, kWav16},
+                                                     {2, kWav24, 5120, kWav24},
+                                                     {2, kWav32, 255, SF_FORMAT_PCM_32},
+                                                     {2, SF_FORMAT_FLAC | SF_FORMAT_PCM_24, 5001, kWav24},
+                                                     {3, kWav16, 1, kWav16},
+                                                     {6, kWav16, 5001, kWav16},
+                                                     {10, kWav24, 5001, kWav24},
+                                                     {2, kWav16, 0, kWav16}};
+  for (const auto &[channels, format, frames, outputFormat] : files) {
+    SCOPED_TRACE(testing::Message() << channels << " channels, format " << std::hex << format);
+    const AudioData input = WriteNoise(Path("in"), channels, format, frames);
     const AudioData output = Played({Path("in")});
     EXPECT_EQ(input.channels, output.channels);
     EXPECT_EQ(input.sampleRate, output.sampleRate);
-    EXPECT_EQ(file.outputFormat & SF_FORMAT_SUBMASK, output.format & SF_FORMAT_SUBMASK);
+    EXPECT_EQ(outputFormat & SF_FORMAT_SUBMASK, output.format & SF_FORMAT_SUBMASK);
     EXPECT_TRUE(input.samples == output.samples);
   }
 }
@@ -76,7 +56,7 @@ TEST_F(Player, FloatingPointInputsSaturateAtFullScale) {
   const AudioData output = Played({Path("in.wav")});
   EXPECT_EQ(SF_FORMAT_PCM_32, output.format & SF_FORMAT_SUBMASK);
   EXPECT_THAT(output.samples,
-              testing::ElementsAre(0, 1 << 30, -(1 << 29), INT32_MAX, INT32_MAX, INT32_MIN, INT32_MIN, 0));
+              ElementsAre(0, 1 << 30, -(1 << 29), INT32_MAX, INT32_MAX, INT32_MIN, INT32_MIN, 0));
 }
 
 TEST_F(Player, InputsOfDifferentLengthAndWidthMixToTheSaturatedSum) {
@@ -84,17 +64,13 @@ TEST_F(Player, InputsOfDifferentLengthAndWidthMixToTheSaturatedSum) {
   const AudioData longer = Noise(2, kWav16, 9003, 2);
   WriteAudio(Path("shorter.wav"), shorter);
   WriteAudio(Path("longer.wav"), longer);
-  std::vector<int32_t> sum = longer.samples;
-  std::transform(shorter.samples.begin(), shorter.samples.end(), sum.begin(), sum.begin(), SaturatedSum);
-  for (int32_t &sample : sum) {
+  Samples sum = SaturatedSum(longer.samples, shorter.samples);
+  for (int32_t &sample : sum)
     sample &= ~0xFF;  // what 24 bits hold of full scale
-  }
-
   EXPECT_TRUE(sum == Played({Path("shorter.wav"), Path("longer.wav")}).samples);
   EXPECT_THAT(said_, HasSubstr("played 9003 frames (0.19 s) and 35 metadata blocks in order"));
-  for (int32_t &sample : sum) {
+  for (int32_t &sample : sum)
     sample &= ~0xFFFF;
-  }
   EXPECT_TRUE(sum == Played({Path("longer.wav"), Path("shorter.wav")}).samples)
       << "16 bits as the first input";
 }
@@ -106,12 +82,11 @@ TEST_F(Player, MixesEightInputs) {
   WriteAudio(Path("in.wav"), input);
   for (int32_t &sample : input.samples)
     sample *= 8;
-  EXPECT_TRUE(input.samples == Played(std::vector<std::string>(8, Path("in.wav"))).samples);
+  EXPECT_TRUE(input.samples == Played(Texts(8, Path("in.wav"))).samples);
 }
 
 TEST_F(Player, GainChangesTheLevelAndSaturates) {
-  const AudioData input = Noise(2, kWav24, 5001);
-  WriteAudio(Path("in.wav"), input);
+  const AudioData input = WriteNoise(Path("in.wav"), 2, kWav24, 5001);
   for (const int gainDb : {-6, 20}) {
     const AudioData output = Played({Path("in.wav"), "--gain-db", std::to_string(gainDb)});
     ASSERT_EQ(input.samples.size(), output.samples.size());
@@ -127,29 +102,21 @@ TEST_F(Player, GainChangesTheLevelAndSaturates) {
 }
 
 TEST_F(Player, DelayPutsSilenceFirstAndLosesNothing) {
-  const AudioData input = Noise(2, kWav16, 5001);
-  WriteAudio(Path("in.wav"), input);
+  const AudioData input = WriteNoise(Path("in.wav"), 2, kWav16, 5001);
   for (const size_t delayMs : {1000u, 10u}) {
-    std::vector<int32_t> delayed(delayMs * 48 * 2, 0);
+    Samples delayed(delayMs * 48 * 2, 0);
     delayed.insert(delayed.end(), input.samples.begin(), input.samples.end());
-    const std::vector<std::string> arguments = {Path("in.wav"), "--delay-ms", std::to_string(delayMs)};
+    const Texts arguments = {Path("in.wav"), "--delay-ms", std::to_string(delayMs)};
     EXPECT_TRUE(delayed == Played(arguments).samples) << delayMs << " ms";
   }
   EXPECT_THAT(said_, HasSubstr("played 5481 frames (0.11 s) and 19 metadata blocks in order"));
 }
 
 TEST_F(Player, SecondsCutTheOutputAndLoopFillsIt) {
-  const AudioData input = Noise(2, kWav16, 5001);
-  WriteAudio(Path("in.wav"), input);
-  AudioData output = Played({Path("in.wav"), "--seconds", "0.07"});
-  EXPECT_TRUE(std::vector(input.samples.begin(), input.samples.begin() + 6720) == output.samples);
-
-  output = Played({Path("in.wav"), "--seconds", "0.5", "--loop"});
-  ASSERT_EQ(24000u, output.Frames());
-  for (size_t i = 0; i < output.samples.size(); ++i) {
-    ASSERT_EQ(input.samples[i % input.samples.size()], output.samples[i]) << i;
-  }
-
+  const AudioData input = WriteNoise(Path("in.wav"), 2, kWav16, 5001);
+  EXPECT_TRUE(Looped(input.samples, 2 * 3360) == Played({Path("in.wav"), "--seconds", "0.07"}).samples);
+  EXPECT_TRUE(Looped(input.samples, 2 * 24000) ==
+              Played({Path("in.wav"), "--seconds", "0.5", "--loop"}).samples);
   WriteAudio(Path("in.wav"), Noise(2, kWav16, 0));
   EXPECT_EQ(0u, Played({Path("in.wav"), "--loop", "--seconds", "1"}).Frames()) << "nothing to repeat";
 }

@@ -5,15 +5,10 @@
 #include <thread>
 
 #include <android/log.h>
-#include <gtest/gtest.h>
-
-#include "ze_kest/debug.h"
 
 #include "player/layout.h"
 #include "player/playback.h"
-#include "tests/player/audio_data.h"
 #include "tests/player/player_test.h"
-#include "tests/support/debug_layer.h"
 
 namespace kest::player {
 namespace {
@@ -40,13 +35,7 @@ class PlaybackRegistration : public test::PlayerTest {
     test::WriteAudio(Path("in.flac"), test::Noise(2, kFlac, 20000));
   }
 
-  [[nodiscard]] Options Fast() const {
-    Options options;
-    options.inputs = {Path("in.flac"), Path("in.flac")};
-    options.output = out_;
-    options.fast = true;
-    return options;
-  }
+  [[nodiscard]] Options Fast() const { return PlayerTest::Fast({Path("in.flac"), Path("in.flac")}); }
   [[nodiscard]] Options Endless() const {
     Options options = Fast();
     options.fast = false;

@@ -2,34 +2,20 @@
 // A playing player seen through the registry's commands, and changed by them.
 #include <cmath>
 #include <csignal>
-#include <filesystem>
 #include <optional>
 
-#include <gmock/gmock.h>
-
-#include "tests/player/audio_data.h"
-#include "tests/player/console.h"
-#include "tests/player/player_process.h"
 #include "tests/player/player_test.h"
-#include "tests/support/debug_layer.h"
 
 namespace kest::test {
 namespace {
 
-using testing::AllOf;
-using testing::ContainsRegex;
-using testing::HasSubstr;
-using testing::Not;
-
-constexpr int kWav16 = SF_FORMAT_WAV | SF_FORMAT_PCM_16;
-constexpr int kWav24 = SF_FORMAT_WAV | SF_FORMAT_PCM_24;
 // Far more than what the pipelines hold of 16-bit stereo.
 constexpr uint64_t kPlentyOfBytes = 100000;
 
 // A player, asked while it plays and ended as its user does.
 class PlayerRegistry : public PlayerTest {
  protected:
-  void Start(std::vector<std::string> arguments) {
+  void Start(Texts arguments) {
     arguments.insert(arguments.end(), {"-o", out_});
     player_.emplace(arguments);
     ASSERT_TRUE(PlayOn(*player_, kPlentyOfBytes)) << player_->Wait().err;
@@ -107,29 +93,25 @@ TEST_F(PlayerRegistry, TheStatusShowsTheFiltersValuesAndTheirParameters) {
   EXPECT_LT(blocksDecoded, blocksAfter + 44);
 
   const std::string list = Ask("kest_debug_list=parameter");
-  for (const char *name : {"OkFrmCnt", "RfSignalType", "Gain", "Mute", "DelayTime", "RawDelayTime"}) {
+  for (const char *name : {"OkFrmCnt", "RfSignalType", "Gain", "Mute", "DelayTime", "RawDelayTime"})
     EXPECT_THAT(list, ContainsRegex("\n'" + std::string(name) + "', '[^']+', '4'\n"));
-  }
   End();
 }
 
 TEST_F(PlayerRegistry, ASetGainAndATextCommandAreHeardFromThenOn) {
-  const AudioData input = Noise(2, kWav16, 5001);
-  WriteAudio(Path("in.wav"), input);
+  const AudioData input = WriteNoise(Path("in.wav"), 2, kWav16, 5001);
   Start({Path("in.wav"), "--loop"});
-  const struct {
-    const char *pszCommand;
-    const char *pszStatus;
-  } changes[] = {{"kest_debug_set_parameter=Decoder_13,Volume,Gain,-6,4", "gain:-6, mute:0\n"},
-                 {"kest_debug_send_cmd_by_text=Decoder_13,Volume,mute=on", "gain:-6, mute:1\n"}};
-  for (const auto &change : changes) {
-    Ask(change.pszCommand);
+  const std::pair<const char *, const char *> changes[] = {
+      {"kest_debug_set_parameter=Decoder_13,Volume,Gain,-6,4", "gain:-6, mute:0\n"},
+      {"kest_debug_send_cmd_by_text=Decoder_13,Volume,mute=on", "gain:-6, mute:1\n"}};
+  for (const auto &[pszCommand, pszStatus] : changes) {
+    Ask(pszCommand);
     EXPECT_TRUE(PlayOn(*player_, kPlentyOfBytes));
-    EXPECT_THAT(Ask("kest_debug_list=status"), HasSubstr(change.pszStatus));
+    EXPECT_THAT(Ask("kest_debug_list=status"), HasSubstr(pszStatus));
   }
   End();
 
-  const std::vector<int32_t> output = ReadAudio(out_).samples;
+  const Samples output = ReadAudio(out_).samples;
   size_t i = 0;
   for (const double gain : {1.0, std::pow(10.0, -6 / 20.0), 0.0}) {
     const size_t first = i;

@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <sstream>
 #include <thread>
 
 #include <fcntl.h>
@@ -29,22 +30,15 @@ DebugLayer::~DebugLayer() {
 
 void EmptyDebugDirectory() {
   std::filesystem::create_directories(KEST_DEBUG_DIR);
-  for (const auto &entry : std::filesystem::directory_iterator(KEST_DEBUG_DIR)) {
+  for (const auto &entry : std::filesystem::directory_iterator(KEST_DEBUG_DIR))
     std::filesystem::remove_all(entry.path());
-  }
 }
 
 uint32_t ShutDown() {
   std::atomic<bool> bDone{false};
   std::thread poke([&bDone] {
-    while (!bDone) {
-      const int s32Fd = open(kPipe, O_WRONLY | O_NONBLOCK);
-      if (s32Fd >= 0) {
-        [[maybe_unused]] const ssize_t s32Written = write(s32Fd, "\n", 1);
-        close(s32Fd);
-      }
-      std::this_thread::sleep_for(std::chrono::milliseconds(2));
-    }
+    for (; !bDone; std::this_thread::sleep_for(std::chrono::milliseconds(2)))
+      TryWriteToPipe("\n");
   });
   const uint32_t u32Result = ze_kest_Debug_DeInit();
   bDone = true;
@@ -52,11 +46,16 @@ uint32_t ShutDown() {
   return u32Result;
 }
 
-void WriteToPipe(const std::string &bytes) {
-  int s32Fd = -1;
-  ASSERT_TRUE(WaitFor([&s32Fd] { return (s32Fd = open(kPipe, O_WRONLY | O_NONBLOCK)) >= 0; }));
-  EXPECT_EQ(static_cast<ssize_t>(bytes.size()), write(s32Fd, bytes.data(), bytes.size()));
+bool TryWriteToPipe(const std::string &bytes) {
+  const int s32Fd = open(kPipe, O_WRONLY | O_NONBLOCK);
+  if (s32Fd < 0) return false;
+  const ssize_t s32Written = write(s32Fd, bytes.data(), bytes.size());
   close(s32Fd);
+  return s32Written == static_cast<ssize_t>(bytes.size());
+}
+
+void WriteToPipe(const std::string &bytes) {
+  EXPECT_TRUE(WaitFor([&bytes] { return TryWriteToPipe(bytes); }));
 }
 
 void Command(const std::string &line) {
@@ -70,6 +69,14 @@ bool WaitFor(const std::function<bool()> &condition) {
     std::this_thread::sleep_for(std::chrono::milliseconds(1));
   }
   return true;
+}
+
+void InThreads(int s32Count, const std::function<void(int)> &function) {
+  std::vector<std::thread> threads(static_cast<size_t>(s32Count));
+  for (int i = 0; i < s32Count; ++i)
+    threads[static_cast<size_t>(i)] = std::thread(function, i);
+  for (std::thread &thread : threads)
+    thread.join();
 }
 
 int ThreadsNamed(const std::string &name) {
@@ -87,6 +94,14 @@ std::ptrdiff_t OpenDescriptors() {
 std::string ReadFile(const std::string &path) {
   std::ifstream file(path, std::ios::binary);
   return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+}
+
+std::vector<std::string> LinesOf(const std::string &text, char cEnd) {
+  std::vector<std::string> lines;
+  std::istringstream stream(text);
+  for (std::string line; std::getline(stream, line, cEnd);)
+    lines.push_back(line);
+  return lines;
 }
 
 void WriteFile(const std::string &path, const std::string &contents) {

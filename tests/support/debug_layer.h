@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <functional>
 #include <string>
+#include <vector>
 
 namespace kest::test {
 
@@ -25,7 +26,8 @@ void EmptyDebugDirectory();
 // ze_kest_Debug_DeInit, with lines written to the pipe until it returns.
 uint32_t ShutDown();
 
-// Writes bytes to the command pipe, once its reader is there.
+// Writes bytes to the command pipe: if its reader is there; once it is there.
+bool TryWriteToPipe(const std::string &bytes);
 void WriteToPipe(const std::string &bytes);
 
 // Gives a line that must be carried out to the dispatcher.
@@ -34,6 +36,9 @@ void Command(const std::string &line);
 // Waits until the condition holds; false when it does not within a generous time.
 bool WaitFor(const std::function<bool()> &condition);
 
+// Runs the function in as many threads at once, with their numbers from 0 on.
+void InThreads(int s32Count, const std::function<void(int)> &function);
+
 // The threads of this process that bear the name.
 int ThreadsNamed(const std::string &name);
 
@@ -41,6 +46,8 @@ int ThreadsNamed(const std::string &name);
 std::ptrdiff_t OpenDescriptors();
 
 std::string ReadFile(const std::string &path);
+// The lines of a text, or what it has between other marks.
+std::vector<std::string> LinesOf(const std::string &text, char cEnd = '\n');
 void WriteFile(const std::string &path, const std::string &contents);
 
 // Whether the test has a mount namespace of its own.

@@ -2,7 +2,6 @@
 // The linker gives the calls of the library and of its tests to the __wrap_ functions.
 #include "tests/support/failing_allocator.h"
 
-#include <atomic>
 #include <cerrno>
 #include <cstdio>
 #include <mutex>
@@ -13,13 +12,8 @@
 namespace kest::test {
 namespace {
 
-std::atomic<bool> g_bInstalled{false};
-std::atomic<bool> g_bHasFailed{false};
-std::atomic<uint32_t> g_u32UntilFailure{0};
-std::atomic<int32_t> g_s32Held{0};
 std::mutex g_sitesMutex;
-Sites g_asking;
-Sites g_refused;
+Sites g_sites;
 
 thread_local uint64_t t_u64Calls = 0;
 thread_local const void *t_pvSite = nullptr;
@@ -31,64 +25,40 @@ class InsideWrapper {
   ~InsideWrapper() { t_pvSite = nullptr; }
 };
 
-bool RunsOut(const void *pvSite) {
-  ++t_u64Calls;
-  if (!g_bInstalled || g_u32UntilFailure == 0) return false;
-  if (t_pvSite != nullptr) pvSite = t_pvSite;
-  const bool bFails = --g_u32UntilFailure == 0;
-  const std::lock_guard<std::mutex> lock(g_sitesMutex);
-  g_asking.insert(pvSite);
-  if (!bFails) return false;
-  g_refused.insert(pvSite);
-  g_bHasFailed = true;
-  errno = ENOMEM;
-  return true;
-}
-
 template <typename T>
 T *Granted(T *pv, int32_t s32Held = 1) {
-  if (pv != nullptr) g_s32Held += s32Held;
+  if (pv != nullptr) FailingAllocator::Count(s32Held);
   return pv;
 }
 
 void GivenBack(bool bAnything = true) {
   ++t_u64Calls;
-  if (bAnything) --g_s32Held;
+  if (bAnything) FailingAllocator::Count(-1);
 }
 
 }  // namespace
 
-FailingAllocator::FailingAllocator(uint32_t u32Failing) {
-  g_u32UntilFailure = u32Failing;
-  g_s32Held = 0;
-  g_bHasFailed = false;
-  g_bInstalled = true;
-}
-
-FailingAllocator::~FailingAllocator() {
-  g_bInstalled = false;
-}
-
-void FailingAllocator::Recover() {
-  g_u32UntilFailure = 0;
-}
-
-bool FailingAllocator::HasFailed() const {
-  return g_bHasFailed;
-}
-
-int32_t FailingAllocator::Held() const {
-  return g_s32Held;
-}
-
-Sites AskingSites() {
+bool FailingAllocator::RunsOut(const void *pvSite) {
+  ++t_u64Calls;
+  if (u32UntilFailure_ == 0) return false;
+  if (t_pvSite != nullptr) pvSite = t_pvSite;
+  const bool bFails = --u32UntilFailure_ == 0;
   const std::lock_guard<std::mutex> lock(g_sitesMutex);
-  return g_asking;
+  g_sites.asking.insert(pvSite);
+  if (!bFails) return false;
+  g_sites.refused.insert(pvSite);
+  bHasFailed_ = true;
+  errno = ENOMEM;
+  return true;
 }
 
-Sites RefusedSites() {
+void FailingAllocator::Count(int32_t s32Held) {
+  s32Held_ += s32Held;
+}
+
+Sites SitesSoFar() {
   const std::lock_guard<std::mutex> lock(g_sitesMutex);
-  return g_refused;
+  return g_sites;
 }
 
 uint64_t MemoryAndLockCalls() {
@@ -97,10 +67,10 @@ uint64_t MemoryAndLockCalls() {
 
 }  // namespace kest::test
 
+using kest::test::FailingAllocator;
 using kest::test::GivenBack;
 using kest::test::Granted;
 using kest::test::InsideWrapper;
-using kest::test::RunsOut;
 using kest::test::t_u64Calls;
 
 #define KEST_SITE __builtin_return_address(0)
@@ -117,11 +87,11 @@ KEST_WRAPPER(uint32_t, ze_kest_Utility_MemoryAlloc, (void **ppv, size_t szt), (p
 KEST_WRAPPER(char *, ze_kest_Utility_Strdup, (const char *psz), (psz))
 KEST_WRAPPER(FILE *, ze_kest_Utility_FileOpen, (const char *pszPath, const char *pszMode), (pszPath, pszMode))
 
-#define KEST_REQUEST(result, name, parameters, arguments) \
-  result __real_##name parameters;                        \
-  result __wrap_##name parameters {                       \
-    if (RunsOut(KEST_SITE)) return nullptr;               \
-    return Granted(__real_##name arguments);              \
+#define KEST_REQUEST(result, name, parameters, arguments)     \
+  result __real_##name parameters;                            \
+  result __wrap_##name parameters {                           \
+    if (FailingAllocator::RunsOut(KEST_SITE)) return nullptr; \
+    return Granted(__real_##name arguments);                  \
   }
 KEST_REQUEST(void *, malloc, (size_t szt), (szt))
 KEST_REQUEST(void *, calloc, (size_t sztCount, size_t szt), (sztCount, szt))
@@ -131,12 +101,12 @@ KEST_REQUEST(FILE *, fopen, (const char *pszPath, const char *pszMode), (pszPath
 void *__real_realloc(void *pv, size_t szt);
 void *__wrap_realloc(void *pv, size_t szt) {
   const int32_t s32Held = pv == nullptr ? 1 : 0;
-  return RunsOut(KEST_SITE) ? nullptr : Granted(__real_realloc(pv, szt), s32Held);
+  return FailingAllocator::RunsOut(KEST_SITE) ? nullptr : Granted(__real_realloc(pv, szt), s32Held);
 }
 
 void *__real_mmap(void *pv, size_t szt, int s32Prot, int s32Flags, int s32Fd, off_t s32Offset);
 void *__wrap_mmap(void *pv, size_t szt, int s32Prot, int s32Flags, int s32Fd, off_t s32Offset) {
-  if (RunsOut(KEST_SITE)) return MAP_FAILED;
+  if (FailingAllocator::RunsOut(KEST_SITE)) return MAP_FAILED;
   void *pvMapped = __real_mmap(pv, szt, s32Prot, s32Flags, s32Fd, s32Offset);
   if (pvMapped != MAP_FAILED) Granted(pvMapped);
   return pvMapped;
@@ -144,7 +114,7 @@ void *__wrap_mmap(void *pv, size_t szt, int s32Prot, int s32Flags, int s32Fd, of
 
 int __real_pthread_create(pthread_t *pst, const pthread_attr_t *pstAttr, void *(*pfn)(void *), void *pv);
 int __wrap_pthread_create(pthread_t *pst, const pthread_attr_t *pstAttr, void *(*pfn)(void *), void *pv) {
-  return RunsOut(KEST_SITE) ? EAGAIN : __real_pthread_create(pst, pstAttr, pfn, pv);
+  return FailingAllocator::RunsOut(KEST_SITE) ? EAGAIN : __real_pthread_create(pst, pstAttr, pfn, pv);
 }
 
 void __real_free(void *pv);

@@ -3,10 +3,10 @@
 #include "tests/support/fake_counters.h"
 
 #include <algorithm>
-#include <atomic>
 #include <cerrno>
 #include <cstdarg>
 #include <cstring>
+#include <map>
 
 #include <fcntl.h>
 #include <linux/perf_event.h>
@@ -18,21 +18,9 @@
 namespace kest::test {
 namespace {
 
-std::atomic<FakeCounters *> g_pFake{nullptr};
-
-// Counts down; true once it has come to its end.
-bool RunsOut(int &s32Left) {
-  if (s32Left == 0) return true;
-  if (s32Left > 0) --s32Left;
-  return false;
-}
-
-bool IsInstalled() {
-  return g_pFake != nullptr;
-}
-
 bool Answers() {
-  return IsInstalled() && !g_pFake.load()->bTaskClock;
+  const FakeCounters *pFake = FakeCounters::pCurrent;
+  return pFake != nullptr && !pFake->bTaskClock;
 }
 
 // Not every machine has the hardware's counters, while its kernel has this one.
@@ -44,27 +32,17 @@ void AskForTaskClock(void *pvAttributes) {
 
 }  // namespace
 
-FakeCounters::FakeCounters() {
-  g_pFake = this;
-}
-
-FakeCounters::~FakeCounters() {
-  g_pFake = nullptr;
-}
-
-int FakeCounters::Open(const void *pvAttributes, int s32Pid, int s32Cpu, int s32GroupFd,
-                       unsigned long u32Flags) {
-  if (RunsOut(s32OpensLeft)) {
-    errno = ENOENT;
-    return -1;
-  }
+int FakeCounters::Open(const void *pvAttributes, const std::array<int, 4> &arguments) {
+  errno = ENOENT;
+  if (s32OpensLeft == 0) return -1;
+  if (s32OpensLeft > 0) --s32OpensLeft;
   uint32_t u32Size = 0;
   memcpy(&u32Size, static_cast<const uint8_t *>(pvAttributes) + sizeof(uint32_t), sizeof(u32Size));
   std::vector<uint64_t> attributes(u32Size / sizeof(uint64_t));
   memcpy(attributes.data(), pvAttributes, attributes.size() * sizeof(uint64_t));
   const int s32Fd = bReadable ? memfd_create("counter", 0) : open("/dev/null", O_WRONLY);
   const uint64_t u64Id = 100 + events.size();
-  events.push_back({attributes, s32Pid, s32Cpu, s32GroupFd, u32Flags, s32Fd, u64Id});
+  events.push_back({attributes, arguments, s32Fd, u64Id});
   return s32Fd;
 }
 
@@ -77,12 +55,11 @@ int FakeCounters::Control(int s32Fd, unsigned long u32Request, void *pvArgument)
     return 0;
   }
   const bool bGroup =
-      reinterpret_cast<uintptr_t>(pvArgument) == PERF_IOC_FLAG_GROUP && event->s32GroupFd == -1;
-  const char *pszRequest = u32Request == PERF_EVENT_IOC_RESET     ? "reset"
-                           : u32Request == PERF_EVENT_IOC_ENABLE  ? "enable"
-                           : u32Request == PERF_EVENT_IOC_DISABLE ? "disable"
-                                                                  : "?";
-  controls.emplace_back(bGroup ? pszRequest : "?");
+      reinterpret_cast<uintptr_t>(pvArgument) == PERF_IOC_FLAG_GROUP && event->arguments[2] == -1;
+  static const std::map<unsigned long, std::string> requests = {{PERF_EVENT_IOC_RESET, "reset"},
+                                                                {PERF_EVENT_IOC_ENABLE, "enable"},
+                                                                {PERF_EVENT_IOC_DISABLE, "disable"}};
+  controls.push_back(bGroup && requests.count(u32Request) != 0 ? requests.at(u32Request) : "?");
   if (u32Request == PERF_EVENT_IOC_DISABLE && bReadable) Deliver(s32Fd);
   return 0;
 }
@@ -103,9 +80,7 @@ void FakeCounters::Deliver(int s32Fd) const {
 
 using kest::test::Answers;
 using kest::test::AskForTaskClock;
-using kest::test::g_pFake;
-using kest::test::IsInstalled;
-using kest::test::RunsOut;
+using kest::test::FakeCounters;
 
 extern "C" {
 
@@ -120,14 +95,15 @@ long __wrap_syscall(long s32Number, ...) {
   for (long &s32Argument : a)
     s32Argument = va_arg(args, long);
   va_end(args);
-  const bool bOpensEvent = IsInstalled() && s32Number == __NR_perf_event_open;
-  if (bOpensEvent && !Answers()) AskForTaskClock(reinterpret_cast<void *>(a[0]));
-  if (!bOpensEvent || !Answers()) {
-    return __real_syscall(s32Number, a[0], a[1], a[2], a[3], a[4], a[5]);
+  const bool bOpensEvent = FakeCounters::pCurrent != nullptr && s32Number == __NR_perf_event_open;
+  void *pvAttributes = reinterpret_cast<void *>(a[0]);
+  if (bOpensEvent && Answers()) {
+    const auto argument = [&a](size_t i) { return static_cast<int>(a[i]); };
+    return FakeCounters::pCurrent.load()->Open(pvAttributes,
+                                               {argument(1), argument(2), argument(3), argument(4)});
   }
-  return g_pFake.load()->Open(reinterpret_cast<const void *>(a[0]), static_cast<int>(a[1]),
-                              static_cast<int>(a[2]), static_cast<int>(a[3]),
-                              static_cast<unsigned long>(a[4]));
+  if (bOpensEvent) AskForTaskClock(pvAttributes);
+  return __real_syscall(s32Number, a[0], a[1], a[2], a[3], a[4], a[5]);
 }
 
 int __wrap_ioctl(int s32Fd, unsigned long u32Request, ...) {
@@ -135,14 +111,13 @@ int __wrap_ioctl(int s32Fd, unsigned long u32Request, ...) {
   va_start(args, u32Request);
   void *pvArgument = va_arg(args, void *);
   va_end(args);
-  if (!Answers() || _IOC_TYPE(u32Request) != '$') {
-    return __real_ioctl(s32Fd, u32Request, pvArgument);
-  }
-  return g_pFake.load()->Control(s32Fd, u32Request, pvArgument);
+  if (!Answers() || _IOC_TYPE(u32Request) != '$') return __real_ioctl(s32Fd, u32Request, pvArgument);
+  return FakeCounters::pCurrent.load()->Control(s32Fd, u32Request, pvArgument);
 }
 
 uint64_t __wrap__ZN4kest11MonotonicUsEv() {
-  return IsInstalled() ? g_pFake.load()->u64NowUs : __real__ZN4kest11MonotonicUsEv();
+  const FakeCounters *pFake = FakeCounters::pCurrent;
+  return pFake != nullptr ? pFake->u64NowUs : __real__ZN4kest11MonotonicUsEv();
 }
 
 }  // extern "C"

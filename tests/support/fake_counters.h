@@ -4,6 +4,7 @@
 #pragma once
 
 #include <array>
+#include <atomic>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -12,24 +13,21 @@ namespace kest::test {
 
 class FakeCounters {
  public:
-  FakeCounters();
-  ~FakeCounters();
+  FakeCounters() { pCurrent = this; }
+  ~FakeCounters() { pCurrent = nullptr; }
   FakeCounters(const FakeCounters &) = delete;
   FakeCounters &operator=(const FakeCounters &) = delete;
 
-  // What perf_event_open was called with: the attributes in words, and the event's id.
+  // What perf_event_open was called with and has given.
   struct Event {
-    std::vector<uint64_t> attributes;
-    int s32Pid;
-    int s32Cpu;
-    int s32GroupFd;
-    unsigned long u32Flags;
+    std::vector<uint64_t> attributes;  // in words
+    std::array<int, 4> arguments;      // process, processor, descriptor of the group, flags
     int s32Fd;
     uint64_t u64Id;
   };
   std::vector<Event> events;
-  std::vector<std::string>
-      controls;  // "reset", "enable", "disable" of the last leader's group, "?" for others
+  // "reset", "enable", "disable" of the last leader's group, "?" for others
+  std::vector<std::string> controls;
 
   std::array<uint64_t, 3> counts = {};  // of the last three events, delivered when their group is stopped
   std::vector<uint64_t> group;          // delivered instead, unless it is empty
@@ -39,7 +37,8 @@ class FakeCounters {
   int s32OpensLeft = -1;                // until one is refused; never when negative
   uint64_t u64NowUs = 1;
 
-  int Open(const void *pvAttributes, int s32Pid, int s32Cpu, int s32GroupFd, unsigned long u32Flags);
+  static inline std::atomic<FakeCounters *> pCurrent{nullptr};
+  int Open(const void *pvAttributes, const std::array<int, 4> &arguments);
   int Control(int s32Fd, unsigned long u32Request, void *pvArgument);
 
  private:

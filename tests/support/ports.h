@@ -6,12 +6,8 @@
 #include <array>
 #include <cstring>
 #include <memory>
-#include <string>
-#include <vector>
 
-#include <gtest/gtest.h>
-
-#include "ze_kest/utility.h"
+#include "tests/support/library_test.h"
 
 namespace kest::test {
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "tests/support/report_capture.h"
 
+#include <algorithm>
 #include <mutex>
 
 namespace kest::test {
@@ -45,8 +46,15 @@ std::vector<Report> ReportCapture::Reports() const {
   return g_reports;
 }
 
-std::vector<std::string> ReportCapture::Texts(const std::string &label) const {
-  std::vector<std::string> texts;
+Texts ReportCapture::Lines() const {
+  kest::test::Texts lines;
+  for (const Report &report : Reports())
+    lines.push_back(report.label + report.text);
+  return lines;
+}
+
+Texts ReportCapture::Texts(const std::string &label) const {
+  kest::test::Texts texts;
   for (const Report &report : Reports()) {
     if (report.label == label) texts.push_back(report.text);
   }
@@ -54,10 +62,14 @@ std::vector<std::string> ReportCapture::Texts(const std::string &label) const {
 }
 
 bool ReportCapture::Has(const std::string &label, const std::string &text) const {
-  for (const Report &report : Reports()) {
-    if (report.label == label && report.text.find(text) != std::string::npos) return true;
-  }
-  return false;
+  const kest::test::Texts texts = Texts(label);
+  return std::any_of(texts.begin(), texts.end(),
+                     [&text](const std::string &found) { return found.find(text) != std::string::npos; });
+}
+
+int64_t ReportCapture::Count(const std::string &label, const std::string &text) const {
+  const kest::test::Texts lines = Lines();
+  return std::count(lines.begin(), lines.end(), label + text);
 }
 
 void ReportCapture::Clear() {

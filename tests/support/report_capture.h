@@ -30,10 +30,14 @@ class ReportCapture {
 
   // All reports so far.
   [[nodiscard]] std::vector<Report> Reports() const;
+  // Their labels and texts.
+  [[nodiscard]] kest::test::Texts Lines() const;
   // The texts of one label, in order.
   [[nodiscard]] kest::test::Texts Texts(const std::string &label) const;
   // Whether some report of the label contains the text.
   [[nodiscard]] bool Has(const std::string &label, const std::string &text) const;
+  // How many reports of the label have exactly the text.
+  [[nodiscard]] int64_t Count(const std::string &label, const std::string &text) const;
   void Clear();
 
  private:

@@ -49,19 +49,13 @@ class PaintedStack {
 Texts EveryCommand() {
   const ReportCapture capture;
   ze_kest_Debug_SetParameter("help");
-  Texts lines = {"kest_debug_list=status",
-                 "kest_debug_list=parameter",
-                 "kest_debug_set_parameter=pipe,filter,Gain,1,4",
-                 "kest_debug_send_cmd_by_text=pipe,filter,state",
-                 "kest_filter_debug_level=filter,all",
-                 "kest_latency_config=a,b,c,d",
-                 "kest_dump_filter_io=pipe,filter",
-                 "kest_process_status=filter,a:b",
-                 "kest_send_test_tone=a,b:1",
-                 "kest_calpcmlev=a,b,1",
-                 "kest_calculate_data_rate=a,b:1,2",
-                 "kest_json_parser=" KEST_DEBUG_DIR "x.json",
-                 "no command at all"};
+  Texts lines = LinesOf(
+      "kest_debug_list=status;kest_debug_list=parameter;kest_debug_set_parameter=pipe,filter,Gain,1,4;"
+      "kest_debug_send_cmd_by_text=pipe,filter,state;kest_filter_debug_level=filter,all;"
+      "kest_latency_config=a,b,c,d;kest_dump_filter_io=pipe,filter;kest_process_status=filter,a:b;"
+      "kest_send_test_tone=a,b:1;kest_calpcmlev=a,b,1;kest_calculate_data_rate=a,b:1,2;"
+      "kest_json_parser=" KEST_DEBUG_DIR "x.json;no command at all",
+      ';');
   for (const std::string &text : capture.Texts("<PRINT>")) {
     if (text.rfind("echo ", 0) == 0) lines.push_back(text.substr(5, text.rfind(" >D") - 5));
   }

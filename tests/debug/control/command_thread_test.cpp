@@ -1,30 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
-#include <algorithm>
-#include <filesystem>
+#include "tests/support/library_test.h"
 
-#include <gtest/gtest.h>
-
-#include "ze_kest/debug.h"
-
-#include "tests/support/debug_layer.h"
-#include "tests/support/report_capture.h"
-
-using kest::test::DebugLayer;
-using kest::test::ReportCapture;
-using kest::test::WaitFor;
-using kest::test::WriteToPipe;
-
-namespace {
-
+namespace kest::test {
+// What the thread reports of a line that nothing has taken.
 constexpr const char *kRefused = "Err! SetParameter failed(0x8)!\n";
-
-// How many lines the thread has read and nothing has taken.
-size_t RefusedLines(const ReportCapture &capture) {
-  const std::vector<std::string> errors = capture.Texts("<ERR>");
-  return static_cast<size_t>(std::count(errors.begin(), errors.end(), kRefused));
-}
-
-}  // namespace
 
 TEST(CommandThread, ALineOfThePipeIsCarriedOutThoughItComesInPiecesFromSeveralWriters) {
   const DebugLayer layer;
@@ -49,9 +28,8 @@ TEST(CommandThread, ALongLineIsCutAt127BytesLosesOneByteAndGoesOnAsTheNextLine) 
   WriteToPipe(line + "?kest_log_size=77\n");  // the "?" is lost, the rest is a command
   EXPECT_TRUE(WaitFor([&] { return capture.Has("<PRINT>", "LogSizeMax:77\n"); }));
   EXPECT_FALSE(capture.Has("<PRINT>", "LogSizeMax:89\n"));
-  EXPECT_EQ(1u, RefusedLines(capture));
-  const std::vector<std::string> prints = capture.Texts("<PRINT>");
-  EXPECT_EQ(4, std::count(prints.begin(), prints.end(), "LogSizeMax:1234567\n"));
+  EXPECT_EQ(1, capture.Count("<ERR>", kRefused));
+  EXPECT_EQ(4, capture.Count("<PRINT>", "LogSizeMax:1234567\n"));
 }
 
 TEST(CommandThread, EmptyLinesRubbishAndEndlessLinesAreRefusedAndTheNextCommandWorks) {
@@ -66,5 +44,7 @@ TEST(CommandThread, EmptyLinesRubbishAndEndlessLinesAreRefusedAndTheNextCommandW
   WriteToPipe("kest_log_size=55\n");
   EXPECT_TRUE(WaitFor([&] { return capture.Has("<PRINT>", "LogSizeMax:55\n"); }));
   // One empty, the rubbish (its newline makes two, its length three), three of the x, one of conversions.
-  EXPECT_EQ(8u, RefusedLines(capture));
+  EXPECT_EQ(8, capture.Count("<ERR>", kRefused));
 }
+
+}  // namespace kest::test

@@ -3,10 +3,7 @@
 
 #include <atomic>
 
-#include <gtest/gtest.h>
-
-#include "tests/support/debug_layer.h"
-#include "tests/support/report_capture.h"
+#include "tests/support/library_test.h"
 
 namespace kest::test {
 namespace {

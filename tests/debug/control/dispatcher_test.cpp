@@ -1,23 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <cstring>
 #include <filesystem>
-#include <sstream>
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
+#include "tests/support/library_test.h"
 
-#include "ze_kest/debug.h"
-
-#include "tests/support/debug_layer.h"
-#include "tests/support/report_capture.h"
-
-using kest::test::DebugLayer;
-using kest::test::Report;
-using kest::test::ReportCapture;
-
+namespace kest::test {
 namespace {
-
-using Texts = std::vector<std::string>;
 
 uint32_t g_u32LevelBehind = 0;  // in force behind the latest line
 
@@ -43,10 +31,7 @@ Texts RepliesTo(const std::string &line, uint32_t u32Expected = ZE_KEST_OK,
 
 TEST(Dispatcher, EveryInlineCommandConfirmsInItsOwnWords) {
   const DebugLayer layer;
-  struct {
-    const char *pszLine;
-    Texts replies;
-  } const aCommands[] = {
+  const std::pair<const char *, Texts> aCommands[] = {
       {"kest_log_to_print=on", {"<PRINT>kest_log_to_print=on\n", "<PRINT>Log to console(1)\n"}},
       {"kest_log_to_print=off", {"<PRINT>kest_log_to_print=off\n", "<PRINT>Log to console(0)\n"}},
       {"kest_log_to_file=off", {"<PRINT>kest_log_to_file=off\n", "<PRINT>Log to file(0)\n"}},
@@ -67,25 +52,22 @@ TEST(Dispatcher, EveryInlineCommandConfirmsInItsOwnWords) {
         "<PRINT>bDebugPresetCmd:0,0\n"}},
       {"ascii_color", {}},
   };
-  for (const auto &command : aCommands)
-    EXPECT_EQ(command.replies, RepliesTo(command.pszLine));
+  for (const auto &[pszLine, replies] : aCommands)
+    EXPECT_EQ(replies, RepliesTo(pszLine));
 }
 
 TEST(Dispatcher, EveryLogLevelShowsTheTestLinesThatItLetsThrough) {
   const DebugLayer layer;
   const Texts tests = {"<INFO>Test:<INFO>\n", "<WRN>Test:<WRN>\n", "<ERR>Test:<ERR>\n"};
-  struct {
-    const char *pszName;
-    uint32_t u32Level;
-    long firstTest;
-  } const aLevels[] = {{"all", 240, 0}, {"trace", 80, 0}, {"info", 64, 0}, {"wrn", 48, 1},
-                       {"err", 32, 2},  {"sync", 33, 2},  {"hdmi", 34, 2}, {"none", 1, 3}};
-  for (const auto &level : aLevels) {
-    const std::string line = std::string("kest_log_level=") + level.pszName;
+  const std::tuple<const char *, uint32_t, long> aLevels[] = {
+      {"all", 240, 0}, {"trace", 80, 0}, {"info", 64, 0}, {"wrn", 48, 1},
+      {"err", 32, 2},  {"sync", 33, 2},  {"hdmi", 34, 2}, {"none", 1, 3}};
+  for (const auto &[pszName, u32Level, firstTest] : aLevels) {
+    const std::string line = std::string("kest_log_level=") + pszName;
     Texts expected = {"<PRINT>" + line + "\n"};
-    expected.insert(expected.end(), tests.begin() + level.firstTest, tests.end());
+    expected.insert(expected.end(), tests.begin() + firstTest, tests.end());
     EXPECT_EQ(expected, RepliesTo(line));
-    EXPECT_EQ(level.u32Level, g_u32LevelBehind);
+    EXPECT_EQ(u32Level, g_u32LevelBehind);
   }
 }
 
@@ -106,12 +88,12 @@ TEST(Dispatcher, ElevenSeparatorsSplitALineAndWhatFollowsTheValueIsIgnored) {
 
 TEST(Dispatcher, WhatNoCommandTakesGivesEightAndChangesNothing) {
   const DebugLayer layer;
-  std::istringstream lines(
+  constexpr const char *pszLines =
       "; ;=;nonsense; help;helpx;hel;kest_log_level;kest_log_level=;kest_log_level=loud;"
       "kest_log_level==all;kest_log_to_print=maybe;kest_atrace=;kest_log_size=;"
       "KEST_LOG_LEVEL=all;kest_debug_preset_cmd=;kest_debug_preset_cmd=some,x;"
-      "kest_json_parser=;kest_debug_list=;kest_debug_list=all;");
-  for (std::string line; std::getline(lines, line, ';');) {
+      "kest_json_parser=;kest_debug_list=;kest_debug_list=all;";
+  for (const std::string &line : LinesOf(pszLines, ';')) {
     EXPECT_EQ(Texts{}, RepliesTo(line, ZE_KEST_INVALID_ARGUMENT)) << line;
     EXPECT_EQ(ZE_KEST_LEVEL_PRINT, g_u32LevelBehind);
   }
@@ -124,10 +106,10 @@ TEST(Dispatcher, WhatNoCommandTakesGivesEightAndChangesNothing) {
 TEST(Dispatcher, ANumberOutOfRangeIsAFormatErrorThoughItsLimitIsStored) {
   const DebugLayer layer;
   const auto restartsIn1000Messages = [] {
-    const auto sztBefore = std::filesystem::file_size(kest::test::kLogFile);
+    const auto sztBefore = std::filesystem::file_size(kLogFile);
     for (int i = 0; i < 1000; ++i)
       ze_kest_Debug_Log(ZE_KEST_LEVEL_PRINT, "x\n");
-    return std::filesystem::file_size(kest::test::kLogFile) < sztBefore + 2000;
+    return std::filesystem::file_size(kLogFile) < sztBefore + 2000;
   };
   for (const char *pszKeyword : {"kest_monitor_sleep_time", "kest_log_size"}) {
     for (const char *pszNumber : {"2147483647", "-2147483648", "-99999999999", "99999999999999999999"}) {
@@ -150,7 +132,7 @@ TEST(Dispatcher, TheHelpHas128RowsAndTheVersion) {
   EXPECT_EQ("<PRINT>---------------------------------\n", replies[73]);
   for (size_t i = 74; i < 128; ++i)
     EXPECT_EQ("<PRINT>\n", replies[i]);
-  EXPECT_THAT(replies[128], testing::MatchesRegex("<PRINT>_ZE_KEST_Debug_GetVersion,[0-9]+,2023/06/01,01\n"));
+  EXPECT_THAT(replies[128], MatchesRegex("<PRINT>_ZE_KEST_Debug_GetVersion,[0-9]+,2023/06/01,01\n"));
 }
 
 TEST(Dispatcher, TheColourSamplesComeAtInfoLevel) {
@@ -168,3 +150,5 @@ TEST(Dispatcher, TheExportedEntryRefusesNullAndALayerThatIsNotUp) {
   EXPECT_EQ(ZE_KEST_NOT_INITIALISED, ze_kest_Debug_SetParameter("help"));
   EXPECT_EQ((Texts{"pszParameterPairs is NULL.\n", "Err! Not initialized yet!\n"}), capture.Texts("<ERR>"));
 }
+
+}  // namespace kest::test

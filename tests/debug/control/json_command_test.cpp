@@ -1,14 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-#include <gtest/gtest.h>
-
 #include "debug/control/dispatcher.h"
-#include "tests/support/debug_layer.h"
-#include "tests/support/report_capture.h"
+#include "tests/support/library_test.h"
 
-using kest::_ZE_KEST_Debug_SetParameter;
-using kest::test::ReportCapture;
-using kest::test::WriteFile;
-
+namespace kest::test {
 namespace {
 
 constexpr const char *kPath = KEST_DEBUG_DIR "a.b,c.json";  // points, commas and slashes are part of the path
@@ -48,3 +42,5 @@ TEST(JsonCommand, AFileThatCannotBeReadOrIsNoJsonLeavesTheLineToOthers) {
     EXPECT_FALSE(capture.Has("<PRINT>", "node:"));
   }
 }
+
+}  // namespace kest::test

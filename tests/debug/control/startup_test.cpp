@@ -5,36 +5,27 @@
 #include <filesystem>
 #include <thread>
 
-#include <gtest/gtest.h>
-#include <unistd.h>
-
-#include "ze_kest/debug.h"
-
 #include "debug/control/create_thread.h"
 #include "debug/control/debug_mutex.h"
 #include "debug/control/shared_settings.h"
-#include "tests/support/debug_layer.h"
-#include "tests/support/report_capture.h"
+#include "tests/support/library_test.h"
 
-using kest::test::DebugLayer;
-using kest::test::ReportCapture;
-using kest::test::ThreadsNamed;
+namespace kest::test {
 
 TEST(StartUp, TheFirstSetsTheLevelToPrintAndOpensThePipeAndASecondDoesNothing) {
   const DebugLayer layer;
   EXPECT_EQ(ZE_KEST_LEVEL_PRINT, u32KestDebugLevel);
   EXPECT_EQ(nullptr, pFileKestDebugPipeline);
-  EXPECT_TRUE(kest::test::WaitFor(
-      [] { return std::filesystem::is_fifo(std::filesystem::status(kest::test::kPipe)); }));
-  EXPECT_TRUE(std::filesystem::exists(kest::test::kLogFile));
+  EXPECT_TRUE(WaitFor([] { return std::filesystem::is_fifo(std::filesystem::status(kPipe)); }));
+  EXPECT_TRUE(std::filesystem::exists(kLogFile));
 
   // A second start is reported and starts no second thread.
-  EXPECT_TRUE(kest::test::WaitFor([] { return ThreadsNamed("KestDebug") == 1; }));
+  EXPECT_TRUE(WaitFor([] { return ThreadsNamed("KestDebug") == 1; }));
   const ReportCapture capture;
   EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_Init());
-  EXPECT_EQ((std::vector<std::string>{"Exit for double init\n"}), capture.Texts("<ERR>"));
-  EXPECT_EQ(ZE_KEST_OK, kest::_ZE_KEST_Debug_CreateThread(kest::kCommandThread));
-  EXPECT_EQ(ZE_KEST_OK, kest::_ZE_KEST_Debug_CreateThread(77));  // no such kind
+  EXPECT_EQ((Texts{"Exit for double init\n"}), capture.Texts("<ERR>"));
+  EXPECT_EQ(ZE_KEST_OK, _ZE_KEST_Debug_CreateThread(kest::kCommandThread));
+  EXPECT_EQ(ZE_KEST_OK, _ZE_KEST_Debug_CreateThread(77));  // no such kind
   EXPECT_EQ(1, ThreadsNamed("KestDebug"));
 }
 
@@ -43,7 +34,7 @@ TEST(ShutDown, EndsTheThreadAndRemovesTheSharedBlockUntilTheNextStartAndASecondO
     {
       const DebugLayer layer;
       EXPECT_TRUE(std::filesystem::exists(KEST_DEBUG_DIR "shm_global"));
-      EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_SetParameter("kest_log_level=info"));
+      Command("kest_log_level=info");
       EXPECT_EQ(ZE_KEST_LEVEL_INFO, u32KestDebugLevel);
     }
     EXPECT_EQ(0, ThreadsNamed("KestDebug"));
@@ -51,42 +42,37 @@ TEST(ShutDown, EndsTheThreadAndRemovesTheSharedBlockUntilTheNextStartAndASecondO
   }
   const ReportCapture capture;
   EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_DeInit());
-  EXPECT_EQ((std::vector<std::string>{"DeInit\n", "Exit for double DeInit\n"}), capture.Texts("<INFO>"));
+  EXPECT_EQ((Texts{"DeInit\n", "Exit for double DeInit\n"}), capture.Texts("<INFO>"));
 }
 
 TEST(StartUp, ALaterProcessAdoptsTheLevelAndThePresetCommand) {
-  kest::test::EmptyDebugDirectory();
-  EXPECT_EQ(0, kest::test::InAnotherProcess([] {
+  EmptyDebugDirectory();
+  EXPECT_EQ(0, InAnotherProcess([] {
               EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_Init());
-              EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_SetParameter("kest_log_level=wrn"));
-              EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_SetParameter("kest_debug_preset_cmd=all,a=b,c=d"));
+              Command("kest_log_level=wrn");
+              Command("kest_debug_preset_cmd=all,a=b,c=d");
             }));
   ASSERT_EQ(ZE_KEST_OK, ze_kest_Debug_Init());
   EXPECT_EQ(ZE_KEST_LEVEL_WRN, u32KestDebugLevel);
   const ReportCapture capture;
-  EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_SetParameter("kest_print_current_shm"));
+  Command("kest_print_current_shm");
   EXPECT_TRUE(capture.Has("<PRINT>", "DebugPresetCmd:a=b,c=d,a=b,c=d\n"));
   EXPECT_TRUE(capture.Has("<PRINT>", "bDebugPresetCmd:1,1\n"));
-  kest::test::ShutDown();
+  ShutDown();
 }
 
 TEST(StartUp, TheFirstLogLineOfAnyThreadSetsTheBaseUpOnce) {
-  kest::test::EmptyDebugDirectory();
-  std::vector<std::thread> threads;
-  for (int i = 0; i < 8; ++i) {
-    threads.emplace_back([] {
-      ze_kest_Debug_Log(ZE_KEST_LEVEL_PRINT, "x\n");
-      EXPECT_EQ(ZE_KEST_LEVEL_PRINT, __atomic_load_n(&u32KestDebugLevel, __ATOMIC_RELAXED));
-    });
-  }
-  for (std::thread &thread : threads)
-    thread.join();
+  EmptyDebugDirectory();
+  InThreads(8, [](int) {
+    ze_kest_Debug_Log(ZE_KEST_LEVEL_PRINT, "x\n");
+    EXPECT_EQ(ZE_KEST_LEVEL_PRINT, __atomic_load_n(&u32KestDebugLevel, __ATOMIC_RELAXED));
+  });
   EXPECT_TRUE(std::filesystem::exists(KEST_DEBUG_DIR "shm_global"));
-  EXPECT_FALSE(std::filesystem::exists(kest::test::kLogFile));
+  EXPECT_FALSE(std::filesystem::exists(kLogFile));
 }
 
 TEST(StartUp, CommandsOfOtherThreadsGoOnThroughShutDownsAndStarts) {
-  kest::test::EmptyDebugDirectory();
+  EmptyDebugDirectory();
   const ReportCapture capture;  // keeps the reports from the terminal
   std::atomic<bool> bDone{false};
   std::vector<std::thread> threads;
@@ -100,7 +86,7 @@ TEST(StartUp, CommandsOfOtherThreadsGoOnThroughShutDownsAndStarts) {
   }
   for (int i = 0; i < 20; ++i) {
     EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_Init());
-    EXPECT_EQ(ZE_KEST_OK, kest::test::ShutDown());
+    EXPECT_EQ(ZE_KEST_OK, ShutDown());
   }
   bDone = true;
   for (std::thread &thread : threads)
@@ -109,10 +95,12 @@ TEST(StartUp, CommandsOfOtherThreadsGoOnThroughShutDownsAndStarts) {
 
 TEST(DebugMutex, AnUnlockByAnotherThreadLeavesTheLockWithItsHolder) {
   const DebugLayer layer;
-  kest::_ZE_KEST_Debug_Mutex_Lock();
-  std::thread([] { kest::_ZE_KEST_Debug_Mutex_Unlock(); }).join();
-  EXPECT_EQ(EBUSY, pthread_mutex_trylock(&kest::_stKestDebugMutex));
-  kest::_ZE_KEST_Debug_Mutex_Unlock();
-  EXPECT_EQ(0, pthread_mutex_trylock(&kest::_stKestDebugMutex));
-  EXPECT_EQ(0, pthread_mutex_unlock(&kest::_stKestDebugMutex));
+  _ZE_KEST_Debug_Mutex_Lock();
+  std::thread([] { _ZE_KEST_Debug_Mutex_Unlock(); }).join();
+  EXPECT_EQ(EBUSY, pthread_mutex_trylock(&_stKestDebugMutex));
+  _ZE_KEST_Debug_Mutex_Unlock();
+  EXPECT_EQ(0, pthread_mutex_trylock(&_stKestDebugMutex));
+  EXPECT_EQ(0, pthread_mutex_unlock(&_stKestDebugMutex));
 }
+
+}  // namespace kest::test

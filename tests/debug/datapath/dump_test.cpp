@@ -4,15 +4,9 @@
 #include <filesystem>
 #include <map>
 
-#include <gtest/gtest.h>
-
-#include "ze_kest/debug.h"
-
 #include "debug/datapath/dump_selections.h"
-#include "tests/support/debug_layer.h"
 #include "tests/support/failing_allocator.h"
 #include "tests/support/ports.h"
-#include "tests/support/report_capture.h"
 
 namespace kest::test {
 namespace {
@@ -111,7 +105,7 @@ TEST_F(Dump, PcmOfEveryServedPortIsWrittenInterleaved) {
     const ReportCapture capture;
     SwitchOn(cycle.eKind == kInputDump ? kDumpInput : kDumpOutput);
     EXPECT_EQ(ZE_KEST_OK, _ZE_KEST_Debug_Dump(filter, cycle.eKind));
-    EXPECT_EQ(std::vector<std::string>(bOddWidth ? sztServed : 0, wrong), capture.Texts("<PRINT>"));
+    EXPECT_EQ(Texts(bOddWidth ? sztServed : 0, wrong), capture.Texts("<PRINT>"));
     EXPECT_TRUE(expected == DumpedFiles());
   }
 }
@@ -168,7 +162,7 @@ TEST_F(Dump, ARunKeepsItsFilesUntilItIsSwitchedOff) {
   for (const char *pszLine :
        {"kest_dump_io=on", "kest_dump_input=on", "kest_dump_input=off", "kest_dump_input_filter=pi,fil",
         "kest_dump_input=on", "kest_dump_input_filter=pipe2,filter", "kest_dump_input_filter=pipe,b"}) {
-    EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_SetParameter(pszLine));
+    Command(pszLine);
     EXPECT_EQ(ZE_KEST_OK, _ZE_KEST_Debug_Dump(filter, kInputDump));
   }
   EXPECT_EQ((Files{{"DumpInpipefilter0_0.raw", data + data}, {"DumpInpipefilter0_1.raw", data}}),
@@ -176,12 +170,8 @@ TEST_F(Dump, ARunKeepsItsFilesUntilItIsSwitchedOff) {
 }
 
 TEST_F(Dump, CommandsSelectAndSwitchTheSides) {
-  const struct {
-    const char *pszLine;
-    uint32_t u32Result;
-    const char *pszReports;  // each behind the handler's name
-    const char *pszSides;
-  } aLines[] = {
+  // pszReports: each behind the handler's name
+  const std::tuple<const char *, uint32_t, const char *, const char *> aLines[] = {
       {"kest_dump_input_filter=a,b", 0, " dump input pipeline:a filter:b\n", "off 0 a:b, off 0 :"},
       {"kest_dump_output_filter=c,d", 0, " dump output pipeline:c filter:d\n", "off 0 a:b, off 0 c:d"},
       {"kest_dump_input=on", 0, " dump input enable 0 a:b\n", "on 0 a:b, off 0 c:d"},
@@ -198,14 +188,14 @@ TEST_F(Dump, CommandsSelectAndSwitchTheSides) {
       {"kest_dump_input_filter", 8, " pszSub1 is NULL, format error\n", "off 2 :f, off 2 :f"},
       {"kest_dump=on", 8, "", "off 2 :f, off 2 :f"},
   };
-  for (const auto &line : aLines) {
+  for (const auto &[pszLine, u32Result, pszReports, pszSides] : aLines) {
     const ReportCapture capture(ZE_KEST_LEVEL_ERR);
-    EXPECT_EQ(line.u32Result, _ZE_KEST_Debug_Cmd_DumpIo(line.pszLine)) << line.pszLine;
+    EXPECT_EQ(u32Result, _ZE_KEST_Debug_Cmd_DumpIo(pszLine)) << pszLine;
     std::string reports;
     for (const Report &report : capture.Reports())
       reports += report.text.substr(strlen("_ZE_KEST_Debug_Cmd_DumpIo"));
-    EXPECT_EQ(line.pszReports, reports) << line.pszLine;
-    EXPECT_EQ(line.pszSides, Of(_stKestDumpInput) + ", " + Of(_stKestDumpOutput)) << line.pszLine;
+    EXPECT_EQ(pszReports, reports) << pszLine;
+    EXPECT_EQ(pszSides, Of(_stKestDumpInput) + ", " + Of(_stKestDumpOutput)) << pszLine;
   }
 }
 

@@ -1,24 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <optional>
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include "ze_kest/debug.h"
-
 #include "debug/datapath/dump.h"
 #include "debug/datapath/sine_output.h"
-#include "tests/support/debug_layer.h"
 #include "tests/support/failing_allocator.h"
 #include "tests/support/ports.h"
-#include "tests/support/report_capture.h"
 
 namespace kest::test {
 namespace {
-
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::MatchesRegex;
 
 // Turns one switch on for the length of a scope.
 class Switched {
@@ -27,9 +16,7 @@ class Switched {
   ~Switched() { Set("=off"); }
 
  private:
-  void Set(const char *pszValue) {
-    EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_SetParameter((keyword_ + pszValue).c_str()));
-  }
+  void Set(const char *pszValue) { Command(keyword_ + pszValue); }
   std::string keyword_;
 };
 
@@ -135,11 +122,11 @@ TEST(Hook, WritesASineOverTheFirstOutputOfTheSelectedFilter) {
   pcm.sztPcmWriteSize = 6;
   std::vector<int16_t> expected = StorageOf(port);
   const auto run = [&](const char *pszSelection) {
-    EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_SetParameter(pszSelection));
+    Command(pszSelection);
     EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_Filter(filter));
   };
 
-  EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_SetParameter("kest_output_sinewave_filter=pipe,other"));
+  Command("kest_output_sinewave_filter=pipe,other");
   const Switched sine("kest_output_sinewave");
   EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_Filter(filter));
   run("kest_output_sinewave_filter=pipeline,");
@@ -176,15 +163,12 @@ TEST(Hook, WritesASineOverTheFirstOutputOfTheSelectedFilter) {
   expected[119] = Sine(2);
   EXPECT_EQ(expected, StorageOf(port));
 
-  const struct {
-    uint32_t u32Channels;
-    uint32_t sztLevel;
-    uint32_t sztWriteSize;
-  } aWild[] = {{0x80000000, 480, 1}, {2, 480, 0xFFFFFFFF}, {2, 0x90000000, 4}, {2, 0, 0}};
-  for (const auto &wild : aWild) {
-    pcm.stPcmInfo.u32TotalChannels = wild.u32Channels;
-    pcm.sztPcmLevel = wild.sztLevel;
-    pcm.sztPcmWriteSize = wild.sztWriteSize;
+  const std::array<uint32_t, 3> aWild[] = {
+      {0x80000000, 480, 1}, {2, 480, 0xFFFFFFFF}, {2, 0x90000000, 4}, {2, 0, 0}};
+  for (const auto &[u32Channels, sztLevel, sztWriteSize] : aWild) {
+    pcm.stPcmInfo.u32TotalChannels = u32Channels;
+    pcm.sztPcmLevel = sztLevel;
+    pcm.sztPcmWriteSize = sztWriteSize;
     EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_Filter(filter));
   }
   pcm.sztPcmWriteSize = 4;
@@ -227,13 +211,13 @@ TEST(Hook, HasNothingOnAfterANewStart) {
   for (const char *pszLine :
        {"kest_print_filter_info=on", "kest_dump_io=on", "kest_latency=on", "kest_output_sinewave=on",
         "kest_output_sinewave_filter=other,", "kest_debug_filter_io=pipe,restart"}) {
-    EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_SetParameter(pszLine));
+    Command(pszLine);
   }
   layer.reset();
   layer.emplace();
   EXPECT_FALSE(IsAnyHookSwitchOn());
   EXPECT_EQ(0u, ze_kest_Debug_Io_Is_Enable());
-  EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_SetParameter("kest_debug_filter_io=restart"));
+  Command("kest_debug_filter_io=restart");
   EXPECT_EQ(0u, ze_kest_Debug_Io_Is_Enable());  // nothing is watched
   EXPECT_STREQ("", _stKestSineSelection.szPipelineName);
 }

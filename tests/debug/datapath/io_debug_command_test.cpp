@@ -14,19 +14,13 @@ using IoDebugCommand = RegistryTest;
 Texts ReportsOf(const char *pszLine, uint32_t u32Expected) {
   const ReportCapture capture;
   EXPECT_EQ(u32Expected, _ZE_KEST_Debug_Cmd_DebugIo(pszLine)) << pszLine;
-  Texts texts;
-  for (const Report &report : capture.Reports())
-    texts.push_back(report.label + report.text);
+  const Texts texts = capture.Lines();
   EXPECT_EQ("<INFO>" NAME "pszDup=" + std::string(pszLine) + "\n", texts.at(0));
   return {texts.begin() + std::min<ptrdiff_t>(2, static_cast<ptrdiff_t>(texts.size())), texts.end()};
 }
 
 TEST_F(IoDebugCommand, TakesItsFourKeywordsAndReportsWhatItDid) {
-  const struct {
-    const char *pszLine;
-    uint32_t u32Result;
-    Texts reports;
-  } aLines[] = {
+  const std::tuple<const char *, uint32_t, Texts> aLines[] = {
       {"kest_output_sinewave_filter=p,f,g", 0, {"<INFO>" NAME "output sine wave pipeline:p filter:f,g\n"}},
       {"kest_output_sinewave=on", 0, {"<INFO>" NAME "output sine wave enable p:f,g\n"}},
       {"kest_output_sinewave=off", 0, {"<INFO>" NAME "output sine wave disable p:f,g\n"}},
@@ -41,8 +35,8 @@ TEST_F(IoDebugCommand, TakesItsFourKeywordsAndReportsWhatItDid) {
       {"kest_other=on", 8, {}},
       {"", 8, {}},
   };
-  for (const auto &line : aLines)
-    EXPECT_EQ(line.reports, ReportsOf(line.pszLine, line.u32Result)) << line.pszLine;
+  for (const auto &[pszLine, u32Result, reports] : aLines)
+    EXPECT_EQ(reports, ReportsOf(pszLine, u32Result)) << pszLine;
 }
 
 TEST_F(IoDebugCommand, SetsTheLevelOfEveryFilterWhoseNameBeginsAlike) {
@@ -50,23 +44,20 @@ TEST_F(IoDebugCommand, SetsTheLevelOfEveryFilterWhoseNameBeginsAlike) {
   const ZE_KEST_Filter_s &dec = AddFilter("pipe", "dec");
   const ZE_KEST_Filter_s &decoder = AddFilter("other", "decoder");
   const ZE_KEST_Filter_s &de = AddFilter("pipe", "de");
-  const struct {
-    const char *pszWord;
-    uint32_t u32Level;
-    const char *pszShown;
-  } aWords[] = {{"all", 240, "info"}, {"trace", 80, "info"}, {"info", 64, "info"}, {"wrn", 48, "warn"},
-                {"err", 32, "error"}, {"none", 0, "none"},   {"foo", 0, nullptr},  {"all,", 0, nullptr}};
-  for (const auto &word : aWords) {
-    const std::string level = std::to_string(word.u32Level);
+  const std::tuple<const char *, uint32_t, const char *> aWords[] = {
+      {"all", 240, "info"}, {"trace", 80, "info"}, {"info", 64, "info"}, {"wrn", 48, "warn"},
+      {"err", 32, "error"}, {"none", 0, "none"},   {"foo", 0, nullptr},  {"all,", 0, nullptr}};
+  for (const auto &[pszWord, u32Level, pszShown] : aWords) {
+    const std::string level = std::to_string(u32Level);
     Texts expected = {"<PRINT>dec setDbgLvl " + level + "\n", "<PRINT>decoder setDbgLvl " + level + "\n"};
-    if (word.pszShown != nullptr) {
+    if (pszShown != nullptr) {
       expected.insert(expected.begin(),
-                      "<PRINT>" NAME "filter dec debug level " + std::string(word.pszShown) + "\n");
+                      "<PRINT>" NAME "filter dec debug level " + std::string(pszShown) + "\n");
     }
     EXPECT_EQ(expected,
-              ReportsOf((std::string("kest_filter_debug_level=dec,") + word.pszWord).c_str(), ZE_KEST_OK));
-    EXPECT_EQ(word.u32Level, dec.u32DbgLvl);
-    EXPECT_EQ(word.u32Level, decoder.u32DbgLvl);
+              ReportsOf((std::string("kest_filter_debug_level=dec,") + pszWord).c_str(), ZE_KEST_OK));
+    EXPECT_EQ(u32Level, dec.u32DbgLvl);
+    EXPECT_EQ(u32Level, decoder.u32DbgLvl);
     EXPECT_EQ(0u, de.u32DbgLvl);
   }
 }

@@ -4,20 +4,12 @@
 #include <atomic>
 #include <thread>
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <sys/stat.h>
 
-#include "ze_kest/debug.h"
-
-#include "tests/support/debug_layer.h"
-#include "tests/support/report_capture.h"
+#include "tests/support/library_test.h"
 
 namespace kest::test {
 namespace {
-
-using testing::ElementsAre;
-using testing::IsEmpty;
 
 class IoTrace : public testing::Test {
  protected:
@@ -78,7 +70,7 @@ TEST_F(IoTrace, RepliesToEveryWord) {
   const auto reports = [](const std::string &value, uint32_t u32Expected) {
     const ReportCapture capture;
     EXPECT_EQ(u32Expected, Command(value)) << value;
-    std::vector<std::string> texts;
+    Texts texts;
     for (const Report &report : capture.Reports())
       texts.push_back(report.text);
     return texts;

@@ -3,16 +3,10 @@
 
 #include <thread>
 
-#include <gtest/gtest.h>
-
-#include "ze_kest/debug.h"
-
 #include "debug/datapath/latency_state.h"
 #include "debug/registry/registry.h"
-#include "tests/support/debug_layer.h"
 #include "tests/support/fake_counters.h"
 #include "tests/support/ports.h"
-#include "tests/support/report_capture.h"
 
 namespace kest::test {
 namespace {
@@ -50,38 +44,37 @@ Bytes Changed(Bytes group, size_t sztPlanes, const ZE_KEST_PcmBuffer_s &pcm, con
 }
 
 TEST_F(Latency, TheInputIsSilentFor500CyclesThenCarriesTheBurstAndIsLeftAlone) {
-  const struct {
-    uint32_t u32Bits, sztReadOffset, sztLevel, u32Rate;
-  } aPorts[] = {{32, 100, 60, 96000}, {24, 0, 128, 96000}, {16, 90, 48, 96000}, {32, 120, 30, 0}};
-  for (const auto &c : aPorts) {
+  const std::array<uint32_t, 4> aPorts[] = {
+      {32, 100, 60, 96000}, {24, 0, 128, 96000}, {16, 90, 48, 96000}, {32, 120, 30, 0}};
+  for (const auto &[u32Bits, sztReadOffset, sztLevel, u32Rate] : aPorts) {
     SetUp();
     clock.u64NowUs = 7000;
     Filter filter;
     Port &port = filter.In(2);
-    ZE_KEST_PcmBuffer_s &pcm = port.Pcm(c.u32Bits, kRing, {2, 10, 10});
-    pcm.sztPcmReadOffset = c.sztReadOffset;
-    pcm.sztPcmLevel = c.sztLevel;
+    ZE_KEST_PcmBuffer_s &pcm = port.Pcm(u32Bits, kRing, {2, 10, 10});
+    pcm.sztPcmReadOffset = sztReadOffset;
+    pcm.sztPcmLevel = sztLevel;
     Port &unconnected = filter.In(0);
     unconnected.Pcm(16, kRing, {2, 0, 0}).sztPcmLevel = 9;
     unconnected.st.bConnected = 0;
     const Bytes untouched = unconnected.groups[0].Content();
     filter.In(1).Pcm(16, kRing, {2, 0, 0});  // empty
     filter.Out(0).Pcm(16, kRing, {0, 0, 0}).sztPcmLevel = 960;
-    filter.Out(0).st.stPcm.stPcmInfo.u32SampleRate = c.u32Rate;
+    filter.Out(0).st.stPcm.stPcmInfo.u32SampleRate = u32Rate;
     ze_kest_Debug_RegisterInfo("pipe", nullptr, 0, nullptr, nullptr);
     ze_kest_Debug_RegisterInfo("pipe", filter, 0, nullptr, nullptr);
     EXPECT_EQ(ZE_KEST_OK, Send("kest_latency=on"));
     for (const uint32_t i : {1u, 2u, 500u, 501u, 502u}) {
       if (i == 500) _stKestLatency.au32SilentCycles[2] += 497;
       for (uint32_t g = 0; g < ZE_KEST_PCM_GROUPS; ++g) {
-        const Bytes noise = Noise(kPlanes[g] * kRing * (c.u32Bits / 8), g);
+        const Bytes noise = Noise(kPlanes[g] * kRing * (u32Bits / 8), g);
         std::copy(noise.begin(), noise.end(), port.groups[g].Data());
       }
       EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_MeasureLatency(filter, ZE_KEST_LATENCY_START));
       ASSERT_EQ(i > 500, IsMarked(_stKestLatency.bInserted)) << i;
-      const size_t sztBurst = i == 501 ? std::min<size_t>(c.sztLevel, 48) * (c.u32Bits / 8) : 0;
+      const size_t sztBurst = i == 501 ? std::min<size_t>(sztLevel, 48) * (u32Bits / 8) : 0;
       for (uint32_t g = 0; g < ZE_KEST_PCM_GROUPS; ++g) {
-        const Bytes noise = Noise(kPlanes[g] * kRing * (c.u32Bits / 8), g);
+        const Bytes noise = Noise(kPlanes[g] * kRing * (u32Bits / 8), g);
         const auto *pu8Sine = reinterpret_cast<const uint8_t *>(_as32KestSine1K48Mono);
         ASSERT_TRUE((i == 502 ? noise : Changed(noise, kPlanes[g], pcm, pu8Sine, sztBurst)) ==
                     port.groups[g].Content())
@@ -200,7 +193,7 @@ TEST_F(Latency, EveryMeasurementPrintsItsResultOnceAndTheOutputGoesOnBeingWritte
   }
 }
 
-TEST_F(Latency, NothingIsTouchedOfAPortThatContradictsItself) {
+TEST_F(Latency, NothingIsTouchedOfAPortThatContradictsItselfNorOfAFilterThatIsNotSelected) {
   Filter filter;
   ZE_KEST_PcmBuffer_s &in = filter.In(0).Pcm(32, kRing, {2, 0, 0});
   ZE_KEST_PcmBuffer_s &out = filter.Out(0).Pcm(32, kRing, {2, 0, 0});
@@ -218,6 +211,10 @@ TEST_F(Latency, NothingIsTouchedOfAPortThatContradictsItself) {
     EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_MeasureLatency(filter, ZE_KEST_LATENCY_START));
     EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_MeasureLatency(filter, ZE_KEST_LATENCY_END));
   }
+  in.stPcmInfo.u32BitWidth = 32;
+  in.sztPcmLevel = 20;
+  Send("kest_latency_start_filter=pipe,other");
+  EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_MeasureLatency(filter, ZE_KEST_LATENCY_START));
   EXPECT_EQ(before, filter.In(0).groups[0].Content());
   EXPECT_FALSE(IsMarked(_stKestLatency.bFound));
   EXPECT_EQ(size_t{60} * 4,
@@ -225,12 +222,8 @@ TEST_F(Latency, NothingIsTouchedOfAPortThatContradictsItself) {
 }
 
 TEST_F(Latency, CommandsSelectAndSwitch) {
-  const struct {
-    const char *pszLine;
-    uint32_t u32Result;
-    Texts reports;  // behind those that every line makes
-    const char *pszState;
-  } aLines[] = {
+  // reports: behind those that every line makes
+  const std::tuple<const char *, uint32_t, Texts, const char *> aLines[] = {
       {"kest_latency_start_filter=a,b", 0, {" latency start pipeline:a filter:b\n"}, "0 a:b : 0"},
       {"kest_latency_end_filter=c,d", 0, {" latency end pipeline:c filter:d\n"}, "0 a:b c:d 0"},
       {"kest_latency=on", 0, {" latency measure enable 0 a:b -> c:d\n"}, "1 a:b c:d 0"},
@@ -241,18 +234,18 @@ TEST_F(Latency, CommandsSelectAndSwitch) {
       {"kest_latency_end_filter=i", 8, {" pszSub1 is NULL, format error\n"}, "0 e:f g:h 1"},
       {"kest_latencies=on", 8, {}, "0 e:f g:h 1"},
   };
-  for (const auto &line : aLines) {
+  for (const auto &[pszLine, u32Result, reports, pszState] : aLines) {
     const ReportCapture reported;
-    EXPECT_EQ(line.u32Result, Send(line.pszLine)) << line.pszLine;
-    Texts reports;
+    EXPECT_EQ(u32Result, Send(pszLine)) << pszLine;
+    Texts texts;
     for (const Report &report : reported.Reports())
-      reports.push_back(report.text.substr(strlen("_ZE_KEST_Debug_Cmd_MeasureLatency")));
-    reports.erase(reports.begin(), reports.begin() + 2);
-    EXPECT_EQ(line.reports, reports) << line.pszLine;
+      texts.push_back(report.text.substr(strlen("_ZE_KEST_Debug_Cmd_MeasureLatency")));
+    texts.erase(texts.begin(), texts.begin() + 2);
+    EXPECT_EQ(reports, texts) << pszLine;
     const LatencyState &st = _stKestLatency;
-    EXPECT_EQ(line.pszState, std::to_string(IsOn(kMeasureLatency)) + " " + st.stStart.szPipelineName + ":" +
-                                 st.stStart.szFilterName + " " + st.stEnd.szPipelineName + ":" +
-                                 st.stEnd.szFilterName + " " + std::to_string(st.u32MeasureIndex));
+    EXPECT_EQ(pszState, std::to_string(IsOn(kMeasureLatency)) + " " + st.stStart.szPipelineName + ":" +
+                            st.stStart.szFilterName + " " + st.stEnd.szPipelineName + ":" +
+                            st.stEnd.szFilterName + " " + std::to_string(st.u32MeasureIndex));
   }
 }
 

@@ -1,24 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
-#include <algorithm>
 #include <filesystem>
-#include <sstream>
-#include <thread>
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <unistd.h>
 
-#include "ze_kest/debug.h"
-#include "ze_kest/utility.h"
-
 #include "debug/log/log_file.h"
-#include "tests/support/debug_layer.h"
-#include "tests/support/report_capture.h"
-
-using testing::AllOf;
-using testing::HasSubstr;
-using testing::MatchesRegex;
-using testing::Not;
+#include "tests/support/library_test.h"
 
 namespace kest::test {
 namespace {
@@ -63,9 +49,8 @@ TEST(Log, NothingIsWrittenBeforeStartAndAfterShutDownThoughTheSinksAreOn) {
   std::filesystem::remove(KEST_DEBUG_DIR "shm_global");
   switchOnAndLog("late\n");
   ResetLogSinks();
-  for (const std::string &sink : {testing::internal::GetCapturedStdout(), ReadFile(kLogFile)}) {
+  for (const std::string &sink : {testing::internal::GetCapturedStdout(), ReadFile(kLogFile)})
     EXPECT_THAT(sink, AllOf(Not(HasSubstr("early")), Not(HasSubstr("late"))));
-  }
   // The late line did not set the base up anew.
   EXPECT_FALSE(std::filesystem::exists(KEST_DEBUG_DIR "shm_global"));
 }
@@ -171,18 +156,11 @@ TEST(Log, LinesOfManyThreadsNeverInterleave) {
   constexpr int kThreads = 8;
   constexpr int kLines = 200;
   const std::string text = std::string(100, 'x') + '|';
-  std::vector<std::thread> threads;
-  for (int t = 0; t < kThreads; ++t) {
-    threads.emplace_back([&text] { LogLines(kLines, ZE_KEST_LEVEL_ERR, text.c_str()); });
-  }
-  for (std::thread &thread : threads)
-    thread.join();
-
-  std::istringstream file(ReadFile(kLogFile));
+  InThreads(kThreads, [&text](int) { LogLines(kLines, ZE_KEST_LEVEL_ERR, text.c_str()); });
   int s32Whole = 0;
-  for (std::string line; std::getline(file, line);) {
+  for (const std::string &line : LinesOf(ReadFile(kLogFile))) {
     if (line.find("xx") == std::string::npos) continue;
-    EXPECT_THAT(line, AllOf(testing::StartsWith("\033[1;31m"), testing::EndsWith("<ERR>\033[0m" + text)));
+    EXPECT_THAT(line, AllOf(StartsWith("\033[1;31m"), EndsWith("<ERR>\033[0m" + text)));
     ++s32Whole;
   }
   EXPECT_EQ(kThreads * kLines, s32Whole);
@@ -201,8 +179,7 @@ TEST(Log, AFileThatCannotBeOpenedOrWrittenAndAnUnknownModeAreReportedOnceAndLogg
 
   ReplaceLogFileBy("/dev/full");
   ze_kest_Debug_Log(ZE_KEST_LEVEL_ERR, "lost\n");
-  const std::vector<std::string> errors = capture.Texts("<ERR>");
-  EXPECT_EQ(1, std::count(errors.begin(), errors.end(), "Error! Fail to fflush()!\n"));
+  EXPECT_EQ(1, capture.Count("<ERR>", "Error! Fail to fflush()!\n"));
   EXPECT_EQ("ze_kest_Debug_Log", capture.Reports().back().function);
 }
 
@@ -229,7 +206,7 @@ TEST(LogToFile, WritesTheMessageAloneFlushedAndReportsAFailure) {
   const ReportCapture capture;
   FILE *pFull = fopen("/dev/full", "w");
   ze_kest_Utility_LogToFile(pFull, "lost\n");
-  EXPECT_EQ((std::vector<std::string>{"Error! Fail to fflush()!\n"}), capture.Texts("<ERR>"));
+  EXPECT_EQ((Texts{"Error! Fail to fflush()!\n"}), capture.Texts("<ERR>"));
   fclose(pFull);
   FILE *pReadOnly = fopen(path.c_str(), "r");
   ze_kest_Utility_LogToFile(pReadOnly, "refused\n");

@@ -56,7 +56,7 @@ TEST_F(Callbacks, ACommandByTextReachesTheFilterOfExactlyTheseNames) {
     EXPECT_EQ("", ReceivedOf(pszLine)) << pszLine;
   }
   const ReportCapture capture;
-  EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_SetParameter("kest_debug_send_cmd_by_text=P,Vol,x"));
+  Command("kest_debug_send_cmd_by_text=P,Vol,x");
   EXPECT_EQ((Texts{"szTargetPipelineName=P\n", "szTargetFilterName=Vol\n", "debug cmd=x\n",
                    "PipelineName=P,FilterName=\n", "PipelineName=P,FilterName=Vol\n", "Founded!!!\n"}),
             capture.Texts("<INFO>"));

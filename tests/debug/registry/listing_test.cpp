@@ -57,20 +57,18 @@ TEST_F(Listing, ShowsPipelinesFiltersConnectionsPortsAndTheirBytesAndEveryState)
   const char *const apszStates[] = {"NONE ", "IDLE ", "STOP ", "PREPA", "RUN  ", "PAUSE", "DRAIN", "?    "};
   for (uint32_t i = 0; i < 8; ++i) {
     filter.pstParentPipeline->u32State = i;
-    EXPECT_THAT(PrintsOf("kest_debug_list=print")[5],
-                testing::StartsWith(std::string("idx:1  ") + apszStates[i]));
+    EXPECT_THAT(PrintsOf("kest_debug_list=print")[5], StartsWith(std::string("idx:1  ") + apszStates[i]));
   }
   filter.pstParentPipeline = nullptr;
-  EXPECT_THAT(PrintsOf("kest_debug_list=print")[5], testing::StartsWith("idx:1  ?    "));
+  EXPECT_THAT(PrintsOf("kest_debug_list=print")[5], StartsWith("idx:1  ?    "));
 }
 
 TEST_F(Listing, ConnectionsFillTheFirstFreeSlotOfTheFirstPipelineAndTheNinthIsDropped) {
   AddPipeline("P");
   AddFilter("P", "F");
   AddPipeline("P");
-  for (int i = 0; i < 9; ++i) {
+  for (int i = 0; i < 9; ++i)
     EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_ConnectPipeline("P", i % 2 == 0 ? "even" : "odd"));
-  }
   EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_ConnectPipeline("nobody", "x"));
   const auto connectionsOf = [](const ZE_KEST_DebugInfo_s &info) {
     std::string text;

@@ -44,23 +44,21 @@ TEST_F(FilterParameters, AreSetInTheFirstFilterWhoseNamesBeginAsGivenIfItHasAnEn
   }
   EXPECT_EQ("", g_set);
   const ReportCapture capture;
-  EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_SetParameter("kest_debug_set_parameter=P,Volume,Bad,1,4"));
+  Command("kest_debug_set_parameter=P,Volume,Bad,1,4");
   EXPECT_EQ((Texts{"Error (0x00000021)! Fail to set parameter from filter:'Volume'\n"}),
             capture.Texts("<ERR>"));
 }
 
 TEST_F(FilterParameters, EveryMalformedFieldIsNamed) {
-  const struct {
-    const char *pszField;
-    Texts rests;
-  } aCases[] = {{"pszFilterName", {"", "P"}},
-                {"pszParameterName", {"P,F"}},
-                {"pszParameter", {"P,F,N"}},
-                {"wrong s32Parameter", {"P,F,N,2147483647,4", "P,F,N,-2147483648,4", "P,F,N,99999999999,4"}},
-                {"wrong u32ParameterSize", {"P,F,N,1", "P,F,N,1,4294967295", "P,F,N,1,-1"}}};
-  for (const auto &malformed : aCases) {
-    for (const std::string &rest : malformed.rests) {
-      const std::string text = std::string(malformed.pszField) + " is NULL, format error\n";
+  const std::pair<const char *, Texts> aCases[] = {
+      {"pszFilterName", {"", "P"}},
+      {"pszParameterName", {"P,F"}},
+      {"pszParameter", {"P,F,N"}},
+      {"wrong s32Parameter", {"P,F,N,2147483647,4", "P,F,N,-2147483648,4", "P,F,N,99999999999,4"}},
+      {"wrong u32ParameterSize", {"P,F,N,1", "P,F,N,1,4294967295", "P,F,N,1,-1"}}};
+  for (const auto &[pszField, rests] : aCases) {
+    for (const std::string &rest : rests) {
+      const std::string text = std::string(pszField) + " is NULL, format error\n";
       EXPECT_EQ("_ZE_KEST_Debug_Cmd_SetParameter " + text,
                 PrintsOf(("kest_debug_set_parameter=" + rest).c_str(), ZE_KEST_INVALID_ARGUMENT).back());
     }

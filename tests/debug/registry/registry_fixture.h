@@ -4,18 +4,10 @@
 
 #include <cstring>
 #include <deque>
-#include <string>
-#include <vector>
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include "ze_kest/debug.h"
 
 #include "debug/control/debug_mutex.h"
 #include "debug/registry/registry.h"
-#include "tests/support/debug_layer.h"
-#include "tests/support/report_capture.h"
+#include "tests/support/library_test.h"
 
 namespace kest::test {
 

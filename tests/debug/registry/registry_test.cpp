@@ -2,7 +2,6 @@
 #include "debug/registry/registry.h"
 
 #include <atomic>
-#include <thread>
 
 #include "tests/debug/registry/registry_fixture.h"
 
@@ -89,11 +88,11 @@ TEST_F(RegistryOrder, UnregisteringRemovesAFilterByNameOrAPipelineWithItsFilters
 }
 
 TEST_F(RegistryOrder, APresetCommandReachesAFilterBeforeItsEntryExistsWhateverItAnswers) {
-  EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_SetParameter("kest_debug_preset_cmd=all,adc_filter=dump_pcm,1"));
+  Command("kest_debug_preset_cmd=all,adc_filter=dump_pcm,1");
   AddFilter("P", "F", Receive);
   AddFilter("P", "silent");
   EXPECT_EQ("F<-adc_filter=dump_pcm,1;", g_received);
-  EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_SetParameter("kest_debug_preset_cmd=off"));
+  Command("kest_debug_preset_cmd=off");
   AddFilter("P", "late", Receive);
   EXPECT_EQ("F<-adc_filter=dump_pcm,1;", g_received);
   g_received.clear();
@@ -104,7 +103,7 @@ TEST(RegistryAcrossProcesses, APresetCommandGivenToAnotherProcessReachesAFilterT
   ASSERT_EQ(ZE_KEST_OK, ze_kest_Debug_Init());
   EXPECT_EQ(0, InAnotherProcess([] {
               // The forked process has this one's state; as a process of its own it would have started later.
-              EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_SetParameter("kest_debug_preset_cmd=all,from=afar"));
+              Command("kest_debug_preset_cmd=all,from=afar");
             }));
   ZE_KEST_Filter_s stFilter = {};
   strcpy(stFilter.szName, "F");
@@ -119,36 +118,30 @@ TEST_F(RegistryOrder, SurvivesManyThreadsThatRegisterConnectAndUnregisterWhileIt
   constexpr int kRounds = 50;
   const ReportCapture capture(ZE_KEST_LEVEL_PRINT);
   std::atomic<int> s32Running{kThreads};
-  std::vector<std::thread> threads;
-  for (int t = 0; t < kThreads; ++t) {
-    threads.emplace_back([t, &s32Running] {
-      const std::string name = "pipe" + std::to_string(t);
-      ZE_KEST_Pipeline_s stPipeline = {};
-      strcpy(stPipeline.szName, name.c_str());
-      ZE_KEST_Filter_s stFilter = {};
-      strcpy(stFilter.szName, "Volume");
-      stFilter.pstParentPipeline = &stPipeline;
-      for (int i = 0; i < kRounds; ++i) {
-        EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_RegisterInfo(name.c_str(), nullptr, 1, "t", nullptr));
-        EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_RegisterInfo(name.c_str(), &stFilter, 1, "t", nullptr));
-        EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_ConnectPipeline(name.c_str(), "sink"));
-        EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_DisconnectPipeline(name.c_str(), "sink"));
-        EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_UnRegisterInfo(name.c_str(), &stFilter));
-        if (i < kRounds - 1) ze_kest_Debug_UnRegisterInfo(name.c_str(), nullptr);
-      }
-      --s32Running;
-    });
-  }
-  while (s32Running > 0) {
-    for (const char *pszLine :
-         {"kest_debug_list=print", "kest_debug_list=status", "kest_debug_send_cmd=3,x",
-          "kest_debug_send_cmd_by_text=pipe1,Volume,x", "kest_debug_set_parameter=pipe,Vol,Gain,1,4"}) {
-      ze_kest_Debug_SetParameter(pszLine);
+  InThreads(kThreads + 1, [&s32Running](int t) {
+    while (t == kThreads && s32Running > 0) {
+      for (const char *pszLine :
+           {"kest_debug_list=print", "kest_debug_list=status", "kest_debug_send_cmd=3,x",
+            "kest_debug_send_cmd_by_text=pipe1,Volume,x", "kest_debug_set_parameter=pipe,Vol,Gain,1,4"})
+        ze_kest_Debug_SetParameter(pszLine);
     }
-  }
-  for (std::thread &thread : threads)
-    thread.join();
-
+    if (t == kThreads) return;
+    const std::string name = "pipe" + std::to_string(t);
+    ZE_KEST_Pipeline_s stPipeline = {};
+    strcpy(stPipeline.szName, name.c_str());
+    ZE_KEST_Filter_s stFilter = {};
+    strcpy(stFilter.szName, "Volume");
+    stFilter.pstParentPipeline = &stPipeline;
+    for (int i = 0; i < kRounds; ++i) {
+      EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_RegisterInfo(name.c_str(), nullptr, 1, "t", nullptr));
+      EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_RegisterInfo(name.c_str(), &stFilter, 1, "t", nullptr));
+      EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_ConnectPipeline(name.c_str(), "sink"));
+      EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_DisconnectPipeline(name.c_str(), "sink"));
+      EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_UnRegisterInfo(name.c_str(), &stFilter));
+      if (i < kRounds - 1) ze_kest_Debug_UnRegisterInfo(name.c_str(), nullptr);
+    }
+    --s32Running;
+  });
   EXPECT_THAT(Entries(), testing::UnorderedElementsAre("pipe0", "pipe1", "pipe2", "pipe3", "pipe4", "pipe5",
                                                        "pipe6", "pipe7"));
   EXPECT_FALSE(IsRegistryLocked());

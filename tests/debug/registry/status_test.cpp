@@ -33,15 +33,11 @@ uint32_t Get(ZE_KEST_Filter_s * /*pstFilter*/, const char *pszName, void *pData,
 
 TEST_F(Status, AnEmptyRegistryShowsTheCapabilitiesAndTheRules) {
   uint8_t au8Sad[ZE_KEST_SAD_SIZE] = {};
-  const struct {
-    int s32Format;
-    uint8_t u8Support;
-    uint32_t u32Byte3;
-  } aEntries[] = {{2, 1, 0x50},        {6, 2, 0x60},  {7, 3, 0x70},
-                  {10, 4, 0x12345678}, {11, 5, 0xB0}, {12, 255, 0xC0}};
-  for (const auto &entry : aEntries) {
-    au8Sad[24 * entry.s32Format] = entry.u8Support;
-    memcpy(&au8Sad[24 * entry.s32Format + 16], &entry.u32Byte3, 4);
+  const std::tuple<int, uint8_t, uint32_t> aEntries[] = {{2, 1, 0x50},        {6, 2, 0x60},  {7, 3, 0x70},
+                                                         {10, 4, 0x12345678}, {11, 5, 0xB0}, {12, 255, 0xC0}};
+  for (const auto &[s32Format, u8Support, u32Byte3] : aEntries) {
+    au8Sad[24 * s32Format] = u8Support;
+    memcpy(&au8Sad[24 * s32Format + 16], &u32Byte3, 4);
   }
   EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_SetSAD(au8Sad, ZE_KEST_SAD_SIZE));
   const Texts expected = {
@@ -85,25 +81,24 @@ TEST_F(Status, EveryKindOfFilterTellsItsOwn) {
       "                                               dmxMode : 3  (0:LtRt, 1:LoRo, 3:Arib)\n"
       "                                               tb11    : 1  (1:enable)\n"
       "                                         rfSignalType  : 5  (0:Dvb, 1:Atsc, 2:Dtmb, 3:others)\n";
-  const struct {
-    const char *pszNames;  // filters of one kind
-    std::string text;
-  } aKinds[] = {{"Aac Ac3 Ac4 AmrNb Alac Cook Dra Dts Flac Gaac ImaAdpcm Lpcm Mpeg MpegH Mat Opus Vorbis "
-                 "WmaPro Xpcm MsAdpcm",
-                 decoder},
-                {"Src SpeakerOutput HeadphoneOutput LineOutput", " in[0] underrun:11  \n"},
-                {"Mixer", " in[0] underrun:11    in[1] underrun:0    \n"},
-                {"Volume", " gain:-6, mute:1\n"},
-                {"Delay", " pcm delay:10, raw delay:20\n"},
-                {"Sync",
-                 " bSyncEn[1] bOutputEn[2] okCnt[12] skipCnt[13] emptyCnt[9] STC[7] PTS[1099511627776] "
-                 "TD[-1099511627769] "
-                 "Status[2] (0:invalid, 1:freerun, 2:sync, 3:drop frame) Bypass[3]\n"},
-                {"SpdifOutput ArcOutput EarcOutput", " in[0] underrun pcm:11\n"},
-                {"Adc Atv Hdmi", " out[0] overrun:11  \n"},
-                {"Volume2 volume Vol X", ""}};
-  for (const auto &kind : aKinds) {
-    std::istringstream names(kind.pszNames);
+  // pszNames: filters of one kind
+  const std::pair<const char *, std::string> aKinds[] = {
+      {"Aac Ac3 Ac4 AmrNb Alac Cook Dra Dts Flac Gaac ImaAdpcm Lpcm Mpeg MpegH Mat Opus Vorbis "
+       "WmaPro Xpcm MsAdpcm",
+       decoder},
+      {"Src SpeakerOutput HeadphoneOutput LineOutput", " in[0] underrun:11  \n"},
+      {"Mixer", " in[0] underrun:11    in[1] underrun:0    \n"},
+      {"Volume", " gain:-6, mute:1\n"},
+      {"Delay", " pcm delay:10, raw delay:20\n"},
+      {"Sync",
+       " bSyncEn[1] bOutputEn[2] okCnt[12] skipCnt[13] emptyCnt[9] STC[7] PTS[1099511627776] "
+       "TD[-1099511627769] "
+       "Status[2] (0:invalid, 1:freerun, 2:sync, 3:drop frame) Bypass[3]\n"},
+      {"SpdifOutput ArcOutput EarcOutput", " in[0] underrun pcm:11\n"},
+      {"Adc Atv Hdmi", " out[0] overrun:11  \n"},
+      {"Volume2 volume Vol X", ""}};
+  for (const auto &[pszNames, text] : aKinds) {
+    std::istringstream names(pszNames);
     for (std::string name; names >> name;) {
       ZE_KEST_Filter_s &filter = AddFilter("P", name.c_str());
       filter.pfnGetParameter = Get;
@@ -113,15 +108,15 @@ TEST_F(Status, EveryKindOfFilterTellsItsOwn) {
       filter.apstOutPort[0] = &stPort;
       char szHead[64];
       snprintf(szHead, sizeof(szHead), "p:%-20s f:%-15s", "P", name.c_str());
-      EXPECT_EQ(szHead + kind.text, NodesOf(PrintsOf("kest_debug_list=status")));
+      EXPECT_EQ(szHead + text, NodesOf(PrintsOf("kest_debug_list=status")));
       ze_kest_Debug_UnRegisterInfo("P", nullptr);
     }
   }
-  EXPECT_THAT(g_asked, testing::HasSubstr("SyncStatus:4 CurrentPTS:8 CurrentSTC:8 DataEmpty:8 SyncEnable:1 "
-                                          "OutputEnable:1 BypassEnable:1 IsPCM:4"));
+  EXPECT_THAT(g_asked, HasSubstr("SyncStatus:4 CurrentPTS:8 CurrentSTC:8 DataEmpty:8 SyncEnable:1 "
+                                 "OutputEnable:1 BypassEnable:1 IsPCM:4"));
   g_values["IsPCM"] = 0;
   AddFilter("P", "ArcOutput").pfnGetParameter = Get;
-  EXPECT_THAT(NodesOf(PrintsOf("kest_debug_list=status")), testing::EndsWith(" in[0] underrun npcm:0\n"));
+  EXPECT_THAT(NodesOf(PrintsOf("kest_debug_list=status")), EndsWith(" in[0] underrun npcm:0\n"));
 }
 
 TEST_F(Status, PipelinesAndTheirGraphFrameTheFilters) {
@@ -141,7 +136,7 @@ TEST_F(Status, AFilterThatDoesNotAnswerIsReportedAndStillGetsItsLine) {
   AddFilter("P", "Volume").pfnGetParameter = Get;
   AddFilter("P", "Delay");  // has no entry at all
   const ReportCapture capture;
-  EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_SetParameter("kest_debug_list=status"));
+  Command("kest_debug_list=status");
   EXPECT_TRUE(capture.Has("<PRINT>", " gain:0, mute:1\n"));
   EXPECT_TRUE(capture.Has("<PRINT>", " pcm delay:0, raw delay:0\n"));
   EXPECT_EQ((Texts{"Error (0x00000013)! Fail to get parameter from filter:'Volume'\n",

@@ -1,20 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "debug/thread/test_threads.h"
 
-#include <algorithm>
 #include <future>
 #include <thread>
-
-#include <gtest/gtest.h>
-
-#include "ze_kest/debug.h"
 
 #include "debug/control/create_thread.h"
 #include "debug/thread/signal_test.h"
 #include "debug/thread/thread_commands.h"
 #include "debug/thread/tid_test.h"
-#include "tests/support/debug_layer.h"
-#include "tests/support/report_capture.h"
+#include "tests/support/library_test.h"
 
 namespace kest::test {
 namespace {
@@ -48,20 +42,13 @@ class TestThread {
     EndTestThreads();
     if (plain_.joinable()) plain_.join();
   }
-  TestThread(const TestThread &) = delete;
-  TestThread &operator=(const TestThread &) = delete;
 
  private:
   std::thread plain_;
 };
 
-long Count(const ReportCapture &capture, const std::string &text) {
-  const Texts prints = capture.Texts("<PRINT>");
-  return std::count(prints.begin(), prints.end(), text);
-}
-
-void WaitForCount(const ReportCapture &capture, const std::string &text, long s32Count) {
-  EXPECT_TRUE(WaitFor([&] { return Count(capture, text) >= s32Count; })) << text;
+void WaitForCount(const ReportCapture &capture, const std::string &text, int64_t s64Count) {
+  EXPECT_TRUE(WaitFor([&] { return capture.Count("<PRINT>", text) >= s64Count; })) << text;
 }
 
 }  // namespace
@@ -76,8 +63,7 @@ TEST(TestThreads, AreCreatedOnceWhereTheProcessMayRunThemAndReportedElsewhere) {
   }
   EXPECT_EQ(bMay ? 1 : 0, ThreadsNamed("KestTidTest"));
   EXPECT_EQ(bMay ? 1 : 0, ThreadsNamed("KestSignalTest"));
-  const Texts errors = capture.Texts("<ERR>");
-  EXPECT_EQ(bMay ? 0 : 4, std::count(errors.begin(), errors.end(), "Err! pthread_create failed!\n"));
+  EXPECT_EQ(bMay ? 0 : 4, capture.Count("<ERR>", "Err! pthread_create failed!\n"));
 }
 
 TEST(TestThreads, EndWithTheDebugLayerAndStartAnewWithTheNext) {
@@ -119,9 +105,9 @@ TEST(TidTest, LogsAtIntervalsFromItsOwnThreadWhichCanBeWatched) {
   ASSERT_TRUE(WaitFor([&] { return findTid() != 0; }));
   EXPECT_EQ(MayRunRoundRobin() ? SCHED_RR : SCHED_OTHER, sched_getscheduler(findTid()));
   const std::string tid = std::to_string(findTid());
-  const auto waitForLines = [&](long s32Lines) {
+  const auto waitForLines = [&](int64_t s64Lines) {
     const std::string line = "[TidTest] tid:" + tid + "\n";
-    WaitForCount(capture, line, Count(capture, line) + s32Lines);
+    WaitForCount(capture, line, capture.Count("<PRINT>", line) + s64Lines);
   };
   // Whether its next lines reach the file; a line that was under way is let pass.
   const auto reachesTheFile = [&] {
@@ -146,16 +132,16 @@ TEST(PthreadSignalTest, WaitsUntilItMayRunAndRunsUntilItShallWait) {
     WaitForCount(capture, "Pthread Signal Test: running\n", 3);
     Command("kest_pthread_signal_test=wait");
     WaitForCount(capture, "Pthread signal: wait\n", 2);
-    const long s32Rounds = Count(capture, "Pthread Signal Test: running\n");
+    const int64_t s64Rounds = capture.Count("<PRINT>", "Pthread Signal Test: running\n");
     WaitForCount(capture, "Pthread signal: wait\n", 3);
     // A wait ends by itself; against a deadline of another clock it would have made a great many rounds by
     // now.
-    EXPECT_EQ(3, Count(capture, "Pthread signal: wait\n"));
-    EXPECT_EQ(s32Rounds + 1, Count(capture, "Pthread Signal Test: running\n"));
+    EXPECT_EQ(3, capture.Count("<PRINT>", "Pthread signal: wait\n"));
+    EXPECT_EQ(s64Rounds + 1, capture.Count("<PRINT>", "Pthread Signal Test: running\n"));
   }
-  EXPECT_EQ(1, Count(capture, "Pthread signal: start\n"));
-  EXPECT_EQ(3, Count(capture, "Pthread signal: continue\n"));
-  EXPECT_EQ(1, Count(capture, "Pthread Signal Test: end\n"));
+  EXPECT_EQ(1, capture.Count("<PRINT>", "Pthread signal: start\n"));
+  EXPECT_EQ(3, capture.Count("<PRINT>", "Pthread signal: continue\n"));
+  EXPECT_EQ(1, capture.Count("<PRINT>", "Pthread Signal Test: end\n"));
   EXPECT_EQ(Texts{}, capture.Texts("<WRN>"));
 }
 

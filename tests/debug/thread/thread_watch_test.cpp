@@ -4,8 +4,6 @@
 #include <atomic>
 #include <thread>
 
-#include "ze_kest/utility.h"
-
 #include "debug/thread/thread_commands.h"
 #include "tests/debug/registry/registry_fixture.h"
 

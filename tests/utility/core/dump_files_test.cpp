@@ -1,12 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <filesystem>
 
-#include <gtest/gtest.h>
-
-#include "ze_kest/utility.h"
-
-#include "tests/support/debug_layer.h"
-#include "tests/support/report_capture.h"
+#include "tests/support/library_test.h"
 
 namespace kest::test {
 namespace {
@@ -23,14 +18,11 @@ TEST(DumpFiles, EveryCallAppendsAndARingIsFollowedAcrossItsEnd) {
   EmptyDebugDirectory();
   EXPECT_EQ(ZE_KEST_OK, ze_kest_Utility_DumpBuffer(kDir, "dumped", "one,", 4));
   std::string file = "one,";
-  const struct {
-    size_t sztStart, sztSize;
-    const char *pszAppended;
-  } aCases[] = {
+  const std::tuple<size_t, size_t, const char *> aCases[] = {
       {2, 3, "234"}, {7, 3, "789"}, {8, 5, "89012"}, {10, 2, "01"}, {9, 22, "9012345678901234567890"}};
-  for (const auto &c : aCases) {
-    EXPECT_EQ(ZE_KEST_OK, DumpRing(kRing + c.sztStart, c.sztSize));
-    EXPECT_EQ(file += c.pszAppended, ReadFile(kPath));
+  for (const auto &[sztStart, sztSize, pszAppended] : aCases) {
+    EXPECT_EQ(ZE_KEST_OK, DumpRing(kRing + sztStart, sztSize));
+    EXPECT_EQ(file += pszAppended, ReadFile(kPath));
   }
 }
 

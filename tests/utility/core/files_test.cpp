@@ -1,31 +1,23 @@
 // SPDX-License-Identifier: Apache-2.0
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <sys/stat.h>
 
-#include "ze_kest/utility.h"
-
-#include "tests/support/debug_layer.h"
-#include "tests/support/report_capture.h"
+#include "tests/support/library_test.h"
 #include "utility/core/owned_file.h"
 #include "utility/core/owned_memory.h"
 
-using kest::OwnedFile;
-using kest::test::ReportCapture;
-using kest::test::WriteFile;
-
+namespace kest::test {
 namespace {
 
 constexpr const char *kPath = KEST_DEBUG_DIR "file";
 
 // All lines of a file with the contents, read through a scratch buffer of the size.
-std::vector<std::string> LinesOf(const std::string &contents, int s32ScratchSize) {
+Texts LinesOf(const std::string &contents, int s32ScratchSize) {
   WriteFile(kPath, contents);
   const OwnedFile file(ze_kest_Utility_FileOpen(kPath, "r"));
   std::vector<char> scratch(static_cast<size_t>(s32ScratchSize));
-  std::vector<std::string> lines;
+  Texts lines;
   while (true) {
-    const kest::Owned<char> line(ze_kest_Utility_FileReadLine(scratch.data(), s32ScratchSize, file.get()));
+    const Owned<char> line(ze_kest_Utility_FileReadLine(scratch.data(), s32ScratchSize, file.get()));
     if (line == nullptr) return lines;
     lines.emplace_back(line.get());
   }
@@ -81,13 +73,13 @@ TEST(Files, MissingArgumentsAreReportedAndAnswered) {
                            ze_kest_Utility_FileReadLine(nullptr, 4, file.get()),
                            ze_kest_Utility_FileReadLine(sz, 1, file.get()),
                            ze_kest_Utility_FileReadLine(sz, 4, nullptr)}),
-      testing::Each(nullptr));
+      Each(nullptr));
   EXPECT_THAT(
       (std::vector<size_t>{
           ze_kest_Utility_FileRead(nullptr, 1, 1, file.get()), ze_kest_Utility_FileRead(sz, 1, 1, nullptr),
           ze_kest_Utility_FileWrite(nullptr, 1, 1, file.get()), ze_kest_Utility_FileWrite(sz, 1, 1, nullptr),
           ze_kest_Utility_GetFileSize(nullptr)}),
-      testing::Each(0u));
+      Each(0u));
   EXPECT_EQ(EOF, ze_kest_Utility_FileClose(nullptr));
   EXPECT_NE(0, ze_kest_Utility_FileSeek(nullptr, 0, SEEK_SET));
   for (FILE *const pFile : {static_cast<FILE *>(nullptr), file.get()}) {
@@ -99,7 +91,7 @@ TEST(Files, MissingArgumentsAreReportedAndAnswered) {
 
 TEST(FileLine, LinesOfAnyLengthComeWholeAndWithoutTheirEnds) {
   const std::string longLine(1000, 'x');
-  const std::vector<std::string> expected = {"one", "", "two", longLine, "last"};
+  const Texts expected = {"one", "", "two", longLine, "last"};
   for (const char *pszEnd : {"\n", "\r\n"}) {
     std::string contents;
     for (const std::string &line : expected)
@@ -107,8 +99,8 @@ TEST(FileLine, LinesOfAnyLengthComeWholeAndWithoutTheirEnds) {
     for (const int s32Scratch : {2, 3, 8, 2000})
       EXPECT_EQ(expected, LinesOf(contents, s32Scratch));
   }
-  EXPECT_EQ((std::vector<std::string>{"a", "b"}), LinesOf("a\nb", 16));
-  EXPECT_EQ((std::vector<std::string>{"a"}), LinesOf("a\r", 16));
+  EXPECT_EQ((Texts{"a", "b"}), LinesOf("a\nb", 16));
+  EXPECT_EQ((Texts{"a"}), LinesOf("a\r", 16));
   EXPECT_TRUE(LinesOf("", 16).empty());
 }
 
@@ -118,7 +110,7 @@ TEST(FileToString, GivesTheWholeFileZeroFilledToTheNextPageAboveItsSize) {
     char *psz = nullptr;
     size_t sztRead = 0;
     ASSERT_EQ(ZE_KEST_OK, ze_kest_Utility_FileToString(kPath, &psz, &sztRead));
-    const kest::Owned<char> string(psz);
+    const Owned<char> string(psz);
     EXPECT_EQ(sztSize, sztRead);
     const size_t sztBuffer = (sztSize / 4096 + 1) * 4096;
     EXPECT_EQ(std::string(sztSize, 'j') + std::string(sztBuffer - sztSize, '\0'),
@@ -146,3 +138,5 @@ TEST(FileToString, WhatCannotBeReadFailsWithItsReport) {
   EXPECT_TRUE(capture.Has("<ERR>", "Err! ze_kest_Utility_FileOpen failed!\n"));
   EXPECT_TRUE(capture.Has("<ERR>", "Invalid file size.\n"));
 }
+
+}  // namespace kest::test

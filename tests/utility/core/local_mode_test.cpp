@@ -1,12 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <filesystem>
 
-#include <gtest/gtest.h>
 #include <sys/mount.h>
 
-#include "ze_kest/utility.h"
-
-#include "tests/support/debug_layer.h"
+#include "tests/support/library_test.h"
 
 TEST(LocalMode, IsOnWhenThePlatformsSoundCardIsThere) {
   if (!kest::test::MayMount()) GTEST_SKIP() << "no namespace of its own to mount in";

@@ -1,9 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include <gtest/gtest.h>
-
-#include "ze_kest/utility.h"
-
-#include "tests/support/report_capture.h"
+#include "tests/support/library_test.h"
 
 using kest::test::ReportCapture;
 

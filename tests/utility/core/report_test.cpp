@@ -1,15 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "utility/core/report.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
+#include "tests/support/library_test.h"
 
-#include "tests/support/debug_layer.h"
-#include "tests/support/report_capture.h"
-
-using kest::test::Report;
-using kest::test::ReportCapture;
-
+namespace kest::test {
 namespace {
 
 void ReportAtEveryLevel() {
@@ -49,14 +43,14 @@ TEST(Report, AReportPassesWhenTheLevelInForceIsAtLeastItsOwn) {
 }
 
 TEST(Report, ReachesTheLibrarysOwnLogWithNameAndLineAndPrintWithNeither) {
-  const kest::test::DebugLayer layer;
+  const DebugLayer layer;
   const ReportCapture capture(ZE_KEST_LEVEL_WRN);
-  const size_t sztBefore = kest::test::ReadFile(kest::test::kLogFile).size();
+  const size_t sztBefore = ReadFile(kLogFile).size();
   ReportAtEveryLevel();
-  const std::string log = kest::test::ReadFile(kest::test::kLogFile).substr(sztBefore);
-  EXPECT_THAT(log, testing::MatchesRegex(".*<ERR>\033\\[0mReportAtEveryLevel\\[[0-9]+ *]: e\n"
-                                         ".*<WRN>\033\\[0mReportAtEveryLevel\\[[0-9]+ *]: w\n"
-                                         "p\n"));
+  const std::string log = ReadFile(kLogFile).substr(sztBefore);
+  EXPECT_THAT(log, MatchesRegex(".*<ERR>\033\\[0mReportAtEveryLevel\\[[0-9]+ *]: e\n"
+                                ".*<WRN>\033\\[0mReportAtEveryLevel\\[[0-9]+ *]: w\n"
+                                "p\n"));
 }
 
 TEST(Report, AFailingThreadCallIsQuotedAsWrittenAndATimeoutIsSilent) {
@@ -70,3 +64,5 @@ TEST(Report, AFailingThreadCallIsQuotedAsWrittenAndATimeoutIsSilent) {
   EXPECT_EQ("SubStep", capture.Reports()[0].function);
   EXPECT_EQ("EINVAL + 0 error:22,Invalid argument \n", capture.Reports()[0].text);
 }
+
+}  // namespace kest::test

@@ -2,12 +2,9 @@
 #include "utility/core/shared_name.h"
 
 #include <atomic>
-#include <string>
 #include <thread>
 
-#include <gtest/gtest.h>
-
-#include "tests/support/report_capture.h"
+#include "tests/support/library_test.h"
 
 TEST(SharedName, IsTerminatedWithinItsFieldAtEveryMomentOfAWrite) {
   kest::NameField szField = "";

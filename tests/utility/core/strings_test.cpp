@@ -1,10 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <cstdlib>
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include "ze_kest/utility.h"
+#include "tests/support/library_test.h"
 
 TEST(Strings, StrcmpOrdersByLengthBeforeContents) {
   EXPECT_EQ(-1, ze_kest_Utility_Strcmp("b", "aa"));

@@ -3,31 +3,19 @@
 #pragma once
 
 #include <cstring>
-#include <string>
 
-#include <gtest/gtest.h>
-#include <sys/mman.h>
-#include <unistd.h>
-
-#include "ze_kest/utility.h"
+#include "tests/support/library_test.h"
+#include "tests/support/pages.h"
 
 namespace kest::test {
 
 class JsonText {
  public:
   // sztRoom: the bytes that the context is told to have for its tokens; 0 leaves what it has.
-  explicit JsonText(const std::string &text, size_t sztRoom = 0) {
-    const auto sztPage = static_cast<size_t>(sysconf(_SC_PAGESIZE));
-    const size_t sztReadable = (text.size() + sztPage - 1) / sztPage * sztPage;
-    sztMapped_ = sztReadable + sztPage;
-    pvMapped_ = mmap(nullptr, sztMapped_, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
-    char *pszText = static_cast<char *>(pvMapped_) + sztReadable - text.size();
-    memcpy(pszText, text.data(), text.size());
-    mprotect(static_cast<char *>(pvMapped_) + sztReadable, sztPage, PROT_NONE);
-
+  explicit JsonText(const std::string &text, size_t sztRoom = 0) : pages_({text.begin(), text.end()}) {
     memset(&st, 0xA5, sizeof(st));
     EXPECT_EQ(ZE_KEST_OK, ze_kest_Utility_Jsmn_Create(&st));
-    st.pszStringData = pszText;
+    st.pszStringData = static_cast<const char *>(static_cast<void *>(pages_.Data()));
     st.sztStringDataSize = text.size();
     if (sztRoom == 0) return;
     st.pstTokenInfo = static_cast<ZE_KEST_JsmnTokenInfo_s *>(realloc(st.pstTokenInfo, sztRoom));
@@ -37,10 +25,7 @@ class JsonText {
     const bool bFailed = st.pstTokenInfo == nullptr;  // then there is nothing to release
     EXPECT_EQ(bFailed ? ZE_KEST_INVALID_ARGUMENT : ZE_KEST_OK, ze_kest_Utility_Jsmn_Destroy(&st));
     EXPECT_EQ(bFailed, st.pszStringData != nullptr);
-    munmap(pvMapped_, sztMapped_);
   }
-  JsonText(const JsonText &) = delete;
-  JsonText &operator=(const JsonText &) = delete;
 
   uint32_t Fill() { return ze_kest_Utility_Jsmn_FillUpTokenInfo(&st); }
 
@@ -59,8 +44,7 @@ class JsonText {
   ZE_KEST_Jsmn_s st;
 
  private:
-  void *pvMapped_;
-  size_t sztMapped_;
+  Pages pages_;
 };
 
 }  // namespace kest::test

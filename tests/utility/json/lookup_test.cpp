@@ -1,11 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "tests/support/report_capture.h"
 #include "tests/utility/json/json_text.h"
 
-using kest::test::JsonText;
-using kest::test::Report;
-using kest::test::ReportCapture;
-
+namespace kest::test {
 namespace {
 
 constexpr int kNone = -1;        // no target; no match
@@ -46,12 +42,7 @@ class JsonLookup : public testing::Test {
 }  // namespace
 
 TEST_F(JsonLookup, ANameIsFoundAnywhereOrFromATargetToTheEndOfItsValue) {
-  const struct {
-    int s32Target;
-    const char *pszName;
-    int s32Found;
-    const char *pszReport;
-  } aLookups[] = {
+  const std::tuple<int, const char *, int, const char *> aLookups[] = {
       {kNone, "b", 3, ""},
       {kNone, "d", kNone, ""},  // "dd" only begins so
       {kNone, "ddd", kNone, ""},
@@ -67,10 +58,10 @@ TEST_F(JsonLookup, ANameIsFoundAnywhereOrFromATargetToTheEndOfItsValue) {
       {kStranger, "b", kNone, kCantFind},
       {kNone, nullptr, kNone, "pszDataName is NULL.\n"},
   };
-  for (const auto &lookup : aLookups) {
-    EXPECT_EQ(lookup.s32Found, Index(ze_kest_Utility_Jsmn_GetTokenInfo_ByDataName(
-                                   &json.st, Token(lookup.s32Target), lookup.pszName)));
-    EXPECT_EQ(lookup.pszReport, Reported()) << lookup.s32Target;
+  for (const auto &[s32Target, pszName, s32Found, pszReport] : aLookups) {
+    EXPECT_EQ(s32Found,
+              Index(ze_kest_Utility_Jsmn_GetTokenInfo_ByDataName(&json.st, Token(s32Target), pszName)));
+    EXPECT_EQ(pszReport, Reported()) << s32Target;
   }
 }
 
@@ -170,3 +161,5 @@ TEST_F(JsonLookup, ArgumentsAreCheckedInOrderAndReportedUnderTheOperationsName) 
   invalid("ReadData_ByTokenInfo", read(1, nullptr), "pszData is NULL.\n");
   invalid("ReadData_ByTokenInfo", read(1, &cData), "Invalid parameter: sztDataSize!\n");
 }
+
+}  // namespace kest::test

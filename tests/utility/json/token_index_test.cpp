@@ -1,15 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <filesystem>
 
-#include <gtest/gtest.h>
-
-#include "tests/support/debug_layer.h"
 #include "tests/support/ports.h"
-#include "tests/support/report_capture.h"
 #include "tests/utility/json/json_text.h"
 
-using kest::test::JsonText;
-using kest::test::ReportCapture;
+namespace kest::test {
+
 using namespace std::string_literals;
 
 namespace {
@@ -29,7 +25,7 @@ std::string Scribble(uint32_t u32Seed) {
   static const char *const apszBits[] = {"{",  "}",   "[", "]",       ",",   ":",  "\"a\"", "\"k\":", "1",
                                          "-2", "tru", " ", "{\"o\":", "[7,", "\\", "\"",    "\\u00",  "\x80"};
   std::string text;
-  for (const uint8_t u8 : kest::test::Noise(3 + u32Seed % 20, u32Seed))
+  for (const uint8_t u8 : Noise(3 + u32Seed % 20, u32Seed))
     text += apszBits[u8 % std::size(apszBits)];
   return text;
 }
@@ -69,7 +65,7 @@ TEST(TokenIndex, EveryTokenHasItsTypeItsExtentAndItsChildren) {
 }
 
 TEST(TokenIndex, WhatIsNoJsonGivesItsCodeAndTakesTheArrayAway) {
-  const std::pair<int, std::vector<std::string>> aCodes[] = {
+  const std::pair<int, Texts> aCodes[] = {
       {0, {"   \t\r\n", "\0{}"s, ":,"}},
       {-3, {"{\"a\":1", "[[]", "\"abc", "\"a\0\""s, "\"a\\", "\"\\u12", "[\"\\u", Repeated(100000, "[")}},
       {-2,
@@ -84,7 +80,7 @@ TEST(TokenIndex, WhatIsNoJsonGivesItsCodeAndTakesTheArrayAway) {
       EXPECT_EQ(ZE_KEST_FAILED, json.Fill()) << text;
       EXPECT_EQ(nullptr, json.st.pstTokenInfo);
       EXPECT_EQ(0u, json.st.sztTokenInfoSize);
-      EXPECT_EQ(capture.Texts("<ERR>"), std::vector<std::string>{report});
+      EXPECT_EQ(capture.Texts("<ERR>"), Texts{report});
     }
   }
 }
@@ -93,7 +89,7 @@ TEST(TokenIndex, ScribblesAndBinaryTextsStayInsideTheTextWhereverTheArrayGrows) 
   const ReportCapture capture(ZE_KEST_LEVEL_PRINT);
   for (uint32_t u32Seed = 0; u32Seed < 500; ++u32Seed) {
     ExpectGrowthLeavesNoTrace(Scribble(u32Seed));
-    const kest::test::Bytes noise = kest::test::Noise(u32Seed + 1, u32Seed);
+    const Bytes noise = Noise(u32Seed + 1, u32Seed);
     ExpectGrowthLeavesNoTrace(std::string(noise.begin(), noise.end()));
   }
 }
@@ -136,7 +132,7 @@ TEST(TokenIndex, FilesOfARealProjectAreReadToTheirEnds) {
     if (entry.path().extension() != ".json") continue;
     SCOPED_TRACE(entry.path());
     ++sztFiles;
-    const std::string text = kest::test::ReadFile(entry.path());
+    const std::string text = ReadFile(entry.path());
     JsonText json(text);
     JsonText roomy(text, text.size() * kToken);
     EXPECT_EQ(roomy.Tokens(), json.Tokens());
@@ -149,3 +145,5 @@ TEST(TokenIndex, FilesOfARealProjectAreReadToTheirEnds) {
   }
   if (sztFiles == 0) GTEST_SKIP() << "no JSON file below " KEST_TEST_JSON_DIR;
 }
+
+}  // namespace kest::test

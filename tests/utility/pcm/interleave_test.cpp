@@ -1,13 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-#include <gtest/gtest.h>
-
 #include "tests/support/ports.h"
 
+namespace kest::test {
 namespace {
-
-using kest::test::Bytes;
-using kest::test::Guarded;
-using kest::test::Noise;
 
 constexpr uint32_t kRing = 5;  // samples
 
@@ -34,7 +29,7 @@ void Model(const Move &m, Bytes &storage, Bytes &frames) {
 void ExpectLikeModel(const Move &m, uint32_t channels, uint32_t bits) {
   std::array<uint32_t, 3> slots = {};
   slots[m.group] = sztPcmGroupChNumber[m.group];
-  kest::test::Port port;
+  Port port;
   port.Pcm(m.bits, kRing, slots).sztPcmReadOffset = m.offset;
   port.st.stPcm.stPcmInfo.u32BitWidth = 0;
   std::fill_n(port.st.stPcm.astPcmGroup[m.group].as32ChMap, ZE_KEST_PCM_GROUP_SLOTS, -1);
@@ -79,3 +74,5 @@ TEST(Interleave, SlotsTakeTheirChannelOfTheFramesAndWrongFormatsCountAsStereoAnd
     if (m.bits == 16) ExpectLikeModel(m, given, 0);
   });
 }
+
+}  // namespace kest::test

@@ -1,12 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-#include <gtest/gtest.h>
-
 #include "tests/support/ports.h"
 
+namespace kest::test {
 namespace {
-
-using kest::test::Bytes;
-using kest::test::Port;
 
 constexpr uint32_t kSrcRing = 5;  // samples
 constexpr uint32_t kDstRing = 7;
@@ -71,3 +67,5 @@ TEST(NonInterleavedCopy, AFormatWithoutAWidthCountsAs16BitsOrAsTheSourceAndATooN
   ExpectLikeModel({1, 32, 10, 4, 5, 5}, 32, 0);
   ExpectLikeModel({1, 32, 10, 4, 5, 5}, 32, 16);
 }
+
+}  // namespace kest::test

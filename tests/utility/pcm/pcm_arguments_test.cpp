@@ -1,10 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // What the sample conversions do with arguments that are not right: code and report of every case.
-#include <gtest/gtest.h>
-
-#include "ze_kest/utility.h"
-
-#include "tests/support/report_capture.h"
+#include "tests/support/library_test.h"
 
 namespace {
 

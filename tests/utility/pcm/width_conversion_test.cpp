@@ -1,13 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-#include <gtest/gtest.h>
-
 #include "tests/support/ports.h"
 
+namespace kest::test {
 namespace {
-
-using kest::test::Bytes;
-using kest::test::Guarded;
-using kest::test::Noise;
 
 // A place in memory, aligned or not, as any of the interface's sample pointers.
 struct Place {
@@ -86,3 +81,5 @@ TEST(WidthConversion, ConvertsSampleBySampleWhereverSourceAndDestinationLie) {
     }
   }
 }
+
+}  // namespace kest::test

@@ -1,19 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
-#include <gtest/gtest.h>
-
-#include "ze_kest/utility.h"
-
-#include "tests/support/debug_layer.h"
 #include "tests/support/failing_allocator.h"
 #include "tests/support/fake_counters.h"
-#include "tests/support/report_capture.h"
+#include "tests/support/library_test.h"
 
-using kest::test::FailingAllocator;
-using kest::test::FakeCounters;
-using kest::test::OpenDescriptors;
-using kest::test::ReportCapture;
+namespace kest::test {
+
 using Counts = std::vector<uint64_t>;
-using Texts = std::vector<std::string>;
 
 namespace {
 
@@ -46,10 +38,7 @@ TEST_F(PerfEvent, AGroupIsOpenedStoppedForTheCallingThreadOutsideTheKernel) {
     attributes[5] = 97;
     const FakeCounters::Event &event = fake.events[e];
     EXPECT_EQ(attributes, event.attributes);
-    EXPECT_EQ(0, event.s32Pid);
-    EXPECT_EQ(-1, event.s32Cpu);
-    EXPECT_EQ(e == 0 ? -1 : fake.events[0].s32Fd, event.s32GroupFd);
-    EXPECT_EQ(0u, event.u32Flags);
+    EXPECT_THAT(event.arguments, ElementsAre(0, -1, e == 0 ? -1 : fake.events[0].s32Fd, 0));
     EXPECT_EQ(event.s32Fd, st.as32Fd[e]);
     EXPECT_EQ(event.u64Id, st.au64Id[e]);
   }
@@ -165,3 +154,5 @@ TEST_F(PerfEvent, TheKernelOfThisMachineCountsOrRefusesTheLeader) {
   tryIt();
   EXPECT_EQ(before, OpenDescriptors());
 }
+
+}  // namespace kest::test

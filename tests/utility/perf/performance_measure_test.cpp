@@ -1,27 +1,17 @@
 // SPDX-License-Identifier: Apache-2.0
-#include <gtest/gtest.h>
-
-#include "ze_kest/utility.h"
-
-#include "tests/support/debug_layer.h"
 #include "tests/support/failing_allocator.h"
 #include "tests/support/fake_counters.h"
 #include "tests/support/ports.h"
-#include "tests/support/report_capture.h"
 #include "utility/perf/perf_target.h"
 
-using kest::test::FailingAllocator;
-using kest::test::FakeCounters;
-using kest::test::Filter;
-using kest::test::OpenDescriptors;
-using kest::test::ReportCapture;
+namespace kest::test {
+
 using Measure = ZE_KEST_PerformanceMeasure_s;
-using Texts = std::vector<std::string>;
 
 namespace {
 
 void Select(const std::string &target) {
-  kest::_ZE_KEST_Debug_Cmd_SetPerfEventTarget(("kest_perf_event_target=" + target).c_str());
+  _ZE_KEST_Debug_Cmd_SetPerfEventTarget(("kest_perf_event_target=" + target).c_str());
 }
 
 struct Form {
@@ -121,26 +111,24 @@ TEST_F(PerformanceMeasure, NoTimeSinceTheFirstStartPrintsZeroes) {
 TEST_F(PerformanceMeasure, OnlyTheTargetIsMeasuredAndTheOthersTellHowTheyAreSelected) {
   const std::string pipelineLine = "[PERF_EVENT][echo kest_perf_event_target=pipeline,main >D]\n";
   const std::string filterLine = "[PERF_EVENT][echo kest_perf_event_target=filter,main:eq >D]\n";
-  const struct {
-    std::string target;
-    size_t events;  // opened by both forms together
-    Texts lines;    // of their stops
-  } cases[] = {{"pipeline,main", 3, {}},
-               {"pipeline,mai", 0, {}},
-               {"pipeline,main2", 0, {}},
-               {"pipeline,", 0, {pipelineLine}},
-               {"filter,main:eq", 3, {}},
-               {"filter,main:eq2", 0, {}},
-               {"filter,aux:eq", 0, {}},
-               {"filter,main:", 0, {filterLine}},
-               {"filter,:eq", 0, {filterLine}},
-               {"filter,aux:", 0, {}},
-               {"filter,:gain", 0, {}},
-               {"filter,:", 0, {}},
-               {"none", 0, {}}};
-  for (const auto &c : cases) {
+  // events: opened by both forms together
+  // lines: of their stops
+  const std::tuple<std::string, size_t, Texts> cases[] = {{"pipeline,main", 3, {}},
+                                                          {"pipeline,mai", 0, {}},
+                                                          {"pipeline,main2", 0, {}},
+                                                          {"pipeline,", 0, {pipelineLine}},
+                                                          {"filter,main:eq", 3, {}},
+                                                          {"filter,main:eq2", 0, {}},
+                                                          {"filter,aux:eq", 0, {}},
+                                                          {"filter,main:", 0, {filterLine}},
+                                                          {"filter,:eq", 0, {filterLine}},
+                                                          {"filter,aux:", 0, {}},
+                                                          {"filter,:gain", 0, {}},
+                                                          {"filter,:", 0, {}},
+                                                          {"none", 0, {}}};
+  for (const auto &[target, events, lines] : cases) {
     Select("none");
-    Select(c.target);
+    Select(target);
     Measure stPipeline = {};
     Measure stFilter = {};
     fake.events.clear();
@@ -149,9 +137,9 @@ TEST_F(PerformanceMeasure, OnlyTheTargetIsMeasuredAndTheOthersTellHowTheyAreSele
     Lines();
     EXPECT_EQ(ZE_KEST_OK, kPipeline.pfnStop(&stPipeline));
     EXPECT_EQ(ZE_KEST_OK, kFilter.pfnStop(&stFilter));
-    EXPECT_EQ(c.lines, Lines()) << c.target;
-    EXPECT_EQ(c.events, fake.events.size()) << c.target;
-    EXPECT_EQ(c.events / 3, stPipeline.u64Count + stFilter.u64Count) << c.target;
+    EXPECT_EQ(lines, Lines()) << target;
+    EXPECT_EQ(events, fake.events.size()) << target;
+    EXPECT_EQ(events / 3, stPipeline.u64Count + stFilter.u64Count) << target;
   }
 }
 
@@ -242,3 +230,5 @@ TEST_F(PerformanceMeasure, AMissingArgumentIsReportedUnderTheCalledFunction) {
   EXPECT_TRUE(capture.Has("<PRINT>", "[pipe:filter][(null)]Start"));
   EXPECT_EQ(ZE_KEST_OK, ze_kest_Utility_PerfEvent_Close(&st.stPerfEvent));
 }
+
+}  // namespace kest::test

@@ -1,13 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-#include <gtest/gtest.h>
-
 #include "tests/support/ports.h"
 
+namespace kest::test {
 namespace {
-
-using kest::test::Bytes;
-using kest::test::Guarded;
-using kest::test::Noise;
 
 struct Place {
   uint32_t size, offset, advance;
@@ -26,9 +21,8 @@ std::vector<Place> Places() {
 
 Bytes Model(Bytes dst, const Place &to, const Bytes &src, const Place &from, uint32_t count) {
   if (to.offset + to.advance > 2 * to.size || from.offset + from.advance > 2 * from.size) return dst;
-  for (uint32_t i = 0; i < std::min({count, to.size, from.size}); ++i) {
+  for (uint32_t i = 0; i < std::min({count, to.size, from.size}); ++i)
     dst[(to.offset + to.advance + i) % to.size] = src[(from.offset + from.advance + i) % from.size];
-  }
   return dst;
 }
 
@@ -53,3 +47,5 @@ TEST(ByteRing, CopiesInOrderFromAndToEveryPlace) {
     }
   }
 }
+
+}  // namespace kest::test

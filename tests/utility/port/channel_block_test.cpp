@@ -1,15 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "utility/port/channel_block.h"
 
-#include <gtest/gtest.h>
-
 #include "tests/support/ports.h"
 #include "utility/port/sample_kernel.h"
 
+namespace kest::test {
 namespace {
-
-using kest::test::Bytes;
-using kest::test::Noise;
 
 constexpr size_t kRing = 173;  // samples
 
@@ -42,9 +38,9 @@ void ExpectLikeOneByOne(const Shape &s) {
   Odd expectedRings = rings;
   Odd expectedLinear = linear;
   MoveOneByOne<Kernel>(s, expectedRings.Data(), expectedLinear.Data());
-  kest::MoveBlock<Kernel>({rings.Data(), ringBytes, linear.Data(), s.stride, s.channels},
-                          kest::PlanRing(ringBytes, s.start * Kernel::kRingBytes,
-                                         s.frames * Kernel::kRingBytes, Kernel::kRingBytes));
+  MoveBlock<Kernel>(
+      {rings.Data(), ringBytes, linear.Data(), s.stride, s.channels},
+      PlanRing(ringBytes, s.start * Kernel::kRingBytes, s.frames * Kernel::kRingBytes, Kernel::kRingBytes));
   ASSERT_TRUE(rings.all == expectedRings.all && linear.all == expectedLinear.all)
       << s.channels << " channels of " << s.stride << ", " << s.frames << " frames from " << s.start;
 }
@@ -53,9 +49,8 @@ template <typename Kernel>
 class ChannelBlock : public testing::Test {};
 
 using Kernels =
-    testing::Types<kest::ReadAsIs<2>, kest::ReadAsIs<3>, kest::ReadAsIs<4>, kest::ReadShifted<4, 2, -16>,
-                   kest::ReadShifted<2, 4, 8>, kest::ReadShifted<4, 4, -8>, kest::ReadShifted<2, 4, 16>,
-                   kest::WriteAsIs<2>, kest::WriteAsIs<3>, kest::WriteAsIs<4>>;
+    testing::Types<ReadAsIs<2>, ReadAsIs<3>, ReadAsIs<4>, ReadShifted<4, 2, -16>, ReadShifted<2, 4, 8>,
+                   ReadShifted<4, 4, -8>, ReadShifted<2, 4, 16>, WriteAsIs<2>, WriteAsIs<3>, WriteAsIs<4>>;
 TYPED_TEST_SUITE(ChannelBlock, Kernels);
 
 }  // namespace
@@ -70,3 +65,5 @@ TYPED_TEST(ChannelBlock, MovesEveryShapeAsOneByOneAndTouchesNothingElse) {
     }
   }
 }
+
+}  // namespace kest::test

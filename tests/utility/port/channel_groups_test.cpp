@@ -1,6 +1,4 @@
 // SPDX-License-Identifier: Apache-2.0
-#include <gmock/gmock.h>
-
 #include "tests/support/ports.h"
 
 namespace {

@@ -1,13 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-#include <gtest/gtest.h>
-
 #include "tests/support/ports.h"
 
+namespace kest::test {
 namespace {
-
-using kest::test::Bytes;
-using kest::test::Guarded;
-using kest::test::Noise;
 
 // What the conversions make of a sample, byte by byte; no bytes where they handle no such width.
 using Convert = Bytes (*)(const Bytes &);
@@ -44,9 +39,8 @@ struct Move {
 // Bytes beyond the ring's end are not written, and read as zero.
 void ModelSample(const Routine &routine, Bytes &ring, size_t at, uint8_t *pu8Linear, size_t width) {
   Bytes sample(width);
-  for (size_t j = 0; j < width && at + j < ring.size(); ++j) {
+  for (size_t j = 0; j < width && at + j < ring.size(); ++j)
     (routine.pfnRead ? sample[j] : ring[at + j]) = routine.pfnRead ? ring[at + j] : pu8Linear[j];
-  }
   const Bytes converted = routine.pfnConvert(sample);
   if (routine.pfnRead) std::copy(converted.begin(), converted.end(), pu8Linear);
 }
@@ -105,3 +99,5 @@ TEST(ChannelRing, MovesWhatTheModelMovesFromEveryPosition) {
     }
   }
 }
+
+}  // namespace kest::test

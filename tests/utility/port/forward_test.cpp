@@ -1,13 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-#include <gmock/gmock.h>
-
 #include "tests/support/ports.h"
-#include "tests/support/report_capture.h"
 
+namespace kest::test {
 namespace {
-
-using kest::test::Bytes;
-using kest::test::Noise;
 
 struct Kind {
   ZE_KEST_DataBuffer_s ZE_KEST_Port_s::*pRing;
@@ -18,7 +13,7 @@ const Kind kKinds[] = {{&ZE_KEST_Port_s::stMeta, ze_kest_Utility_WriteAllOutputP
                        {&ZE_KEST_Port_s::stRaw, ze_kest_Utility_WriteAllOutputPortRawBuffer, "Raw"}};
 
 // An input ring of 128 bytes that holds 100; two empty output rings of 64 bytes.
-struct Ports : kest::test::Filter {
+struct Ports : Filter {
   explicit Ports(const Kind &kind)
       : in(In(0).Ring(kind.pRing, 128)),
         out0(Out(0).Ring(kind.pRing, 64)),
@@ -56,7 +51,7 @@ TEST(Forward, UnreadBytesFollowWhatTheOutputsHoldAcrossBothEnds) {
 
 TEST(Forward, PortsThatCannotTakeTheDataArePassedOver) {
   for (const Kind &kind : kKinds) {
-    const kest::test::ReportCapture capture;
+    const ReportCapture capture;
     Ports ports(kind);
     ports.Out(0).st.bConnected = 0;
     ports.out1.sztSpace = 39;
@@ -75,7 +70,7 @@ TEST(Forward, PortsThatCannotTakeTheDataArePassedOver) {
 
 TEST(Forward, SizesThatContradictEachOtherAreReportedAndPassedOver) {
   for (const Kind &kind : kKinds) {
-    const kest::test::ReportCapture capture;
+    const ReportCapture capture;
     Ports ports(kind);
     ports.out0.sztLevel = 30;
     ports.out0.sztWriteSize = 10;
@@ -87,17 +82,19 @@ TEST(Forward, SizesThatContradictEachOtherAreReportedAndPassedOver) {
     ports.in.sztReadSize = 104;
     EXPECT_EQ(ZE_KEST_OK, kind.pfnForward(ports, 0, 25));
     EXPECT_THAT(capture.Texts("<ERR>"),
-                testing::ElementsAre("[pipe:filter]out" + kind.name + "BfOverflow[25][30][10][64]\n",
-                                     "[pipe:filter]out" + kind.name + "BfOverflow[25][30][4294967255][64]\n",
-                                     "[pipe:filter]In" + kind.name + "BfOverflow[25][104][128]\n"));
+                ElementsAre("[pipe:filter]out" + kind.name + "BfOverflow[25][30][10][64]\n",
+                            "[pipe:filter]out" + kind.name + "BfOverflow[25][30][4294967255][64]\n",
+                            "[pipe:filter]In" + kind.name + "BfOverflow[25][104][128]\n"));
   }
 }
 
 TEST(Forward, AnOutputWithAMetadataRingIsFoundConnectedOrNot) {
-  kest::test::Filter filter;
+  Filter filter;
   for (const uint32_t slot : {1u, 2u, 3u})
     filter.Out(slot).st.bConnected = slot == 2 ? 0 : 1;
   EXPECT_EQ(0u, ze_kest_Utility_IsOutputMetadataBufferExist(filter));
   filter.Out(2).st.stMeta.sztSize = 1;
   EXPECT_EQ(1u, ze_kest_Utility_IsOutputMetadataBufferExist(filter));
 }
+
+}  // namespace kest::test

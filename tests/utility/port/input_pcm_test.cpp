@@ -1,14 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-#include <gtest/gtest.h>
-
 #include "tests/support/ports.h"
-#include "tests/support/report_capture.h"
 
+namespace kest::test {
 namespace {
-
-using kest::test::Bytes;
-using kest::test::Filter;
-using kest::test::Guarded;
 
 struct Reader {
   uint32_t (*pfnRead)(const ZE_KEST_Filter_s *, uint32_t, void *, uint32_t, uint32_t, uint32_t, uint32_t);
@@ -107,7 +101,7 @@ TEST(InputPcm, OnlyA32BitReadAsIsGoesBeyondTheFirstChannelOfTheLastGroup) {
   struct Case {
     const Reader &reader;
     uint32_t bits, first, last;
-    std::vector<std::string> reports;
+    Texts reports;
   };
   const Case cases[] = {
       {kAsIs, 32, 0, 21, {}},
@@ -123,15 +117,16 @@ TEST(InputPcm, OnlyA32BitReadAsIsGoesBeyondTheFirstChannelOfTheLastGroup) {
   for (const Case &c : cases) {
     Filter filter;
     filter.In(0).Pcm(c.bits, 4, {2, 10, 10});
-    const kest::test::ReportCapture capture;
+    const ReportCapture capture;
     Bytes dst(88, 0x11);
     // One sample, so that the frame may claim any size.
     EXPECT_EQ(c.reports.empty() ? ZE_KEST_OK : ZE_KEST_FAILED,
               c.reader.pfnRead(filter, 0, dst.data(), 1, c.first, c.last, UINT32_MAX));
     EXPECT_EQ(c.reports, capture.Texts("<ERR>")) << c.first << '-' << c.last;
-    for (const kest::test::Report &report : capture.Reports()) {
+    for (const Report &report : capture.Reports())
       EXPECT_EQ(c.reader.pszFunction, report.function);
-    }
     EXPECT_EQ(c.first == 22, dst == Bytes(88, 0x11)) << "the channels before it are read";
   }
 }
+
+}  // namespace kest::test

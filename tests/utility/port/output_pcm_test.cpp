@@ -1,13 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-#include <gtest/gtest.h>
-
 #include "tests/support/ports.h"
 
+namespace kest::test {
 namespace {
-
-using kest::test::Bytes;
-using kest::test::Filter;
-using kest::test::Noise;
 
 constexpr uint32_t kSamples = 5;
 constexpr uint32_t kRing = 8;
@@ -47,11 +42,11 @@ struct Sources {
 template <typename Sample>
 void ExpectLikeModel(Filter &filter, bool bStraight) {
   const Sources<Sample> sources;
-  const kest::test::Port &port = filter.Out(0);
+  const Port &port = filter.Out(0);
   const ZE_KEST_PcmBuffer_s &pcm = port.st.stPcm;
   const uint32_t width = pcm.stPcmInfo.u32BitWidth / 8;
   const uint32_t position = (pcm.sztPcmLevel + pcm.sztPcmReadOffset) % kRing;
-  std::array<kest::test::Guarded, ZE_KEST_PCM_GROUPS> expected = port.groups;
+  std::array<Guarded, ZE_KEST_PCM_GROUPS> expected = port.groups;
   for (uint32_t entry = 0; entry < ZE_KEST_PCM_CHANNEL_ENTRIES; ++entry) {
     const uint32_t slot = entry % 12;
     const ZE_KEST_PcmGroup_s &group = pcm.astPcmGroup[entry / 12];
@@ -64,9 +59,8 @@ void ExpectLikeModel(Filter &filter, bool bStraight) {
         sources.au16Stride[entry], width);
   }
   ASSERT_EQ(ZE_KEST_OK, sources.Write(filter, kSamples));
-  for (uint32_t g = 0; g < ZE_KEST_PCM_GROUPS; ++g) {
+  for (uint32_t g = 0; g < ZE_KEST_PCM_GROUPS; ++g)
     ASSERT_EQ(expected[g].Content(), port.groups[g].Content()) << width << ' ' << g << ' ' << position;
-  }
   EXPECT_EQ(3u, pcm.sztPcmWriteSize) << "not part of the position, and a write commits nothing";
 }
 
@@ -94,9 +88,8 @@ TEST(OutputPcm, OnlyTheOptionWithABoundWritesStraightOn) {
   for (const uint32_t bits : {8u, 16u, 24u, 32u}) {
     for (const uint32_t bound : {ZE_KEST_NO_BOUND, 64u}) {
       for (const unsigned option : {0x00u, 0xFBu, 0x04u}) {
-        for (const uint32_t level : {1u, 7u}) {
+        for (const uint32_t level : {1u, 7u})
           ASSERT_NO_FATAL_FAILURE(ExpectMode(bits, bound, static_cast<uint8_t>(option), level)) << option;
-        }
       }
     }
   }
@@ -114,3 +107,5 @@ TEST(OutputPcm, AWriteToAllPassesOverPortsThatCannotBeWritten) {
   EXPECT_EQ(before, filter.Out(1).groups[0].Content());
   EXPECT_EQ(filter.Out(0).groups[0].Content(), filter.Out(3).groups[0].Content());
 }
+
+}  // namespace kest::test

@@ -1,8 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include <gmock/gmock.h>
-
 #include "tests/support/ports.h"
-#include "tests/support/report_capture.h"
 
 namespace {
 

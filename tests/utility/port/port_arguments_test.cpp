@@ -1,9 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // What the operations on ports do with arguments and records that are not right.
-#include <gtest/gtest.h>
 
 #include "tests/support/ports.h"
-#include "tests/support/report_capture.h"
 
 namespace {
 
@@ -97,9 +95,8 @@ TEST(PortArguments, AMissingOneIsReportedTheFilterFirstTheOthersBehindTheCheckOf
     ExpectReport(call, nullptr, 9, "pstFilter is NULL.\n");
   const Call asIs = {"_ZE_KEST_UTILITY_ReadInputCheckSanity", kMissing[0].pfn, ""};
   ExpectReport(asIs, nullptr, 9, "pstFilter is NULL.\n");
-  for (const Call &call : kMissing) {
+  for (const Call &call : kMissing)
     ExpectReport(call, ports, 0, std::string(call.pszMissing) + " is NULL.\n");
-  }
 }
 
 TEST(PortArguments, APortThatIsNotThereIsRefusedSilently) {

@@ -3,19 +3,12 @@
 #include <cstring>
 #include <filesystem>
 
-#include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "ze_kest/utility.h"
+#include "tests/support/library_test.h"
 
-#include "tests/support/debug_layer.h"
-#include "tests/support/report_capture.h"
-
-using kest::test::InAnotherProcess;
-using kest::test::OpenDescriptors;
-using kest::test::ReportCapture;
-
+namespace kest::test {
 namespace {
 
 constexpr const char *kBlockFile = KEST_DEBUG_DIR "shm_blk";
@@ -38,7 +31,7 @@ struct Block {
 class Shm : public testing::Test {
  protected:
   void SetUp() override {
-    kest::test::EmptyDebugDirectory();
+    EmptyDebugDirectory();
     const ReportCapture capture;  // the first report of the process opens the shared settings
     descriptors_ = OpenDescriptors();
   }
@@ -87,9 +80,8 @@ TEST_F(Shm, AnotherProcessSharesABlockAndOneItFreesStaysMappedWhileItsNameStarts
   const ReportCapture capture;
   EXPECT_EQ(ZE_KEST_OK, first.Free());
   const std::string end = " fails, errno=No such file or directory\n";
-  EXPECT_EQ(
-      (std::vector<std::string>{"Err! unlink " + (kLockFile + end), "Err! unlink " + (kBlockFile + end)}),
-      capture.Texts("<ERR>"));
+  EXPECT_EQ((Texts{"Err! unlink " + (kLockFile + end), "Err! unlink " + (kBlockFile + end)}),
+            capture.Texts("<ERR>"));
 }
 
 // A dangling link is not found by the plain open and is there for the exclusive one: what the loser of two
@@ -156,3 +148,5 @@ TEST_F(Shm, MissingArgumentsAreReportedAndAnswered) {
   EXPECT_EQ(8u, capture.Texts("<ERR>").size());
   EXPECT_FALSE(std::filesystem::exists(KEST_DEBUG_DIR "shm_n"));
 }
+
+}  // namespace kest::test

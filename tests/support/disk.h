@@ -1,0 +1,33 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <filesystem>
+
+#include <gtest/gtest.h>
+#include <sys/mount.h>
+
+#include "tests/support/debug_layer.h"
+
+namespace kest::test {
+
+// A disk of its own over the debug directory, for a test that may mount.
+class Disk {
+ public:
+  Disk(unsigned long u32Flags, const char *pszOptions) {
+    EXPECT_EQ(0, mount("kest-test", KEST_DEBUG_DIR, "tmpfs", u32Flags, pszOptions));
+  }
+  ~Disk() { EXPECT_EQ(0, umount2(KEST_DEBUG_DIR, MNT_DETACH)); }
+  Disk(const Disk &) = delete;
+  Disk &operator=(const Disk &) = delete;
+
+  static void Fill() {
+    WriteFile(kFiller, std::string(4 << 20, '.'));
+    EXPECT_EQ(0u, std::filesystem::space(KEST_DEBUG_DIR).available);
+  }
+  static void MakeRoom() { std::filesystem::remove(kFiller); }
+
+ private:
+  static constexpr const char *kFiller = KEST_DEBUG_DIR "filler";
+};
+
+}  // namespace kest::test
