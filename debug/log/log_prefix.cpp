@@ -39,7 +39,7 @@ char Digit(uint32_t u32Number) {
 
 PrefixMiddle g_middle;  // guarded by the log mutex
 
-// Everything from the ids, exclusive, to the milliseconds, inclusive.
+// The part between the ids and the label: version, restarts and time.
 bool AppendMiddle(LogLine &line) {
   struct timespec stNow = {};
   clock_gettime(CLOCK_REALTIME, &stNow);
