@@ -3,8 +3,7 @@
 
 namespace kest::player {
 
-// Blocks come ordered by source. A source's first block may have any number: its earlier ones may have been
-// consumed elsewhere.
+// Blocks come ordered by source. A source may begin with any number: the mixer has consumed the earlier ones.
 void MetadataCounter::Count(const MetadataBlock &block) {
   const bool follows =
       block.source == latest_.source ? block.number == latest_.number + 1 : block.source > latest_.source;
