@@ -121,8 +121,8 @@ extern "C" int LLVMFuzzerInitialize(int *, char ***) {
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *pu8Data, size_t sztSize) {
   using namespace kest::fuzz;
-  const Bytes text(
-      pu8Data, pu8Data + sztSize);  // exactly as large as the input, so that a sanitizer sees reads beyond it
+  // Exactly as large as the input, so that a sanitizer sees reads beyond it.
+  const Bytes text(pu8Data, pu8Data + sztSize);
   Context context(text);
   const uint32_t u32Result = ze_kest_Utility_Jsmn_FillUpTokenInfo(&context.st);
   CheckIndex(context, text);
