@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
-// Lines for the dispatcher, with the debug layer up, filters registered, and a processing cycle behind each.
+// Feeds lines to the dispatcher while the debug layer is up and filters are registered, and runs a processing
+// cycle after each line.
 //
-// An input is text, a NUL, and bytes for the filters. A line is a command, unless it begins with one of
-// kFrameworkCalls: then the framework does something.
+// An input is text, a NUL, and bytes for the filters. Each line of the text is a command, unless it begins
+// with a mark of kFrameworkCalls: then the framework makes that call.
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
@@ -27,7 +28,7 @@ constexpr const char *kMainPipe = "MainPipe";
 constexpr const char *kSpeaker = "SpeakerOutput";
 constexpr const char *kKinds[] = {"Mixer", "Lpcm", "Src", "Volume", "Delay", "Sync", "SpdifOutput", "Adc"};
 
-// What an input may have left switched on.
+// Undoes what an input may have left switched on.
 constexpr const char *kReset[] = {
     "kest_dump_io=off",
     "kest_latency=off",
@@ -67,7 +68,7 @@ unsigned int TakeCommand(ZE_KEST_Filter_s *pstFilter, signed char *pszCommand) {
   return strlen(reinterpret_cast<const char *>(pszCommand)) % 2 == 0 ? ZE_KEST_OK : ZE_KEST_INVALID_ARGUMENT;
 }
 
-// What is read is released, what is written is committed, and the next cycle has other amounts.
+// Releases what was read, commits what was written, and draws other amounts for the next cycle.
 void EndCycle(FuzzedDataProvider &bytes, uint32_t sztRing, uint32_t &sztOffset, uint32_t &sztLevel,
               uint32_t &sztSpace, uint32_t &sztRead, uint32_t &sztWritten) {
   if (sztRing == 0) return;
@@ -89,7 +90,7 @@ void EndCycle(FuzzedDataProvider &bytes, RandomPort *pst) {
   }
 }
 
-// Three filters in two pipelines, registered for their lifetime.
+// Three filters in two pipelines, registered in the constructor.
 class Framework {
  public:
   explicit Framework(FuzzedDataProvider &bytes) : bytes_(bytes) {
@@ -119,7 +120,7 @@ class Framework {
   void Connect(const char *pszName) { ze_kest_Debug_ConnectPipeline(kMainPipe, pszName); }
   void Disconnect(const char *pszName) { ze_kest_Debug_DisconnectPipeline(kMainPipe, pszName); }
 
-  // Cycles enough for a latency measurement to become silent and to make its burst.
+  // Enough cycles for a latency measurement to go through its silence and insert its burst.
   void StartLatency(const char *) {
     for (uint32_t i = 0; i <= kSilentCycles; ++i) {
       for (const auto &filter : filters_)
@@ -157,7 +158,7 @@ constexpr struct {
 };
 
 void CarryOut(Framework &framework, const std::string &line) {
-  // Of exactly its size, so that reading beyond it is seen.
+  // Exactly as large as the line, so that a sanitizer sees reads beyond it.
   const std::vector<char> text(line.c_str(), line.c_str() + line.size() + 1);
   for (const auto &call : kFrameworkCalls) {
     if (text[0] == call.cMark) return (framework.*call.pfnCall)(text.data() + 1);
@@ -175,7 +176,7 @@ void CarryOutLines(Framework &framework, const std::string &text) {
   }
 }
 
-// The command pipe and the shared block stay.
+// Keeps the command pipe and the shared block.
 void EmptyDebugDirectory() {
   for (const auto &entry : std::filesystem::directory_iterator(KEST_DEBUG_DIR)) {
     const std::string name = entry.path().filename();
@@ -189,7 +190,7 @@ void Reset() {
   EmptyDebugDirectory();
 }
 
-// Before the library's own end, which waits for a last line.
+// Not by shutting the library down, which would wait for one more line.
 void EndTestThreadsOf(const std::string &text) {
   if (text.find("create_test") == std::string::npos) return;
   kest::EndTestThreads();
@@ -217,7 +218,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *pu8Data, size_t sztSize) {
   const std::string text(pu8Data, pu8TextEnd);
   const uint8_t *pu8Bytes = std::min(pu8TextEnd + 1, pu8Data + sztSize);
   const auto sztBytes = static_cast<size_t>(pu8Data + sztSize - pu8Bytes);
-  // A file for the command that reads one.
+  // The file for the command that reads one.
   std::ofstream("j.json").write(reinterpret_cast<const char *>(pu8Bytes),
                                 static_cast<std::streamsize>(sztBytes));
   const Bytes input = WithNoise(pu8Bytes, sztBytes);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// What a harness expects; anything else ends the run with a description.
+// The expectations of a harness. A violated one ends the run with a description.
 #pragma once
 
 #include <cstdio>

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// The JSON reader on any bytes: its index is the one that the tokenizer alone makes, and every look-up is
-// made.
+// Runs the JSON reader on arbitrary bytes. Its index must be the one that the tokenizer alone makes, and
+// every look-up must match a simple model.
 #include "ze_kest/json.h"
 
 #include <cstring>
@@ -42,7 +42,7 @@ class Context {
   ZE_KEST_Jsmn_s st;
 };
 
-// The first string from an index on that reads like the name; the number of tokens for none.
+// The first string, from an index on, whose text is the name; the number of tokens when there is none.
 uint32_t FirstNamed(const Context &context, uint32_t u32Idx, const char *pszName) {
   const auto named = [&](const Token &token) {
     return token.type == ZE_KEST_JSMN_STRING && context.Text(token) == pszName;
@@ -121,7 +121,8 @@ extern "C" int LLVMFuzzerInitialize(int *, char ***) {
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *pu8Data, size_t sztSize) {
   using namespace kest::fuzz;
-  const Bytes text(pu8Data, pu8Data + sztSize);  // of exactly its size, so that reading beyond it is seen
+  // Exactly as large as the input, so that a sanitizer sees reads beyond it.
+  const Bytes text(pu8Data, pu8Data + sztSize);
   Context context(text);
   const uint32_t u32Result = ze_kest_Utility_Jsmn_FillUpTokenInfo(&context.st);
   CheckIndex(context, text);

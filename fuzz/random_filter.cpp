@@ -11,7 +11,7 @@ constexpr size_t kNoiseBytes = 4096;
 constexpr uint32_t kChannels[ZE_KEST_PCM_GROUPS] = {2, 10, 10};
 constexpr uint32_t kOdd[] = {0, 1, 15, 16, 63, 64, 65, 127, 0x7FFFFFFF, 0x80000000, 0xFFFFFFF0, 0xFFFFFFFF};
 
-// A number up to a limit, or any when the records may contradict each other.
+// A number up to a limit, or an odd one when the records may contradict each other.
 uint32_t UpTo(FuzzedDataProvider &bytes, uint32_t u32Most, Records records) {
   if (records == Records::kContradictory && bytes.ConsumeIntegralInRange(0, 3) == 0) {
     return bytes.PickValueInArray(kOdd);
@@ -51,7 +51,7 @@ void FillSide(FuzzedDataProvider &bytes, std::array<RandomPort, ZE_KEST_MAX_PORT
 
 Bytes Noise(size_t sztCount, uint32_t u32Seed) {
   Bytes bytes;
-  bytes.reserve(std::max<size_t>(sztCount, 1));  // no bytes are at some address too
+  bytes.reserve(std::max<size_t>(sztCount, 1));  // so that an empty buffer has an address, too
   bytes.resize(sztCount);
   for (uint8_t &u8Byte : bytes) {
     u32Seed = u32Seed * 1664525u + 1013904223u;
@@ -65,7 +65,7 @@ Bytes WithNoise(const uint8_t *pu8Data, size_t sztSize) {
   for (size_t i = 0; i < sztSize; ++i)
     u32Seed = u32Seed * 31 + pu8Data[i];
   Bytes bytes = Noise(kNoiseBytes, u32Seed);
-  // Numbers are drawn from the end.
+  // FuzzedDataProvider draws numbers from the end, so the input comes last.
   bytes.insert(bytes.end(), pu8Data, pu8Data + sztSize);
   return bytes;
 }
@@ -74,7 +74,7 @@ void RandomPort::Fill(FuzzedDataProvider &bytes, Records records) {
   st.bConnected = bytes.ConsumeIntegralInRange<uint32_t>(0, 3);
   FillPcm(bytes, records);
   FillRing(bytes, st.stRaw, raw, bytes.ConsumeIntegralInRange<uint32_t>(0, 100), records);
-  // Of a length at which no header straddles the end.
+  // A multiple of the header's size, so that no header straddles the end.
   FillRing(bytes, st.stMeta, meta, bytes.ConsumeIntegralInRange<uint32_t>(0, 20) * 16, records);
   if (records != Records::kContradictory && !meta.empty()) FillBlocks(bytes);
 }
@@ -93,7 +93,7 @@ void RandomPort::FillPcm(FuzzedDataProvider &bytes, Records records) {
   for (uint32_t u32Group = 0; u32Group < ZE_KEST_PCM_GROUPS; ++u32Group)
     FillGroup(bytes, u32Group, records);
   if (OneIn(bytes, 8)) pcm.stPcmInfo.u32TotalChannels = 1;
-  // The storage is that of the width above: a smaller one, odd as it may be, stays inside.
+  // The storage fits the width above, so any smaller width, however odd, stays inside it.
   if (records == Records::kContradictory && OneIn(bytes, 4)) {
     pcm.stPcmInfo.u32BitWidth = bytes.ConsumeIntegralInRange<uint32_t>(0, pcm.stPcmInfo.u32BitWidth);
   }
@@ -121,7 +121,7 @@ void RandomPort::FillGroup(FuzzedDataProvider &bytes, uint32_t u32Group, Records
   if (group.ePcmGroupType != -1) pcm.stPcmInfo.u32TotalChannels += group.u32ChannelCount;
 }
 
-// Whole blocks make up the level, and some of them the read size.
+// Fills the level with whole blocks; the read size covers some of them.
 void RandomPort::FillBlocks(FuzzedDataProvider &bytes) {
   ZE_KEST_DataBuffer_s &ring = st.stMeta;
   ring.sztReadOffset -= ring.sztReadOffset % 16;

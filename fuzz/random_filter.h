@@ -12,21 +12,21 @@
 
 namespace kest::fuzz {
 
-// Bytes in which a shifted or swapped copy does not look right by accident.
+// Bytes chosen so that a shifted or swapped copy does not look right by accident.
 Bytes Noise(size_t sztCount, uint32_t u32Seed);
 
-// An input and behind it noise that depends on it, so that also a short input is a whole scenario: numbers
-// are drawn from the input first.
+// The input plus noise that depends on it, so that even a short input makes a whole scenario. Numbers are
+// drawn from the input first.
 Bytes WithNoise(const uint8_t *pu8Data, size_t sztSize);
 
-// What is random about a filter.
+// How the records of a filter are drawn.
 enum class Records {
-  kConsistent,     // records as a framework keeps them, storage for every channel of a group
-  kTight,          // the same, with storage for the slots in use alone
+  kConsistent,     // as a framework keeps them, with storage for every channel of a group
+  kTight,          // the same, with storage only for the slots in use
   kContradictory,  // levels, offsets and counts that contradict each other
 };
 
-// Every ring lies alone on the heap in just its size, so that a sanitizer sees an access beside it.
+// Every ring has its own heap block of exactly its size, so that a sanitizer sees any access beside it.
 struct RandomPort {
   void Fill(FuzzedDataProvider &bytes, Records records);
 
@@ -41,7 +41,8 @@ struct RandomPort {
   void FillBlocks(FuzzedDataProvider &bytes);
 };
 
-// A copy is an image: the same contents, while the pointers in its records are those of the original.
+// A copy is an image: it has the same contents, but the pointers in its records still point into the
+// original.
 struct RandomFilter {
   RandomFilter(FuzzedDataProvider &bytes, Records records, const char *pszPipeline, const char *pszFilter);
 

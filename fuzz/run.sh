@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# Fuzzes: run.sh SECONDS [commands|json|ports ...], all of them when none is named. One line for each; ends
-# non-zero when something was found, with what shows it in build/fuzz/NAME-crash-... (or -timeout-, -leak-,
-# -oom-). To see it again:
+# run.sh SECONDS [commands|json|ports ...]: runs the named fuzzers, or all of them, and prints a line for each. Exits
+# non-zero on a finding; the input that shows it is in build/fuzz/NAME-crash-... (or -timeout-, -leak-, -oom-). To
+# reproduce it:
 #   tests/support/in_namespace.sh build/fuzz/kest-fuzz-NAME build/fuzz/NAME-crash-...
 source "$(dirname "${BASH_SOURCE[0]}")/../scripts/common.sh"
 
@@ -11,7 +11,7 @@ shift
 [ $# -gt 0 ] || set -- commands json ports
 declare -A longest_input=([commands]=2048 [json]=8192 [ports]=512)
 for name in "$@"; do
-  [ -n "${longest_input[$name]:-}" ] || fail "There is no fuzzer $name, but commands, json and ports."
+  [ -n "${longest_input[$name]:-}" ] || fail "There is no fuzzer $name; there are commands, json and ports."
 done
 
 in_namespace="$root/tests/support/in_namespace.sh"
@@ -20,10 +20,10 @@ need "${build_packages[@]}" clang libclang-rt-14-dev
 build_preset fuzz
 out="$root/build/fuzz"
 
-# The last of the lines of a log that the expression finds something in.
+# The last match of an expression in a log.
 last_of() { grep -aoE "$1" "$2" | tail -n 1 || true; }
 
-# New ways through the code are kept in build/fuzz/corpus/, for the next run to begin with.
+# Inputs that reach new code are kept in build/fuzz/corpus/; the next run starts with them.
 fuzz() {
   local name=$1 verdict="nothing found"
   local log="$out/$name.log" corpora=("$out/corpus/$name") options=()

@@ -3,8 +3,7 @@
 
 namespace kest::fuzz {
 
-// Switches every level on and drops what reaches the Android log: reports are put together, nobody reads
-// them.
+// Switches every level on and drops what reaches the Android log: reports are formatted but not printed.
 void SilenceLog();
 
 }  // namespace kest::fuzz

@@ -26,7 +26,7 @@ int32_t ToFixedPoint(double sample) {
   return static_cast<int32_t>(std::llrint(scaled));
 }
 
-// A pipe would keep the player waiting where no signal ends it.
+// Opening or reading a pipe could block the player where no signal ends the wait.
 UniqueFd OpenRegularFile(const std::string &path) {
   UniqueFd fd(open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
   if (!fd.IsOpen()) throw PlayerError("cannot read " + path + ": " + std::strerror(errno));
@@ -43,7 +43,7 @@ AudioReader::AudioReader(const std::string &path) : path_(path), fd_(OpenRegular
   file_.reset(sf_open_fd(fd_.Get(), SFM_READ, &info_, SF_FALSE));
   if (!file_) {
     throw PlayerError(
-        path + " is not an audio file that can be read (WAV, FLAC and OGG can): " + sf_strerror(nullptr));
+        path + " is not an audio file that can be read (WAV, FLAC and OGG can be): " + sf_strerror(nullptr));
   }
   if (SampleRate() < kMinSampleRate || SampleRate() > kMaxSampleRate) {
     throw PlayerError(path + " has an unsupported sample rate of " + std::to_string(info_.samplerate) +
@@ -112,7 +112,7 @@ uint32_t AudioReader::Checked(sf_count_t framesRead, uint32_t framesWanted) cons
 
 void AudioReader::Rewind() {
   if (sf_seek(file_.get(), 0, SEEK_SET) < 0) {
-    throw PlayerError("cannot begin " + path_ + " anew: " + sf_strerror(file_.get()));
+    throw PlayerError("cannot rewind " + path_ + ": " + sf_strerror(file_.get()));
   }
 }
 

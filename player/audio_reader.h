@@ -12,7 +12,7 @@
 
 namespace kest::player {
 
-// What a sample of a file holds. Floating-point and lossy formats count as 32 bits.
+// The width of a file's samples. Floating-point and lossy formats count as 32 bits.
 enum class SampleBits : uint32_t { k16 = 16, k24 = 24, k32 = 32 };
 
 class AudioReader {
@@ -27,8 +27,8 @@ class AudioReader {
   [[nodiscard]] SampleBits Bits() const;
   [[nodiscard]] int Descriptor() const { return fd_.Get(); }
 
-  // Reads interleaved frames, left-aligned in the sample; floating-point ones saturate at full scale. Fewer
-  // than asked for at the end of the file. Throws PlayerError when the file is damaged.
+  // Reads interleaved frames, samples left-aligned; floating-point samples saturate at full scale. Returns
+  // fewer frames than asked for only at the end of the file. Throws PlayerError when the file is damaged.
   uint32_t Read(int16_t *interleaved, uint32_t frames);
   uint32_t Read(int32_t *interleaved, uint32_t frames);
   void Rewind();

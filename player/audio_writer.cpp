@@ -13,7 +13,7 @@ namespace kest::player {
 namespace {
 
 constexpr mode_t kFileMode = 0666;
-// Sizes in a WAV file have 32 bits; the rest is for the headers.
+// Sizes in a WAV file have 32 bits; the remainder is room for the headers.
 constexpr uint64_t kMaxDataBytes = UINT32_MAX - 4096;
 
 int SubFormat(SampleBits bits) {
@@ -28,7 +28,7 @@ int SubFormat(SampleBits bits) {
   return SF_FORMAT_PCM_32;
 }
 
-// More than two channels need the header that can say where they belong.
+// With more than two channels the header must say which speakers they belong to.
 int FileFormat(const AudioReader &model) {
   return model.Channels() > 2 ? SF_FORMAT_WAVEX : SF_FORMAT_WAV;
 }

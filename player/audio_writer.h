@@ -14,8 +14,8 @@ namespace kest::player {
 
 class AudioWriter {
  public:
-  // The file gets the layout, rate and sample width of the model; an existing one is overwritten.
-  // Throws PlayerError when it cannot be created.
+  // The file takes channels, rate and sample width from the model; an existing file is overwritten. Throws
+  // PlayerError when it cannot be created.
   AudioWriter(const std::string &path, const AudioReader &model);
   AudioWriter(AudioWriter &&other) noexcept;
   AudioWriter &operator=(AudioWriter &&) = delete;

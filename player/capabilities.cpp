@@ -38,7 +38,7 @@ std::vector<SupportedParameter> ListParameters() {
   return list;
 }
 
-// A WAV file takes none of the compressed formats that the status shows.
+// A WAV file takes none of the compressed formats that the status report shows.
 std::array<uint8_t, ZE_KEST_SAD_SIZE> OutputFormats() {
   constexpr size_t kLpcm = 1;
   constexpr size_t kEntrySize = 24;

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
-// What the player can do, for the library's lists.
+// Tells the library what the player can do, for its lists.
 #pragma once
 
 namespace kest::player {
 
-// Hands the library the parameters of every kind of filter and the formats that the output takes.
+// Passes the library the parameters of every kind of filter and the formats that the output takes.
 void AnnounceCapabilities();
 
 }  // namespace kest::player

@@ -17,31 +17,32 @@ constexpr const char *kDirectory = KEST_DEBUG_DIR;
 constexpr const char *kCommandPipe = KEST_DEBUG_DIR "D";
 constexpr const char *kLogFile = KEST_DEBUG_DIR "KestLog.txt";
 
-void WarnOfDirectory() {
+void WarnAboutDirectory() {
   std::cerr << "kest-player: there will be no log and no command pipe: " << kDirectory << ": "
             << std::strerror(errno) << "\n"
             << "kest-player: to have them, run  mkdir -p " << kDirectory
             << "  and make the directory writable for you\n";
 }
 
-// What a player of another user has left, or uses.
-void WarnOfFile(const char *path) {
+// Warns of a file that another user's player has left behind or is using.
+void WarnAboutFile(const char *path) {
   if (access(path, R_OK | W_OK) == 0 || errno == ENOENT) return;
   std::cerr << "kest-player: " << path << " cannot be used: " << std::strerror(errno)
-            << "; play as the user whom it belongs to, or remove it when nobody plays\n";
+            << "; run as the user it belongs to, or remove it while no player is running\n";
 }
 
-void WarnOfWhatIsMissing() {
-  if (access(kDirectory, W_OK | X_OK) != 0) return WarnOfDirectory();
-  WarnOfFile(kCommandPipe);
-  WarnOfFile(kLogFile);
+void WarnAboutWhatIsMissing() {
+  if (access(kDirectory, W_OK | X_OK) != 0) return WarnAboutDirectory();
+  WarnAboutFile(kCommandPipe);
+  WarnAboutFile(kLogFile);
 }
 
 }  // namespace
 
 DebugSession::DebugSession() {
-  WarnOfWhatIsMissing();
-  // The library changes the umask when it creates shared files; the player's output keeps the user's.
+  WarnAboutWhatIsMissing();
+  // The library changes the umask when it creates shared files; the player's output must be created with the
+  // user's own.
   const mode_t userMask = umask(0);
   umask(userMask);
   ze_kest_Debug_Init();

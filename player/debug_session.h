@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// The library's debug layer, up while this lives.
+// Keeps the library's debug layer up for as long as the object exists.
 #pragma once
 
 #include "player/pipe_waker.h"
@@ -8,7 +8,7 @@ namespace kest::player {
 
 class DebugSession {
  public:
-  // Says on stderr when there will be no log or no command pipe. The process has to ignore SIGPIPE.
+  // Warns on stderr when there will be no log or no command pipe. The process must ignore SIGPIPE.
   DebugSession();
   ~DebugSession();
   DebugSession(const DebugSession &) = delete;

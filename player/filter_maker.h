@@ -12,11 +12,11 @@
 
 namespace kest::player {
 
-// What a filter is made of besides its settings.
+// What a filter is made from besides its own settings.
 struct FilterMaterial {
   const PcmFormat &format;
   const Options &options;
-  AudioReader &reader;  // of the pipeline's input, which takes it; for the output its model
+  AudioReader &reader;  // Lpcm takes over its input's reader; the output copies the format
   uint32_t source;      // number of the input, from 1
 };
 

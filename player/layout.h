@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// What is played: the pipelines, the filters in them and the filters' settings.
+// What to play: the pipelines, their filters and the filters' settings.
 #pragma once
 
 #include <string>
@@ -24,14 +24,14 @@ struct PipelineLayout {
   std::vector<FilterLayout> filters;  // in the order of the chain
 };
 
-// The inputs begin with Lpcm and feed the output, which begins with Mixer and ends with SpeakerOutput.
+// Each input begins with Lpcm and feeds the output, which begins with Mixer and ends with SpeakerOutput.
 struct Layout {
   std::vector<PipelineLayout> inputs;  // 1 to ZE_KEST_MAX_PORTS
   PipelineLayout output;
 };
 
-// The layout of the configuration file, or the usual one around the command line's files and settings. Throws
-// PlayerError when the configuration is wrong.
+// The layout from the configuration file, or the default one with the files and settings of the command line.
+// Throws PlayerError when the configuration is wrong.
 Layout MakeLayout(const Options &options);
 
 }  // namespace kest::player

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// kest-player: plays audio files through pipelines of filters that work through the library.
+// kest-player: plays audio files through pipelines of filters that use the library.
 #include <algorithm>
 #include <csignal>
 #include <cstdio>
@@ -21,13 +21,13 @@ namespace {
 
 constexpr timespec kWatchPeriod = {0, 20'000'000};
 
-// Whether the run was started so that it outlives its terminal, as nohup does.
+// Whether the run is meant to outlive its terminal, as with nohup.
 bool IsHangUpIgnored() {
   struct sigaction hangUp {};
   return sigaction(SIGHUP, nullptr, &hangUp) == 0 && hangUp.sa_handler == SIG_IGN;
 }
 
-// The signals that end a run, blocked in every thread and taken by the main thread alone.
+// Blocks the signals that end a run in every thread; the main thread alone waits for them.
 sigset_t BlockEndSignals() {
   sigset_t set;
   sigemptyset(&set);
@@ -67,7 +67,7 @@ int Main(int argc, char **argv) {
   const Options &options = std::get<Options>(parsed);
 
   const sigset_t endSignals = BlockEndSignals();
-  // Who no longer reads what is printed, or the command pipe, does not end the run.
+  // The run must survive readers that close the output or the command pipe.
   std::signal(SIGPIPE, SIG_IGN);
   __android_log_set_logger(options.logcat ? LogToStderr : LogNowhere);
   const DebugSession session;

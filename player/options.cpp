@@ -32,7 +32,7 @@ constexpr const char *kFooter =
     "settings. 1 to 8 pipelines feed the one named SpeakerOutput:\n"
     "  input          Lpcm, then any of Volume and Delay\n"
     "  SpeakerOutput  Mixer, then any of Volume and Delay, then SpeakerOutput\n"
-    "Settings: \"file\" of Lpcm and SpeakerOutput, counted from the configuration's\n"
+    "Settings: \"file\" of Lpcm and SpeakerOutput, relative to the configuration's\n"
     "directory; \"gain_db\" of Volume and \"delay_ms\" of Delay, 0 when left out.\n"
     "\n"
     "Exit code: 0 played, also when ended by SIGINT, SIGTERM or SIGHUP; 1 an error; 2 a\n"
@@ -62,8 +62,8 @@ void AddOptions(CLI::App &app, Options &options) {
                  "Read files, pipelines, filters and their settings from a JSON file")
       ->type_name("FILE");
   app.add_flag("--fast", options.fast, "Play as fast as possible instead of in real time");
-  app.add_flag("--loop", options.loop, "Begin an input anew when it has ended");
-  app.add_option("--seconds", options.seconds, "End after so many seconds of output")
+  app.add_flag("--loop", options.loop, "Start an input over when it has ended");
+  app.add_option("--seconds", options.seconds, "End after this many seconds of output")
       ->check(CheckSeconds)
       ->type_name("N");
   app.add_option("--gain-db", options.gainDb, "Gain of every input, whole decibels")
@@ -73,16 +73,16 @@ void AddOptions(CLI::App &app, Options &options) {
       ->check(CLI::Range(0u, Delay::kMaxDelayMs))
       ->type_name("N");
   app.add_flag("--wide", options.wide,
-               "Use 32-bit samples in the pipelines also where 16 bits hold the input");
+               "Use 32-bit samples in the pipelines even where 16 bits hold the input");
   app.add_flag("--logcat", options.logcat, "Show the library's Android log on stderr");
 }
 
-// A configuration takes the place of these; without one there is nothing to play unless they are given.
+// With --config these options are refused; without it the files must be given.
 void CheckSourceOfLayout(const CLI::App &app) {
   const bool hasConfig = app.count("--config") > 0;
   for (const char *name : {"IN", "--output", "--gain-db", "--delay-ms"}) {
     if (hasConfig && app.count(name) > 0) {
-      throw CLI::ValidationError(name, "cannot be given with --config, whose file says it");
+      throw CLI::ValidationError(name, "cannot be given with --config; the configuration file sets it");
     }
   }
   for (const char *name : {"IN", "--output"}) {
@@ -90,7 +90,7 @@ void CheckSourceOfLayout(const CLI::App &app) {
   }
 }
 
-// What would fill the disk without anybody hearing it.
+// Refuses a run that would fill the disk without anybody hearing it.
 void RefuseEndlessFastRun(const Options &options) {
   if (options.fast && options.loop && !options.seconds) {
     throw CLI::ValidationError("--loop with --fast never ends", "say how long with --seconds");

@@ -23,8 +23,8 @@ struct Options {
   bool logcat = false;
 };
 
-// The options, or the exit code when the command line asked for help or was wrong (which has then been
-// printed).
+// The options, or the exit code when the command line asked for help or was wrong; the help or the error has
+// then been printed.
 std::variant<Options, int> ParseOptions(int argc, const char *const *argv);
 
 }  // namespace kest::player

@@ -14,8 +14,8 @@ namespace {
 constexpr const char *kCommandPipe = KEST_DEBUG_DIR "D";
 constexpr std::chrono::milliseconds kPeriod{50};
 
-// Nothing to do when it fails: nobody reads, or the pipe is full of lines. A file in the pipe's place is
-// somebody's.
+// Failures are ignored: nobody reads the pipe, or it is full of lines. A regular file in its place belongs to
+// somebody and is left alone.
 void WriteLine() {
   const UniqueFd pipe(open(kCommandPipe, O_WRONLY | O_NONBLOCK | O_CLOEXEC));
   struct stat opened = {};

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 // Writes empty lines into the command pipe.
 //
-// The end of the debug layer waits until the command thread has read one more line. Another process on the
-// same pipe may take that line, so this writes them until it is destroyed.
+// Shutting down the debug layer waits until the command thread has read one more line. Another process on the
+// same pipe may take that line, so this class keeps writing lines until it is destroyed.
 #pragma once
 
 #include <condition_variable>
@@ -13,8 +13,9 @@ namespace kest::player {
 
 class PipeWaker {
  public:
-  // Waits for Start. Throws std::system_error without a thread: at the end it would be too late for that. The
-  // process has to ignore SIGPIPE, because other readers may leave the pipe.
+  // Writes nothing before Start. Creates the thread now, because at the end it would be too late for the
+  // std::system_error that a missing thread throws. The process must ignore SIGPIPE, since other readers may
+  // leave the pipe.
   PipeWaker() : thread_([this] { Run(); }) {}
   ~PipeWaker();
   PipeWaker(const PipeWaker &) = delete;

@@ -55,7 +55,7 @@ void CheckOutputIsNoInput(const std::vector<AudioReader> &readers, const std::st
   }
 }
 
-// 16 bits when that holds every input exactly, unless more are asked for.
+// 16 bits when that holds every input exactly and --wide is not given.
 PcmFormat CommonFormat(const std::vector<AudioReader> &readers, bool wide) {
   const bool all16 = !wide && std::all_of(readers.begin(), readers.end(), [](const AudioReader &reader) {
     return reader.Bits() == SampleBits::k16;
@@ -71,7 +71,7 @@ Playback::Playback(const Layout &layout, const Options &options)
   CheckInputs(readers, options.loop);
   CheckOutputIsNoInput(readers, outputPath_);
   format_ = CommonFormat(readers, options.wide);
-  // In real time an input has as long as a cycle lasts.
+  // In real time an input may take as long as a cycle lasts.
   if (!options.fast)
     inputPatience_ = std::chrono::microseconds(kCycleFrames * 1000000ull / format_.sampleRate);
 
@@ -84,7 +84,7 @@ Playback::Playback(const Layout &layout, const Options &options)
   }
 }
 
-// Nobody may wait for a pipeline that is gone.
+// No pipeline may wait for one that is already destroyed.
 Playback::~Playback() {
   RequestStop();
 }

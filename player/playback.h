@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// One run of the player: the pipelines, the filters in them and the links between them.
+// One run of the player: the pipelines, their filters and the links between them.
 #pragma once
 
 #include <memory>
@@ -18,8 +18,8 @@ class SpeakerOutput;
 
 class Playback {
  public:
-  // Opens all files and builds the pipelines. Throws PlayerError; the output is not touched unless the inputs
-  // can be played.
+  // Opens all files and builds the pipelines. Throws PlayerError; the output file is touched only once all
+  // inputs are known to be playable.
   Playback(const Layout &layout, const Options &options);
   ~Playback();
   Playback(const Playback &) = delete;
@@ -28,11 +28,11 @@ class Playback {
   void Start();
   void RequestStop();
   [[nodiscard]] bool HasEnded() const;
-  // Waits for the end. Throws what ended the run early.
+  // Waits for the end. Rethrows what ended the run early.
   void Finish();
 
   [[nodiscard]] double SecondsPlayed() const;
-  // One line for the user, after the end.
+  // One line for the user. Only after the end.
   [[nodiscard]] std::string Summary() const;
 
  private:

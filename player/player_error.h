@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// What ends a run, in words for the user: what is wrong and what to do.
+// An error that ends a run, worded for the user: what is wrong and what to do.
 #pragma once
 
 #include <stdexcept>

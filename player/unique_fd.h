@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Owner of a file descriptor.
+// Owns a file descriptor.
 #pragma once
 
 #include <utility>
@@ -22,7 +22,7 @@ class UniqueFd {
   [[nodiscard]] int Get() const { return fd_; }
   [[nodiscard]] bool IsOpen() const { return fd_ >= 0; }
 
-  // Whether everything that was written has arrived.
+  // False when the system reports at the close that written data was lost.
   bool Close() { return fd_ < 0 || close(std::exchange(fd_, -1)) == 0; }
 
  private:

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # bench.sh [--quick] [TEXT...]: prints the table of docs/performance.md, or its rows that contain a TEXT.
-# --quick: every case once, for a moment: the figures mean nothing.
-# bench.sh --arm ...: executed instructions on the target's instruction set, see bench/arm/run.sh.
+# --quick: runs every case once, briefly, to see that it works; the figures mean nothing.
+# bench.sh --arm ...: counts executed instructions on the target's instruction set, see bench/arm/run.sh.
 source "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 
 case ${1:-} in --arm)
@@ -11,7 +11,7 @@ case ${1:-} in --arm)
 esac
 need "${build_packages[@]}" "${bench_packages[@]}"
 
-# In memory: a file system on a disk would be what the log is measured with.
+# In memory: on a disk, the benchmarks of the log would measure its file system.
 debug_dir=/dev/shm/kest-bench-$(id -u)/
 mkdir -p "$debug_dir"
 trap 'rm -rf "$debug_dir"' EXIT

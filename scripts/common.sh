@@ -1,4 +1,4 @@
-# Sourced by the scripts of this directory: where the tree is, what it needs, where its debug files go.
+# Sourced by the scripts of this directory: where the tree is, which packages it needs, where debug files go.
 set -euo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 debug_dir=/mnt/vendor/tmp/kest/
@@ -10,7 +10,7 @@ arm_packages=(g++-arm-linux-gnueabihf qemu-user
 fuzz_packages=(clang libclang-rt-14-dev)
 bench_packages=(libbenchmark-dev libswresample-dev)
 
-# Each argument a line.
+# Prints each argument on a line of its own.
 say() { printf '%s\n' "$@"; }
 fail() {
   say "$@" >&2
@@ -27,7 +27,7 @@ as_root() {
   if [ "$(id -u)" = 0 ]; then "$@"; else sudo "$@"; fi
 }
 
-# PACKAGE of this machine's architecture or of none, or PACKAGE:ARCHITECTURE.
+# PACKAGE, for this machine's architecture or architecture-independent, or PACKAGE:ARCHITECTURE.
 is_installed() {
   case $1 in *:*)
     dpkg-query -W -f '${db:Status-Status}' "$1" 2>/dev/null | grep -qx installed
@@ -40,7 +40,7 @@ is_installed() {
 
 install_packages() { as_root env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends "$@"; }
 
-# Installs the packages that are missing; silent and quick when none is.
+# Installs missing packages; quick and silent when none is missing.
 need() {
   local missing=() package
   for package in "$@"; do
@@ -55,8 +55,8 @@ need() {
     dpkg --print-foreign-architectures | grep -qx armhf || as_root dpkg --add-architecture armhf
     ;;
   esac
-  # The machine's lists may do; where they are missing or old they are fetched, and a mirror that is being
-  # renewed may still have what is asked for.
+  # Tries the package lists that the machine has. Where these are missing or outdated, fetches new ones; a
+  # failed update is no obstacle, since the mirror may still have the packages.
   install_packages "${missing[@]}" >"$log" 2>&1 && return 0
   as_root apt-get update >>"$log" 2>&1 || true
   install_packages "${missing[@]}" >>"$log" 2>&1 && return 0

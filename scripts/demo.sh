@@ -1,13 +1,13 @@
 #!/usr/bin/env bash
-# demo.sh [AUDIO]: plays AUDIO through the player's pipelines and, while it plays, types commands into the pipe
-# and shows the replies as they reach the log. Default: a recording from Debian's alsa-utils.
+# demo.sh [AUDIO]: plays AUDIO through the player's pipelines and, while it plays, types commands into the pipe and
+# shows the replies as they reach the log. AUDIO defaults to a recording from Debian's alsa-utils.
 called_from=$PWD
 source "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 
 audio=${1:-/usr/share/sounds/alsa/Front_Center.wav}
 case $audio in /*) ;; *) audio=$called_from/$audio ;; esac
 
-# Says why when the debug directory, or what an earlier run left in it, cannot be used.
+# Fails, saying why, when the debug directory or the files of an earlier run in it cannot be used.
 make_debug_dir() {
   [ -w "$debug_dir" ] || { as_root mkdir -p "$debug_dir" && as_root chmod 777 "$debug_dir"; } || return 1
   local file
@@ -27,12 +27,12 @@ wait_for_pipe() {
   return 1
 }
 
-# Types lines into the pipe, all at once; the replies come from the log file. pause: seconds to look at them.
+# Types lines into the pipe, all at once; the replies appear from the log file. pause: seconds to wait for them.
 command_to_pipe() {
   local typed=("${@/#/\$ echo }")
   say "" "${typed[@]/%/ >D}"
   timeout 5 sh -c 'pipe=$1; shift; printf "%s\n" "$@" >"$pipe"' sh "${debug_dir}D" "$@" ||
-    fail "Nobody reads the pipe ${debug_dir}D"
+    fail "No process reads the pipe ${debug_dir}D"
   sleep "${pause:-0.4}"
 }
 
@@ -62,7 +62,7 @@ rm -f "$debug_dir"{Dump{In,Out}SpeakerOutputMixer*,Out{,Sig}MixerDelay_*.pcm,Dec
 log_bytes=$(stat -c %s "${debug_dir}KestLog.txt")
 "$build_dir/kest-player" "$audio" -o "$output" --loop --seconds 22 --delay-ms 50 --wide &
 player=$!
-# Behind what the log held before; the help's empty rows squeezed into one.
+# Only what is new in the log; cat -s squeezes the empty rows of the help into one.
 tail -c +$((log_bytes + 1)) -f --pid="$player" "${debug_dir}KestLog.txt" | cat -s &
 wait_for_pipe || { wait "$player"; exit 1; }
 
@@ -85,14 +85,14 @@ command_to_pipe kest_log_to_file=on
 command_to_pipe no_such_command
 command_to_pipe kest_log_level=none
 
-say "" "What the filters' ports hold, for some cycles:"
+say "" "What the filters' ports hold, for a few cycles:"
 pause=0.01 command_to_pipe kest_print_filter_info=on
 command_to_pipe kest_print_filter_info=off
-say "" "What the mixer consumes and produces, in files:"
+say "" "What the mixer consumes and produces, dumped to files:"
 command_to_pipe kest_dump_filter_io=SpeakerOutput,Mixer
 command_to_pipe kest_dump_io=on
 command_to_pipe kest_dump_io=off
-say "" "When the filters of the decoder pipeline work, in a file:"
+say "" "When the filters of the decoder pipeline ran, traced to a file:"
 command_to_pipe kest_debug_filter_io=Decoder kest_debug_filter_io=restart
 command_to_pipe kest_debug_filter_io=release
 tail -n 4 "${debug_dir}Decoder.txt"
@@ -108,4 +108,4 @@ wait
 say "" "Output: $output" "Log:    ${debug_dir}KestLog.txt" "Pipe:   ${debug_dir}D (while a player runs)" \
   "Dumps:  $(cd "$debug_dir" && say Dump*SpeakerOutputMixer* | paste -sd ' ')" \
   "Trace:  ${debug_dir}Decoder.txt" \
-  "Burst:  ${debug_dir}OutSigMixerDelay_0.pcm, what came out of the delay from the hit on"
+  "Burst:  ${debug_dir}OutSigMixerDelay_0.pcm, the output of the delay from the hit on"

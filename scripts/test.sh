@@ -1,16 +1,16 @@
 #!/usr/bin/env bash
-# test.sh [PRESET... | --all]: installs what is missing, builds and runs every test; ends non-zero on any failure.
-# Without an argument: release. PRESET: release, debug, asan, tsan or arm. --all: release, asan, tsan, arm and the
-# fuzzers for a minute each.
+# test.sh [PRESET... | --all]: installs what is missing, builds and runs every test; exits non-zero on any failure.
+# PRESET: release (the default), debug, asan, tsan or arm. --all: release, asan, tsan, arm, and each fuzzer for a
+# minute.
 source "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 
 summary=()
 failures=0
 
-# A row of the summary: row NAME RESULT SECONDS
+# Adds a row to the summary: row NAME RESULT SECONDS
 row() { summary+=("$(printf '%-8s  %-44s  %5d s' "$1" "$2" "$3")"); }
 
-# The tests of a build directory; the last lines say what failed and what was skipped.
+# Runs the tests of a build directory. The last lines of the output say what failed and what was skipped.
 run_tests() {
   local name=$1 build_dir=$2 start=$SECONDS log=$root/build/$1.tests.log
   shift 2
@@ -22,7 +22,7 @@ run_tests() {
   fi
 }
 
-# A failing test in full, of the others the last line.
+# Shows failing tests in full and drops the lines of tests that passed or were skipped.
 show_progress() { grep -vE '^ +Start +[0-9]+:|(Passed|\*\*\*Skipped) +[0-9.]+ sec$' || true; }
 
 tests_passed() {
@@ -32,8 +32,8 @@ tests_passed() {
   [ "$skipped" = 0 ] || printf ', %s skipped' "$skipped"
 }
 
-# Every test runs in a namespace of its own with a tmpfs over /mnt. Where that is not allowed, the tests use a
-# build with a debug directory of its own, one after another.
+# Every test runs in its own namespace with a tmpfs over /mnt. Where namespaces are not allowed, a build with its
+# own debug directory is tested instead, one test at a time.
 test_preset() {
   local preset=$1 why
   need "${build_packages[@]}" "${test_packages[@]}"
@@ -43,7 +43,7 @@ test_preset() {
     run_tests "$preset" "$root/build/$preset" -j "$(nproc)"
     return
   fi
-  # Short and without a blank, wherever the tree is: commands name files in it.
+  # Short and without blanks, wherever the tree is: commands contain file names in this directory.
   local name=local-$preset own_dir=/dev/shm/kest-test-$(id -u)/
   say "$debug_dir cannot be created in a namespace of its own: $why" \
     "Testing a build with the debug directory $own_dir instead."
@@ -64,7 +64,7 @@ presets=("${@:-release}")
 for preset in "${presets[@]}"; do
   case $preset in
     release | debug | asan | tsan | arm) ;;
-    *) fail "There is no preset $preset: release, debug, asan, tsan, arm, or --all" ;;
+    *) fail "There is no preset $preset; there are release, debug, asan, tsan and arm, or --all for several" ;;
   esac
 done
 cd "$root"

@@ -17,9 +17,9 @@ namespace {
 
 constexpr const char *kEverySeparator = "{[]\".: =,\t\n";
 constexpr Split kTokens = {kEverySeparator, kEverySeparator};
-// A value may hold points and slashes.
+// Values may contain dots and slashes.
 constexpr Split kBlankOrEquals = {" =", " ="};
-// The text behind the first comma stays whole, "=" signs and further commas included.
+// The text after the first comma stays whole, including "=" signs and further commas.
 constexpr Split kText = {" =", ","};
 
 constexpr Command kCommands[] = {
@@ -53,7 +53,7 @@ constexpr Command kCommands[] = {
     {"kest_debug_node", "pipeline_connect", &kBlankOrEquals, "pipeline_connect\n", ConnectTestPipelines, 0},
     {"kest_debug_node", "pipeline_disconnect", &kBlankOrEquals, "pipeline_disconnect\n",
      DisconnectTestPipelines, 0},
-    // The lists confirm under the other keyword, on purpose.
+    // Deliberate: the lists confirm under the other keyword, kest_debug_node.
     {"kest_debug_list", "print", &kBlankOrEquals, "kest_debug_node=print\n", ListRegistry, 0},
     {"kest_debug_list", "status", &kBlankOrEquals, "kest_debug_node=status\n", ListStatus, 0},
     {"kest_debug_list", "parameter", &kBlankOrEquals, "kest_debug_node=parameter\n", ListParameters, 0},

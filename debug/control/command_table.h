@@ -1,34 +1,34 @@
 // SPDX-License-Identifier: Apache-2.0
-// The commands that the dispatcher carries out itself.
+// The commands that the dispatcher executes itself.
 #pragma once
 
 #include <cstdint>
 
 namespace kest {
 
-// How a line is split: the keyword ends at one of the first set, the value at one of the second.
+// The sets of characters that end the keyword and the value of a line.
 struct Split {
   const char *pszKeywordEnd;
   const char *pszValueEnd;
 };
 
-// What a line gave a command.
+// What a command gets from its line.
 struct CommandArguments {
-  char *pszValue;        // never empty where a command takes a value
-  char *pszRest;         // what follows the value; NULL when nothing does
-  uint32_t u32Constant;  // of the command's row
+  char *pszValue;        // never empty for a command that takes a value
+  char *pszRest;         // the text after the value; NULL when there is none
+  uint32_t u32Constant;  // from the command's row
 };
 
 struct Command {
-  const char *pszKeyword;  // kEveryLine: the action gets the whole line as its rest and splits it itself
-  const char *pszValue;    // the value itself, kAnyValue or kNoValue
+  const char *pszKeyword;  // kEveryLine: the action gets the whole line as pszRest and splits it itself
+  const char *pszValue;    // the only value that matches, or kAnyValue or kNoValue
   const Split *pstSplit;
   const char *pszConfirmation;                               // printed before the action; NULL for none
-  uint32_t (*pfnAction)(const CommandArguments &arguments);  // ZE_KEST_OK: the line is taken
+  uint32_t (*pfnAction)(const CommandArguments &arguments);  // ZE_KEST_OK: it took the line
   uint32_t u32Constant;
 };
 
-// Reports of the commands carry the dispatcher's name.
+// Reports of these commands appear under the dispatcher's name.
 constexpr const char *kDispatcher = "_ZE_KEST_Debug_SetParameter";
 
 constexpr const char *kEveryLine = nullptr;

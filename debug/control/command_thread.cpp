@@ -34,7 +34,7 @@ bool IsPipe(int s32Fd) {
   return fstat(s32Fd, &stOpen) == 0 && S_ISFIFO(stOpen.st_mode);
 }
 
-// Whether a writer who opens the path reaches the pipe that is open here.
+// Whether the path still leads to the open pipe, so that writers reach it.
 bool IsAtItsPath(int s32Fd) {
   struct stat stOpen = {};
   struct stat stPath = {};
@@ -48,9 +48,9 @@ int OpenPipe() {
     const int s32Error = errno;
     KEST_ERR_AS(kMonitor, "Warn! mkfifo ret = %d : %s\n", s32Made, ErrorText(s32Error).c_str());
   }
-  // Open for writing too: so the open waits for no writer and a read never sees the end of the file.
+  // Opened for writing too: the open then needs no writer to wait for, and a read never sees end of file.
   constexpr int kFlags = O_RDWR | O_NONBLOCK | O_CLOEXEC;
-  // Else every byte that is read sets the access time. Only the pipe's owner may ask for that.
+  // Without O_NOATIME every byte read updates the access time. Only the pipe's owner may use the flag.
   int s32Fd = open(kPipePath, kFlags | O_NOATIME);
   if (s32Fd < 0 && errno == EPERM) s32Fd = open(kPipePath, kFlags);
   if (s32Fd < 0) {
@@ -59,7 +59,7 @@ int OpenPipe() {
     return s32Fd;
   }
   if (IsPipe(s32Fd)) return s32Fd;
-  // Not gated: the level of a first process would hide it, and no command can raise that any more.
+  // PRINT, not ERR: the default level hides ERR, and without the pipe no command can raise the level.
   KEST_PRINT_AS(kMonitor,
                 "Err! %s is no pipe, no commands are read: remove it and start this process again\n",
                 kPipePath);
@@ -67,13 +67,13 @@ int OpenPipe() {
   return -1;
 }
 
-// A poll that fails counts as bytes: the read tells why.
+// A failing poll counts as bytes: the read that follows reports the reason.
 bool HasBytes(int s32Fd, int s32TimeoutMs) {
   struct pollfd stPipe = {s32Fd, POLLIN, 0};
   return poll(&stPipe, 1, s32TimeoutMs) != 0;
 }
 
-// False when shut-down waits for a line and none can come, because the pipe was removed.
+// False when a shut-down waits for a line but none can come, because the pipe was removed.
 bool WaitForBytes(int s32Fd) {
   while (!HasBytes(s32Fd, kLookAtPathMs)) {
     if (IsRunning(g_stCommandThread) || IsAtItsPath(s32Fd)) continue;
@@ -83,8 +83,8 @@ bool WaitForBytes(int s32Fd) {
   return true;
 }
 
-// Several processes read the pipe: who reads the first byte of a line reads all of it. Where the platform
-// refuses the lock, lines are read without it.
+// Several processes read the pipe: the one that reads the first byte of a line must read all of it. Where the
+// platform refuses the lock, lines are read without it.
 bool LockLine(int s32Fd) {
   return flock(s32Fd, LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK;
 }
@@ -93,51 +93,51 @@ void UnlockLine(int s32Fd) {
   flock(s32Fd, LOCK_UN);
 }
 
-enum class Got { kByte, kNothing, kEnd };
+enum class ReadResult { kByte, kNothing, kEnd };
 
-Got ReadByte(int s32Fd, char *pcByte) {
+ReadResult ReadByte(int s32Fd, char *pcByte) {
   const ssize_t s32Read = read(s32Fd, pcByte, 1);
-  if (s32Read == 1) return Got::kByte;
-  if (s32Read < 0 && (errno == EINTR || errno == EAGAIN)) return Got::kNothing;
+  if (s32Read == 1) return ReadResult::kByte;
+  if (s32Read < 0 && (errno == EINTR || errno == EAGAIN)) return ReadResult::kNothing;
   const int s32Error = errno;
   KEST_ERR_AS(kMonitor, "Err! read ret = %zd : %s\n", s32Read, ErrorText(s32Error).c_str());
-  return Got::kEnd;
+  return ReadResult::kEnd;
 }
 
-// Takes the first byte of a line, if it is this process's to read, and keeps the lock.
-Got TryToBegin(int s32Fd, char *pcByte) {
-  if (!LockLine(s32Fd)) return Got::kNothing;
-  const Got eGot = ReadByte(s32Fd, pcByte);
-  if (eGot != Got::kByte) UnlockLine(s32Fd);
-  return eGot;
+// Reads the first byte of a line unless another process is reading it; on success the lock stays held.
+ReadResult TryToBegin(int s32Fd, char *pcByte) {
+  if (!LockLine(s32Fd)) return ReadResult::kNothing;
+  const ReadResult eResult = ReadByte(s32Fd, pcByte);
+  if (eResult != ReadResult::kByte) UnlockLine(s32Fd);
+  return eResult;
 }
 
-// Waits for a line to begin. False when the thread is to end. Lines that stand behind one another are read
-// without a wait between them.
+// Waits for a line to begin. False when the thread is to end. It tries to read before it waits, so lines that
+// are already in the pipe are read without a delay.
 bool BeginLine(int s32Fd, char *pcByte) {
-  Got eGot = TryToBegin(s32Fd, pcByte);
-  while (eGot == Got::kNothing) {
+  ReadResult eResult = TryToBegin(s32Fd, pcByte);
+  while (eResult == ReadResult::kNothing) {
     if (!WaitForBytes(s32Fd)) return false;
-    eGot = TryToBegin(s32Fd, pcByte);
-    if (eGot != Got::kNothing) break;
-    // Another process reads the line. For a shut-down here it has come.
+    eResult = TryToBegin(s32Fd, pcByte);
+    if (eResult != ReadResult::kNothing) break;
+    // Another process is reading the line. A shut-down here counts it as the line it waits for.
     if (!IsRunning(g_stCommandThread)) return false;
     usleep(kOtherReaderUs);
   }
-  return eGot == Got::kByte;
+  return eResult == ReadResult::kByte;
 }
 
-// False when no byte can come any more.
+// False when no more bytes can come.
 bool NextByte(int s32Fd, char *pcByte) {
-  Got eGot = ReadByte(s32Fd, pcByte);
-  for (; eGot == Got::kNothing; eGot = ReadByte(s32Fd, pcByte)) {
+  ReadResult eResult = ReadByte(s32Fd, pcByte);
+  for (; eResult == ReadResult::kNothing; eResult = ReadByte(s32Fd, pcByte)) {
     if (!WaitForBytes(s32Fd)) return false;
   }
-  return eGot == Got::kByte;
+  return eResult == ReadResult::kByte;
 }
 
-// The line whose first byte is there, without its newline. A longer one is cut: the byte in the last position
-// is lost, the rest is the next line. False when the pipe has failed or was removed.
+// Reads the rest of the line that begins in szLine[0], without its newline. A longer line is cut: its 128th
+// byte is lost and the rest becomes the next line. False when the pipe has failed or was removed.
 bool ReadLine(int s32Fd, char (&szLine)[kLineSize]) {
   size_t i = 0;
   while (szLine[i] != '\n' && i != kLineSize - 1) {
@@ -181,7 +181,7 @@ uint32_t CreateCommandThread() {
   return CreateDebugThread(g_stCommandThread);
 }
 
-// A thread that found no pipe, or lost it, has ended by itself and is waited for all the same.
+// A thread that found no pipe, or lost it, has already ended; it is joined all the same.
 void _ZE_KEST_Debug_DestroyThread() {
   DestroyDebugThread(g_stCommandThread);
 }

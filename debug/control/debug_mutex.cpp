@@ -17,7 +17,7 @@ LockOwner g_owner;
 LockOwner g_shmOwner;
 LockOwner g_logOwner;
 
-// A report from here must not come back for the log's mutex.
+// InsideLog: a report from here must not enter the library's log, which would lock the log mutex.
 void InitialiseMutexes() {
   constexpr const char *kFunction = "_ZE_KEST_Debug_MutexInit";
   const InsideLog inside;
@@ -28,13 +28,14 @@ void InitialiseMutexes() {
 
 }  // namespace
 
-// Once per process, by whoever needs a mutex first: one may be held before the start and across a shut-down.
+// Runs once per process, before the first lock. The mutexes are never set up again: one may be locked before
+// the layer starts and stay locked across a shut-down.
 void _ZE_KEST_Debug_MutexInit() {
   static pthread_once_t once = PTHREAD_ONCE_INIT;
   pthread_once(&once, InitialiseMutexes);
 }
 
-// A macro, because the reports quote the calls with the mutex's own name.
+// A macro because the reports quote the calls, with the name of the mutex.
 #define KEST_DEFINE_LOCK(lock, unlock, mutex, owner)                     \
   void lock() {                                                          \
     _ZE_KEST_Debug_MutexInit();                                          \

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-// The three mutexes of the debug layer. A failing call is reported and the work goes on.
+// The three mutexes of the debug layer. A failing call is reported and otherwise ignored.
 //
-// An unlock by a thread that does not hold the mutex does nothing: shut-down unlocks all three whoever holds
-// them, and that must not take the lock away from its holder.
+// An unlock by a thread that does not hold the mutex does nothing: shut-down unlocks all three, no matter who
+// holds them, and must not take a lock away from its holder.
 #pragma once
 
 #include <pthread.h>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-// How a thread of the debug layer is created and ended.
+// Creation and end of the debug layer's threads.
 //
-// Neither function may run for one thread in two places at once.
+// Callers serialise the two functions: they must not run at the same time for the same thread.
 #pragma once
 
 #include <pthread.h>
@@ -18,26 +18,27 @@ struct DebugThread {
   void (*pfnSetAttributes)();
   void (*pfnDestroyAttributes)();
   pthread_t stThread = {};
-  uint8_t bRunning = 0;  // set by the creation; the body ends when it finds it cleared
-  bool bToJoin = false;  // the thread was created and nobody has waited for its end yet
+  uint8_t bRunning = 0;  // set at creation; the body ends once it sees it cleared
+  bool bToJoin = false;  // the thread was created and has not been joined yet
 };
 
 inline bool IsRunning(const DebugThread &thread) {
   return Load(thread.bRunning) != 0;
 }
 
-// A thread that runs already is left alone; one that has ended by itself, its flag cleared, is waited for
-// first. ZE_KEST_FAILED when the thread cannot be created.
+// Leaves a running thread alone. One that has ended by itself, with its flag cleared, is joined first.
+// ZE_KEST_FAILED when the thread cannot be created.
 uint32_t CreateDebugThread(DebugThread &thread);
 
-// Clears the running flag and waits for the thread's end, also when it has ended by itself. Returns at once
-// when it was never created.
+// Clears the running flag and joins the thread, which may have ended by itself. Returns at once when it was
+// never created.
 void DestroyDebugThread(DebugThread &thread);
 
 }  // namespace kest
 
-// Defines a thread's attributes and the two functions that set and destroy them. A macro, because the reports
-// quote the calls with the thread's own objects. The stack's size stands as they quote it.
+// Defines a thread's attributes and the two functions that set and destroy them. A macro because the reports
+// quote the calls with the names of the thread's own objects. They also quote the stack size, hence its odd
+// form.
 #define KEST_DEFINE_THREAD_ATTRIBUTES(set, destroy, attributes, sched, policy)                         \
   pthread_attr_t attributes;                                                                           \
   struct sched_param sched;                                                                            \
@@ -50,7 +51,7 @@ void DestroyDebugThread(DebugThread &thread);
     KEST_THREAD_CALL_AS(kFunction, pthread_attr_setinheritsched(&attributes, PTHREAD_EXPLICIT_SCHED)); \
     KEST_THREAD_CALL_AS(kFunction, pthread_attr_setschedpolicy(&attributes, SCHED_##policy));          \
     KEST_THREAD_CALL_AS(kFunction, pthread_attr_getschedparam(&attributes, &sched));                   \
-    /* Refused where the policy knows no priorities; the thread runs with the default one then. */     \
+    /* SCHED_OTHER has no priorities and refuses this; the thread then runs with the default. */       \
     sched.sched_priority = 40;                                                                         \
     KEST_THREAD_CALL_AS(kFunction, pthread_attr_setschedparam(&attributes, &sched));                   \
   }                                                                                                    \

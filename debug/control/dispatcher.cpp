@@ -29,7 +29,7 @@ bool TakesValue(const Command &command, const char *pszValue) {
   return command.pszValue == kAnyValue || ze_kest_Utility_Strcmp(pszValue, command.pszValue) == 0;
 }
 
-// Splits a copy of the line as the command asks for; carries it out when keyword and value are the command's.
+// Splits a copy of the line the way the command wants it and runs the command if keyword and value match.
 uint32_t Try(const Command &command, const char *pszLine) {
   const Owned<char> copy = Duplicate(pszLine);
   char *pszRest = copy.get();
@@ -51,8 +51,8 @@ uint32_t Try(const Command &command, const char *pszLine) {
 
 using Handler = uint32_t (*)(const char *pszLine);
 
-// In the order in which they are tried, which matters: what a handler does when another command's line comes
-// by stands behind it.
+// Tried in this order, which matters: some handlers act on lines of other commands. The comment after each
+// handler says what it does then.
 constexpr Handler kHandlers[] = {
     _ZE_KEST_Debug_Cmd_WatchCurrentTids,    // nothing
     _ZE_KEST_Debug_Cmd_WatchTid,            // nothing
@@ -64,7 +64,7 @@ constexpr Handler kHandlers[] = {
     _ZE_KEST_Debug_Cmd_MeasureLatency,      // nothing
     _ZE_KEST_Debug_Cmd_QueryProcessStatus,  // drops its query
     _ZE_KEST_Debug_Cmd_SendTestTone,        // drops its request
-    _ZE_KEST_Debug_Cmd_CalPcmLev,           // makes its request, of every filter
+    _ZE_KEST_Debug_Cmd_CalPcmLev,           // makes its request, to every filter
     _ZE_KEST_Debug_Cmd_CalculateDataRate,   // nothing
 };
 
@@ -82,7 +82,7 @@ uint32_t OfferToHandlers(const char *pszLine) {
 uint32_t _ZE_KEST_Debug_SetParameter(const char *pszLine) {
   KEST_PRINT("\n");
   for (const Command &command : Commands()) {
-    // A command that fails leaves the line to those behind it.
+    // A command that fails leaves the line to the commands after it.
     if (Try(command, pszLine) == ZE_KEST_OK) return ZE_KEST_OK;
   }
   return OfferToHandlers(pszLine);

@@ -5,8 +5,8 @@
 
 namespace kest {
 
-// Carries out one line of the command language. ZE_KEST_OK when a command took it, else what the last one
-// that was tried answered: ZE_KEST_INVALID_ARGUMENT.
+// Executes one line of the command language. ZE_KEST_OK when a command took it, otherwise the result of the
+// last one tried, ZE_KEST_INVALID_ARGUMENT.
 uint32_t _ZE_KEST_Debug_SetParameter(const char *pszLine);
 
 }  // namespace kest

@@ -97,7 +97,7 @@ void _ZE_KEST_Debug_GetVersion() {
 
 }  // namespace
 
-// The table's empty rows print as empty lines.
+// Unused rows of the table print as empty lines.
 uint32_t PrintHelp(const CommandArguments & /*arguments*/) {
   for (int i = 0; i < kHelpRows; ++i)
     KEST_PRINT_AS(kDispatcher, "%s", i < kTextRows ? kHelp[i] : "\n");

@@ -40,7 +40,7 @@ uint32_t IndexAndPrint(const char *pszText, size_t sztText) {
   } else {
     KEST_ERR_AS(kDispatcher, "Failed to parse pszJson for tok malloc issue.\n");
   }
-  // A text that is no JSON has taken the array away already.
+  // For invalid JSON the reader has already freed the token array.
   if (stJsmn.pstTokenInfo != nullptr) ze_kest_Utility_Jsmn_Destroy(&stJsmn);
   return u32Fill;
 }

@@ -5,7 +5,7 @@
 
 namespace kest {
 
-// Prints a JSON file, the value, and its tokens one by one.
+// Prints the JSON file that the value names, then its tokens one by one.
 uint32_t PrintJsonFile(const CommandArguments &arguments);
 
 }  // namespace kest

@@ -13,7 +13,7 @@ class LockOwner {
   void Drop() { Store(pcThread_, static_cast<const char *>(nullptr)); }
 
  private:
-  // The address of a thread-local object names a thread without a system call.
+  // The address of a thread-local object identifies a thread without a system call.
   static const char *ThisThread() {
     static thread_local char cAnchor;
     return &cAnchor;

@@ -10,8 +10,8 @@
 namespace kest {
 namespace {
 
-// A number is stored before it is tested: one out of range is stored as the limit and then refused, on
-// purpose.
+// Deliberate: the number is stored before it is checked. One that is out of range is stored as the limit and
+// then refused.
 bool StoreNumber(const char *pszText, void (*pfnStore)(int32_t), int32_t *ps32Value) {
   *ps32Value = ParseS32(pszText);
   pfnStore(*ps32Value);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Actions of the commands that set the log and its companions.
+// Actions of the commands that control the log, plus atrace and the monitor's sleep time.
 #pragma once
 
 #include "debug/control/command_table.h"

@@ -21,11 +21,11 @@ constexpr const char *kLoopback = "Loopback";
 
 ZE_KEST_Filter_s g_stTestFilter;
 
-// The filter may be registered already: its name changes with the registry locked.
+// The test filter may already be registered, so its name changes only with the registry locked.
 ZE_KEST_Filter_s *TestFilterNamed(const char *pszName) {
   const HoldingDebug holding;
   g_stTestFilter = {};
-  static_cast<void>(CopyText(g_stTestFilter.szName, pszName));  // fails for no text alone
+  static_cast<void>(CopyText(g_stTestFilter.szName, pszName));  // fails only for NULL
   return &g_stTestFilter;
 }
 

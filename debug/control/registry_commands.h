@@ -20,7 +20,7 @@ uint32_t ListParameters(const CommandArguments &arguments);
 uint32_t SendCommandByIndex(const CommandArguments &arguments);
 uint32_t SendCommandByText(const CommandArguments &arguments);
 
-// Gets the whole line: it reports on every line that comes this far.
+// Gets the whole line: it reports every line that reaches it.
 uint32_t _ZE_KEST_Debug_Cmd_SetParameter(const CommandArguments &arguments);
 
 }  // namespace kest

@@ -20,7 +20,7 @@ struct Fields {
   const char *pszSize;
 };
 
-// Prints why when a field is missing.
+// False, after printing why, when a field is missing. The size is checked later.
 bool SplitFields(char *pszRest, Fields *pstFields) {
   pstFields->pszPipeline = ze_kest_Utility_Strsep(&pszRest, ",");
   pstFields->pszFilter = ze_kest_Utility_Strsep(&pszRest, ",");
@@ -39,7 +39,7 @@ bool SplitFields(char *pszRest, Fields *pstFields) {
   return pstFields->pszValue != nullptr;
 }
 
-// Prints why when a number is missing or out of range.
+// False, after printing why, when a number is missing or out of range.
 bool ReadNumbers(const Fields &fields, int32_t *ps32Value, uint32_t *pu32Size) {
   *ps32Value = ParseS32(fields.pszValue);
   if (IsOutOfRange(*ps32Value)) {

@@ -23,13 +23,14 @@ struct SharedBlock {
   SharedSettings *pstSettings;
 };
 
-// All under the shared settings' mutex. Nothing is reported while it is held: a report may be the first one
-// of the process, which sets the base up and needs the mutex for that.
+// Guarded by the shared settings' mutex. Nothing may be reported while it is held: the first report of a
+// process runs the base initialisation, which takes this mutex.
 SharedBlock *g_pstBlock = nullptr;
 PresetText g_szPresetCmd = "";
 uint8_t g_bPresetCmd = 0;
 
-// Nothing also when somebody has emptied the file: to touch its memory would end the process.
+// NULL without a block, and also when somebody has emptied the file: touching the mapping would then kill the
+// process with SIGBUS.
 SharedSettings *MappedSettings() {
   struct stat stFile = {};
   if (g_pstBlock == nullptr || fstat(g_pstBlock->s32ShmFd, &stFile) != 0) return nullptr;
@@ -54,7 +55,8 @@ SharedBlock *ReplaceBlock(SharedBlock *pstBlock) {
   return pstBlock;
 }
 
-// A level of 0 means that no process has set the block up. False for that one.
+// Takes over the block's settings. False when there is no block or its level is 0: no process has set it up
+// yet.
 bool Adopt() {
   const HoldingShm holding;
   const SharedSettings *pstShared = MappedSettings();
@@ -62,17 +64,17 @@ bool Adopt() {
   if (u32Level == 0) return false;
   Store(u32KestDebugLevel, u32Level);
   g_bPresetCmd = Load(pstShared->bPresetCmd);
-  // Another process may be writing the text: the copy ends within the field whatever stands there.
+  // Another process may be writing the text; the copy stays within the field whatever it contains.
   return CopyText(g_szPresetCmd, pstShared->szPresetCmd);
 }
 
-// With the mutex held.
+// Called with the mutex held.
 void Publish() {
   SharedSettings *pstShared = MappedSettings();
   if (pstShared == nullptr) return;
   Store(pstShared->u32DebugLevel, Load(u32KestDebugLevel));
   Store(pstShared->bPresetCmd, g_bPresetCmd);
-  static_cast<void>(CopyText(pstShared->szPresetCmd, g_szPresetCmd));  // fails for no text alone
+  static_cast<void>(CopyText(pstShared->szPresetCmd, g_szPresetCmd));  // fails only for NULL
 }
 
 bool SetAndPublishPreset(const char *pszText) {

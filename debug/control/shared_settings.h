@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// The settings that every process of the framework sees: level and preset command, in the shared block
+// The settings that all processes of the framework share: log level and preset command, in the shared block
 // "global".
 #pragma once
 
@@ -28,15 +28,15 @@ void FreeSharedSettings();
 // Writes this process's settings into the block; the last writer wins.
 void _ZE_KEST_Debug_SetShm();
 
-// Sets and publishes the preset command of the debug callbacks. ZE_KEST_FAILED for NULL.
+// Sets and publishes the preset command for the debug callbacks. ZE_KEST_FAILED for NULL.
 uint32_t SetPresetCommand(const char *pszText);
 void ClearPresetCommand();
 
-// The preset command that a filter gets when it registers, from whichever process it was given to. False when
-// none is set.
+// Copies the preset command that a filter gets when it registers, whichever process it was given to. False
+// when none is set.
 bool CopyPresetCommand(PresetText &szText);
 
-// This process's settings and the block's. False without a block.
+// Copies this process's settings and those of the block. False without a block.
 bool CopySharedSettings(SharedSettings *pstOwn, SharedSettings *pstShared);
 
 }  // namespace kest

@@ -75,7 +75,7 @@ void InitialiseBase() {
 }  // namespace
 
 void _ZE_KEST_Debug_Init() {
-  // A report made inside the initialisation comes back here and finds it under way.
+  // A report made during the initialisation calls this again on the same thread, which g_baseOwner detects.
   if (GetBase() != Base::kFresh || g_baseOwner.IsMine()) return;
   pthread_mutex_lock(&g_baseMutex);
   g_baseOwner.Take();
@@ -110,7 +110,7 @@ uint32_t ze_kest_Debug_Init(void) {
   }
 
   kest::_ZE_KEST_Debug_SetMode(kest::kLogToFile, 1);
-  // Started before the thread is: what it says of a pipe that it cannot read belongs in the log file.
+  // Set before the thread starts: its report of a pipe that it cannot read must reach the log file.
   kest::Store(kest::g_bStarted, uint8_t{1});
   return kest::_ZE_KEST_Debug_CreateThread(kest::kCommandThread);
 }
@@ -125,7 +125,7 @@ uint32_t ze_kest_Debug_DeInit(void) {
   KEST_PRINT("Log to file(%d)\n", 0);
   kest::CloseLogFile();
   kest::_ZE_KEST_Debug_DestroyThread();
-  // After the command thread, whose last line may have created one.
+  // After the command thread has ended: its last line may have created a test thread.
   kest::EndTestThreads();
   if (kest::GetBase() == kest::Base::kReady) kest::FreeSharedSettings();
   kest::_ZE_KEST_Debug_Mutex_Unlock();
@@ -133,7 +133,7 @@ uint32_t ze_kest_Debug_DeInit(void) {
   kest::_ZE_KEST_Debug_LogMutex_Unlock();
   kest::Store(kest::g_bStarted, uint8_t{0});
   kest::SetBase(kest::Base::kShutDown);
-  // The last line of the pipe may have opened the log file again.
+  // The last line from the pipe may have opened the log file again.
   kest::CloseLogFile();
   return ZE_KEST_OK;
 }

@@ -6,15 +6,15 @@
 
 namespace kest {
 
-// Base initialisation: the mutexes, the shared settings, everything off. Runs once, from any thread's first
-// log line, and again only through ze_kest_Debug_Init after a shut-down. Starts neither the command thread
-// nor the log file.
+// Base initialisation: sets up the mutexes and the shared settings and switches everything off. Runs once, at
+// the first log line of any thread; after a shut-down, again only through ze_kest_Debug_Init. Starts neither
+// the command thread nor the log file.
 void _ZE_KEST_Debug_Init();
 
-// Between ze_kest_Debug_Init and ze_kest_Debug_DeInit. Any thread.
+// True between ze_kest_Debug_Init and ze_kest_Debug_DeInit. Callable from any thread.
 bool IsStarted();
 
-// Milliseconds; "kest_monitor_sleep_time" sets it and nothing in the library sleeps by it.
+// In milliseconds. "kest_monitor_sleep_time" sets it; nothing in the library sleeps by it.
 void SetMonitorSleepTime(int32_t s32Ms);
 
 }  // namespace kest

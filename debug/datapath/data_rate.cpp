@@ -39,7 +39,7 @@ uint32_t RequestRate(const char *pszPipeline, CommandLine &line) {
                   NameCopy(szKestCalculateDataRateName2).c_str());
   }
   const char *pszSub3 = line.Next(",");
-  // A second port has to follow: an input port without "," is refused like no ports.
+  // The second port is mandatory: an input port without "," is refused like missing ports.
   KEST_REQUIRE_AS(kFunction, line.Rest() != nullptr, "pszSub3 is NULL, format error\n");
   TakePorts(pszSub3, line.Rest());
   Store(u32KestCalculateDataRate, uint32_t{ZE_KEST_REQUEST_MADE});
@@ -54,7 +54,7 @@ uint32_t _ZE_KEST_Debug_Cmd_CalculateDataRate(const char *pszLine) {
   const char *pszSub = line.Next("=");
   KEST_REQUIRE(pszSub != nullptr, "pszSub is NULL, format error\n");
   KEST_INFO("pszSub4=%s,pszSub=%s\n", Shown(line.Rest()), pszSub);
-  // Another command leaves this request alone.
+  // Deliberate: unlike its neighbours, this handler ignores lines of other commands.
   if (ze_kest_Utility_Strcmp(pszSub, "kest_calculate_data_rate") != 0) return ZE_KEST_INVALID_ARGUMENT;
 
   const char *pszSub1 = line.Next(",");

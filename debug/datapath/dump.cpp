@@ -22,14 +22,14 @@ struct DumpSide {
   const char *pszFilePrefix;
   const FilterSelection &selection;
   ZE_KEST_Port_s *(ZE_KEST_Filter_s::*papstPorts)[ZE_KEST_MAX_PORTS];
-  uint32_t u32AlwaysServed;                      // slots that are dumped even when they are not connected
-  uint32_t ZE_KEST_PcmBuffer_s::*psztPcmSize;    // the cycle's size
-  uint32_t ZE_KEST_DataBuffer_s::*psztDataSize;  // the same of raw data and of metadata
-  bool bBehindLevel;  // whether the cycle's data stands behind what the ring holds, or at its front
+  uint32_t u32AlwaysServed;                      // the first slots, dumped even when they are not connected
+  uint32_t ZE_KEST_PcmBuffer_s::*psztPcmSize;    // PCM size of this cycle
+  uint32_t ZE_KEST_DataBuffer_s::*psztDataSize;  // the same for raw data and metadata
+  bool bAfterLevel;  // whether the cycle's data follows what the ring holds, or starts at the read offset
   bool (*pfnIsWidthDumped)(uint32_t u32Bits);
 };
 
-// What one side takes and the other does not is meant: packed 24 bits, and the second slot unconnected.
+// Deliberate: the sides differ. Only the input takes packed 24-bit samples, and an unconnected second slot.
 bool IsInputWidthDumped(uint32_t u32Bits) {
   return (u32Bits >= 16 && u32Bits <= 31) || u32Bits / 8 == 4;
 }
@@ -50,7 +50,7 @@ constexpr DumpSide kOutput = {
     &ZE_KEST_DataBuffer_s::sztWriteSize, true,      IsOutputWidthDumped,
 };
 
-// One slot of a filter in one cycle.
+// One port of a filter in one cycle.
 struct DumpedPort {
   const DumpSide &side;
   const ZE_KEST_Filter_s &filter;
@@ -63,7 +63,8 @@ struct DumpedPort {
   }
 };
 
-// Frames of all groups of a port: how far behind the read offset, how many, and the bytes of a sample.
+// The frames to dump, the same for all groups of a port: units after the read offset, number of frames, bytes
+// per sample.
 struct Frames {
   uint32_t u32Advance;
   uint32_t sztCount;
@@ -94,10 +95,10 @@ void DumpGroup(const DumpedPort &port, const ZE_KEST_PcmBuffer_s &pcm, uint32_t 
   }
 }
 
-// False without memory, which ends the port's dump in this cycle.
+// False when out of memory, which ends the port's dump in this cycle.
 bool DumpPcm(const DumpedPort &port, const ZE_KEST_PcmBuffer_s &pcm) {
   const uint32_t sztSize = pcm.*port.side.psztPcmSize;
-  const uint32_t u32Advance = port.side.bBehindLevel ? pcm.sztPcmLevel : 0;
+  const uint32_t u32Advance = port.side.bAfterLevel ? pcm.sztPcmLevel : 0;
   if (sztSize == 0 || sztSize > pcm.sztPcmRingSamples) return true;
   if (!RingPosition(pcm.sztPcmRingSamples, pcm.sztPcmReadOffset, u32Advance)) return true;
   const auto scratch = Allocate<uint8_t>(kScratchBytes);
@@ -114,7 +115,7 @@ void DumpData(const DumpedPort &port, const ZE_KEST_DataBuffer_s &data, const ch
   const uint32_t sztSize = data.*port.side.psztDataSize;
   if (sztSize == 0 || sztSize > data.sztSize || data.pu8Buf == nullptr) return;
   const auto start =
-      RingPosition(data.sztSize, data.sztReadOffset, port.side.bBehindLevel ? data.sztLevel : 0);
+      RingPosition(data.sztSize, data.sztReadOffset, port.side.bAfterLevel ? data.sztLevel : 0);
   if (!start) return;
   ze_kest_Utility_DumpRingBuffer(KEST_DEBUG_DIR, port.File(pszSuffix).c_str(), data.pu8Buf + *start,
                                  data.pu8Buf, data.pu8Buf + data.sztSize, sztSize);

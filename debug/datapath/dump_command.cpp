@@ -12,10 +12,10 @@ namespace {
 
 constexpr const char *kFunction = "_ZE_KEST_Debug_Cmd_DumpIo";
 
-// What is said of a selection: its run, where the text has it, and the names as they are stored.
+// Reports a change of a selection: its stored names and, where the text has it, the number of its run.
 using Confirmation = void (*)(uint32_t u32Index, const char *pszPipelineName, const char *pszFilterName);
 
-// One side as the commands see it.
+// One side of the dump and the reports of its commands.
 struct DumpTarget {
   FilterSelection &selection;
   Confirmation pfnSelected;
@@ -63,7 +63,8 @@ void Enable(const DumpTarget &target) {
   Confirm(target, target.pfnEnabled);
 }
 
-// The next run has new files, also when this one was off already; on after on goes on with the same files.
+// Every off begins a new run with new files, even when the dump was off already. An on after an on continues
+// the same files.
 void Disable(const DumpTarget &target) {
   SwitchOff(target.selection.eSwitch);
   Store(target.selection.u32DumpIndex, Load(target.selection.u32DumpIndex) + 1);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Which filters' sides are dumped: set by the commands, read by the dump.
+// The filters whose input or output is dumped: set by the commands, read by the dump.
 #pragma once
 
 #include "debug/datapath/filter_selection.h"

@@ -8,7 +8,7 @@
 
 namespace kest {
 
-// A formatted name of a file, cut at 255 characters.
+// A formatted file name, cut at 255 characters.
 class FileName {
  public:
   // A failure is reported under the function's name and leaves the name empty.

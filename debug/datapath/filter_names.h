@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// Whom an engineer means: prefixes of a pipeline's and a filter's name, "" for all. Commands write them,
-// processing threads read them without a lock: a cycle may meet a new name beside an old one.
+// Selects filters by prefixes of the pipeline's name and of their own; "" matches every name. Commands write
+// the prefixes and processing threads read them without a lock, so a cycle may see one new name and one old.
 #pragma once
 
 #include "utility/core/shared_name.h"
@@ -16,10 +16,10 @@ void StoreNames(const char *pszFunction, FilterNames &names, const char *pszPipe
                 const char *pszFilterName);
 void ClearNames(FilterNames &names);
 
-// Whether the filter, which has a parent pipeline, is meant.
+// Whether the names select the filter, which must have a parent pipeline.
 bool Matches(const FilterNames &names, const ZE_KEST_Filter_s &filter);
 
-// The names as they stood.
+// A copy of both names, for reports and comparisons.
 struct FilterNamesCopy {
   explicit FilterNamesCopy(const FilterNames &names)
       : pipeline(names.szPipelineName), filter(names.szFilterName) {}

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Which filter an engineer has selected for an instrument of the hook.
+// The filters that an engineer has selected for one instrument of the hook.
 #pragma once
 
 #include "debug/datapath/filter_names.h"
@@ -8,7 +8,7 @@
 namespace kest {
 
 struct FilterSelection : FilterNames {
-  DataPathSwitch eSwitch;  // whether it is enabled
+  DataPathSwitch eSwitch;  // whether the instrument is on
   uint32_t u32DumpIndex;   // number of the dump run, part of its file names
 };
 
@@ -16,7 +16,7 @@ inline bool IsSelected(const FilterSelection &selection, const ZE_KEST_Filter_s 
   return IsOn(selection.eSwitch) && Matches(selection, filter);
 }
 
-// Off, every filter, first run.
+// Switches the instrument off, selects every filter and goes back to run 0.
 inline void ResetSelection(FilterSelection &selection) {
   SwitchOff(selection.eSwitch);
   ClearNames(selection);

@@ -13,7 +13,7 @@ DataPathSwitches _stKestSwitches = {};
 
 namespace {
 
-// In this order; the first that fails ends the hook.
+// Run in this order; the first one that fails ends the hook.
 constexpr uint32_t (*kSteps[])(const ZE_KEST_Filter_s *pstFilter) = {
     PrintPortLines,
     [](const ZE_KEST_Filter_s *pstFilter) { return _ZE_KEST_Debug_Dump(pstFilter, kInputDump); },
@@ -24,7 +24,7 @@ constexpr uint32_t (*kSteps[])(const ZE_KEST_Filter_s *pstFilter) = {
     },
 };
 
-// Out of line, to keep the cycle with everything off short.
+// Out of line, so that a cycle with everything off stays short.
 __attribute__((noinline)) int32_t RunSteps(const ZE_KEST_Filter_s *pstFilter) {
   for (const auto pfnStep : kSteps) {
     const uint32_t u32Result = pfnStep(pstFilter);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// What every entry of the data path asks of the filter it is given.
+// The check that every entry point of the data path makes on its filter.
 #pragma once
 
 #include <cstdint>
@@ -13,11 +13,11 @@ inline bool HasPipeline(const ZE_KEST_Filter_s *pstFilter) {
   return pstFilter != nullptr && pstFilter->pstParentPipeline != nullptr;
 }
 
-// Reports what is missing under the function's name and gives the result code for it. Out of line, to keep
-// what runs in every cycle short.
+// Reports under the function's name what is missing and returns the result code for it. Out of line to keep
+// the code short that runs in every cycle.
 uint32_t RefuseFilter(const char *pszFunction, const ZE_KEST_Filter_s *pstFilter);
 
-// Leaves the function unless the filter and its parent pipeline exist.
+// Returns from the calling function unless the filter and its parent pipeline exist.
 #define KEST_REQUIRE_PIPELINE(pstFilter) \
   if (!HasPipeline(pstFilter)) return RefuseFilter(__func__, pstFilter)
 

@@ -52,7 +52,7 @@ void DisablePortLines() {
 struct LevelWord {
   const char *pszWord;
   uint32_t u32Level;
-  const char *pszShown;  // "all" and "trace" are shown as "info", on purpose
+  const char *pszShown;  // deliberate: "all" and "trace" are shown as "info"
 };
 
 constexpr LevelWord kLevelWords[] = {
@@ -61,7 +61,7 @@ constexpr LevelWord kLevelWords[] = {
     {"err", ZE_KEST_LEVEL_ERR, "error"},  {"none", 0, "none"},
 };
 
-// An unknown word is 0, too, and not reported.
+// An unknown word also means 0; it is not reported.
 uint32_t ReportedLevel(const char *pszFilterName, const char *pszWord) {
   for (const LevelWord &word : kLevelWords) {
     if (ze_kest_Utility_Strcmp(pszWord, word.pszWord) != 0) continue;

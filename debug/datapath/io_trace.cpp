@@ -22,7 +22,7 @@ struct FilterIoNode {
 };
 
 FilterIoNode *pstFilterIoList = nullptr;  // walked and changed with _stKestDebugMutex held
-uint32_t u32IoFilterStartOffset = 0;      // on purpose one for all pipelines
+uint32_t u32IoFilterStartOffset = 0;      // deliberate: one for all pipelines
 
 FilterIoNode *Tail() {
   FilterIoNode *pstTail = pstFilterIoList;
@@ -37,7 +37,8 @@ void Free(FilterIoNode *pstNode) {
   const OwnedFile file(entry->pFile);
 }
 
-// Taken out of the traces' sight first: freeing needs no lock then, and closing files may take its time.
+// Hides the list from the tracing threads first. It can then be freed without the lock, since closing the
+// files may take long.
 FilterIoNode *DetachList() {
   const HoldingDebug holding;
   FilterIoNode *pstHead = pstFilterIoList;
@@ -54,7 +55,7 @@ struct IoEvent {
   uint64_t u64Start;
   uint64_t u64Now;
 
-  // The texts print 32 bits, signed.
+  // The trace prints it as a signed 32-bit number.
   [[nodiscard]] int32_t Elapsed() const {
     return u64Now < u64Start ? 0 : static_cast<int32_t>(static_cast<uint32_t>(u64Now - u64Start));
   }
@@ -154,6 +155,6 @@ void ze_kest_Debug_Io(const char *pszPipelineName, const char *pszFilterName, ui
     kest::_ZE_KEST_Debug_Mutex_Lock();
     kest::TraceWatched({pszPipelineName, pszFilterName, u32Type, u64Start, u64Now});
   }
-  // On purpose also when it was not locked, which is tolerated.
+  // Deliberate: unlocks even when it was not locked, which does nothing.
   kest::_ZE_KEST_Debug_Mutex_Unlock();
 }

@@ -62,7 +62,8 @@ void CopyName(char (&szField)[kSize], const char *pszName) {
   if (!CopyText(szField, pszName)) KEST_ERR_AS(kFunction, "Err! Strncpy failed!\n");
 }
 
-// The names of a line. A new watch switches the trace off, on purpose: a list is complete before it runs.
+// The names on a line. Deliberate: a new watch switches the trace off, so that a list is completed before it
+// runs.
 struct WatchNames {
   void Take(const char *pszName) {
     SwitchOff(kTraceIo);
@@ -80,14 +81,14 @@ struct WatchNames {
   uint32_t u32Count = 0;
 };
 
-// Empty, with a report, when it cannot be opened.
+// NULL, after a report, when the file cannot be opened.
 OwnedFile Open(const char *pszPath, const char *pszMode) {
   OwnedFile file(ze_kest_Utility_FileOpen(pszPath, pszMode));
   if (file == nullptr) KEST_ERR_AS(kFunction, "Err! ze_kest_Utility_FileOpen failed!\n");
   return file;
 }
 
-// The trace file begins empty and is appended to after that.
+// Empties the trace file, then opens it for appending.
 uint32_t AddWatch(FilterIoEntry &entry) {
   snprintf(entry.szFile, sizeof(entry.szFile), KEST_DEBUG_PATH("%s.txt"), entry.szPipelineName);
   KEST_PRINT_AS(kFunction, "szFile=%s\n", entry.szFile);

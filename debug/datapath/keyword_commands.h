@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Handlers that serve several keywords: how they take a line apart, and what they report of it.
+// Shared by handlers that serve several keywords: splits a line and reports its parts.
 #pragma once
 
 #include "utility/core/command_line.h"
@@ -9,11 +9,11 @@ namespace kest {
 
 struct KeywordCommand {
   const char *pszKeyword;
-  // value: what stands behind the "=". ZE_KEST_OK: the line is taken.
+  // value: the text after the "=". ZE_KEST_OK: the line is taken.
   uint32_t (*pfnAction)(CommandLine &value);
 };
 
-// Carries out the row of the line's keyword. ZE_KEST_INVALID_ARGUMENT for a keyword without a row.
+// Runs the row with the keyword of the line. ZE_KEST_INVALID_ARGUMENT when there is no such row.
 template <size_t kCount>
 uint32_t RunKeyword(const char *pszFunction, const KeywordCommand (&aCommands)[kCount], const char *pszLine) {
   CommandLine line(pszLine);
@@ -27,7 +27,7 @@ uint32_t RunKeyword(const char *pszFunction, const KeywordCommand (&aCommands)[k
   return ZE_KEST_INVALID_ARGUMENT;
 }
 
-// The part before the next ",", which has to be there: without one it is reported and NULL.
+// The part before the next ",". NULL, after a report, when there is no ",".
 inline const char *NextOfSeveral(const char *pszFunction, CommandLine &value) {
   const char *pszPart = value.Next(",");
   if (value.Rest() != nullptr) return pszPart;
@@ -35,7 +35,7 @@ inline const char *NextOfSeveral(const char *pszFunction, CommandLine &value) {
   return nullptr;
 }
 
-// For a switch: any value but "on" and "off" changes nothing and is taken all the same.
+// For an on/off switch: any other value changes nothing, and the line counts as taken all the same.
 template <typename On, typename Off>
 uint32_t Switch(const CommandLine &value, On &&on, Off &&off) {
   if (ze_kest_Utility_Strcmp(value.Rest(), "on") == 0) on();

@@ -11,7 +11,7 @@ namespace kest {
 // ZE_KEST_OK when it took the line.
 uint32_t _ZE_KEST_Debug_Cmd_MeasureLatency(const char *pszLine);
 
-// Off, between no filters, at its first measurement.
+// Switches the measurement off, selects every filter at both ends and restarts the numbering at 0.
 void ResetLatency();
 
 }  // namespace kest

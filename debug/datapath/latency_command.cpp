@@ -13,7 +13,7 @@ namespace {
 
 constexpr const char *kFunction = "_ZE_KEST_Debug_Cmd_MeasureLatency";
 
-// False, with the report made, when one of the two names is missing.
+// False, after a report, when one of the two names is missing.
 bool TakeFilter(FilterNames &stSide, CommandLine &value) {
   const char *pszPipelineName = NextOfSeveral(kFunction, value);
   if (pszPipelineName == nullptr) return false;
@@ -37,7 +37,7 @@ uint32_t SetEnd(CommandLine &value) {
   return ZE_KEST_OK;
 }
 
-// Changes nothing unless all four names are there.
+// Changes nothing unless all four names are given.
 uint32_t SetBoth(CommandLine &value) {
   const char *apszNames[3];
   for (const char *&pszName : apszNames) {
@@ -67,7 +67,7 @@ void ClearResult() {
   Store(_stKestLatency.bFound, uint8_t{0});
 }
 
-// A measurement that has found its burst is not begun anew: that takes an off.
+// Does not restart a measurement that has already found its burst: that takes an off first.
 void Enable() {
   ClearSilentCycles();
   SwitchOn(kMeasureLatency);

@@ -40,7 +40,7 @@ void Silence(const ZE_KEST_PcmBuffer_s &pcm) {
   });
 }
 
-// The bytes of the 32-bit table as they are, whatever the port's width.
+// Copies the bytes of the 32-bit table unchanged, whatever the width of the port's samples.
 void WriteBurst(const ZE_KEST_PcmBuffer_s &pcm, uint32_t sztSamples) {
   const uint32_t u32Width = BytesPerSample(pcm);
   const uint64_t u64Bytes =
@@ -61,7 +61,7 @@ void PrintFilterLevel(const char *pszFunction, const ZE_KEST_DebugInfo_s &info,
                 info.pstFilter->szName, size_t{sztLevel}, static_cast<unsigned long long>(u64Ms));
 }
 
-// Where the signal is buffered at the moment.
+// Prints what every filter's first output port holds, which shows where the signal is delayed.
 void _ZE_KEST_Debug_PrintBufferLevel() {
   const HoldingDebug holding;
   for (const ZE_KEST_DebugInfo_s &info : Registry()) {
@@ -101,7 +101,7 @@ bool HasInput(const ZE_KEST_Port_s &port) {
          RingPosition(pcm.sztPcmRingSamples, pcm.sztPcmReadOffset, pcm.sztPcmLevel);
 }
 
-// Out of line, to keep the cycle without a measurement short.
+// Out of line, so that a cycle without a measurement stays short.
 __attribute__((noinline)) void ChangeInputs(const ZE_KEST_Filter_s &filter) {
   if (!Matches(_stKestLatency.stStart, filter)) return;
   for (uint32_t u32Slot = 0; u32Slot < ZE_KEST_MAX_PORTS; ++u32Slot) {

@@ -16,7 +16,7 @@ constexpr int32_t kThreshold = 21474836;  // 1/100 of full scale
 constexpr uint32_t kWordBytes = sizeof(int32_t);
 constexpr uint32_t kDefaultBits = 32;
 
-// What the end filter wrote in this cycle, as far as it is looked at: channel 0 of group 0.
+// What the end filter wrote in this cycle. Only channel 0 of group 0 is examined.
 struct Output {
   const ZE_KEST_Filter_s &filter;
   const ZE_KEST_PcmBuffer_s &pcm;
@@ -54,10 +54,10 @@ bool IsLoud(int32_t s32Sample) {
   return s32Sample > kThreshold || s32Sample < -kThreshold;
 }
 
-// Looks at words of 32 bits, as many as the cycle has samples, whatever their width is: meant. Meant too is
-// the word at the very end of the ring, which is looked at before the search goes on at the start. It is the
-// next plane's first, and there is none to look at behind the last plane. A cycle that begins at the end
-// begins at the start.
+// Deliberate: examines 32-bit words, one for each sample of the cycle, whatever the samples' width.
+// Deliberate too: the search wraps one word late. After the ring's last word it examines the one just past
+// it, the first word of the next plane, before it goes on at the start; where the storage has no such word,
+// it goes on at the start at once. The first position of a cycle follows the same rule.
 std::optional<Hit> FindBurst(const Output &output, uint32_t u32Width) {
   const size_t sztRing = output.RingBytes(u32Width);
   const uint64_t u64Storage = GroupBytes(output.pcm, 0, u32Width);
@@ -82,7 +82,7 @@ void TakeTimes() {
   Store(_stKestLatency.u64ProcTime, u64End < u64Start ? 0 : u64End - u64Start);
 }
 
-// One channel in the port's format.
+// The format of a single channel of the port.
 ZE_KEST_PcmInfo_s ChannelFormat(const ZE_KEST_PcmInfo_s &stInfo) {
   return {1,
           stInfo.u32SampleRate == 0 ? kDefaultSampleRate : stInfo.u32SampleRate,
@@ -119,7 +119,8 @@ void PrintTimes() {
                 static_cast<unsigned long long>(Load(_stKestLatency.u64ProcTime)));
 }
 
-// Appends bytes of the ring, whose samples are taken to have u32Width bytes, to a file of this measurement.
+// Appends bytes of the ring to a file of this measurement. The ring ends where it would with samples of
+// u32Width bytes.
 void Append(const Output &output, const char *pszPrefix, const uint8_t *pu8From, uint32_t u32Width,
             size_t sztBytes) {
   const FileName file(kFunction, "%s%s%s_%u.pcm", pszPrefix, LatencyNames().start.filter.c_str(),
@@ -148,8 +149,8 @@ void Search(const Output &output) {
   Append(output, "OutSig", hit->pu8Position, u32Width, output.CycleBytes(u32Width) - hit->sztOffset);
 }
 
-// Everything that the filter writes, as samples of 4 bytes whatever their width is: meant. A storage without
-// room for a ring of such samples is left alone.
+// Deliberate: dumps all that the filter wrote as 4-byte samples, whatever their width. Does nothing when the
+// storage is too small for a ring of such samples.
 void DumpOutput(const Output &output) {
   if (output.RingBytes(kWordBytes) > GroupBytes(output.pcm, 0, kWordBytes)) return;
   Append(output, "Out", output.Base() + size_t{output.u32Position} * kWordBytes, kWordBytes,

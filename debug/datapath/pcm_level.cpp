@@ -52,7 +52,7 @@ uint32_t _ZE_KEST_Debug_Cmd_CalPcmLev(const char *pszLine) {
   KEST_REQUIRE(pszSub != nullptr, "pszSub is NULL, format error\n");
   KEST_INFO("pszSub3=%s,pszSub=%s\n", Shown(line.Rest()), pszSub);
   if (ze_kest_Utility_Strcmp(pszSub, "kest_calpcmlev") != 0) {
-    // On purpose: every other command that comes by makes the request, of every filter.
+    // Deliberate: any other command offered to this handler makes the request, to every filter.
     Store(u32KestCalPcmLev, uint32_t{ZE_KEST_REQUEST_MADE});
     ClearNames();
     return ZE_KEST_INVALID_ARGUMENT;

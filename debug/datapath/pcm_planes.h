@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-// The storage of a port's channel groups, as what reads and writes all of it from outside the filter sees it:
-// planes of one ring each, for every channel that a group can have. Nothing here trusts what a filter or its
-// framework has left in a port.
+// How the instruments, which read and write a port's storage from outside the filter, see its channel groups:
+// one plane, holding one ring, for every channel that a group can have. Nothing here trusts the values that a
+// filter or its framework has left in a port.
 #pragma once
 
 #include <algorithm>
@@ -14,8 +14,8 @@
 
 namespace kest {
 
-// Bytes of a group's storage: what the framework says it has allocated, else planes for all of the group's
-// channels. Samples have the port's width, or u32DefaultWidth bytes where the port names none.
+// Bytes of a group's storage: the framework's allocation size or, without one, planes for all channels of the
+// group. Their samples have the port's width, or u32DefaultWidth bytes when the port has none.
 inline uint64_t GroupBytes(const ZE_KEST_PcmBuffer_s &pcm, uint32_t u32Group, uint32_t u32DefaultWidth) {
   if (pcm.asztPcmAllocSize[u32Group] != 0) return pcm.asztPcmAllocSize[u32Group];
   const uint32_t u32Width = pcm.stPcmInfo.u32BitWidth == 0 ? u32DefaultWidth : BytesPerSample(pcm);
@@ -23,7 +23,7 @@ inline uint64_t GroupBytes(const ZE_KEST_PcmBuffer_s &pcm, uint32_t u32Group, ui
   return uint64_t{sztPcmGroupChNumber[u32Group]} * pcm.sztPcmRingSamples * std::min(u32Width, kWidestSample);
 }
 
-// The group's planes of samples of u32Width bytes that lie in its storage; 0 for a group without one.
+// How many of the group's planes fit into its storage when a sample has u32Width bytes; 0 without storage.
 inline uint32_t PlaneCount(const ZE_KEST_PcmBuffer_s &pcm, uint32_t u32Group, uint32_t u32Width) {
   const uint64_t u64PlaneBytes = uint64_t{pcm.sztPcmRingSamples} * u32Width;
   if (pcm.apu8PcmGroupBuf[u32Group] == nullptr || u64PlaneBytes == 0) return 0;
@@ -31,8 +31,8 @@ inline uint32_t PlaneCount(const ZE_KEST_PcmBuffer_s &pcm, uint32_t u32Group, ui
   return static_cast<uint32_t>(std::min<uint64_t>(u64Planes, sztPcmGroupChNumber[u32Group]));
 }
 
-// Where the u32Advance-th unit behind the read offset stands; nothing for a port whose offset or level lies
-// beyond its ring.
+// The position in the ring u32Advance units after the read offset. Empty when the offset or the advance lies
+// beyond the ring.
 inline std::optional<uint32_t> RingPosition(uint32_t sztRing, uint32_t sztReadOffset, uint32_t u32Advance) {
   if (sztReadOffset >= sztRing || u32Advance > sztRing) return std::nullopt;
   return WrapOnce(sztReadOffset + u32Advance, sztRing);

@@ -15,7 +15,7 @@ namespace {
 
 constexpr size_t kLineSize = 512;
 
-// What a line shows of one kind of data of a port.
+// What a line shows of one kind of a port's data.
 struct PortLevels {
   unsigned long long aullCount[4];
   size_t sztLevel;
@@ -61,7 +61,7 @@ struct LineKind {
   PortLevels (*pfnLevels)(const ZE_KEST_Port_s &port);
 };
 
-// A line that is cut at its end.
+// A line of text; what does not fit is cut off.
 class Line {
  public:
   Line(const char *pszFunction, char *psz) : pszFunction_(pszFunction), psz_(psz) { *psz_ = '\0'; }
@@ -134,7 +134,7 @@ uint32_t _ZE_KEST_Debug_FilterRawInfo(const ZE_KEST_Filter_s &filter) {
 uint32_t PrintPortLines(const ZE_KEST_Filter_s *pstFilter) {
   for (const auto pfnPrint :
        {_ZE_KEST_Debug_FilterPcmInfo, _ZE_KEST_Debug_FilterMetadataInfo, _ZE_KEST_Debug_FilterRawInfo}) {
-    // Asked before each line: the switch may go off between them.
+    // Checked before each line, since the switch may go off in between.
     if (!IsOn(kPrintFilterInfo)) return ZE_KEST_OK;
     const uint32_t u32Result = pfnPrint(*pstFilter);
     if (u32Result != ZE_KEST_OK) return u32Result;

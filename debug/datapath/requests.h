@@ -7,12 +7,11 @@
 
 namespace kest {
 
-// kest_send_test_tone=PIPELINE,FILTER:INPUT_PORT | off
-// Any other command drops the request.
+// kest_send_test_tone=PIPELINE,FILTER:INPUT_PORT | off. A line of any other command drops the request.
 uint32_t _ZE_KEST_Debug_Cmd_SendTestTone(const char *pszLine);
 
-// kest_calpcmlev=PIPELINE,FILTER,CYCLES | off
-// Any other command makes the request, of every filter.
+// kest_calpcmlev=PIPELINE,FILTER,CYCLES | off. A line of any other command makes the request, to every
+// filter.
 uint32_t _ZE_KEST_Debug_Cmd_CalPcmLev(const char *pszLine);
 
 // kest_calculate_data_rate=PIPELINE,FILTER:INPUT_PORT,OUTPUT_PORT | off

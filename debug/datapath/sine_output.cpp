@@ -17,7 +17,7 @@ namespace {
 constexpr uint32_t kDefaultChannels = 2;
 constexpr uint32_t kSampleBytes = sizeof(int16_t);
 
-uint32_t u32SineWavePos = 0;  // the next sample, for all filters
+uint32_t u32SineWavePos = 0;  // index of the next sample; one for all filters
 
 int16_t NextSample(uint32_t &u32Pos) {
   const auto s16Sample = static_cast<int16_t>(_as32KestSine1K48Mono[u32Pos] >> 16);
@@ -25,8 +25,8 @@ int16_t NextSample(uint32_t &u32Pos) {
   return s16Sample;
 }
 
-// On purpose the level and the write size, which count samples, are taken for bytes here, the frames are
-// interleaved and do not wrap. They end with the storage of the group.
+// Deliberate: the level and the write size count samples but are used as bytes here, and the interleaved
+// frames do not wrap round the ring. They stop at the end of the group's storage.
 void WriteSine(const ZE_KEST_PcmBuffer_s &pcm, uint32_t u32Channels) {
   const uint64_t u64End = GroupBytes(pcm, 0, kSampleBytes);
   const uint64_t u64Stop = std::min(u64End, uint64_t{pcm.sztPcmLevel} + pcm.sztPcmWriteSize);

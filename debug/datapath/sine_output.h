@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Writes a sine over what a selected filter wrote to its first output port.
+// Overwrites what a selected filter wrote to its first output port with a sine.
 #pragma once
 
 #include "debug/datapath/filter_selection.h"
@@ -10,7 +10,7 @@ extern FilterSelection _stKestSineSelection;
 
 uint32_t _ZE_KEST_Debug_OutputSineWave(const ZE_KEST_Filter_s *pstFilter);
 
-// The next sine begins with the table's first sample.
+// Makes the sine begin with the table's first sample again.
 void RestartSine();
 
 }  // namespace kest

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "ze_kest/debug.h"
 
-// Not an exact sine, on purpose: what is measured against it knows these values.
+// Deliberate: not an exact sine. Whatever is measured against it relies on these values.
 #define S(value) ((value)*65536)
 
 const int32_t _as32KestSine1K48Mono[ZE_KEST_SINE_SAMPLES] = {

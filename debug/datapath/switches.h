@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// What is switched on of the data path. All switches are bits of one word, in a cache line of its own: a
-// cycle with everything off tests it once and never waits for what other threads write beside it.
+// The switches of the data path, as bits of one word in a cache line of its own: a cycle with everything off
+// tests the word once and never waits for other threads' writes to neighbouring data.
 #pragma once
 
 #include <cstdint>
@@ -18,7 +18,7 @@ enum DataPathSwitch : uint32_t {
   kTraceIo = 1u << 5,
 };
 
-// Those that the hook serves.
+// The switches that the hook acts on.
 constexpr uint32_t kHookSwitches =
     kPrintFilterInfo | kDumpInput | kDumpOutput | kOutputSineWave | kMeasureLatency;
 
@@ -32,7 +32,8 @@ inline bool IsAnyHookSwitchOn() {
   return (Load(_stKestSwitches.u32On) & kHookSwitches) != 0;
 }
 
-// Who finds a switch on finds what was set before it was switched on. Off costs no barrier.
+// A thread that sees a switch on also sees everything set before it was switched on. A switch that is off
+// costs no barrier.
 inline bool IsOn(DataPathSwitch eSwitch) {
   if ((Load(_stKestSwitches.u32On) & eSwitch) == 0) return false;
   return (__atomic_load_n(&_stKestSwitches.u32On, __ATOMIC_ACQUIRE) & eSwitch) != 0;

@@ -22,7 +22,7 @@ uint32_t RequestTone(const char *pszPipeline, CommandLine &line) {
     KEST_PRINT_AS(kFunction, "[SEND_TEST_TONE]Pipeline Name=%s\n", NameCopy(szKestSendTestToneName1).c_str());
   }
   const char *pszSub2 = line.Next(":");
-  // A port has to follow: a filter name without ":" is refused like no filter name.
+  // The port is mandatory: a filter name without ":" is refused like a missing filter name.
   KEST_REQUIRE_AS(kFunction, line.Rest() != nullptr, "pszSub2 is NULL, format error\n");
   if (TakeName(kFunction, szKestSendTestToneName2, pszSub2)) {
     KEST_PRINT_AS(kFunction, "[SEND_TEST_TONE]Filter Name=%s\n", NameCopy(szKestSendTestToneName2).c_str());
@@ -43,7 +43,7 @@ uint32_t _ZE_KEST_Debug_Cmd_SendTestTone(const char *pszLine) {
   KEST_REQUIRE(pszSub != nullptr, "pszSub is NULL, format error\n");
   KEST_INFO("pszSub3=%s,pszSub=%s\n", Shown(line.Rest()), pszSub);
   if (ze_kest_Utility_Strcmp(pszSub, "kest_send_test_tone") != 0) {
-    ClearTestToneRequest();  // on purpose: every other command that comes by drops the request
+    ClearTestToneRequest();  // deliberate: any other command drops the request
     return ZE_KEST_INVALID_ARGUMENT;
   }
 

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
-// Marks that the calling thread works on the log itself.
+// Marks the calling thread as working on the log itself.
 #pragma once
 
 namespace kest {
 
-// While one lives, the thread's reports go to the Android log alone: the library's own log would come back
-// here, to a mutex that the thread may hold and a file that has just failed.
+// While an object of this class exists, the thread's reports go to the Android log only. The library's own
+// log would come back to this code, which may hold the log mutex or have just failed to use the file.
 class InsideLog {
  public:
   InsideLog();

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// The library's own log: to the console as it is, to the file with a prefix.
+// The library's own log: to the console without a prefix, to the file with one.
 #include <cstdarg>
 
 #include "ze_kest/debug.h"
@@ -14,14 +14,14 @@
 
 namespace {
 
-bool g_bCut = false;  // whether the last line in the file ends in its middle; under the log mutex
+bool g_bCut = false;  // the last line in the file was cut short; guarded by the log mutex
 
 void ReportFailures(const char *pszFunction, bool bFormatted, bool bFlushed) {
   if (!bFormatted) KEST_ERR_AS(pszFunction, "Error! Fail to vfprintf()!\n");
   if (!bFlushed) KEST_ERR_AS(pszFunction, "Error! Fail to fflush()!\n");
 }
 
-// What a full device has cut stays cut, but the next line does not begin on it.
+// A line that a full device cut short stays cut, but the next line begins on a line of its own.
 bool WriteLine(FILE *pFile, const kest::LogLine &line) {
   const ssize_t s32Written = line.WriteTo(fileno(pFile));
   const bool bWhole = s32Written == static_cast<ssize_t>(line.Length());

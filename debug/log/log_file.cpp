@@ -21,9 +21,9 @@ uint8_t g_bToFile = 0;
 int32_t g_s32LogSizeMax = 20 * 1024 * 1024;
 int32_t g_s32RestartCount = 0;
 uint32_t g_u32Messages = 0;
-FILE *g_pFile = nullptr;  // under the log mutex
+FILE *g_pFile = nullptr;  // guarded by the log mutex
 
-// Holds the file for a scope in which a failure may be reported.
+// Locks the log file for a scope; reports made meanwhile stay out of it.
 class HoldingFile {
   const InsideLog inside_;
   const HoldingLog holding_;
@@ -71,7 +71,8 @@ uint32_t SetLogToFile(int bOn) {
   return ZE_KEST_FAILED;
 }
 
-// Of two restarts at once the second finds file logging as the first one leaves it.
+// Reads the switch, turns it off and empties the file in one step, so that another restart cannot come in
+// between.
 bool SwitchOffAndEmptyLog(int *pbWasOn) {
   const HoldingFile holding;
   *pbWasOn = Load(g_bToFile);

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 // The log file "KestLog.txt" and the switches of the log.
 //
-// The functions that say so are called with _stKestDebugLogMutex held; the others take it themselves.
+// The functions marked so are called with _stKestDebugLogMutex held. The others must not be, except the plain
+// getters: those that touch the file take the mutex themselves.
 #pragma once
 
 #include <cstdint>
@@ -16,28 +17,28 @@ enum LogMode : unsigned int { kLogToConsole = 0, kLogToFile = 1 };
 // Switches a sink on or off. ZE_KEST_FAILED when the file cannot be opened.
 uint32_t _ZE_KEST_Debug_SetMode(unsigned int eMode, int bOn);
 
-// Empties the file; file logging resumes only if it was on.
+// Empties the file. File logging resumes only if it was on.
 uint32_t _ZE_KEST_Debug_LogRestart();
 
-// Bytes beyond which the file is restarted, looked at every 1000th message.
+// Size in bytes beyond which the file is restarted; checked at every 1000th message.
 void SetLogSizeMax(int32_t s32Bytes);
 
 bool IsLogToConsole();
 
-// How often the file was restarted; part of every prefix.
+// How many times the file was restarted; part of every prefix.
 int32_t LogRestartCount();
 
-// Both sinks off and the file closed.
+// Switches both sinks off and closes the file.
 void ResetLogSinks();
 
-// File logging off and the file closed.
+// Switches file logging off and closes the file.
 void CloseLogFile();
 
-// With the mutex held: counts one message, restarts a file that has grown too long, and gives the file to
+// With the mutex held: counts one message, restarts a file that has grown too long, and returns the file to
 // write to, NULL when there is none.
 FILE *NextLogFile();
 
-// Begins a line with its prefix.
+// With the mutex held: begins the line with its prefix. PRINT lines have none.
 void _ZE_KEST_Debug_LogPrefix(LogLine &line, unsigned int u32Level);
 
 }  // namespace kest

@@ -25,7 +25,7 @@ bool LogLine::AppendList(const char *pszFormat, va_list arguments) {
   bool bWhole = s32Added >= 0;
   if (bWhole && sztLength_ + static_cast<size_t>(s32Added) >= sztSize_) {
     bWhole = Grow(sztLength_ + static_cast<size_t>(s32Added) + 1);
-    // Another thread may have changed a text that is printed: it still ends within the room.
+    // Another thread may have changed a printed text in between: the result still stays within bounds.
     if (bWhole) s32Added = vsnprintf(pcText_ + sztLength_, sztSize_ - sztLength_, pszFormat, again);
   }
   va_end(again);

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// One line of the log file. It reaches the file in one write, whatever its length: several processes append
-// to the file, and only a single write keeps their lines apart.
+// One line of the log file, written in a single write whatever its length: several processes append to the
+// file, and only that keeps their lines apart.
 #pragma once
 
 #include <cstdarg>
@@ -20,13 +20,13 @@ class LogLine {
   LogLine(const LogLine &) = delete;
   LogLine &operator=(const LogLine &) = delete;
 
-  // Adds a text. False when it cannot be formatted, which adds nothing, or when there is no memory for its
-  // length, which cuts it.
+  // Appends formatted text. False when it cannot be formatted (nothing is added) or when there is no memory
+  // for its length (it is cut and ends in a newline).
   [[nodiscard]] __attribute__((format(printf, 2, 3))) bool Append(const char *pszFormat, ...);
   [[nodiscard]] __attribute__((format(printf, 2, 0))) bool AppendList(const char *pszFormat,
                                                                       va_list arguments);
 
-  // The same for a text as it is.
+  // Appends plain text. False, adding nothing, when there is no memory for its length.
   [[nodiscard]] bool AppendText(std::string_view text) {
     if (sztLength_ + text.size() >= sztSize_ && !Grow(sztLength_ + text.size() + 1)) return false;
     memcpy(pcText_ + sztLength_, text.data(), text.size());
@@ -34,7 +34,7 @@ class LogLine {
     return true;
   }
 
-  // How many bytes the file has taken; negative for none.
+  // Returns the number of bytes written, negative on failure.
   [[nodiscard]] ssize_t WriteTo(int s32Fd) const;
   [[nodiscard]] size_t Length() const { return sztLength_; }
 
@@ -43,7 +43,7 @@ class LogLine {
 
   bool Grow(size_t sztSize);
 
-  char acUsual_[kUsualSize];  // longer lines take memory
+  char acUsual_[kUsualSize];  // longer lines move to the heap
   Owned<char> long_;
   char *pcText_ = acUsual_;
   size_t sztSize_ = kUsualSize;

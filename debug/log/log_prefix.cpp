@@ -14,7 +14,7 @@ namespace {
 struct LevelLabel {
   unsigned int u32Level;
   std::string_view colour;
-  std::string_view label;  // from the end of the time to the beginning of the message
+  std::string_view label;  // everything between the time and the message
 };
 
 constexpr LevelLabel kLabels[] = {{ZE_KEST_LEVEL_ERR, "\033[1;31m", "]<ZE3><ERR>\033[0m"},
@@ -37,9 +37,9 @@ char Digit(uint32_t u32Number) {
   return static_cast<char>('0' + u32Number % 10);
 }
 
-PrefixMiddle g_middle;  // under the log mutex
+PrefixMiddle g_middle;  // guarded by the log mutex
 
-// From behind the ids to the milliseconds.
+// The part between the ids and the label: version, restarts and time.
 bool AppendMiddle(LogLine &line) {
   struct timespec stNow = {};
   clock_gettime(CLOCK_REALTIME, &stNow);

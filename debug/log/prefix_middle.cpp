@@ -34,7 +34,7 @@ void PrefixMiddle::Format(time_t s64Second, int32_t s32Restarts) {
   sztLength_ = static_cast<size_t>(std::clamp(s32Length, 0, int{sizeof(szText_)} - 1));
   s64Second_ = s64Second;
   s32Restarts_ = s32Restarts;
-  // The conversion may have read the zone.
+  // Read afterwards: localtime_r may have loaded the time zone.
   zone_ = ZoneNow();
 }
 

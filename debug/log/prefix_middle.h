@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// What lines of the same second have in common behind their ids.
+// The part of the prefix, after the ids, that lines of the same second share.
 #pragma once
 
 #include <cstdint>
@@ -8,15 +8,15 @@
 
 namespace kest {
 
-// " [version,restarts][month-day hour:minute:second." in local time. Within one second the calendar is asked
-// once, unless the time zone changes.
+// " [version,restarts][month-day hour:minute:second." in local time. Within one second it is formatted once,
+// unless the number of restarts or the time zone changes.
 class PrefixMiddle {
  public:
   // Valid until the next call.
   std::string_view TextOf(time_t s64Second, int32_t s32Restarts);
 
  private:
-  // What tells one time zone from another, as far as the C library says so.
+  // What distinguishes time zones, as far as the C library shows it.
   struct Zone {
     long s32Offset;
     int s32Daylight;

@@ -21,7 +21,7 @@ struct IdText {
 thread_local IdText t_ids = {};
 uint8_t g_bForgetsOnFork = 0;
 
-// In the child of a fork, on the only thread that it has.
+// Runs in the child of a fork, on its only thread.
 void ForgetIds() {
   t_ids.u8Length = 0;
 }
@@ -30,7 +30,8 @@ void ForgetOnFork() {
   Store(g_bForgetsOnFork, static_cast<uint8_t>(pthread_atfork(nullptr, nullptr, ForgetIds) == 0));
 }
 
-// Out of line: once per thread, or in every call of who would not be told of a fork.
+// Out of line because it runs once per thread. Without the fork handler it runs in every call, since cached
+// ids might be those of a parent process.
 __attribute__((noinline)) void AskForIds() {
   static pthread_once_t once = PTHREAD_ONCE_INIT;
   pthread_once(&once, ForgetOnFork);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Debug commands to registered filters. The mutex is held across the filter's call.
+// Passes debug commands to registered filters. The debug mutex is held while the filter's callback runs.
 #pragma once
 
 #include <cstdint>
@@ -8,11 +8,11 @@
 
 namespace kest {
 
-// To the entry at a position, the head's being 0. The callback's result; ZE_KEST_INVALID_ARGUMENT without
-// one.
+// Passes the command to the entry at a position of the list; the head has position 0. Returns the callback's
+// result, or ZE_KEST_INVALID_ARGUMENT when there is no such entry or it has no callback.
 uint32_t CallBackByIndex(int32_t s32Index, char *pszCommand);
 
-// To the first filter of exactly these names, which are cut to the length of a name field. As above.
+// The same for the first filter with exactly these names, which are cut to the length of a name field.
 uint32_t _ZE_KEST_Debug_Cmd_TriggerCallback_Parse_By_Text(const char *pszPipelineName,
                                                           const char *pszFilterName, char *pszCommand);
 

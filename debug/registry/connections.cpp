@@ -9,7 +9,8 @@
 #include "utility/core/report.h"
 #include "utility/core/text_field.h"
 
-// The first pipeline of the name gets the connection; with all its slots in use it is dropped.
+// Only the first pipeline of this name gets the connection. When all its slots are in use, the connection is
+// dropped without a report.
 uint32_t ze_kest_Debug_ConnectPipeline(const char *pszPipelineName, const char *pszFedPipelineName) {
   KEST_REQUIRE(pszPipelineName != nullptr, "pszPipelineName is NULL.\n");
   const kest::HoldingDebug holding;
@@ -26,7 +27,7 @@ uint32_t ze_kest_Debug_ConnectPipeline(const char *pszPipelineName, const char *
   return ZE_KEST_OK;
 }
 
-// All pipelines of the name, and every slot.
+// Clears all matching slots of all pipelines of this name.
 uint32_t ze_kest_Debug_DisconnectPipeline(const char *pszPipelineName, const char *pszFedPipelineName) {
   KEST_REQUIRE_OR(pszPipelineName != nullptr, ZE_KEST_OK, "pszPipelineName is NULL.\n");
   KEST_REQUIRE_OR(pszFedPipelineName != nullptr, ZE_KEST_OK, "pszFedPipelineName is NULL.\n");

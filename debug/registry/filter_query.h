@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Parameters read from a filter for the status report.
+// Reads parameters of a filter for the status report.
 #pragma once
 
 #include "ze_kest/model.h"
@@ -9,8 +9,7 @@
 
 namespace kest {
 
-// The parameter's value, 0 when the filter does not answer, which is reported under the name of the report's
-// part.
+// The parameter's value. When the filter does not answer, 0 and a report under pszFunction.
 template <typename Value>
 Value Query(const char *pszFunction, ZE_KEST_Filter_s &filter, const char *pszParameterName) {
   Value value = 0;

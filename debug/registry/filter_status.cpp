@@ -16,7 +16,7 @@ Counter CounterOf(const ZE_KEST_Port_s *pstPort, uint64_t ZE_KEST_PcmBuffer_s::*
   return pstPort == nullptr ? 0 : Load(pstPort->stPcm.*pu64Counter);
 }
 
-// NULL past the count: what a slot holds there may be stale.
+// NULL beyond the port count: a slot there may hold a stale pointer.
 const ZE_KEST_Port_s *PortAt(ZE_KEST_Port_s *const *apstPort, uint32_t u32Count, uint32_t u32Index) {
   return u32Index < u32Count && u32Index < ZE_KEST_MAX_PORTS ? apstPort[u32Index] : nullptr;
 }
@@ -30,7 +30,8 @@ Counter XrunsOf(const ZE_KEST_Port_s *pstPort) {
   return CounterOf(pstPort, &ZE_KEST_PcmBuffer_s::u64PcmXrunCount);
 }
 
-// The values are read before the line that prints them: a read that fails is reported in front of it, once.
+// Each value is read before the line that prints it: the print evaluates its arguments twice, and a failing
+// read is to be reported once, ahead of the line.
 void _ZE_KEST_Debug_PrintDecoderInfo(ZE_KEST_Filter_s &filter) {
   const char *const pszFunction = __func__;
   const auto query = [&](const char *pszName) { return Query<uint32_t>(pszFunction, filter, pszName); };

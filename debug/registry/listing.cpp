@@ -19,7 +19,7 @@ const char *StateOf(const ZE_KEST_Pipeline_s *pstPipeline) {
   return u32State < kStates ? kStateNames[u32State] : "?    ";
 }
 
-// Threads and entries as the interface has them, printed as the texts want them.
+// Fields converted to the types that the printed formats want.
 int Tid(const ZE_KEST_DebugInfo_s &info) {
   return static_cast<int>(info.u32Tid);
 }
@@ -67,7 +67,7 @@ void PrintPipelineConnections() {
   }
 }
 
-// One line of what a port's buffers hold; gives their bytes.
+// Prints a line on what a port's buffers hold. Returns their size in bytes.
 uint64_t PrintPort(const ZE_KEST_DebugInfo_s &info, const char *pszSide, uint32_t u32Port,
                    const ZE_KEST_Port_s &port) {
   const ZE_KEST_PcmBuffer_s &pcm = port.stPcm;

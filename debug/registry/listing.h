@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// What the registry knows, printed.
+// Prints the contents of the registry.
 #pragma once
 
 #include "debug/registry/registry.h"

@@ -32,7 +32,7 @@ int32_t ValueAt(const void *pData) {
 
 }  // namespace
 
-// The mutex is held across the filter's call.
+// Holds the debug mutex while the filter's function runs.
 void _ZE_KEST_Debug_SetFilterParameter(const char *pszPipelineName, const char *pszFilterName,
                                        const char *pszParameterName, const void *pData, uint32_t u32Size) {
   const HoldingDebug holding;
@@ -58,7 +58,7 @@ void ze_kest_Debug_SetSupportedParameterList(const ZE_KEST_SupportedParameter_s 
   kest::Publish(kest::_pstKestSupportedParameterList, pstHead);
 }
 
-// No parameter can be read here; the arguments are checked all the same.
+// No parameter can be read here; the function only checks its arguments.
 uint32_t ze_kest_Debug_GetParameter(const char *pszParameterName, void *pData, size_t sztSize) {
   KEST_REQUIRE(pszParameterName != nullptr, "pszParameterName is NULL.\n");
   KEST_REQUIRE(pData != nullptr, "pData is NULL.\n");

@@ -22,7 +22,7 @@ void ClearQuery() {
   ClearName(szKestQueryProcessStatusName2);
 }
 
-// Both are false, with the previous name kept, when there is no name.
+// False, keeping the previous name, when no name is given. The same goes for TakeFilterName.
 bool TakePipelineName(const char *pszName) {
   if (!TakeName(kFunction, szKestQueryProcessStatusName1, pszName)) return false;
   KEST_INFO_AS(kFunction, "[PROCESS_STATUS]Pipeline Name=%s\n",
@@ -37,7 +37,8 @@ bool TakeFilterName(const char *pszName) {
   return true;
 }
 
-// The kind is set before the names are looked at, on purpose: without names it meets the old ones.
+// Deliberate: the kind is set before the names are checked, so a line without names applies it to the old
+// ones.
 uint32_t QueryPipeline(const CommandLine &line) {
   KEST_INFO_AS(kFunction, "[PROCESS_STATUS]Target=%s\n", "pipeline");
   Store(u32KestQueryProcessStatus, uint32_t{ZE_KEST_TARGET_PIPELINE});
@@ -70,7 +71,7 @@ uint32_t _ZE_KEST_Debug_Cmd_QueryProcessStatus(const char *pszLine) {
   KEST_REQUIRE(pszSub != nullptr, "pszSub is NULL, format error\n");
   KEST_INFO("pszSub3=%s,pszSub=%s\n", Shown(line.Rest()), pszSub);
   if (ze_kest_Utility_Strcmp(pszSub, "kest_process_status") != 0) {
-    ClearQuery();  // on purpose: every other command that comes by drops the query
+    ClearQuery();  // deliberate: any other command drops the query
     return ZE_KEST_INVALID_ARGUMENT;
   }
 

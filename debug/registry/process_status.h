@@ -6,8 +6,8 @@
 
 namespace kest {
 
-// kest_process_status=pipeline,PIPELINE | filter,PIPELINE:FILTER | none
-// ZE_KEST_OK when it took the line. Any other command drops the query.
+// kest_process_status=pipeline,PIPELINE | filter,PIPELINE:FILTER | none. ZE_KEST_OK when it took the line. A
+// line of any other command drops the query.
 uint32_t _ZE_KEST_Debug_Cmd_QueryProcessStatus(const char *pszLine);
 
 void ResetProcessStatusQuery();

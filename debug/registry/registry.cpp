@@ -31,7 +31,8 @@ Node *Tail() {
   return pstTail;
 }
 
-// The last of the run of nodes that begins with the filter's pipeline and bears its name; NULL without one.
+// The last node of the first unbroken run of nodes that bear the name of the filter's pipeline; NULL without
+// one.
 Node *LastOfPipeline(const ZE_KEST_Filter_s &filter) {
   if (filter.pstParentPipeline == nullptr) return nullptr;
   const char *pszName = filter.pstParentPipeline->szName;
@@ -43,7 +44,7 @@ Node *LastOfPipeline(const ZE_KEST_Filter_s &filter) {
   return pst;
 }
 
-void LinkBehind(Node *pstBefore, Node *pstNode) {
+void LinkAfter(Node *pstBefore, Node *pstNode) {
   pstNode->pstPrev = pstBefore;
   pstNode->pstNext = pstBefore == nullptr ? nullptr : pstBefore->pstNext;
   if (pstNode->pstNext != nullptr) pstNode->pstNext->pstPrev = pstNode;
@@ -67,11 +68,11 @@ uint32_t _ZE_KEST_Debug_AddDebugInfo(const Info &stInfo) {
   node->pstInfo = info.release();
 
   Node *pstBefore = stInfo.pstFilter == nullptr ? nullptr : LastOfPipeline(*stInfo.pstFilter);
-  LinkBehind(pstBefore == nullptr ? Tail() : pstBefore, node.release());
+  LinkAfter(pstBefore == nullptr ? Tail() : pstBefore, node.release());
   return ZE_KEST_OK;
 }
 
-// A command preset before a filter existed reaches it when it registers.
+// Passes the preset command on to a filter that registers after it was set.
 void DeliverPresetCommand(const Info &info) {
   char szCommand[kPresetCmdSize];
   if (info.pfnCallback == nullptr || !CopyPresetCommand(szCommand)) return;

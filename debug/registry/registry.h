@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// The list of registered pipelines and filters. Walked and changed with _stKestDebugMutex held.
+// The list of registered pipelines and filters. Walk and change it only with _stKestDebugMutex held.
 #pragma once
 
 #include <cstdint>
@@ -11,9 +11,9 @@ namespace kest {
 constexpr int kMaxConnections = 8;
 
 struct ZE_KEST_DebugInfo_s {
-  char szName[ZE_KEST_NAME_SIZE];                         // the pipeline's; of a filter, its pipeline's
-  char aszConnected[kMaxConnections][ZE_KEST_NAME_SIZE];  // pipelines that this one feeds; "": free
-  ZE_KEST_Filter_s *pstFilter;                            // NULL: a pipeline
+  char szName[ZE_KEST_NAME_SIZE];  // the pipeline's name, for a filter that of its pipeline
+  char aszConnected[kMaxConnections][ZE_KEST_NAME_SIZE];  // pipelines that this one feeds; "": a free slot
+  ZE_KEST_Filter_s *pstFilter;                            // NULL: the entry is a pipeline
   uint32_t u32Tid;
   char szThreadName[ZE_KEST_NAME_SIZE];
   ZE_KEST_DebugCallback pfnCallback;  // may be NULL
@@ -27,7 +27,7 @@ struct ZE_KEST_DebugInfoNode_s {
 
 extern ZE_KEST_DebugInfoNode_s *_pstKestDebugInfoList;
 
-// The records from the head to the tail: for (ZE_KEST_DebugInfo_s &info : Registry()).
+// Iterates over the records from head to tail: for (ZE_KEST_DebugInfo_s &info : Registry()).
 class Registry {
  public:
   class Iterator {
@@ -48,7 +48,7 @@ class Registry {
   [[nodiscard]] Iterator end() const { return Iterator(nullptr); }
 };
 
-// Exact comparisons.
+// Compare whole names, not prefixes.
 bool IsPipelineNamed(const ZE_KEST_DebugInfo_s &info, const char *pszName);
 bool IsFilterNamed(const ZE_KEST_DebugInfo_s &info, const char *pszPipelineName, const char *pszFilterName);
 

@@ -24,7 +24,7 @@ unsigned int Support(Format format) {
   return ByteAt(format, 0);
 }
 
-// A little-endian word.
+// Stored as a little-endian word.
 unsigned int Byte3(Format format) {
   unsigned int u32Word = 0;
   for (size_t i = 0; i < 4; ++i)
@@ -44,7 +44,7 @@ void _ZE_KEST_Debug_PrintSadInfo() {
 
 }  // namespace kest
 
-// Without a lock: the status report may mix two blocks for one print. Always ZE_KEST_OK, on purpose.
+// Without a lock: a status report printed meanwhile may mix two blocks. Deliberate: always ZE_KEST_OK.
 uint32_t ze_kest_Debug_SetSAD(const uint8_t *pu8Sad, int32_t s32Size) {
   KEST_REQUIRE_OR(pu8Sad != nullptr, ZE_KEST_OK, "pu8Sad is NULL.\n");
   if (s32Size != ZE_KEST_SAD_SIZE) {

@@ -18,7 +18,7 @@ void PrintNode(const ZE_KEST_DebugInfo_s &info) {
     KEST_PRINT_AS(kFunction, "p:%-20s =================\n", info.szName);
     return;
   }
-  // The kind's part goes on with the line.
+  // PrintKindStatus continues this line.
   KEST_PRINT_AS(kFunction, "p:%-20s f:%-15s", info.szName, info.pstFilter->szName);
   PrintKindStatus(*info.pstFilter);
 }

@@ -4,7 +4,7 @@
 
 namespace kest {
 
-// Asks every registered filter, with the mutex held, for what its kind can tell.
+// Prints what the kind of every registered filter can tell. Queries the filters with the debug mutex held.
 void _ZE_KEST_Debug_PrintStatusInfo();
 
 }  // namespace kest

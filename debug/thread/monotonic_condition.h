@@ -8,8 +8,8 @@
 
 namespace kest {
 
-// A condition takes its deadlines for times of the wall clock unless it is told otherwise: against a deadline
-// of the monotonic clock it would never wait.
+// By default a condition measures its deadlines by the wall clock. A deadline of the monotonic clock would
+// then lie in the past, and the condition would never wait.
 inline void InitialiseMonotonicCondition(const char *pszCaller, pthread_cond_t *pstCondition) {
   pthread_condattr_t stAttributes;
   KEST_THREAD_CALL_AS(pszCaller, pthread_condattr_init(&stAttributes));

@@ -28,8 +28,8 @@ void SignalCondition(const char *pszCaller) {
   KEST_THREAD_CALL_AS(pszCaller, pthread_cond_signal(&_stKestDebugPthreadSignalTestCond));
 }
 
-// With the mutex held, so that a "run" is not lost between the test of its flag and the wait. A stop that
-// came before is not waited for either.
+// Called with the mutex held, so that a "run" cannot get lost between the test of its flag and the wait. Does
+// not wait either when the thread has already been told to stop.
 void WaitUnlessRun() {
   struct timespec outtime;
   ze_kest_Utility_MicrosecondToTimespec(&outtime, kLongestWaitUs);
@@ -81,14 +81,14 @@ void LetSignalTestRun(const char *pszCaller) {
   KEST_THREAD_CALL_AS(pszCaller, pthread_mutex_unlock(&_stKestDebugPthreadSignalTestMutex));
 }
 
-// Without the mutex, which a thread that runs without a pause hardly ever leaves to others.
+// Does not take the mutex: a thread that runs without a pause holds it nearly all the time.
 void LetSignalTestWait() {
   Store(g_bRun, uint8_t{0});
 }
 
 void StopSignalTest() {
   constexpr const char *kFunction = "_ZE_KEST_Debug_DestroyThread";
-  // Before the mutex is asked for, so that a thread that runs without a pause lets go of it.
+  // Cleared before locking, so that a thread that runs without a pause ends and gives the mutex up.
   Store(_stKestDebugPthreadSignalTest.bRunning, uint8_t{0});
   KEST_THREAD_CALL_AS(kFunction, pthread_mutex_lock(&_stKestDebugPthreadSignalTestMutex));
   SignalCondition(kFunction);

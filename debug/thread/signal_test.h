@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// A hand-over through a condition between whoever carries out commands and a thread that waits for them.
+// A test of signalling through a condition: a thread that waits until a command lets it run.
 #pragma once
 
 #include "debug/control/debug_thread.h"
@@ -8,10 +8,10 @@ namespace kest {
 
 extern DebugThread _stKestDebugPthreadSignalTest;
 
-// To its state at the start of the debug layer.
+// Restores the state at the start of the debug layer.
 void ResetSignalTest();
 
-// Lets the thread run without a pause, from now on; failing calls are reported under the function's name.
+// From now on the thread runs without a pause. Failing calls are reported under pszCaller.
 void LetSignalTestRun(const char *pszCaller);
 
 // From now on the thread waits in every round.

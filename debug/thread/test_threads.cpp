@@ -10,8 +10,8 @@ namespace {
 pthread_mutex_t g_mutex = PTHREAD_MUTEX_INITIALIZER;
 bool g_bLayerIsUp = false;
 
-// Commands come from any thread, also beside a shut-down. Nothing is reported under the mutex while the layer
-// is not up: such a report may set the base up, which needs the mutex for that.
+// Commands may come from any thread, even during a shut-down. Nothing may be reported under the mutex while
+// the layer is down: the report may start the base initialisation, which takes this mutex.
 class HoldingTestThreads {
  public:
   HoldingTestThreads() { pthread_mutex_lock(&g_mutex); }

@@ -16,7 +16,7 @@ bool Is(const char *psz, const char *pszExpected) {
   return ze_kest_Utility_Strcmp(psz, pszExpected) == 0;
 }
 
-// On purpose a line without any id empties the list too, though it counts as not taken.
+// Deliberate: a line without any id also empties the list, although it counts as not taken.
 uint32_t WatchThreads(CommandLine &line) {
   uint32_t u32Result = ZE_KEST_INVALID_ARGUMENT;
   ClearWatchedThreads();
@@ -57,7 +57,7 @@ uint32_t _ZE_KEST_Debug_Cmd_WatchTid(const char *pszLine) {
     return u32Result;
   }
   if (Is(pszKeyword, "kest_debug_watch") && Is(line.Rest(), "create_test")) {
-    // It confirms under the other keyword, on purpose.
+    // Deliberate: it confirms under the other keyword.
     KEST_PRINT("kest_debug_watch_tid=create_test\n");
     return _ZE_KEST_Debug_CreateThread(kTidTestThread);
   }
@@ -68,7 +68,7 @@ uint32_t _ZE_KEST_Debug_Cmd_PthreadSignal(const char *pszLine) {
   CommandLine line(pszLine);
   const char *pszKeyword = line.Next(kKeywordEnd);
   if (Is(pszKeyword, "kest_pthread_signal") && Is(line.Rest(), "create_test")) {
-    // With the "echo" of the shell, on purpose.
+    // Deliberate: the reply includes the shell's "echo".
     KEST_PRINT("echo kest_pthread_signal=create_test\n");
     return _ZE_KEST_Debug_CreateThread(kSignalTestThread);
   }

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// The commands on threads. ZE_KEST_OK when they took the line.
+// Commands that deal with threads. ZE_KEST_OK when they took the line.
 #pragma once
 
 #include <cstdint>

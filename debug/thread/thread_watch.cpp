@@ -48,7 +48,7 @@ void DisableRegisteredThreads() {
   int32_t s32Previous = 0;
   for (const ZE_KEST_DebugInfo_s &info : Registry()) {
     const auto s32Tid = static_cast<int32_t>(info.u32Tid);
-    // Filters of one thread mostly stand side by side; an id that comes back later is appended again.
+    // Filters of the same thread mostly stand side by side. An id that comes back later is appended again.
     if (s32Tid != s32Previous) g_disabled.Append(s32Tid);
     s32Previous = s32Tid;
   }

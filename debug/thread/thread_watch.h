@@ -1,23 +1,23 @@
 // SPDX-License-Identifier: Apache-2.0
-// Which threads reach the log: those that are watched, or those that are not disabled.
+// Decides which threads reach the log: only the watched ones, or all but the disabled ones.
 #pragma once
 
 #include <cstdint>
 
 namespace kest {
 
-// Whether the calling thread is to be logged. Any thread, in every log call: no lock, and no system call
-// while no thread is singled out.
+// Whether the calling thread's lines are logged. Called by any thread in every log call: takes no lock, and
+// makes no system call unless the list that decides holds an id.
 bool IsThisThreadLogged();
 
-// Both lists empty: every thread is logged.
+// Empties both lists: every thread is logged.
 void WatchEveryThread();
 
-// From now on every thread is logged but those that the registry knows now.
+// From now on every thread is logged except those registered at this moment.
 void DisableRegisteredThreads();
 
-// The watch list: while it holds an id only the threads that it names are logged, unless threads are
-// disabled. Then a thread that is added is no longer disabled, and that is all.
+// The watch list: while it holds an id, only the threads on it are logged. After DisableRegisteredThreads the
+// disable list decides instead, and a thread added here is merely taken off that list.
 void ClearWatchedThreads();
 void WatchThread(int32_t s32Tid);
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// A list of thread ids that one thread writes while others read it without a lock: a reader sees each entry
-// old or new.
+// A list of thread ids that one thread writes while others read it without a lock. A reader sees the old or
+// the new value of each entry.
 #pragma once
 
 #include <cstdint>
@@ -13,7 +13,7 @@ class TidList {
  public:
   static constexpr uint32_t kMax = 24;
 
-  // An id beyond the last place is ignored; 0 takes a place and stands for no id.
+  // Ignored when the list is full. 0 takes up a place but stands for no id.
   void Append(int32_t s32Tid) {
     const uint32_t u32Used = Load(u32Used_);
     if (u32Used >= kMax) return;
@@ -34,7 +34,7 @@ class TidList {
 
   [[nodiscard]] int32_t At(uint32_t u32Index) const { return Load(as32Tid_[u32Index]); }
 
-  // Looks no further than the places in use: one load for a list that nothing was appended to.
+  // Looks only at the places in use, so an unused list costs a single load.
   [[nodiscard]] bool IsEmpty() const {
     const uint32_t u32Used = Load(u32Used_);
     for (uint32_t i = 0; i < u32Used; ++i)

@@ -29,11 +29,11 @@ Owned<ZE_KEST_Filter_s> _ZE_KEST_Debug_CreateFilter() {
   Owned<ZE_KEST_Filter_s> filter(static_cast<ZE_KEST_Filter_s *>(pv));
   KEST_REQUIRE_OR(filter != nullptr, nullptr, "Err! MALLOC failed\n");
   *filter = {};
-  static_cast<void>(CopyText(filter->szName, "TidTest"));  // fails for no text alone
+  static_cast<void>(CopyText(filter->szName, "TidTest"));  // fails only for NULL
   return filter;
 }
 
-// Until the next line is due, or the test is stopped.
+// Waits until the next line is due or the test is stopped.
 void Wait() {
   struct timespec outtime;
   const int32_t s32DelayMs = std::max(0, Load(s32KestDebugTidTestDelayMs));

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// The thread that logs by itself at intervals, so that the watch list can be seen at work.
+// A test thread that logs at intervals, so that the effect of the watch list can be seen.
 #pragma once
 
 #include "debug/control/debug_thread.h"
@@ -8,10 +8,10 @@ namespace kest {
 
 extern DebugThread _stKestDebugTidTest;
 
-// Milliseconds between two lines, 5000 after each call of ResetTidTest.
+// Milliseconds between two lines; ResetTidTest sets it to 5000.
 extern int32_t s32KestDebugTidTestDelayMs;
 
-// To its state at the start of the debug layer.
+// Restores the state at the start of the debug layer.
 void ResetTidTest();
 
 // Clears the running flag and wakes the thread, which then ends.

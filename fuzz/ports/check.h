@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-// What the checks of the port functions share. Each check draws arguments, calls a function, and compares all
-// that it did with a model: plain loops over single samples and bytes, without any of the library's helpers.
+// Shared by the checks of the port functions. Each check draws arguments, calls a function and compares
+// everything it did with a model: plain loops over single samples and bytes that use none of the library's
+// helpers.
 #pragma once
 
 #include <functional>
@@ -17,20 +18,20 @@ constexpr uint32_t kGroupChannels[ZE_KEST_PCM_GROUPS] = {2, 10, 10};
 struct Run {
   FuzzedDataProvider &bytes;
   RandomFilter &filter;
-  RandomFilter image;  // what the filter has to be like
-  bool bConsistent;    // otherwise only memory safety counts
+  RandomFilter image;  // what the filter must look like after each call
+  bool bConsistent;    // otherwise only memory safety is checked
 
   uint32_t Draw(uint32_t u32Least, uint32_t u32Most) {
     return bytes.ConsumeIntegralInRange(u32Least, u32Most);
   }
 
-  // Calls the function on the filter and the model on the image; both give results, and the filter has to
-  // become what the model made of the image.
+  // Calls the function on the filter and the model on the image. The results must be equal, and the filter
+  // must end up like the image.
   void Compare(const char *pszWhat, const std::function<uint32_t(ZE_KEST_Filter_s *)> &function,
                const std::function<uint32_t(RandomFilter &)> &model);
 };
 
-// Puts the ports' records back to what they were: updates may make them contradict each other.
+// Restores the ports' records at the end, since updates may make them contradict each other.
 class KeptRecords {
  public:
   explicit KeptRecords(Run &run);
@@ -44,12 +45,12 @@ class KeptRecords {
   std::array<ZE_KEST_Port_s, ZE_KEST_MAX_PORTS> outputs_;
 };
 
-// The slot's port as reads and writes of a single port find it.
+// The slot's port as functions for a single port see it: later slots must be connected.
 inline RandomPort *Served(RandomPort *pst, uint32_t u32Slot) {
   return pst != nullptr && (u32Slot == 0 || pst->st.bConnected != 0) ? pst : nullptr;
 }
 
-// The ports that a walk over a side serves: the first one, and later ones that are connected.
+// The ports that a walk over one side visits: the first one, and later ones that are connected.
 std::vector<RandomPort *> Walk(RandomFilter &filter, bool bInput);
 // All ports of a side.
 std::vector<RandomPort *> All(RandomFilter &filter, bool bInput);
@@ -58,7 +59,7 @@ inline uint32_t Width(const RandomPort &port) {
   return port.st.stPcm.stPcmInfo.u32BitWidth / 8;
 }
 
-// One sample of a channel's ring; the index runs over the ring's end as often as it likes.
+// One sample of a channel's ring. The index may run past the ring's end any number of times.
 inline uint8_t *Sample(RandomPort &port, uint32_t u32Group, uint32_t u32Slot, uint32_t u32Index) {
   const uint32_t sztRing = port.st.stPcm.sztPcmRingSamples;
   return &port.groups[u32Group][size_t{u32Slot * sztRing + u32Index % sztRing} * Width(port)];
@@ -69,7 +70,7 @@ inline void CopyBytes(uint8_t *pu8Dst, const uint8_t *pu8Src, uint32_t u32Bytes)
     pu8Dst[i] = pu8Src[i];
 }
 
-// A sample read as a number, shifted to the left or, when negative, to the right, and cut to its new width.
+// Reads a sample as a number, shifts it left (right when negative) and cuts it to its new width.
 inline void Convert(uint8_t *pu8Dst, uint32_t u32DstBytes, const uint8_t *pu8Src, uint32_t u32SrcBytes,
                     int s32Shift) {
   uint64_t u64Sample = 0;

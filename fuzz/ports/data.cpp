@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Metadata and raw data: block queries, and forwarding from an input to the outputs.
+// Metadata and raw data: queries of blocks, and forwarding from an input to the outputs.
 #include <algorithm>
 #include <cstring>
 
@@ -14,7 +14,7 @@ struct Header {
   uint32_t u32Payload;
 };
 
-// At a distance behind the read position.
+// The header at a distance after the read position.
 Header HeaderAt(const RandomPort &port, uint32_t u32Distance) {
   const ZE_KEST_DataBuffer_s &ring = port.st.stMeta;
   if (ring.pu8Buf == nullptr) return {};

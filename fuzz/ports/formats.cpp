@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Interleaving both ways, copies from port to port, and conversions of the sample's width.
+// Conversions to and from interleaved frames, copies from port to port, and conversions of the sample width.
 #include <algorithm>
 
 #include "fuzz/ports/check.h"
@@ -13,7 +13,7 @@ RandomPort *DrawPort(Run &run) {
   return bInput ? run.filter.In(u32Slot) : run.filter.Out(u32Slot);
 }
 
-// The image of a port of the filter.
+// The image of one of the filter's ports.
 RandomPort &ImageOf(const Run &run, RandomFilter &image, const RandomPort *pst) {
   const bool bInput = pst >= run.filter.inputs.data() && pst < run.filter.inputs.data() + ZE_KEST_MAX_PORTS;
   return bInput ? image.inputs[static_cast<size_t>(pst - run.filter.inputs.data())]
@@ -35,7 +35,7 @@ Frames DrawFrames(Run &run, const RandomPort &port) {
   return frames;
 }
 
-// The bytes of one channel in the frames: where it stands in the ring and where in the buffer.
+// Calls move for every sample of the frames with its address in the ring and its offset in the buffer.
 template <typename Move>
 void ForEachSample(const Frames &frames, RandomPort &port, uint32_t u32Channels, const Move &move) {
   if (port.st.stPcm.apu8PcmGroupBuf[frames.u32Group] == nullptr) return;
@@ -54,7 +54,7 @@ void CheckFromInterleaved(Run &run, const RandomPort &port, const Frames &frames
   const bool bWrong = frames.u32Group < 3 &&
                       (frames.u32Channels == 0 || frames.u32Channels > kGroupChannels[frames.u32Group]);
   const uint32_t u32Channels = bWrong ? 2 : frames.u32Channels;
-  // The width of a port that says none counts as 16 bits, for which its storage may be too small.
+  // A port without a width counts as 16 bits, for which its storage may be too small.
   if (u32Given == 0 && u32Bits == 0) return;
   Bytes src = Noise(size_t{frames.sztSamples} * u32Channels * Width(port), 21);
   run.Compare(
@@ -103,7 +103,7 @@ struct Conversion {
   bool bInPlace;
 };
 
-// The functions in one form, whatever the types and the order of their arguments.
+// Gives the functions one signature, whatever their types and order of arguments.
 template <auto pfn, typename Src, typename Dst>
 uint32_t SourceFirst(const uint8_t *pu8Src, uint8_t *pu8Dst, uint32_t n) {
   return pfn(reinterpret_cast<const Src *>(pu8Src), reinterpret_cast<Dst *>(pu8Dst), n);
@@ -153,7 +153,7 @@ void CheckPcmCopy(Run &run) {
   const uint32_t g = run.Draw(0, 3);
   const uint32_t u32From = run.Draw(0, pstFrom->st.stPcm.sztPcmRingSamples);
   const uint32_t u32To = run.Draw(0, pstTo->st.stPcm.sztPcmRingSamples);
-  // The widths of contradictory ports may be 0, which counts as 16: more than their storage may have.
+  // Contradictory ports may have no width, which counts as 16 bits: more than their storage may hold.
   if (Width(*pstFrom) < 2 || Width(*pstTo) < 2) return;
   const uint32_t n = run.Draw(
       0, run.bConsistent ? std::min(pstFrom->st.stPcm.sztPcmRingSamples, pstTo->st.stPcm.sztPcmRingSamples)
@@ -180,7 +180,7 @@ void CheckPcmCopy(Run &run) {
       });
 }
 
-// Source and destination lie in one buffer, where they may overlap.
+// Source and destination lie in one buffer and may overlap.
 void CheckConversion(Run &run) {
   const Conversion &conversion = kConversions[run.Draw(0, std::size(kConversions) - 1)];
   const uint32_t n = run.Draw(0, 70);

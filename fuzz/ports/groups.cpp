@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Channel groups: formats and layouts handed to the outputs, capabilities, pointers into the inputs.
+// Channel groups: formats and layouts passed to the outputs, capabilities, pointers into the inputs.
 #include "fuzz/ports/check.h"
 
 namespace kest::fuzz {
@@ -32,7 +32,8 @@ bool Carries(RandomFilter &image, bool bInput, uint32_t u32Group) {
   return u32Connected == 0 || u32Carrying != 0;
 }
 
-// The offset in a group's storage of the sample that a pointer of a channel points at; -1 for no pointer.
+// The offset, in the group's storage, of the sample that a channel's pointer points to; -1 for a NULL
+// pointer.
 ptrdiff_t ModelPointer(const RandomPort &port, uint32_t g, uint32_t k) {
   const ZE_KEST_PcmBuffer_s &pcm = port.st.stPcm;
   const ZE_KEST_PcmGroup_s &group = pcm.astPcmGroup[g];

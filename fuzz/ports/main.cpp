@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// The port functions on a random filter, each call compared with a model.
+// Calls the port functions on a random filter and compares each call with a model.
 #include <cstring>
 
 #include "fuzz/ports/check.h"

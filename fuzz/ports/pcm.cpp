@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// PCM out of input ports and into output ports.
+// Reads PCM from input ports and writes it to output ports.
 #include <algorithm>
 
 #include "fuzz/ports/check.h"
@@ -9,7 +9,7 @@ namespace {
 
 struct Reader {
   uint32_t (*pfnRead)(const ZE_KEST_Filter_s *, uint32_t, void *, uint32_t, uint32_t, uint32_t, uint32_t);
-  uint32_t u32DstBytes;  // of a sample in the destination; 0: as in the ring
+  uint32_t u32DstBytes;  // bytes of a sample in the destination; 0: as in the ring
   int s32ShiftOf16;
   int s32ShiftOf32;
 };
@@ -87,7 +87,7 @@ struct Sources {
   std::array<void *, 36> pointers;
   std::array<uint16_t, 36> strides;
 
-  // Long enough for 32-bit samples, or just of the width when every port has the same.
+  // Long enough for samples of u32Width bytes.
   Sources(Run &run, uint32_t sztSamples, uint32_t u32Width) {
     for (uint32_t i = 0; i < 36; ++i) {
       strides[i] = static_cast<uint16_t>(run.Draw(0, 5) < 3 ? 1 : run.Draw(0, 12));
@@ -133,12 +133,12 @@ uint32_t ModelWrite(const Write &write, RandomFilter &image, const Sources &sour
   return write.bAll || Served(image.Out(write.u32Slot), write.u32Slot) != nullptr ? 0 : 8;
 }
 
-// What the caller of a direct write keeps to: it does not go round the ring.
+// A direct write must not go past the end of the ring; that is the caller's duty.
 uint32_t RoomBeforeEnd(const RandomPort &port) {
   const ZE_KEST_PcmBuffer_s &pcm = port.st.stPcm;
   if (pcm.sztPcmRingSamples == 0) return 0;
   const uint32_t u32Position = pcm.sztPcmLevel + pcm.sztPcmReadOffset;
-  // Sums of contradictory records wrap; they are not written directly.
+  // Sums in contradictory records may wrap; those are never written directly.
   return pcm.sztPcmRingSamples - u32Position % pcm.sztPcmRingSamples;
 }
 

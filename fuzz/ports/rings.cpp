@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Rings without ports: copies of bytes, and one channel to or from a linear buffer.
+// Rings without ports: copies of bytes, and of one channel to or from a linear buffer.
 #include "fuzz/ports/check.h"
 
 namespace kest::fuzz {
@@ -10,8 +10,8 @@ using Reader = uint32_t (*)(const uint8_t *, const uint8_t *, uint32_t, uint8_t 
 
 struct ChannelReader {
   Reader pfnRead;
-  uint32_t u32DstBytes;  // of a sample; 0: as in the ring
-  int as32Shift[5];      // by the width in the ring
+  uint32_t u32DstBytes;  // bytes of a sample; 0: as in the ring
+  int as32Shift[5];      // indexed by the width in the ring
 };
 
 constexpr ChannelReader kReaders[] = {
@@ -29,7 +29,7 @@ struct Transfer {
   uint32_t u32Stride;
   uint32_t u32Width;
 
-  // The samples that are moved: a partial one counts.
+  // Number of samples moved; a partial one counts.
   [[nodiscard]] uint32_t Samples() const { return (u32Bytes + u32Width - 1) / u32Width; }
   [[nodiscard]] size_t LinearSize(uint32_t u32LinearBytes) const {
     if (u32Stride == 1) return u32Bytes;
@@ -106,7 +106,7 @@ Place DrawPlace(Run &run) {
   return {u32Size, u32Offset, run.Draw(0, u32Size)};
 }
 
-// Positions and sizes of any kind: only memory safety counts.
+// Arbitrary positions and sizes: only memory safety is checked.
 void CopyAnyhow(Run &run, const Place &to, const Place &from) {
   Bytes dst = Noise(to.u32Size, 14);
   const Bytes src = Noise(from.u32Size, 15);

@@ -18,8 +18,8 @@ constexpr SizeFunction kSizeFunctions[] = {
     ze_kest_Utility_CalculateOutputPortRawProcessSize,
 };
 
-// Input PCM and metadata: empty ports before the first data are passed over.
-uint32_t BehindFirstData(RandomFilter &image, uint32_t (*pfnValue)(const ZE_KEST_Port_s &)) {
+// For input PCM and metadata: empty ports before the first one with data are skipped.
+uint32_t FromFirstDataOn(RandomFilter &image, uint32_t (*pfnValue)(const ZE_KEST_Port_s &)) {
   bool bTaken = false;
   uint32_t u32Least = 0;
   for (const RandomPort *pst : All(image, true)) {
@@ -34,7 +34,7 @@ uint32_t BehindFirstData(RandomFilter &image, uint32_t (*pfnValue)(const ZE_KEST
   return u32Least;
 }
 
-// The others: of the ports that count, each with its value.
+// For the others: the least of the values of the ports that count.
 uint32_t Least(const std::vector<uint32_t> &values) {
   return values.empty() ? 0 : *std::min_element(values.begin(), values.end());
 }
@@ -56,7 +56,7 @@ uint32_t ModelSize(RandomFilter &image, uint32_t u32Function) {
   }
   uint32_t u32Size = Least(values);
   if (u32Function == 0) {
-    u32Size = BehindFirstData(image, [](const ZE_KEST_Port_s &st) { return st.stPcm.sztPcmLevel; });
+    u32Size = FromFirstDataOn(image, [](const ZE_KEST_Port_s &st) { return st.stPcm.sztPcmLevel; });
     if (image.st.sztMaxInPcmProcessSize != 0xFFFFFFFF)
       u32Size = std::min(u32Size, image.st.sztMaxInPcmProcessSize);
   }
@@ -64,14 +64,14 @@ uint32_t ModelSize(RandomFilter &image, uint32_t u32Function) {
     u32Size = std::min(u32Size, image.st.sztMaxOutPcmProcessSize);
   }
   if (u32Function == 2) {
-    u32Size = BehindFirstData(
+    u32Size = FromFirstDataOn(
         image, [](const ZE_KEST_Port_s &st) { return st.stMeta.sztLevel - st.stMeta.sztReadSize; });
   }
   return u32Size;
 }
 
-// The ten updates, as numbers: PCM read, PCM write, metadata read and write, raw read and write of all ports;
-// PCM read, PCM write, metadata read and raw read of one.
+// The ten updates by number. Of all ports: PCM read, PCM write, metadata read and write, raw read and write;
+// of a single port: PCM read, PCM write, metadata read, raw read.
 uint32_t Update(ZE_KEST_Filter_s *pst, uint32_t u32Function, uint32_t u32Count, uint32_t u32Slot) {
   switch (u32Function) {
     case 0:

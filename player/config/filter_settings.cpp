@@ -15,7 +15,7 @@
 namespace kest::player {
 namespace {
 
-// Required: nothing can be played without it.
+// A mandatory setting: nothing can be played without the file.
 struct FileName {
   std::string FilterLayout::*field;
 };

@@ -14,7 +14,7 @@
 namespace kest::player {
 namespace {
 
-// A pipe would keep the player waiting where no signal ends it.
+// Reading a pipe could block the player where no signal ends the wait.
 void CheckIsRegularFile(const std::string &path) {
   struct stat status {};
   if (stat(path.c_str(), &status) != 0) {
@@ -27,7 +27,7 @@ void CheckIsRegularFile(const std::string &path) {
 
 }  // namespace
 
-// A fill that failed has left nothing to release.
+// After a failed fill there is nothing to release.
 JsonDocument::Index::~Index() {
   if (record.pstTokenInfo != nullptr) ze_kest_Utility_Jsmn_Destroy(&record);
 }
@@ -62,7 +62,7 @@ void JsonDocument::FillIndex() {
     throw PlayerError(path_ + ": malformed or incomplete JSON in line " + std::to_string(line) +
                       " (the reader answered " + std::to_string(result) + ")");
   }
-  // Nothing may follow the root.
+  // Nothing may follow the root value.
   const ZE_KEST_JsmnTokenInfo_s *tokens = index.pstTokenInfo;
   if (tokens[index.u32TotalTokenCounter - 1].start >= tokens[0].end) {
     throw PlayerError(path_ + ": there is more than one JSON value; one object is needed");

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// A JSON file as the library's reader indexes it.
+// A JSON file, indexed by the library's reader.
 #pragma once
 
 #include <memory>

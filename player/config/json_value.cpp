@@ -16,7 +16,7 @@ bool IsObjectOrArray(const JsonValue::Token &token) {
   return token.type == ZE_KEST_JSMN_OBJECT || token.type == ZE_KEST_JSMN_ARRAY;
 }
 
-// The reader is lenient about commas and colons: a key may have no value or several.
+// The library's reader tolerates missing commas and colons: a key may have no value or several.
 bool HasOneValue(const JsonValue::Token &key) {
   if (key.size != 1) return false;
   const JsonValue::Token &value = (&key)[1];
@@ -71,13 +71,13 @@ void JsonValue::Refuse(const std::string &needed) const {
   throw PlayerError(place_ + " is " + Shown() + "; " + needed);
 }
 
-// The next one in the text, key or value, however deep; nullptr at the end.
+// The next string in the text, key or value, at any depth; nullptr at the end.
 const JsonValue::Token *JsonValue::NextString(const Token &token) const {
   const Token &last = index_->pstTokenInfo[index_->u32TotalTokenCounter - 1];
   return &token == &last ? nullptr : ze_kest_Utility_Jsmn_GetNextTokenInfo(index_, &token);
 }
 
-// The first string behind the key's value.
+// The first string after the key's value.
 const JsonValue::Token *JsonValue::NextKey(const Token &key) const {
   const Token &value = (&key)[1];
   const Token *next = NextString(value);
@@ -98,7 +98,7 @@ std::string_view JsonValue::Raw(const Token &token) const {
   return {index_->pszStringData + token.start, static_cast<size_t>(token.end - token.start)};
 }
 
-// The reader has seen to it that something follows a backslash.
+// No bounds check after a backslash: the reader guarantees that a character follows it.
 std::string JsonValue::Decoded(const Token &string) const {
   const std::string_view raw = Raw(string);
   std::string decoded;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// A value of a JSON document. What is wrong with it is thrown as a PlayerError that names its place.
+// A value of a JSON document. An error in it is thrown as a PlayerError that names its place.
 #pragma once
 
 #include <string>
@@ -14,16 +14,16 @@ class JsonValue {
  public:
   using Token = ZE_KEST_JsmnTokenInfo_s;
 
-  // place: the file and the names that lead to the value.
+  // place: the file and the names that lead to the value, for error messages.
   JsonValue(const ZE_KEST_Jsmn_s &index, const Token &token, std::string name, std::string place);
 
-  // Its name in the object that it is a member of.
+  // Its name within the object that it is a member of.
   [[nodiscard]] const std::string &Name() const { return name_; }
 
-  // The members of an object, in the order of the text, each name once.
+  // The members of an object in the order of the text. Throws PlayerError when a name occurs twice.
   [[nodiscard]] std::vector<JsonValue> Members() const;
   [[nodiscard]] int WholeNumber(int min, int max) const;
-  // A string that is not empty.
+  // A non-empty string.
   [[nodiscard]] std::string FileName() const;
 
   // "PLACE: reason"

@@ -20,10 +20,10 @@ namespace {
 
 constexpr size_t kMaxName = ZE_KEST_NAME_SIZE - 1;
 
-// Between its ends, a chain has any of Volume and Delay.
+// Between its first and last filter, a chain may have any number of Volume and Delay filters.
 struct Chain {
   const FilterKind *first;
-  const FilterKind *last;  // nullptr: none in particular
+  const FilterKind *last;  // nullptr: no particular one
   const char *text;
 };
 

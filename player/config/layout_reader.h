@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// Configuration files: JSON objects of pipelines, each an object of filters, each an object of settings.
+// Configuration files: a JSON object of pipelines; each is an object of filters; each of these an object of
+// settings.
 #pragma once
 
 #include <string>
@@ -8,8 +9,8 @@
 
 namespace kest::player {
 
-// Paths in the file count from its directory. Throws PlayerError, which says where the file is wrong and what
-// is needed there.
+// Relative paths in the file start at its directory. Throws a PlayerError that says where the file is wrong
+// and what is needed there.
 Layout ReadLayout(const std::string &path);
 
 }  // namespace kest::player

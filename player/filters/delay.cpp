@@ -61,7 +61,7 @@ void Delay::ProcessAs() {
   ForwardMetadata(leaving);
 }
 
-// Gives the line the length of the delay. Returns the input's frames that it drops.
+// Makes the line as long as the delay. Returns how many frames of the input it drops for that.
 uint32_t Delay::AdjustDelay() {
   const uint32_t wanted = MsToFrames(delayMs_);
   const uint32_t held = line_.FramesHeld();
@@ -74,7 +74,7 @@ uint32_t Delay::AdjustDelay() {
   return CountLeaving(held - wanted);
 }
 
-// How many of the line's oldest frames came from the input, when they leave it.
+// Of the line's oldest frames, which are leaving it, counts those that came from the input.
 uint32_t Delay::CountLeaving(uint32_t frames) {
   const uint32_t silent = std::min(frames, silentFrames_);
   silentFrames_ -= silent;

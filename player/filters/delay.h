@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Holds the sound back for a while; at the end what is held back still comes out.
+// Holds the sound back for a while. What is still held at the end comes out then.
 #pragma once
 
 #include <atomic>
@@ -17,8 +17,8 @@ class Delay : public Filter {
 
   explicit Delay(const PcmFormat &format);
 
-  // From any thread; in force from the next cycle: a longer delay inserts silence, a shorter one drops what
-  // it would have held. More than the maximum becomes the maximum.
+  // Callable from any thread; takes effect in the next cycle. A longer delay inserts silence, a shorter one
+  // drops the frames that are held too long. Values above the maximum become the maximum.
   void SetDelayMs(uint32_t delayMs);
   [[nodiscard]] uint32_t DelayMs() const { return delayMs_; }
 
@@ -38,7 +38,7 @@ class Delay : public Filter {
 
   std::atomic<uint32_t> delayMs_{0};
   DelayLine line_;
-  uint32_t silentFrames_ = 0;  // inserted silence, the oldest frames of the line
+  uint32_t silentFrames_ = 0;  // inserted silence; always the oldest frames of the line
   FrameBuffer buffer_;
 };
 

@@ -9,7 +9,7 @@
 
 namespace kest::player {
 
-// The caller keeps within the capacity and within what is held. Frames are interleaved.
+// The caller must respect the capacity and what is held. Frames are interleaved.
 class DelayLine {
  public:
   DelayLine(const PcmFormat &format, uint32_t capacityFrames);
@@ -18,7 +18,7 @@ class DelayLine {
 
   void Append(const void *interleaved, uint32_t frames);
   void Take(void *interleaved, uint32_t frames);
-  // Puts silence before everything that is held.
+  // Puts silence in front of everything that is held.
   void PrependSilence(uint32_t frames);
   void Drop(uint32_t frames);
 
@@ -31,7 +31,7 @@ class DelayLine {
   uint32_t capacity_;
   uint32_t start_ = 0;  // oldest frame
   uint32_t held_ = 0;
-  std::vector<uint32_t> storage_;  // words, for the alignment of the widest sample
+  std::vector<uint32_t> storage_;  // words, to align the widest sample
 };
 
 }  // namespace kest::player

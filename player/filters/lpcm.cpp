@@ -8,15 +8,14 @@
 namespace kest::player {
 namespace {
 
-// Volumes of the metadata: bit 10 mute, bits 9 to 3 whole decibels, bits 2 to 0 eighths; 0x60 stands for 0
-// dB.
+// Volumes in metadata: bit 10 is mute, bits 9 to 3 are whole decibels, bits 2 to 0 eighths; 0x60 is 0 dB.
 constexpr uint32_t kUnityVolume = 0x60;
 constexpr uint32_t kNoVolume = 0x400 | kUnityVolume;
 constexpr uint32_t kLineMode = 0;
 constexpr uint32_t kPlainStereo = 1;
 constexpr uint32_t kOtherSignal = 3;
 
-// Behind the counts: what other decoders do to the sound, and this one does not.
+// After the counts: what other decoders do to the sound, while this one does nothing.
 constexpr Parameter kParameters[] = {
     ReadOnly<uint32_t, &Lpcm::BlocksDecoded>("OkFrmCnt", "blocks of 256 frames decoded"),
     Fixed<uint32_t{0}>("ErrFrmCnt", "damaged blocks; none, since one ends the run"),
@@ -50,7 +49,7 @@ void Lpcm::Process() {
   });
 }
 
-// Fewer frames than asked for only at the end.
+// Returns fewer frames than asked for only at the end.
 template <typename Sample>
 uint32_t Lpcm::ReadFile(Sample *interleaved, uint32_t frames) {
   uint32_t done = 0;
@@ -58,12 +57,12 @@ uint32_t Lpcm::ReadFile(Sample *interleaved, uint32_t frames) {
     const uint32_t got = reader_.Read(interleaved + size_t{done} * Format().channels, frames - done);
     done += got;
     framesSinceStart_ += got;
-    if (done < frames) atEnd_ = !BeginAnew();
+    if (done < frames) atEnd_ = !StartOver();
   }
   return done;
 }
 
-bool Lpcm::BeginAnew() {
+bool Lpcm::StartOver() {
   const bool fileIsEmpty = framesSinceStart_ == 0;
   if (!loop_ || fileIsEmpty) return false;
   reader_.Rewind();
@@ -71,7 +70,7 @@ bool Lpcm::BeginAnew() {
   return true;
 }
 
-// A block comes with the last of its frames, so that it never waits for frames downstream.
+// A block is written with the last of its frames, so that it never waits for frames downstream.
 void Lpcm::WriteMetadata(uint32_t frames) {
   framesOfBlock_ += frames;
   for (; framesOfBlock_ >= ZE_KEST_METADATA_SAMPLES; framesOfBlock_ -= ZE_KEST_METADATA_SAMPLES) {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// The decoder of the player: reads an audio file and makes its metadata.
+// The player's decoder: reads an audio file and generates its metadata.
 #pragma once
 
 #include <atomic>
@@ -14,10 +14,10 @@ class Lpcm : public Filter {
  public:
   static const FilterKind kKind;
 
-  // source: number of the input, which marks its metadata; loop: begin anew at the end of the file.
+  // source: number of the input, stored in its metadata; loop: start over at the end of the file.
   Lpcm(const PcmFormat &format, AudioReader reader, uint32_t source, bool loop);
 
-  // Complete blocks of ZE_KEST_METADATA_SAMPLES frames so far. From any thread.
+  // Complete blocks of ZE_KEST_METADATA_SAMPLES frames so far. Callable from any thread.
   [[nodiscard]] uint32_t BlocksDecoded() const { return blocksDecoded_; }
 
  protected:
@@ -27,14 +27,14 @@ class Lpcm : public Filter {
  private:
   template <typename Sample>
   uint32_t ReadFile(Sample *interleaved, uint32_t frames);
-  bool BeginAnew();
+  bool StartOver();
   void WriteMetadata(uint32_t frames);
 
   AudioReader reader_;
   bool loop_;
   bool atEnd_ = false;
-  uint64_t framesSinceStart_ = 0;  // of the file
-  uint32_t framesOfBlock_ = 0;     // produced for the block that is not complete yet
+  uint64_t framesSinceStart_ = 0;  // of the file, in this round
+  uint32_t framesOfBlock_ = 0;     // already produced for the next block
   std::atomic<uint32_t> blocksDecoded_{0};
   MetadataBlock block_{};
   FrameBuffer buffer_;

@@ -3,7 +3,7 @@
 
 namespace kest::player {
 
-// Sources follow each other from the first to the last; a later one begins wherever it has got to.
+// Blocks come ordered by source. A source may begin with any number: the mixer has consumed the earlier ones.
 void MetadataCounter::Count(const MetadataBlock &block) {
   const bool follows =
       block.source == latest_.source ? block.number == latest_.number + 1 : block.source > latest_.source;

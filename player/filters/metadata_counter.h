@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Counts the metadata blocks that arrive at an output and checks their order.
+// Counts the metadata blocks that reach an output and checks their order.
 #pragma once
 
 #include <cstdint>

@@ -41,7 +41,7 @@ void Mixer::AddInput(uint32_t port, uint32_t frames) {
   }
 }
 
-// The output carries one stream of metadata, that of the first input; the others' is consumed with their
+// The output carries the metadata of the first input only; that of the others is consumed together with their
 // frames.
 void Mixer::ForwardFirstMetadata(uint32_t frames) {
   bool forwarded = false;
@@ -57,7 +57,7 @@ void Mixer::ForwardFirstMetadata(uint32_t frames) {
   }
 }
 
-// The length query walks the ring without asking whether it holds the blocks, hence the limit.
+// Limited to the level, because the length query walks the ring without checking that it holds the blocks.
 uint32_t Mixer::MetadataBytes(uint32_t port, uint32_t frames) {
   const uint32_t due = metadataRemainders_[port] + frames;
   metadataRemainders_[port] = due % ZE_KEST_METADATA_SAMPLES;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Adds up its inputs, saturated. An input that has ended leaves the others alone.
+// Adds up its inputs and saturates the sum. An input that has ended does not hold up the others.
 #pragma once
 
 #include <array>
@@ -27,7 +27,7 @@ class Mixer : public Filter {
   void ReleaseInputs(uint32_t frames);
   [[nodiscard]] bool HasData(uint32_t port) const;
 
-  std::array<uint32_t, ZE_KEST_MAX_PORTS> metadataRemainders_{};  // frames since an input's last block
+  std::array<uint32_t, ZE_KEST_MAX_PORTS> metadataRemainders_{};  // frames since each input's last block
   FrameBuffer buffer_;
   FrameArray<int64_t> sums_{};
 };

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// When the frames of an output are due, counted from the first one.
+// Tells when the frames of an output are due, counted from the first one.
 #pragma once
 
 #include <chrono>
@@ -11,8 +11,8 @@ class PlaybackClock {
  public:
   explicit PlaybackClock(uint32_t sampleRate) : sampleRate_(sampleRate) {}
 
-  // Sleeps until the frames that follow all earlier ones are due. False when they are late by more than their
-  // own length; the clock then starts anew from now.
+  // Sleeps until the next frames are due, which follow all earlier ones. False when they are late by more
+  // than their own duration; the clock then restarts from now.
   bool WaitFor(uint32_t frames);
 
  private:
@@ -21,7 +21,7 @@ class PlaybackClock {
   [[nodiscard]] std::chrono::microseconds Duration(uint64_t frames) const {
     return std::chrono::microseconds(frames * 1000000 / sampleRate_);
   }
-  void StartAnew(Clock::time_point now);
+  void Restart(Clock::time_point now);
 
   uint32_t sampleRate_;
   bool running_ = false;

@@ -36,7 +36,7 @@ void SpeakerOutput::PlayFrames(uint32_t frames) {
   framesPlayed_ += frames;
 }
 
-// Whatever has arrived belongs to frames that have arrived.
+// Metadata that has arrived belongs to frames that have arrived, so all of it can go.
 void SpeakerOutput::ConsumeMetadata() {
   uint32_t bytes = 0;
   ze_kest_Utility_CalculateInputPortMetadataProcessSize(&Record(), &bytes);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// The output of the player: writes an audio file, in real time if wanted.
+// The player's output: writes an audio file, in real time if wanted.
 #pragma once
 
 #include <atomic>
@@ -17,14 +17,14 @@ class SpeakerOutput : public Filter {
   static const FilterKind kKind;
   static constexpr uint64_t kNoLimit = UINT64_MAX;
 
-  // frameLimit: frames after which the output ends.
+  // frameLimit: number of frames after which the output ends.
   SpeakerOutput(const PcmFormat &format, AudioWriter writer, uint64_t frameLimit, bool realTime);
 
   void Finish() override { writer_.Close(); }
 
-  // From any thread.
+  // Callable from any thread.
   [[nodiscard]] uint64_t FramesPlayed() const { return framesPlayed_; }
-  // After the run.
+  // Only after the run.
   [[nodiscard]] const MetadataCounter &Metadata() const { return metadata_; }
 
  protected:

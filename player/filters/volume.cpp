@@ -54,7 +54,7 @@ void Volume::Process() {
   WithSampleType(Format(), [this](auto sample) { ProcessAs<decltype(sample)>(); });
 }
 
-// Works on the channels where they lie in the input rings; unity gain copies them from there.
+// Reads the channels directly in the input rings; with unity gain they are copied from there unchanged.
 template <typename Sample>
 void Volume::ProcessAs() {
   const uint32_t frames = std::min(FramesToProcess(), FramesInOnePiece());

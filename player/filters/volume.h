@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Gain and mute. 0 dB passes the samples unchanged; too loud ones saturate.
+// Gain and mute. 0 dB passes the samples unchanged; samples that become too loud saturate.
 #pragma once
 
 #include <atomic>
@@ -10,7 +10,7 @@ namespace kest::player {
 
 class Volume : public Filter {
  public:
-  // The gain's fixed-point number holds no more; below, nothing is left of a sample.
+  // The maximum is what the fixed-point gain can hold; below the minimum nothing is left of a sample.
   static constexpr int kMinGainDb = -144;
   static constexpr int kMaxGainDb = 53;
 
@@ -18,7 +18,8 @@ class Volume : public Filter {
 
   explicit Volume(const PcmFormat &format) : Filter(kKind, format) {}
 
-  // From any thread; in force from the next cycle. Gains outside the limits become the nearest limit.
+  // Callable from any thread; takes effect in the next cycle. A gain outside the limits becomes the nearest
+  // limit.
   void SetGainDb(int gainDb);
   [[nodiscard]] int GainDb() const { return gainDb_; }
   void SetMute(bool mute) { mute_ = mute; }

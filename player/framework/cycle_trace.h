@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // Tells the library's timing trace when a pipeline's cycle and its filters begin and end. Takes no time
-// stamps unless somebody watches.
+// stamps unless the trace is on.
 #pragma once
 
 #include <chrono>
@@ -11,7 +11,7 @@ namespace kest::player {
 
 class CycleTrace {
  public:
-  // The cycle begins.
+  // Marks the beginning of the cycle.
   explicit CycleTrace(const char *pipeline)
       : pipeline_(pipeline), watched_(ze_kest_Debug_Io_Is_Enable() != 0), startUs_(watched_ ? NowUs() : 0) {}
 

@@ -12,7 +12,7 @@
 namespace kest::player {
 namespace {
 
-// Four cycles: a filter may leave a rest that does not fill a cycle.
+// Four cycles, because a filter may leave a remainder that does not fill a cycle.
 constexpr uint32_t kPortFrames = 4 * kCycleFrames;
 
 uint32_t WriteAllOutputs(const ZE_KEST_Filter_s *pstFilter, uint32_t frames, int16_t *const *sources,
@@ -86,7 +86,8 @@ bool Filter::IsComplete() const {
   return upstreamEnded_ && InputsAreEmpty();
 }
 
-// Metadata behind the last full block of frames belongs to nothing that will still come.
+// Ignores metadata: what is left after the last full block of frames belongs to no frames that will still
+// come.
 bool Filter::InputsAreEmpty() const {
   return std::all_of(inputs_.begin(), inputs_.end(),
                      [](const PortStorage *input) { return input->FramesHeld() == 0; });
@@ -151,7 +152,7 @@ void Filter::ForwardMetadata(uint32_t frames) {
   const uint32_t blocksDue = (metadataRemainder_ + frames) / ZE_KEST_METADATA_SAMPLES;
   const uint32_t bytes = ze_kest_Utility_QueryInputMinMetaProcessSize(
       &record_, frames, MetadataBytesToForward(), &metadataRemainder_);
-  // What finds no room yet stays due.
+  // Blocks that found no room yet stay due.
   metadataRemainder_ += (blocksDue - bytes / kMetadataBlockBytes) * ZE_KEST_METADATA_SAMPLES;
   ze_kest_Utility_WriteAllOutputPortMetadataBuffer(&record_, 0, bytes);
   ze_kest_Utility_UpdateAllOutputPortMetadataWriteSize(&record_, bytes);

@@ -25,20 +25,20 @@ class Filter {
   [[nodiscard]] const FilterKind &Kind() const { return kind_; }
   [[nodiscard]] ZE_KEST_Filter_s &Record() { return record_; }
   [[nodiscard]] const ZE_KEST_Filter_s &Record() const { return record_; }
-  // What its input ports must hold.
+  // The capacity that its input ports must have.
   [[nodiscard]] virtual PortCapacity InputCapacity() const;
 
   void SetParent(ZE_KEST_Pipeline_s &pipeline);
   void ConnectInput(PortStorage &port);
   void ConnectOutput(PortStorage &port);
-  // Tells the output ports the format, before the first cycle.
+  // Tells the output ports the format. Called before the first cycle.
   void AnnounceFormat();
 
-  // One turn. upstreamEnded: nothing will come behind what the input ports hold.
+  // Runs one turn. upstreamEnded: nothing will follow what the input ports hold now.
   void RunCycle(bool upstreamEnded);
   // Whether everything has been passed on.
   [[nodiscard]] bool Ended() const { return ended_; }
-  // After the last cycle, on the thread that ran it.
+  // Called after the last cycle, on the thread that ran it.
   virtual void Finish() {}
 
  protected:
@@ -48,21 +48,22 @@ class Filter {
   [[nodiscard]] const PcmFormat &Format() const { return format_; }
   [[nodiscard]] bool UpstreamEnded() const { return upstreamEnded_; }
 
-  // Frames that all inputs can deliver, that all outputs can take, and both; never more than a cycle's.
+  // Number of frames that all inputs can deliver, that all outputs can take, and the smaller of both; never
+  // more than one cycle's.
   [[nodiscard]] uint32_t FramesAvailable() const;
   [[nodiscard]] uint32_t FramesWanted();
   [[nodiscard]] uint32_t FramesToProcess();
 
-  // Without accounting.
+  // Reads without marking the frames as read.
   template <typename Sample>
   void ReadFrames(uint32_t port, Sample *interleaved, uint32_t frames) const;
-  // Both write to all outputs and account for it.
+  // Both write to all outputs and account for what they wrote.
   template <typename Sample>
   void WriteFrames(Sample *interleaved, uint32_t frames);
   template <typename Sample>
   void WriteChannels(Sample *const *channels, const uint16_t *strides, uint32_t frames);
 
-  // Passes on the metadata of the only input that belongs to its next frames, and accounts for it.
+  // Of the only input's metadata, forwards what belongs to its next frames, and accounts for it.
   void ForwardMetadata(uint32_t frames);
 
   void CountInputXrun(uint32_t port) { inputs_[port]->CountXrun(); }

@@ -12,7 +12,7 @@
 namespace kest::player {
 namespace {
 
-// nullptr unless the name is known and the value has its size.
+// nullptr unless the name is known and the size is right.
 const Parameter *FindParameter(const Filter &filter, const char *name, const void *value, uint32_t size) {
   if (name == nullptr || value == nullptr) return nullptr;
   for (const Parameter &parameter : filter.Kind().parameters) {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// The entries of a filter that the library calls, on the command thread, while the filter runs.
+// A filter's entry points for the library, which calls them on the command thread while the filter runs.
 #pragma once
 
 #include <cstdint>
@@ -11,7 +11,7 @@ namespace kest::player {
 // ZE_KEST_INVALID_ARGUMENT for a name that the filter's kind does not have, and for a wrong size.
 uint32_t GetFilterParameter(ZE_KEST_Filter_s *pstFilter, const char *pszParameterName, void *pData,
                             uint32_t u32Size);
-// As above; also for a parameter that can only be read.
+// The same results; also ZE_KEST_INVALID_ARGUMENT for a parameter that can only be read.
 uint32_t SetFilterParameter(ZE_KEST_Filter_s *pstFilter, const char *pszParameterName, const void *pData,
                             uint32_t u32Size);
 

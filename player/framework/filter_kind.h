@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 // A kind of filter, and what can be asked of one from a shell.
 //
-// Everything here is called on the command thread while the filter runs on its own: values cross through
-// atomics alone, and nothing waits.
+// Everything here is called on the command thread while the filter runs on its own thread: values are
+// exchanged through atomics only, and nothing blocks.
 #pragma once
 
 #include <cstdint>
@@ -29,7 +29,7 @@ struct FilterCommand {
 struct FilterKind {
   const char *name;
   Table<Parameter> parameters;
-  Table<FilterCommand> commands;  // besides those of every kind
+  Table<FilterCommand> commands;  // in addition to those that every kind has
 };
 
 }  // namespace kest::player

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// The record of a filter that the library sees, with the way back to the filter.
+// The filter record that the library sees, with a pointer back to its filter.
 #pragma once
 
 #include "ze_kest/model.h"

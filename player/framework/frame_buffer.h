@@ -10,14 +10,14 @@
 
 namespace kest::player {
 
-// Frames of a cycle, on every port.
+// Frames per cycle, on every port.
 constexpr uint32_t kCycleFrames = 256;
 
-// Interleaved samples of one type. A filter keeps its buffer, so that a cycle allocates nothing.
+// Interleaved samples of one type. A filter keeps its buffer, so that cycles need no allocation.
 template <typename Sample>
 using FrameArray = std::array<Sample, size_t{kCycleFrames} * kMaxChannels>;
 
-// Both widths, of which a run uses one.
+// Holds both sample widths; a run uses only one of them.
 class FrameBuffer {
  public:
   template <typename Sample>
@@ -38,7 +38,7 @@ inline int32_t *FrameBuffer::Samples<int32_t>() {
   return samples32_.data();
 }
 
-// Calls work with a value of the type that the format's samples have.
+// Calls work with a value of the format's sample type.
 template <typename Work>
 void WithSampleType(const PcmFormat &format, Work &&work) {
   if (format.bitsPerSample == 16) {

@@ -6,7 +6,7 @@
 
 namespace kest::player {
 
-// A record that is closed at its end: a target that changed within a cycle leaves its counters open.
+// A record that closes its counters when destroyed: a target that changes within a cycle leaves them open.
 struct PerformanceMeasure : ZE_KEST_PerformanceMeasure_s {
   PerformanceMeasure() : ZE_KEST_PerformanceMeasure_s{} {}
   ~PerformanceMeasure() {
@@ -18,7 +18,7 @@ struct PerformanceMeasure : ZE_KEST_PerformanceMeasure_s {
 
 class MeasuredWork {
  public:
-  // filter: NULL for the whole cycle of the pipeline. measure: of this pipeline or filter alone.
+  // filter: NULL to measure the pipeline's whole cycle. measure: used for this pipeline or filter only.
   MeasuredWork(const char *pipeline, const char *filter, ZE_KEST_PerformanceMeasure_s &measure)
       : pipeline_(pipeline), filter_(filter), measure_(measure), started_(Start() == ZE_KEST_OK) {}
   ~MeasuredWork() {

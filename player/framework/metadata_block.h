@@ -9,8 +9,8 @@
 namespace kest::player {
 
 struct MetadataBlock {
-  uint32_t source;         // tag: which input made it, counted from 1
-  uint32_t payloadLength;  // bytes behind the header
+  uint32_t source;         // the tag: number of the input that made it, from 1
+  uint32_t payloadLength;  // bytes after the header
   uint32_t reserved[2];
   uint64_t number;         // counted from 0, within its source
   uint64_t framePosition;  // of the first of its frames, within its source

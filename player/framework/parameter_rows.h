@@ -41,7 +41,7 @@ constexpr Parameter Settable(const char *name, const char *description) {
   return parameter;
 }
 
-// What never changes in this player.
+// A value that never changes in this player.
 template <auto kValue>
 constexpr Parameter Fixed(const char *name, const char *description) {
   const auto get = [](const Filter &, void *data) { PutValue(data, kValue); };

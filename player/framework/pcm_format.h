@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// The PCM format that all ports of one run share, and where its channels lie in the channel groups.
+// The PCM format shared by all ports of a run, and where its channels lie in the channel groups.
 #pragma once
 
 #include <array>
@@ -18,11 +18,11 @@ struct PcmFormat {
   uint32_t sampleRate;     // Hz
   uint32_t bitsPerSample;  // 16 or 32, the width of the ports
 
-  // Mono and stereo take the two-channel group, more channels the first ten-channel group.
+  // Mono and stereo use the two-channel group, more channels the first ten-channel group.
   [[nodiscard]] uint32_t Group() const { return channels <= 2 ? 0 : 1; }
   [[nodiscard]] uint32_t BytesPerSample() const { return bitsPerSample / 8; }
 
-  // Numbers of the first and the last channel over all groups.
+  // Numbers of the first and the last channel, counted over all groups.
   [[nodiscard]] uint32_t FirstChannel() const;
   [[nodiscard]] uint32_t LastChannel() const { return FirstChannel() + channels - 1; }
 

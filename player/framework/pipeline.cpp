@@ -88,7 +88,7 @@ void Pipeline::Run() {
   ended_ = true;
 }
 
-// The filters outlive the registration, whatever ends the run.
+// The registration ends before the filters are destroyed, whatever ends the run.
 void Pipeline::RunRegistered() {
   const Registration registration(record_, filters_, fedPipelines_);
   registered_.set_value();
@@ -105,7 +105,7 @@ void Pipeline::RunRegistered() {
   LeaveLinks();
 }
 
-// The first cycle fills an empty chain: there is no time by which its data should have come.
+// The first cycle has no time limit: it fills an empty chain, so its data cannot be late.
 void Pipeline::RunCycles() {
   PipelineLink::Patience patience;
   while (!stopRequested_ && CollectInputs(patience)) {
@@ -115,8 +115,8 @@ void Pipeline::RunCycles() {
   }
 }
 
-// Waits until every input that has not ended can fill a cycle, so that the filters never see one that is
-// merely late as one that is empty.
+// Waits until every input that has not ended can fill a cycle. Otherwise the filters would take an input that
+// is merely late for an empty one.
 bool Pipeline::CollectInputs(PipelineLink::Patience patience) {
   return std::all_of(inputs_.begin(), inputs_.end(),
                      [&](LinkedPort &input) { return Collect(input, patience); });
@@ -136,7 +136,7 @@ bool Pipeline::Collect(LinkedPort &input, PipelineLink::Patience patience) {
   return true;
 }
 
-// One turn of each; true when the last one has passed everything on.
+// Runs one turn of each filter. True when the last one has passed everything on.
 bool Pipeline::RunFilters() {
   bool upstreamEnded =
       std::all_of(inputs_.begin(), inputs_.end(), [](const LinkedPort &input) { return input.ended; });
@@ -158,7 +158,7 @@ bool Pipeline::HandOverOutputs() {
                      [](const LinkedPort &output) { return output.link->Push(*output.port); });
 }
 
-// Lets the neighbours go on without this pipeline, also when it failed.
+// Lets the neighbours continue without this pipeline, also after a failure.
 void Pipeline::LeaveLinks() {
   for (const LinkedPort &input : inputs_) {
     input.link->Abandon();

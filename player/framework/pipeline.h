@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// A chain of filters that runs on a thread of its own.
+// A chain of filters that runs on its own thread.
 #pragma once
 
 #include <atomic>
@@ -22,16 +22,16 @@ class Pipeline {
   Pipeline(const Pipeline &) = delete;
   Pipeline &operator=(const Pipeline &) = delete;
 
-  // Sets the chain up, before Start. The last filter feeds the first one of the other pipeline.
+  // Set up the chain before Start. FeedInto connects the last filter to the first one of the other pipeline.
   void Append(std::unique_ptr<Filter> filter);
   void FeedInto(Pipeline &fed, PipelineLink &link);
   [[nodiscard]] const Filter &LastFilter() const { return *filters_.back(); }
 
-  // Returns when the library knows the pipeline, so that the lists have the order of the starts.
+  // Returns once the library has registered the pipeline, so that its lists keep the order of the starts.
   void Start();
-  // Ends the run after the current cycle; what is under way is dropped. From any thread.
+  // Ends the run after the current cycle; data still in the pipeline is dropped. Callable from any thread.
   void RequestStop();
-  // Waits for the end of the run; throws what ended it early.
+  // Waits for the end of the run. Rethrows what ended it early.
   void Join();
   [[nodiscard]] bool HasEnded() const { return ended_; }
 

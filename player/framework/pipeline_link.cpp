@@ -43,7 +43,7 @@ std::optional<PipelineLink::Supply> PipelineLink::SupplyOf(const PortStorage &to
   return std::nullopt;
 }
 
-// The patience counts from the latest data: a producer that delivers little by little is not late.
+// Each wait gets the full patience again: a producer that delivers little by little is not late.
 bool PipelineLink::WaitForProducer(std::unique_lock<std::mutex> &lock, const Patience &patience) {
   if (patience) return changed_.wait_for(lock, *patience) == std::cv_status::no_timeout;
   changed_.wait(lock);

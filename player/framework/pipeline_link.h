@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-// The hand-over from one pipeline's output port to another's input port, across their threads.
+// Hands data over from one pipeline's output port to another's input port, across their threads.
 //
-// What the producer hands over waits in a staging port. A full one makes the producer wait, an empty one the
-// consumer.
+// Data from the producer waits in a staging port. When it is full the producer waits, when it is empty the
+// consumer does.
 #pragma once
 
 #include <chrono>
@@ -16,25 +16,26 @@ namespace kest::player {
 
 class PipelineLink {
  public:
-  using Patience = std::optional<std::chrono::microseconds>;  // none: for as long as it takes
+  using Patience = std::optional<std::chrono::microseconds>;  // none: waits for as long as it takes
 
   enum class Supply {
     kReady,     // the port holds the frames that were asked for
     kLate,      // they did not come in time
     kEnded,     // the producer has ended and the port holds the last of its data
-    kAbandoned  // the consumer itself was told to stop
+    kAbandoned  // the consumer was told to stop
   };
 
   PipelineLink(const PcmFormat &format, PortCapacity capacity);
 
-  // Producer: hands over all that the port holds, waiting for room. False when nobody consumes any more.
+  // Producer: hands over everything that the port holds, waiting for room. False when nobody consumes it any
+  // more.
   bool Push(PortStorage &from);
   // Producer: nothing more will come.
   void End();
 
-  // Consumer: moves into the port what there is, waiting until it holds the frames.
+  // Consumer: moves what there is into the port, waiting until it holds the frames.
   Supply Pull(PortStorage &to, uint32_t frames, Patience patience);
-  // Consumer, or whoever stops the run: nothing more will be taken. Ends all waiting.
+  // Consumer, or whoever stops the run: nothing more will be taken. Ends all waits.
   void Abandon();
 
  private:

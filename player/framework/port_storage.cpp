@@ -29,8 +29,8 @@ PortStorage::PortStorage(const PcmFormat &format, PortCapacity capacity) : forma
   LayOutMetadata(capacity.metadataBlocks);
 }
 
-// A group has storage for all its channels, whatever the format uses of them: debug functions of the library
-// read and write every ring of a group.
+// A group has storage for all its channels, however few of them the format uses: debug functions of the
+// library read and write every ring of a group.
 void PortStorage::LayOutPcm(uint32_t frames) {
   const uint32_t bytes = sztPcmGroupChNumber[format_.Group()] * frames * format_.BytesPerSample();
   pcm_.resize((bytes + sizeof(uint32_t) - 1) / sizeof(uint32_t));

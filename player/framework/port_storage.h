@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 // A port: its record and the rings behind it.
 //
-// The port between two filters of a pipeline is the output of the one and the input of the other. Filters add
-// to the sizes of the cycle; commit and release turn those into levels, spaces and offsets.
+// A port between two filters of a pipeline is the output of one and the input of the other. Filters add to
+// the cycle's read and write sizes; commit and release turn those into levels, spaces and offsets.
 #pragma once
 
 #include <cstdint>
@@ -18,8 +18,8 @@ struct PortCapacity {
   uint32_t frames;
   uint32_t metadataBlocks;
 
-  // Room for the frames and for the metadata that belongs to them: one block more for a position within a
-  // block, and one for a block that is handed over ahead of its frames.
+  // Room for the frames and their metadata: one extra block for frames that start within a block, and one for
+  // a block that is handed over before its frames.
   static PortCapacity ForFrames(uint32_t frames) { return {frames, frames / ZE_KEST_METADATA_SAMPLES + 2}; }
 };
 
@@ -34,14 +34,14 @@ class PortStorage {
   [[nodiscard]] uint32_t MetadataBytesHeld() const { return record_.stMeta.sztLevel; }
   [[nodiscard]] bool IsEmpty() const { return FramesHeld() == 0 && MetadataBytesHeld() == 0; }
 
-  // Makes what the producer wrote in this cycle readable.
+  // Makes readable what the producer wrote in this cycle.
   void CommitWritten();
   // Frees what the consumer read in this cycle.
   void ReleaseRead();
   void Disconnect();
   void CountXrun();
 
-  // Moves what fits into a port of the same format. False when nothing could be moved.
+  // Moves as much as fits into a port of the same format. False when nothing could be moved.
   bool MoveInto(PortStorage &to);
 
  private:
@@ -51,7 +51,7 @@ class PortStorage {
   void CopyMetadata(PortStorage &to, uint32_t bytes);
 
   PcmFormat format_;
-  std::vector<uint32_t> pcm_;  // words, for the alignment of the widest sample
+  std::vector<uint32_t> pcm_;  // words, to align the widest sample
   std::vector<uint64_t> metadata_;
   uint64_t releasedFrames_ = 0;
   uint64_t releasedBlocks_ = 0;

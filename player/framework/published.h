@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Fields of the records that the command thread looks at while the pipelines run: each is written whole.
+// Fields of the records that the command thread reads while the pipelines run. Each is written in one piece.
 #pragma once
 
 namespace kest::player {
@@ -9,7 +9,7 @@ void Publish(T &field, T value) {
   __atomic_store_n(&field, value, __ATOMIC_RELAXED);
 }
 
-// The reading side, for other threads than the writer's.
+// For threads other than the writer's.
 template <typename T>
 T Published(const T &field) {
   return __atomic_load_n(&field, __ATOMIC_RELAXED);

@@ -10,7 +10,7 @@
 
 namespace kest::player {
 
-// What cannot be registered is reported by the library and plays all the same.
+// The library reports what it cannot register; playing goes on all the same.
 Registration::Registration(const ZE_KEST_Pipeline_s &pipeline,
                            const std::vector<std::unique_ptr<Filter>> &filters,
                            const std::vector<std::string> &fedPipelines)
@@ -27,7 +27,7 @@ Registration::Registration(const ZE_KEST_Pipeline_s &pipeline,
   }
 }
 
-// By the pipeline's name: its filters and connections go with it.
+// Unregisters by the pipeline's name, which also removes its filters and connections.
 Registration::~Registration() {
   ze_kest_Debug_UnRegisterInfo(name_, nullptr);
 }

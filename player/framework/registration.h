@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// A pipeline, its filters and whom it feeds in the library's registry, while this lives.
+// Keeps a pipeline, its filters and its connections in the library's registry for as long as it exists.
 #pragma once
 
 #include <memory>
@@ -14,11 +14,11 @@ namespace kest::player {
 
 class Registration {
  public:
-  // On the thread that runs the pipeline, with no lock held: a preset command is delivered from here. From
-  // now on the command thread calls the filters.
+  // Call it on the thread that runs the pipeline, with no lock held: it may deliver a preset command. From
+  // then on the command thread calls the filters.
   Registration(const ZE_KEST_Pipeline_s &pipeline, const std::vector<std::unique_ptr<Filter>> &filters,
                const std::vector<std::string> &fedPipelines);
-  // Returns when no call to a filter is under way any more.
+  // Returns once no call to a filter is in progress any more.
   ~Registration();
   Registration(const Registration &) = delete;
   Registration &operator=(const Registration &) = delete;

@@ -7,7 +7,7 @@
 
 namespace kest::player {
 
-// The nearest value that a sample can hold.
+// The nearest value that the sample type can hold.
 template <typename Sample>
 constexpr Sample Saturate(int64_t value) {
   return static_cast<Sample>(
