@@ -15,10 +15,10 @@
 
 namespace kest::bench {
 
-// Where a block lies in its rings.
+// The position of a block in its rings.
 struct Layout {
-  bool bPadded;  // the rings lie 4112 samples apart and not 4096, on other sets of the cache
-  bool bWraps;   // half of the block lies at the rings' beginning
+  bool bPadded;  // the rings are 4112 instead of 4096 samples apart, so they use different cache sets
+  bool bWraps;   // half of the block is at the start of the rings
 
   [[nodiscard]] std::string Name() const {
     return std::string(bPadded ? "padded" : "unpadded") + (bWraps ? ", wraps" : "");
@@ -41,10 +41,10 @@ void ForEachLayout(Call call) {
 
 class Block {
  public:
-  // u32Width: bytes of a sample in the rings.
+  // u32Width: bytes per sample in the rings.
   Block(Shape shape, Layout layout, uint32_t u32Width);
 
-  // Two channels are those of the first group, ten those of the second one.
+  // Two channels use the first group, ten the second.
   [[nodiscard]] uint32_t Group() const { return shape_.u32Channels == 2 ? 0 : 1; }
   [[nodiscard]] uint32_t FirstChannel() const { return sztPcmGroupBaseChIdx[Group()]; }
   [[nodiscard]] uint32_t LastChannel() const { return FirstChannel() + shape_.u32Channels - 1; }
@@ -62,14 +62,14 @@ class Block {
   [[nodiscard]] uint8_t *Rings() { return rings_.One(); }
   [[nodiscard]] uint8_t *Frames() { return frames_.Other(); }
 
-  // The filter writes into the other block's rings too.
+  // Makes the filter write to the other block's port as well.
   void AlsoWriteTo(Block &other) { stFilter_.apstOutPort[stFilter_.u32OutPortCount++] = &other.stPort_; }
 
-  // Sources of a port's writers: the interleaved buffer's channels.
+  // The sources for writing to a port: the channels of the interleaved buffer.
   void *const *Sources() const { return apSource_; }
   const uint16_t *Strides() const { return au16Stride_; }
 
-  // The same with libswresample, in two calls where the block wraps.
+  // The same work done by libswresample, in two calls when the block wraps.
   void Interleave(const Resampler &resampler, uint32_t u32LinearWidth);
   void Deinterleave(const Resampler &resampler, uint8_t *pu8Frames);
 
@@ -80,7 +80,7 @@ class Block {
   Shape shape_;
   uint32_t u32Width_;
   Pages rings_;
-  Pages frames_;  // interleaved, with room for 4 bytes a sample
+  Pages frames_;  // interleaved, with room for 4 bytes per sample
   ZE_KEST_Port_s stPort_ = {};
   ZE_KEST_Pipeline_s stPipeline_ = {};
   ZE_KEST_Filter_s stFilter_ = {};

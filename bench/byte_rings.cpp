@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// The byte rings that hold the metadata and the raw data of ports. Bytes stand in the column of frames.
+// Rows for the byte rings, which hold the metadata and raw data of ports. Their column "frames" gives bytes.
 #include <array>
 #include <cstring>
 #include <memory>
@@ -17,9 +17,9 @@ namespace {
 
 constexpr uint32_t kRingBytes = 4096;
 constexpr uint32_t kOutputs = 2;
-constexpr uint32_t kBlockBytes = 64;  // of metadata, the header included
+constexpr uint32_t kBlockBytes = 64;  // per metadata block, including the header
 
-// One input port, whose byte rings hold u32Bytes bytes, and output ports with room for them.
+// One input port whose byte rings hold u32Bytes bytes, and output ports with room for them.
 struct ByteRings {
   ByteRings(uint32_t u32HeldBytes, bool bWraps)
       : u32Bytes(u32HeldBytes), u32Position(bWraps ? kRingBytes - u32Bytes / 2 : kBlockBytes) {
@@ -98,13 +98,13 @@ void AddMoving(const Moving &moving, uint32_t u32Bytes) {
   }
 }
 
-// The headers of the next blocks: their bytes together, and the last tag.
+// What a plain loop finds in the next block headers: the total size of the blocks, and the last tag.
 struct Blocks {
   uint32_t u32Bytes;
   uint32_t u32Tag;
 };
 
-// As short as it can be, and not part of the loop that calls it.
+// The shortest possible code, but not inlined into the benchmark loop.
 __attribute__((noinline)) Blocks PlainBlocks(const ZE_KEST_DataBuffer_s &stMeta, uint32_t u32Count) {
   Blocks stBlocks = {};
   uint32_t u32Position = stMeta.sztReadOffset + stMeta.sztReadSize;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// The command pipe: what its thread pays for a line, and what a flood of lines does to the processing
+// Rows for the command pipe: what a line costs its thread, and how a flood of lines affects processing
 // threads.
 #include <algorithm>
 #include <atomic>
@@ -25,12 +25,13 @@
 
 namespace {
 
-std::atomic<uint32_t> g_u32Lines{0};  // that the command thread has handed to the dispatcher
+std::atomic<uint32_t> g_u32Lines{0};  // passed to the dispatcher by the command thread
 std::atomic<bool> g_bDispatch{true};
 
 }  // namespace
 
-// The linker puts this before the dispatcher: for the reader alone a line ends here.
+// The linker redirects calls of the dispatcher here (--wrap), so that a line can end here when the reader is
+// measured alone.
 extern "C" uint32_t __real__ZN4kest27_ZE_KEST_Debug_SetParameterEPKc(const char *pszLine);
 extern "C" uint32_t __wrap__ZN4kest27_ZE_KEST_Debug_SetParameterEPKc(const char *pszLine) {
   const uint32_t u32Result =
@@ -44,9 +45,9 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr char kLine[] = "no_such_command=1,2\n";  // 20 bytes; it passes every command and every handler
+constexpr char kLine[] = "no_such_command=1,2\n";  // 20 bytes; no command or handler takes it
 constexpr size_t kLineBytes = sizeof(kLine) - 1;
-constexpr uint32_t kLines = 3000;  // as many as the pipe holds
+constexpr uint32_t kLines = 3000;  // all of them fit into the pipe
 
 double Now(clockid_t clock) {
   struct timespec st = {};
@@ -54,7 +55,7 @@ double Now(clockid_t clock) {
   return static_cast<double>(st.tv_sec) + static_cast<double>(st.tv_nsec) * 1e-9;
 }
 
-// The processor-time clock of a thread of this process, as the kernel makes it from the thread's id.
+// The CPU-time clock of a thread of this process. The kernel derives its id from the thread id in this way.
 clockid_t ClockOfThread(pid_t s32Tid) {
   return static_cast<clockid_t>(~static_cast<unsigned int>(s32Tid) << 3 | 6);
 }
@@ -85,7 +86,7 @@ class Pipe {
     if (write(s32Fd_, kLine, kLineBytes) != static_cast<ssize_t>(kLineBytes)) ReportFault("a line was cut");
   }
 
-  // A line that is read belongs to who holds the pipe's lock: the command thread waits.
+  // The command thread reads a line only if it can lock the pipe, so it waits while this holds the lock.
   void Hold() const { flock(s32Fd_, LOCK_EX); }
   void Release() const { flock(s32Fd_, LOCK_UN); }
 
@@ -93,7 +94,7 @@ class Pipe {
   int s32Fd_;
 };
 
-// Waits until the command thread has dispatched so many lines.
+// Waits until the command thread has dispatched this many lines.
 void WaitForLines(uint32_t u32Lines) {
   const auto deadline = std::chrono::steady_clock::now() + 20s;
   while (g_u32Lines != u32Lines) {
@@ -110,7 +111,8 @@ class FileLogOff {
   FileLogOff &operator=(const FileLogOff &) = delete;
 };
 
-// Processor time of the command thread for a line, of a pipe that nobody writes to meanwhile.
+// CPU time that the command thread needs per line. The pipe is filled beforehand, so nobody writes to it
+// meanwhile.
 double SecondsPerLine(bool bDispatch) {
   const FileLogOff off;
   const Pipe pipe;
@@ -128,7 +130,7 @@ double SecondsPerLine(bool bDispatch) {
   return f64Seconds / kLines;
 }
 
-// What one byte after the other costs at least.
+// The minimum cost of reading a line byte by byte.
 double SecondsOfBareReads() {
   int as32Fd[2] = {};
   if (pipe(as32Fd) != 0) return 0;
@@ -144,7 +146,7 @@ double SecondsOfBareReads() {
   return f64Seconds / kLines;
 }
 
-// Cycles of a processing thread: how late each is done, in seconds from when it was due.
+// Runs the cycles of a processing thread and returns how late each one finished, in seconds after it was due.
 std::vector<double> Cycles() {
   constexpr int kCycles = 200;
   Block block({10, 256}, {false, false}, sizeof(int16_t));
@@ -160,7 +162,7 @@ std::vector<double> Cycles() {
   return late;
 }
 
-// The lateness that one cycle in a hundred exceeds, of two processing threads.
+// The 99th percentile of the lateness of two processing threads, in seconds.
 double LatenessOfTwoThreads() {
   std::vector<double> other;
   std::thread thread([&other] { other = Cycles(); });

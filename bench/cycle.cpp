@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// What every filter pays in every cycle with nothing switched on.
+// Rows for the fixed cost of every filter in every cycle, with nothing switched on.
 #include <memory>
 
 #include "ze_kest/debug.h"
@@ -11,7 +11,7 @@
 namespace kest::bench {
 namespace {
 
-// As short as it can be, and not part of the loop that calls it.
+// The shortest possible code, but not inlined into the benchmark loop.
 __attribute__((noinline)) int32_t PlainHook(const ZE_KEST_Filter_s *pstFilter) {
   if (pstFilter == nullptr || pstFilter->pstParentPipeline == nullptr) return ZE_KEST_INVALID_ARGUMENT;
   return ZE_KEST_OK;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// The JSON reader beside the tokenizer alone, which is given an array that is large enough.
+// Compares the JSON reader with the bare tokenizer, which gets a large enough array at once.
 #include "ze_kest/json.h"
 
 #include <cstdlib>
@@ -17,7 +17,7 @@ namespace {
 constexpr size_t kMegabyte = size_t{1} << 20;
 constexpr uint32_t kTokens = 1u << 18;
 
-// Parameters by name, as many as fit.
+// A flat object of as many named parameters as fit.
 std::string Parameters(size_t sztBytes) {
   std::string text = "{\n";
   for (int i = 0; text.size() < sztBytes - 64; ++i) {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// One line to the log file, beside one write of as many bytes and beside the obvious way to do it.
+// Compares logging one line to the file with one write of the same bytes and with the obvious implementation.
 #include <cstdarg>
 #include <cstdio>
 #include <ctime>
@@ -23,7 +23,7 @@ namespace {
 constexpr const char *kLogPath = KEST_DEBUG_PATH("KestLog.txt");
 constexpr const char *kWritePath = KEST_DEBUG_PATH("BenchWrite.txt");
 constexpr const char *kObviousPath = KEST_DEBUG_PATH("BenchObvious.txt");
-constexpr size_t kLinesPerFile = 200000;  // about where the library restarts its file
+constexpr size_t kLinesPerFile = 200000;  // about when the library restarts its file
 
 void LogLine() {
   ze_kest_Debug_Log(ZE_KEST_LEVEL_ERR, "%s[%-4d]: level:%u space:%u\n", "ReadInputPort", 123, 4096u, 256u);
@@ -42,7 +42,7 @@ size_t LineBytes() {
   return static_cast<size_t>(s64Line);
 }
 
-// One write of the bytes of a line.
+// Writes the bytes of a line with a single write.
 class BareWrite {
  public:
   BareWrite()
@@ -70,7 +70,7 @@ class BareWrite {
   size_t sztLines_ = 0;
 };
 
-// Prefix and message as the log has them, with what the C library offers.
+// Writes the same prefix and message as the log, using only the C library.
 class Obvious {
  public:
   Obvious() : pFile_(fopen(kObviousPath, "ab+")) {

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// kest-bench [--quick] [--benchmark_...] [TEXT...]: prints the table, or its rows that contain one of the
-// texts.
+// kest-bench [--quick] [--benchmark_...] [TEXT...]: prints the table, or only the rows that contain one of
+// the texts.
 #include <cstdio>
 
 #include <android/log.h>
@@ -16,7 +16,7 @@ int main(int s32Args, char **apszArgs) {
     perror(KEST_DEBUG_DIR);
     return 1;
   }
-  // What reaches the Android log is put together and dropped: a host without a log daemon would print it.
+  // Android log messages are formatted but then dropped; a host without a log daemon would print them.
   __android_log_set_logger([](const __android_logger_data *, const char *) {});
   ze_kest_Debug_Init();
   kest::bench::AddInterleaveRows();

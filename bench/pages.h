@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// Memory whose place within a page is the same in every run: loads wait for stores whose addresses are alike
-// in their low 12 bits, and where the heap puts a buffer would decide what is measured.
+// Memory at a fixed position within a page. Loads stall on earlier stores whose addresses have the same low
+// 12 bits, so otherwise the results would depend on where the heap places a buffer.
 #pragma once
 
 #include <cstdint>
@@ -17,7 +17,7 @@ class Pages {
       bytes_.get()[i] = static_cast<uint8_t>(i * 37 + (i >> 8));
   }
 
-  // At the beginning of a page, or half a page and a cache line behind it: for the other side of a copy.
+  // One: at the start of a page. Other: half a page and a cache line after it, for the other side of a copy.
   [[nodiscard]] uint8_t *One() const { return bytes_.get(); }
   [[nodiscard]] uint8_t *Other() const { return bytes_.get() + kOther; }
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// What anyone would write: one sample after another, one channel after another, the wrap tested at every
-// sample. In a translation unit of its own at -O2.
+// The straightforward code for comparison: sample by sample, channel by channel, with a wrap check at every
+// sample. In a translation unit of its own, compiled at -O2.
 #pragma once
 
 #include <cstddef>
@@ -8,14 +8,14 @@
 
 namespace kest::bench {
 
-// The rings of a group, one behind the other, and a position in all of them.
+// The consecutive rings of a group, and a position common to all of them.
 struct PlainRings {
   uint8_t *pu8;
   size_t sztRingSamples;
   size_t sztPosition;
 };
 
-// By the bytes of a sample: 1 to 4.
+// sztWidth: bytes per sample, 1 to 4.
 void PlainInterleave(size_t sztWidth, const PlainRings &stRings, void *pvFrames, size_t sztChannels,
                      size_t sztFrames);
 void PlainDeinterleave(size_t sztWidth, const PlainRings &stRings, const void *pvFrames, size_t sztChannels,

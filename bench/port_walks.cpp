@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// What filters ask their ports, account for and set in every cycle, over eight connected ports or one of
-// them. The limit is what a filter would write without the library.
+// Rows for what filters query, account for and set on their ports in every cycle, on eight connected ports or
+// on one of them. The limit is what a filter would write without the library.
 #include <algorithm>
 #include <array>
 #include <memory>
@@ -27,7 +27,7 @@ constexpr ZE_KEST_PcmInfo_s kInfo = {10, 48000, 16, {}};
 constexpr ZE_KEST_PcmGroup_s kGroups[ZE_KEST_PCM_GROUPS] = {
     {-1, 0, {}}, {kGroup, 10, {0, 1, 2, 3, 4, 5, 6, 7, 8, 9}}, {-1, 0, {}}};
 
-// Ports of both sides, each with more to offer than the one before it.
+// Eight ports, used on both sides; each has more to offer than the one before it.
 struct EightPorts {
   EightPorts() {
     stFilter.u32InPortCount = stFilter.u32OutPortCount = ZE_KEST_MAX_PORTS;
@@ -47,7 +47,7 @@ struct EightPorts {
   std::array<ZE_KEST_Port_s, ZE_KEST_MAX_PORTS> astPort = {};
 };
 
-// As short as it can be, and not part of the loop that calls it.
+// The shortest possible code, but not inlined into the benchmark loop.
 template <Side kSide, Visit kVisit>
 __attribute__((noinline)) uint32_t PlainWalk(ZE_KEST_Filter_s *pstFilter, uint32_t u32Value) {
   for (uint32_t i = 0; i < pstFilter->u32InPortCount; ++i) {

@@ -50,7 +50,7 @@ void AddRead(const Reading &reading, Shape shape) {
       pfnRead(block->Filter(), 0, block->Frames(), shape.u32Frames, block->FirstChannel(),
               block->LastChannel(), shape.u32Channels);
     });
-    // The wider side's bytes.
+    // The limit copies the bytes of the wider side.
     const size_t sztBytes = block->Bytes(std::max(reading.u32Width, reading.u32LinearWidth));
     row.Add(layout.Name(), Who::kLimit,
             [block, sztBytes] { memcpy(block->Frames(), block->Rings(), sztBytes); });
@@ -65,7 +65,7 @@ void AddRead(const Reading &reading, Shape shape) {
   });
 }
 
-// A block's frames to one port of its filter, or to all of them.
+// Write the frames of a block to one port of its filter, or to all of them.
 template <typename Sample, auto kWrite>
 void ToOne(const Block &block) {
   kWrite(block.Filter(), 0, block.TheShape().u32Frames, reinterpret_cast<Sample *const *>(block.Sources()),
@@ -101,7 +101,7 @@ constexpr Writing kWritings[] = {
     {"write two ports, 32", kWriteAll32, 2, 4, AV_SAMPLE_FMT_S32, AV_SAMPLE_FMT_S32P},
 };
 
-// A block for each port; what is written are the frames of the first one.
+// Creates a block per port. All ports are written with the frames of the first block.
 std::vector<SharedBlock> BlocksOfPorts(const Writing &writing, Shape shape, Layout layout) {
   std::vector<SharedBlock> blocks;
   for (size_t i = 0; i < writing.sztPorts; ++i) {
@@ -134,7 +134,7 @@ void AddWrite(const Writing &writing, Shape shape) {
   });
 }
 
-// Where the unread samples of every channel of a port begin.
+// The start of the unread samples of every channel of a port.
 template <typename Sample>
 struct Channels {
   Sample *apSamples[ZE_KEST_PCM_CHANNEL_ENTRIES];
@@ -142,7 +142,7 @@ struct Channels {
   uint8_t bGroups;
 };
 
-// As short as it can be, and not part of the loop that calls it.
+// The shortest possible code, but not inlined into the benchmark loop.
 template <typename Sample>
 __attribute__((noinline)) void PlainPointers(const ZE_KEST_PcmBuffer_s &stPcm, Channels<Sample> &stChannels) {
   std::fill(std::begin(stChannels.apSamples), std::end(stChannels.apSamples), nullptr);

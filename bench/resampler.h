@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// libswresample as a converter of sample formats: same rate, same channels.
+// libswresample used to convert sample formats only: rate and channels stay the same.
 #pragma once
 
 #include <array>
@@ -18,7 +18,7 @@ class Resampler {
  public:
   Resampler(AVSampleFormat eIn, AVSampleFormat eOut, uint32_t u32Channels);
 
-  // The planes of one side; of an interleaved side the first holds all channels.
+  // The planes of one side; for an interleaved side the first plane holds all channels.
   using Planes = std::array<uint8_t *, kMaxChannels>;
   void Convert(const Planes &out, const Planes &in, uint32_t u32Frames) const;
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// The ring routines that move one channel, applied to the channels of a block one after another.
+// Rows for the ring routines that move a single channel, applied to each channel of a block in turn.
 #include <algorithm>
 
 #include "bench/block.h"
@@ -45,7 +45,7 @@ constexpr Reading kReadings[] = {
      PlainRead<PlainRead16To32>, 2, 4},
 };
 
-// One channel's ring and the position in it.
+// One channel's ring and the current position in it.
 struct ChannelRing {
   uint8_t *pu8Ring;
   uint8_t *pu8Position;
@@ -99,7 +99,7 @@ void AddWrite(uint32_t u32Width, Shape shape) {
   });
 }
 
-// Channels one behind the other in the linear buffer.
+// In the linear buffer the channels follow one another instead of being interleaved.
 void AddContiguous(Shape shape) {
   Row row("read ring by ring, stride 1, 16", shape);
   ForEachLayout([&](Layout layout) {

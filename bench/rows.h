@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Each adds its rows to the table.
+// Each function adds its rows to the table.
 #pragma once
 
 namespace kest::bench {

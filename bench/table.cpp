@@ -23,9 +23,9 @@ std::vector<RowName> &RowNames() {
 
 bool g_bFault = false;
 
-// Times of one case, one for each repetition.
+// The times of one case, one per repetition.
 using Times = std::vector<double>;
-// Of one layout, by who.
+// The cases of one layout, indexed by Who.
 using Contest = std::array<Times, 4>;
 using Contests = std::map<std::string, Contest>;
 
@@ -35,7 +35,7 @@ double Median(Times times) {
   return *middle;
 }
 
-// Keeps the times of the row that runs: its cases are called row/layout/who.
+// Collects the times of the row that is running. Its cases are named row/layout/who.
 class Collector : public benchmark::BenchmarkReporter {
  public:
   bool ReportContext(const Context & /*context*/) override { return true; }
@@ -66,7 +66,8 @@ struct Range {
   double f64High;
 };
 
-// How often the one's time holds the other's, over the layouts; nothing where a layout lacks one of them.
+// The ratio of two columns' times: its lowest and highest value over the layouts. Empty if a layout lacks one
+// of the columns.
 std::optional<Range> Ratio(const Contests &contests, Who eOne, Who eOther) {
   std::optional<Range> range;
   for (const auto &[layout, contest] : contests) {
@@ -117,7 +118,7 @@ bool IsAskedFor(const std::string &operation, const std::vector<std::string> &te
          });
 }
 
-// Google Benchmark's own arguments, those of the command line last: they win.
+// Default arguments for Google Benchmark come first, so that those of the command line override them.
 void InitialiseBenchmark(std::vector<std::string> &texts, const char *pszProgram) {
   std::vector<std::string> all = {pszProgram, "--benchmark_enable_random_interleaving=true"};
   const auto quick = std::find(texts.begin(), texts.end(), "--quick");

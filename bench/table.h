@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// One table of ratios: what an operation of the library costs beside the limit of the machine, beside plain
-// code and beside another library. The cases of a row run in one process, in random order, many times each.
+// A table of ratios: the cost of library operations relative to the limit of the machine, to plain code and
+// to another library. All cases of a row run in one process, in random order, many times each.
 #pragma once
 
 #include <cstdint>
@@ -13,7 +13,7 @@
 
 namespace kest::bench {
 
-// The columns. The limit is a memcpy of the same bytes where the row names no other.
+// The columns. Unless the row says otherwise, the limit is a memcpy of the same bytes.
 enum class Who { kLibrary, kLimit, kPlain, kSwresample };
 
 struct Shape {
@@ -21,14 +21,14 @@ struct Shape {
   uint32_t u32Frames;
 };
 
-// The cases of a row that differ in where the data lies share its cells, which then give the lowest and the
-// highest ratio.
+// A row of the table. Cases that differ only in their layout, that is, in where the data lies, share the
+// cells of the row, which then show the lowest and the highest ratio.
 class Row {
  public:
   Row(const std::string &operation, Shape shape);
   explicit Row(const std::string &operation) : Row(operation, {0, 0}) {}
 
-  // Measures the processor time of a call.
+  // Measures the CPU time of a call.
   template <typename Call>
   Row &Add(const std::string &layout, Who eWho, Call call) {
     benchmark::RegisterBenchmark(CaseName(layout, eWho).c_str(), [call](benchmark::State &state) {
@@ -40,7 +40,7 @@ class Row {
     return *this;
   }
 
-  // For what has its own way of measuring: seconds gives the time of one unit of the row.
+  // For cases that measure themselves: seconds returns the time of one unit of the row.
   Row &AddTimed(Who eWho, std::function<double()> seconds);
 
  private:
@@ -49,11 +49,12 @@ class Row {
   size_t sztIndex_;
 };
 
-// Runs the rows whose operation contains one of the texts, all without a text, and prints the table. Takes
-// out the arguments of Google Benchmark and --quick. The exit status of the process.
+// Runs the rows whose operation contains one of the texts, or all rows if there is no text, and prints the
+// table. The options of Google Benchmark and --quick are not taken for texts. Returns the exit status of the
+// process.
 int RunRows(int s32Args, char **apszArgs);
 
-// Counts against the run: it ends with a failure.
+// Reports a fault and makes the whole run end with a failure.
 void ReportFault(const std::string &text);
 
 }  // namespace kest::bench

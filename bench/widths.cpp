@@ -60,7 +60,7 @@ constexpr Conversion kConversions[] = {
      kNone},
 };
 
-// The samples of a block, one after another.
+// Converts as many samples as a block has, as one linear run.
 void AddConversion(const Conversion &conversion, Shape shape) {
   const size_t sztSamples = size_t{shape.u32Channels} * shape.u32Frames;
   Row row(conversion.pszName, shape);

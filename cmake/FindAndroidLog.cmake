@@ -1,5 +1,5 @@
-# The Android log: the platform's liblog, or Debian's build of it (package android-liblog-dev).
-# Debian keeps headers and library in directories of their own, so the library is linked with a run path.
+# Finds the Android log library: the platform's liblog, or Debian's build of it (package android-liblog-dev).
+# Debian installs headers and library in non-default directories, so the library is linked with a run path.
 find_path(AndroidLog_INCLUDE_DIR android/log.h PATH_SUFFIXES android)
 find_library(AndroidLog_LIBRARY log
   PATH_SUFFIXES ${CMAKE_LIBRARY_ARCHITECTURE}/android android)

@@ -1,4 +1,4 @@
-# jsmn, the JSON tokenizer: one header, of no architecture.
+# Finds jsmn, the JSON tokenizer: a single header that is the same for every architecture.
 find_path(Jsmn_INCLUDE_DIR jsmn.h)
 
 include(FindPackageHandleStandardArgs)

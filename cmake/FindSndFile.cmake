@@ -1,5 +1,5 @@
-# libsndfile, which reads and writes the player's audio files. Searched for directly, so that a cross build finds the
-# target's library without a target's pkg-config.
+# Finds libsndfile, with which the player reads and writes audio files. Does not use pkg-config, so that a cross build
+# finds the target's library without a pkg-config for the target.
 find_path(SndFile_INCLUDE_DIR sndfile.h)
 find_library(SndFile_LIBRARY sndfile)
 

@@ -1,4 +1,4 @@
-# Flags that every target of the tree shares.
+# Compiler flags for all targets of this project.
 add_library(kest_build_flags INTERFACE)
 target_compile_options(kest_build_flags INTERFACE
   -Wall -Wextra -Wconversion -Wshadow -Wcast-align -Wformat=2)

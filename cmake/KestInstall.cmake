@@ -1,7 +1,7 @@
-# What `cmake --install` puts where. Nothing in it names the prefix, so that the tree may be moved.
+# Install rules. Nothing installed contains the prefix, so the installed tree can be moved.
 include(CMakePackageConfigHelpers)
 
-# liblog's directory, where it is not a usual one, comes with CMAKE_INSTALL_RPATH_USE_LINK_PATH.
+# CMAKE_INSTALL_RPATH_USE_LINK_PATH adds liblog's directory if it is not a default one.
 if(KEST_BUILD_PLAYER)
   file(RELATIVE_PATH kest_lib_from_bin "${CMAKE_INSTALL_FULL_BINDIR}" "${CMAKE_INSTALL_FULL_LIBDIR}")
   set_target_properties(kest-player PROPERTIES INSTALL_RPATH "$ORIGIN/${kest_lib_from_bin}")
@@ -16,7 +16,7 @@ install(FILES "${PROJECT_SOURCE_DIR}/README.md" "${PROJECT_SOURCE_DIR}/LICENSE"
   DESTINATION "${CMAKE_INSTALL_DOCDIR}")
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/docs" DESTINATION "${CMAKE_INSTALL_DOCDIR}")
 
-# The library's own dependencies are not its users': the target's file is the whole package.
+# Users of the library do not need its dependencies, so the exported targets file serves as the package configuration.
 install(EXPORT kest NAMESPACE kest:: FILE kestConfig.cmake DESTINATION "${kest_cmake_dir}")
 write_basic_package_version_file("${PROJECT_BINARY_DIR}/kestConfigVersion.cmake" COMPATIBILITY SameMajorVersion)
 install(FILES "${PROJECT_BINARY_DIR}/kestConfigVersion.cmake" DESTINATION "${kest_cmake_dir}")

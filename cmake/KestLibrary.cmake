@@ -1,4 +1,4 @@
-# One compilation of the sources serves libkest.so and the archive that the tests link.
+# The sources are compiled once, for both libkest.so and the archive that the tests link.
 file(GLOB_RECURSE kest_sources CONFIGURE_DEPENDS
   "${PROJECT_SOURCE_DIR}/utility/*.cpp" "${PROJECT_SOURCE_DIR}/debug/*.cpp")
 
@@ -9,7 +9,7 @@ target_compile_options(kest_objects PRIVATE
   -fno-exceptions -fno-rtti -fno-threadsafe-statics -ffunction-sections -fdata-sections)
 target_compile_definitions(kest_objects PRIVATE KEST_DEBUG_DIR="${KEST_DEBUG_DIR}")
 if(CMAKE_SYSTEM_PROCESSOR STREQUAL "x86_64")
-  # Loops over single samples are so short that one which lies across two cache lines takes twice its time.
+  # Loops over single samples are so short that one that straddles two cache lines takes twice as long.
   set_source_files_properties("${PROJECT_SOURCE_DIR}/utility/port/channel_move.cpp"
     PROPERTIES COMPILE_OPTIONS -falign-loops=32)
 endif()
@@ -18,7 +18,7 @@ target_include_directories(kest_objects
   PRIVATE "${PROJECT_SOURCE_DIR}")
 target_link_libraries(kest_objects PRIVATE kest_build_flags Android::log Jsmn::jsmn Threads::Threads)
 
-# Linked as C: the library needs no C++ run-time.
+# Linked as C, because the library must not need a C++ run-time.
 add_library(kest SHARED)
 target_link_libraries(kest PRIVATE kest_objects kest_build_flags Android::log Threads::Threads)
 target_include_directories(kest PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include>)
@@ -31,7 +31,7 @@ if(NOT KEST_SANITIZE)
 endif()
 add_library(kest::kest ALIAS kest)
 
-# The archive leaves the internals visible, for the tests alone.
+# For tests, fuzzers and benchmarks only: unlike the shared library, the archive gives access to the internals.
 add_library(kest_static STATIC)
 target_link_libraries(kest_static PRIVATE kest_objects PUBLIC Android::log Threads::Threads)
 target_include_directories(kest_static PUBLIC "${PROJECT_SOURCE_DIR}/include" "${PROJECT_SOURCE_DIR}")

@@ -1,4 +1,4 @@
-# `cpack -G DEB` in a build folder: one package, of the library, its development files and the player.
+# For `cpack -G DEB` in a build directory: one package with the library, its development files and the player.
 set(CPACK_PACKAGE_NAME kest)
 set(CPACK_PACKAGE_CONTACT "kest maintainers <kest@example.invalid>")
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "${PROJECT_DESCRIPTION}")

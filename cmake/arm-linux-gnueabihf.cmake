@@ -1,4 +1,4 @@
-# The target's instruction set with Debian's cross compiler; its tests run under qemu-arm.
+# Builds for the target's instruction set with Debian's cross compiler; the tests run under qemu-arm.
 set(CMAKE_SYSTEM_NAME Linux)
 set(CMAKE_SYSTEM_PROCESSOR arm)
 
@@ -9,8 +9,8 @@ set(CMAKE_CXX_FLAGS_INIT "-mthumb -march=armv7-a -mfpu=neon -Wno-psabi")
 
 set(CMAKE_LIBRARY_ARCHITECTURE arm-linux-gnueabihf)
 set(CPACK_DEBIAN_PACKAGE_ARCHITECTURE armhf)
-# Programs run with the loader and the libraries of the installed armhf packages: the cross compiler's own copies are
-# of another build, and threads crash when the two mix.
+# Programs run with the loader and libraries of the installed armhf packages. The cross compiler's own copies are a
+# different build, and mixing the two makes threads crash.
 set(CMAKE_CROSSCOMPILING_EMULATOR qemu-arm)
 
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)

@@ -1,5 +1,5 @@
 #!/bin/sh
-# size_report.sh [BUILD]: the figures of docs/release-notes.md, as its tables have them, from a build for the target.
+# size_report.sh [BUILD]: prints the sizes in docs/release-notes.md, as table rows, for a build for the target.
 set -eu
 cd "$(dirname "$0")/.."
 build=${1:-build/arm}
@@ -7,8 +7,8 @@ tools=arm-linux-gnueabihf-
 stripped=$(mktemp)
 trap 'rm -f "$stripped"' EXIT
 
-# text, data and bss of each file's object: TEXT DATA BSS PATH, the path from the root. The build keeps the objects
-# of files that are gone.
+# Prints TEXT DATA BSS PATH for the object of each source file, PATH relative to the root. Starts from the sources,
+# because the build directory also keeps objects of deleted ones.
 object_sizes() {
   find utility debug -name '*.cpp' -printf '%p.o\n' |
     (cd "$build/CMakeFiles/kest_objects.dir" && xargs ${tools}size) |
@@ -22,6 +22,6 @@ ${tools}size "$stripped" | awk 'NR == 2 { printf "| %d | %d | %d |\n", $1, $2, $
 ${tools}size -A "$stripped" | awk '$1 == ".text" || $1 == ".rodata" { print $1, $2 }'
 echo "Files:"
 object_sizes | largest_three
-echo "Rooms:"
+echo "Directories:"
 object_sizes | awk '{ sub(/[^\/]*$/, "", $4); t[$4] += $1; d[$4] += $2; b[$4] += $3 }
-  END { for (room in t) print t[room], d[room], b[room], room }' | largest_three
+  END { for (dir in t) print t[dir], d[dir], b[dir], dir }' | largest_three

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 // The program whose instructions run.sh counts.
 //
-// kest-arm-calls: prints the cases, a line each: name, samples moved by a call, goal (instructions per
-// sample, or per call for a case without samples; or a factor and the case that it is to be compared with).
-// kest-arm-calls CASE COUNT: makes the case's call COUNT times.
+// kest-arm-calls: lists the cases, one per line: name; samples moved per call; goal. The goal is instructions
+// per sample, or per call for a case without samples, or else a factor and the case to compare with.
+// kest-arm-calls CASE COUNT: makes the call of the case COUNT times.
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -17,11 +17,11 @@ namespace {
 
 constexpr uint32_t kFrames = 1024;
 constexpr uint32_t kRingSamples = 4096;
-constexpr uint32_t kOffset = 3500;  // the block goes around the ring's end
+constexpr uint32_t kOffset = 3500;  // the block wraps around the end of the ring
 constexpr uint32_t kMaxChannels = 10;
 constexpr uint32_t kMetaBlockBytes = 64;
 
-// Linear buffers and rings begin where a real caller's do: at nothing better than a sample.
+// Linear buffers and rings are aligned to no more than a sample, as they may be in real callers.
 struct alignas(64) Buffers {
   uint8_t au8Pad[4];
   uint8_t au8Linear[4 * kFrames * kMaxChannels];
@@ -35,8 +35,8 @@ ZE_KEST_Port_s astPorts[ZE_KEST_MAX_PORTS];
 ZE_KEST_Filter_s stFilter;
 uint32_t u32Size;
 
-// What it takes from its arguments a case's function need not fetch first: the count is that of the call
-// alone.
+// The function of a case gets these as arguments, so that it does not have to load them first: only the
+// instructions of the library call are to be counted.
 using Call = void (*)(ZE_KEST_Filter_s *pstFilter, uint32_t *pu32Size);
 
 template <typename Sample>
@@ -49,8 +49,7 @@ Sample *Other() {
   return static_cast<Sample *>(static_cast<void *>(stBuffers.au8Other));
 }
 
-// Two channels are those of group 0, ten those of group 1. The data to read and the place to write are the
-// same.
+// Two channels use group 0, ten use group 1. The same port is read and written.
 template <uint32_t kChannels, uint32_t kBits>
 struct Pcm {
   static constexpr uint32_t kGroup = kChannels == 2 ? 0 : 1;
@@ -78,7 +77,7 @@ struct Pcm {
     }
   }
 
-  // Channel k of the frames in the linear buffer.
+  // Sets the source of a slot to its channel in the frames of the linear buffer.
   template <bool k16Bit>
   static void SetSource(uint32_t u32Slot) {
     uint8_t *pu8 = stBuffers.au8Linear + size_t{u32Slot} * kBytes;
@@ -117,7 +116,7 @@ struct Pcm {
     }
   }
 
-  // A second port whose rings are those of the first one.
+  // Adds a second port that uses the rings of the first.
   static void PrepareTwoPorts() {
     Prepare();
     astPorts[1].stPcm = astPorts[0].stPcm;
@@ -131,7 +130,7 @@ struct Pcm {
     }
   }
 
-  // One channel by the routines that serve it alone.
+  // Reads one channel with the routines that serve a single ring.
   template <auto pfnRead>
   static void ReadRing(ZE_KEST_Filter_s *, uint32_t *) {
     pfnRead(stBuffers.au8Rings, stBuffers.au8Rings + kOffset * kBytes, kRingSamples * kBytes,
@@ -164,7 +163,7 @@ void ConvertInPlace(ZE_KEST_Filter_s *, uint32_t *) {
   ze_kest_Utility_Convert32BitPcmFromLow24BitToHigh24Bit(Linear<int32_t>(), kFrames);
 }
 
-// The compiler makes no loop of its own of it.
+// The volatile pointer keeps the compiler from replacing the call by its own loop.
 template <uint32_t kBytes>
 void Copy(ZE_KEST_Filter_s *, uint32_t *) {
   void *(*volatile pfnCopy)(void *, const void *, size_t) = memcpy;
@@ -199,7 +198,7 @@ void ConnectEightPorts() {
   }
 }
 
-// Each port has less to offer than the one before it.
+// Gives each port less to offer than the one before it.
 void LowerLevels() {
   for (uint32_t u32Port = 0; u32Port < ZE_KEST_MAX_PORTS; ++u32Port) {
     astPorts[u32Port].stPcm.sztPcmLevel -= u32Port;
@@ -222,7 +221,7 @@ void AccountOne(ZE_KEST_Filter_s *pstFilter, uint32_t *) {
   pfnUpdate(pstFilter, kFrames, ZE_KEST_MAX_PORTS - 1);
 }
 
-// One port forwards to itself what its byte rings hold, which are blocks of metadata.
+// The port forwards the contents of its byte rings, which are metadata blocks, to itself.
 void PrepareByteRings() {
   stFilter.u32OutPortCount = 1;
   astPorts[0].stMeta.pu8Buf = astPorts[0].stRaw.pu8Buf = stBuffers.au8Rings;
@@ -275,7 +274,7 @@ constexpr uint32_t kStereo = 2 * kFrames;
 constexpr uint32_t kTen = 10 * kFrames;
 
 constexpr Case kCases[] = {
-    // What the loop around every call costs; run.sh takes it off the others.
+    // The cost of the loop around every call, which run.sh subtracts from the other cases.
     {"nothing", 0, "-", Nothing},
 
     {"convert 16to24", kFrames, "0.6",

@@ -1,13 +1,14 @@
 /* SPDX-License-Identifier: Apache-2.0
  *
- * A TCG plugin of qemu: when the program ends, one line on its standard error says how many instructions it
- * has executed. A block counts when it is entered; what a condition in it skips counts too. */
+ * A TCG plugin for qemu that counts executed instructions and prints the number as one line on standard error
+ * when the program ends. All instructions of a block count when it is entered, including conditional ones
+ * that are skipped. */
 #include <inttypes.h>
 #include <stddef.h>
 #include <stdint.h>
 #include <stdio.h>
 
-/* What is used of qemu's plugin interface, of which Debian ships no header. */
+/* The part of qemu's plugin interface that is used here; Debian ships no header for it. */
 typedef uint64_t qemu_plugin_id_t;
 struct qemu_plugin_tb;
 enum { kApiVersion = 1, kInlineAddU64 = 0 };

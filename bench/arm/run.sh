@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# run.sh [--check | --record] [CASE]: what calls of the library cost on the target's instruction set, in executed
-# instructions; exact, so the same at every run. CASE: only the cases whose names begin so.
-# --check: also ends non-zero when a case costs more than 3 % over bench/arm/recorded.txt. --record: writes that.
+# run.sh [--check | --record] [CASE]: counts the instructions that calls of the library execute on the target's
+# instruction set. The counts are exact and do not vary from run to run. CASE: only cases whose names begin with it.
+# --check: also fails when a case costs over 3 % more than in bench/arm/recorded.txt. --record: writes that file.
 source "$(dirname "${BASH_SOURCE[0]}")/../../scripts/common.sh"
 
 recorded="$root/bench/arm/recorded.txt"
@@ -22,13 +22,13 @@ mkdir -p "$root/build/arm"
   gcc -shared -fPIC -O2 -Wall -Wextra -o "$plugin" bench/arm/count.c) >"$log" 2>&1 ||
   { tail -n 40 "$log" >&2; fail "The build failed; the whole log is $log"; }
 
-# Instructions of the whole program: executed CASE COUNT
+# executed CASE COUNT: the instructions of the whole program
 executed() { qemu-arm -plugin "$plugin" "$calls" "$@" 2>&1 >/dev/null; }
 
-# The first calls may bind or fill something: what counts is what further ones cost.
+# The difference of two runs excludes start-up and whatever the first calls bind or initialise.
 per_call() { say $((($(executed "$1" 30) - $(executed "$1" 10)) / 20)); }
 
-# A line for each case: name, samples, goal, instructions of a call without those of the loop around it.
+# Prints a line per case: name, samples, goal, instructions per call without those of the loop around it.
 measure() {
   local name samples goal loop
   loop=$(per_call nothing)
@@ -38,7 +38,7 @@ measure() {
   done
 }
 
-# Goals and the recorded costs are compared with what was measured, per sample where there are samples.
+# Compares the measured costs with the recorded ones and with the goals (per sample if a case has samples).
 table() {
   awk -F '\t' -v mode="$mode" -v recorded="$recorded" '
     function cost(instructions, samples) { return samples ? sprintf("%.3f", instructions / samples) : "" }

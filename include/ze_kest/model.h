@@ -3,11 +3,12 @@
  * The records that a framework hands to the library: filters, their ports, and the rings of the ports.
  *
  * The framework owns every record and every ring. The library reads them, copies data through them and adds
- * to the sizes of the current cycle; it never allocates, frees or resizes one. Releasing consumed data and
- * committing produced data at the end of a cycle (moving the read offsets, the levels and the spaces) is the
- * framework's work.
+ * to the sizes of the current cycle; it never allocates, frees or resizes one. At the end of a cycle the
+ * framework releases the consumed data and commits the produced data, that is, it moves the read offsets,
+ * levels and spaces.
  *
- * Units: PCM positions, levels and sizes count samples per channel; metadata and raw ones count bytes. */
+ * Units: PCM positions, levels and sizes are in samples per channel, those of metadata and raw data in bytes.
+ */
 #ifndef ZE_KEST_MODEL_H
 #define ZE_KEST_MODEL_H
 
@@ -17,30 +18,31 @@
 extern "C" {
 #endif
 
-#define ZE_KEST_NAME_SIZE 64         /* bytes of a name field, its NUL included */
-#define ZE_KEST_MAX_PORTS 8          /* port slots of one side of a filter */
+#define ZE_KEST_NAME_SIZE 64         /* bytes of a name field, including its NUL */
+#define ZE_KEST_MAX_PORTS 8          /* port slots on each side of a filter */
 #define ZE_KEST_PCM_GROUPS 3         /* channel groups of a port */
 #define ZE_KEST_PCM_GROUP_SLOTS 10   /* channel slots of a group */
-#define ZE_KEST_PCM_GROUP_ENTRIES 12 /* entries of a group in the per-channel arrays handed to filters */
-/* Entries of such an array: slot k of group g stands at 12 * g + k. */
+#define ZE_KEST_PCM_GROUP_ENTRIES 12 /* entries per group in the per-channel arrays handed to filters */
+/* Entries of such an array: slot k of group g is at 12 * g + k. */
 #define ZE_KEST_PCM_CHANNEL_ENTRIES 36
 #define ZE_KEST_NO_BOUND UINT32_MAX /* a process-size bound that never limits */
 
-/* Option bit of a filter: with a bound of the output process size, its PCM writes go straight into the ring
- * without wrap-around; the caller keeps every write inside the ring. */
+/* Option bit of a filter: if the filter also has a bound on its output process size, its PCM writes go
+ * straight into the ring without wrap-around, and the caller must keep every write inside the ring. */
 #define ZE_KEST_OPTION_DIRECT_WRITE 0x04u
 
-/* One metadata block stands for this many PCM samples. */
+/* One metadata block covers this many PCM samples. */
 #define ZE_KEST_METADATA_SAMPLES 256u
-/* Bytes of a metadata block's header: its tag (uint32_t), the payload's length in bytes (uint32_t), 8 more.
- * The payload follows. A header is read in place, so it never straddles the end of a ring. */
+/* Bytes of a metadata block's header: its tag (uint32_t), the payload's length in bytes (uint32_t), 8 more
+ * bytes. The payload follows. A header is read in place, so it never straddles the end of a ring. */
 #define ZE_KEST_METADATA_HEADER_SIZE 16u
 
 typedef struct ZE_KEST_Filter_s ZE_KEST_Filter_s;
 
-/* Entries of a filter for its parameters. pData: the value; u32Size: its size in bytes. They return a result
- * code. They may be called with the library's registry locked and must not call back into it. A value that
- * comes from a command has 4 bytes and the size that was typed: refuse a size that is not the parameter's. */
+/* A filter's functions for its parameters. pData: the value; u32Size: its size in bytes. They return a result
+ * code. They may be called with the library's registry locked and must not call back into it. For a value
+ * that comes from a command, pData holds only 4 bytes whereas u32Size is whatever was typed, so refuse any
+ * size that is not the parameter's. */
 typedef uint32_t (*ZE_KEST_SetParameter)(ZE_KEST_Filter_s *pstFilter, const char *pszParameterName,
                                          const void *pData, uint32_t u32Size);
 typedef uint32_t (*ZE_KEST_GetParameter)(ZE_KEST_Filter_s *pstFilter, const char *pszParameterName,
@@ -58,14 +60,14 @@ typedef struct ZE_KEST_PcmInfo_s {
 typedef struct ZE_KEST_PcmGroup_s {
   int32_t ePcmGroupType;    /* the group's own number (0, 1, 2); -1: the port does not carry the group */
   uint32_t u32ChannelCount; /* channel slots in use, 0 to 10 */
-  /* One entry per slot; -1: the slot carries no channel. Entries behind u32ChannelCount must be -1. */
+  /* One entry per slot; -1: the slot carries no channel. Entries from u32ChannelCount on must be -1. */
   int32_t as32ChMap[ZE_KEST_PCM_GROUP_SLOTS];
 } ZE_KEST_PcmGroup_s;
 
-/* PCM of a port: one ring per channel, non-interleaved, the rings of a group one after another. */
+/* PCM of a port: one ring per channel, not interleaved; the rings of a group follow each other in memory. */
 typedef struct ZE_KEST_PcmBuffer_s {
   uint8_t *apu8PcmGroupBuf[ZE_KEST_PCM_GROUPS]; /* storage of each group; NULL: the port has no such group.
-                                                   Slot k begins k * sztPcmRingSamples samples behind it */
+                                                   Slot k begins k * sztPcmRingSamples samples after it */
   uint32_t sztPcmRingSamples;                   /* length of every ring, in samples; 0: no PCM on this port */
   uint32_t asztPcmAllocSize[ZE_KEST_PCM_GROUPS]; /* bytes allocated for each group */
   uint32_t sztPcmLevel;                          /* samples held in each ring */
@@ -76,7 +78,7 @@ typedef struct ZE_KEST_PcmBuffer_s {
   uint32_t sztPcmReadOffset;                     /* ring index of the oldest unread sample */
   uint32_t u32Reserved;
   int64_t s64PcmPts;        /* time stamp of the data */
-  uint64_t u64PcmReadCount; /* updates of the read size */
+  uint64_t u64PcmReadCount; /* number of updates of the read size */
   uint64_t u64PcmXrunCount; /* underruns of an input port, overruns of an output port */
   uint64_t u64PcmPassCount; /* frames passed by an A/V sync filter */
   uint64_t u64PcmSkipCount; /* frames skipped by an A/V sync filter */
@@ -98,13 +100,13 @@ typedef struct ZE_KEST_DataBuffer_s {
   uint32_t u32RawReserved;
   uint32_t sztReadOffset; /* offset of the oldest unread byte */
   int64_t s64Pts;         /* time stamp of the data */
-  uint64_t au64Count[4];  /* [0]: read-size updates with data; the others are the framework's */
+  uint64_t au64Count[4];  /* [0]: read-size updates other than by 0; the rest belong to the framework */
 } ZE_KEST_DataBuffer_s;
 
 typedef struct ZE_KEST_Port_s {
   uint32_t u32Reserved;
-  /* Boolean. Served even when it is not connected: where an operation walks a side's ports, the first port
-   * that is not NULL; where it takes one port's index, slot 0. */
+  /* Boolean. Some ports are served even when not connected: the first non-NULL port in operations that walk
+   * all ports of a side, and slot 0 in operations that take a port index. */
   uint32_t bConnected;
   uint32_t au32Reserved[4];
   ZE_KEST_PcmBuffer_s stPcm;
@@ -131,7 +133,7 @@ struct ZE_KEST_Filter_s {
   uint32_t u32Reserved;
   uint32_t sztMaxInPcmProcessSize;  /* samples, or ZE_KEST_NO_BOUND */
   uint32_t sztMaxOutPcmProcessSize; /* samples, or ZE_KEST_NO_BOUND */
-  uint8_t u8Option;                 /* ZE_KEST_OPTION_DIRECT_WRITE; the other bits are the framework's */
+  uint8_t u8Option;                 /* ZE_KEST_OPTION_DIRECT_WRITE; the other bits belong to the framework */
   const char *pszConfig;            /* configuration text; may be NULL */
   uint32_t u32SleepPriority;
   int32_t s32SleepTime;

@@ -5,7 +5,8 @@
 
 namespace kest {
 
-// Where commands select by name they mean prefixes, on purpose: "Decoder" finds "Decoder_13", "" finds all.
+// Deliberate: commands select names by prefix, so "Decoder" also matches "Decoder_13" and "" matches
+// everything.
 inline bool BeginsWith(const char *pszText, const char *pszPrefix) {
   return ze_kest_Utility_Strncmp(pszText, pszPrefix, ze_kest_Utility_Strlen(pszPrefix)) == 0;
 }

@@ -9,7 +9,7 @@
 
 namespace {
 
-// Stops at the last second that the target's 32-bit time can name.
+// Saturates at the last second that time_t can hold (it has 32 bits on the target).
 time_t LaterSecond(time_t s32Second, uint64_t u64Seconds) {
   constexpr time_t kLast = std::numeric_limits<time_t>::max();
   if (u64Seconds > static_cast<uint64_t>(kLast - s32Second)) return kLast;

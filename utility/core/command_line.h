@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// A command line, taken apart from its front.
+// Splits a command line from the front.
 #pragma once
 
 #include "utility/core/owned_memory.h"
@@ -10,7 +10,7 @@ inline bool IsEmpty(const char *psz) {
   return psz == nullptr || *psz == '\0';
 }
 
-// For printing: a part that is missing reads like this in a report.
+// How a report shows a part that may be missing.
 inline const char *Shown(const char *psz) {
   return psz == nullptr ? "(null)" : psz;
 }
@@ -19,11 +19,12 @@ class CommandLine {
  public:
   explicit CommandLine(const char *pszLine) : copy_(Duplicate(pszLine)), pszRest_(copy_.get()) {}
 
-  // What stands before the next separator, or all that is left where there is none: then nothing is left,
-  // while a separator at the very end leaves "". NULL when nothing was left, or without memory for the copy.
+  // The text up to the next separator, or the whole rest when there is no separator; then nothing is left,
+  // whereas a separator at the very end leaves "". NULL when nothing was left, or when there was no memory
+  // for the copy.
   const char *Next(const char *pszSeparator) { return ze_kest_Utility_Strsep(&pszRest_, pszSeparator); }
 
-  // What stands behind the separators so far; NULL when nothing is left.
+  // The text after the last separator consumed; NULL when nothing is left.
   [[nodiscard]] const char *Rest() const { return pszRest_; }
 
  private:

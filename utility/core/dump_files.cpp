@@ -7,7 +7,7 @@
 
 namespace {
 
-// A file that data is appended to for the length of a call. What fails is reported under the function's name.
+// A file opened for appending during one call. Failures are reported under the name of the calling function.
 class AppendedFile {
  public:
   AppendedFile(const char *pszFunction, const char *pszFilePath, const char *pszFileName)
@@ -42,7 +42,7 @@ class AppendedFile {
   FILE *pFile_ = nullptr;
 };
 
-// Whether the position lies in the ring or at its end.
+// True for the end address too: callers treat it as the start.
 bool IsInRing(const void *pvPosition, const void *pvStart, const void *pvEnd) {
   const auto uPosition = reinterpret_cast<uintptr_t>(pvPosition);
   return reinterpret_cast<uintptr_t>(pvStart) <= uPosition && uPosition <= reinterpret_cast<uintptr_t>(pvEnd);

@@ -20,12 +20,12 @@ constexpr const char *kDecodeFormat[] = {
 constexpr const char *kDigitalOutput[] = {"Not Connected", "PCM",    "DD",  "DDP",
                                           "MAT",           "BYPASS", "DTS", "DTSHD"};
 
-// A sixth type, "LC_L4", exists and is not named, on purpose.
+// Deliberate: the sixth type, "LC_L4", has no name here.
 constexpr const char *kMpeghStreamType[] = {"MHM1", "MHA1", "BL_L3", "BL_L4", "LC_L3"};
 
 template <size_t kCount>
 const char *NameIn(const char *const (&apszNames)[kCount], uint32_t u32Value) {
-  return u32Value < kCount ? apszNames[u32Value] : "Unkown";  // spelled so on purpose
+  return u32Value < kCount ? apszNames[u32Value] : "Unkown";  // deliberate spelling
 }
 
 }  // namespace

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// The text of an error number, for the length of one report.
+// The text of an error number, valid for as long as the object: typically for one report.
 #pragma once
 
 #include "utility/core/platform.h"

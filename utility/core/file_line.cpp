@@ -9,7 +9,7 @@
 
 namespace {
 
-// The line so far with one more chunk behind it; empty when memory is exhausted.
+// A new copy of the line with one more chunk appended; empty when memory is exhausted.
 kest::Owned<char> Extended(const char *pszLine, size_t sztLine, const char *pszChunk, size_t sztChunk) {
   void *pv = nullptr;
   if (ze_kest_Utility_MemoryAlloc(&pv, sztLine + sztChunk + 1) != ZE_KEST_OK) return nullptr;

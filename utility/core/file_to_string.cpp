@@ -14,12 +14,14 @@ namespace {
 
 constexpr size_t kPage = 4096;
 
-// The next multiple of a page strictly above the size: there is always room behind the data.
+// Rounds up to a multiple of a page that is strictly greater than the size, so there is always room for a
+// NUL.
 constexpr size_t SizeOnPages(size_t sztSize) {
   return (sztSize + kPage) & ~(kPage - 1);
 }
 
-// A pipe without a writer would not even open, and a device has no size and may not stop.
+// These must not be opened: opening a pipe blocks until it has a writer, and a device has no size and may
+// never end.
 bool IsSpecial(const char *pszPath) {
   struct stat stFile = {};
   return stat(pszPath, &stFile) == 0 && !S_ISREG(stFile.st_mode);

@@ -8,7 +8,7 @@ namespace {
 
 constexpr int kFraction = 23;
 constexpr int64_t kOne = int64_t{1} << kFraction;
-constexpr int64_t kTwenty = 167772170;  // 20 and half a unit of rounding
+constexpr int64_t kTwenty = 167772170;  // 20 in Q23 plus 20 / 2; the dB value gets the same rounding term
 constexpr int64_t kLn10 = 19315484;
 constexpr int64_t kLog2E = 12102203;
 constexpr int64_t kLn2 = 5814540;
@@ -24,7 +24,7 @@ int64_t WholePowerOfTwo(int64_t s64Y) {
   return s64Y < 0 ? -s64Whole : s64Whole;
 }
 
-// exp(r) = 1 + 2r / (2 - (r - p)), p a polynomial in r squared.
+// exp(r) = 1 + 2r / (2 - (r - p)), where p is a polynomial in r squared.
 int64_t Exponential(int64_t s64R) {
   const int64_t s64S = Multiply(s64R, s64R);
   int64_t s64P = Multiply(s64S, -13) + 554;
@@ -35,7 +35,7 @@ int64_t Exponential(int64_t s64R) {
   return 2 * s64R * kOne / s64Divisor + kOne;
 }
 
-// A shift beyond 31 places leaves nothing, in either direction.
+// Zero for a shift of 32 or more places, in either direction.
 uint64_t PowerOfTwo(int64_t s64Exponent) {
   if (std::abs(s64Exponent) >= 32) return 0;
   constexpr auto kOneUnsigned = static_cast<uint64_t>(kOne);

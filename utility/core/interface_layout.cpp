@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// The layout of the interface's records on the 32-bit target. The framework and its filters are built apart
-// from this library: an offset that moves here breaks them all.
+// The layout of the interface records on the 32-bit target. The framework and its filters are built
+// separately from this library, so moving a field breaks all of them.
 #include <cstddef>
 #include <cstdint>
 
@@ -11,7 +11,7 @@
 
 namespace {
 
-// Not the 32-bit x86, which aligns 64-bit fields to 4 bytes.
+// Tells the target apart from 32-bit x86, which aligns 64-bit fields to 4 bytes.
 struct WideField {
   uint32_t u32Before;
   uint64_t u64Wide;

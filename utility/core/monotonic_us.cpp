@@ -5,7 +5,7 @@
 
 namespace kest {
 
-// By way of double, on purpose: from 2^53 ns on, some 104 days of uptime, the last nanoseconds are rounded.
+// Deliberate: computed in double, so nanoseconds are rounded from 2^53 ns (about 104 days) of uptime on.
 uint64_t MonotonicUs() {
   struct timespec stNow = {};
   if (clock_gettime(CLOCK_MONOTONIC, &stNow) != 0) return 0;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// The time that measurements and stamps are taken in.
+// The clock for measurements and time stamps.
 #pragma once
 
 #include <cstdint>

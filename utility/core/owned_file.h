@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Owner of an open stream, closed on every path.
+// Owns an open stream and closes it on every path.
 #pragma once
 
 #include <memory>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Owner of a block of the library's memory, released on every path.
+// Owns a block allocated by the library and releases it on every path.
 #pragma once
 
 #include <memory>
@@ -15,7 +15,7 @@ struct ReleaseMemory {
 template <typename T>
 using Owned = std::unique_ptr<T, ReleaseMemory>;
 
-// Uninitialised room for one T, or for a buffer of so many bytes; empty when memory is exhausted.
+// Uninitialised memory for one T, or for a buffer of sztBytes; empty when memory is exhausted.
 template <typename T>
 Owned<T> Allocate(size_t sztBytes = sizeof(T)) {
   void *pv = nullptr;

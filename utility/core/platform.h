@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// What differs between the target's libc and the development host's.
+// Differences between the C libraries of the target and of the development host.
 #pragma once
 
 #include <cstring>
@@ -10,12 +10,12 @@
 
 namespace kest {
 
-// Older libcs of the target and of the host have no gettid wrapper.
+// Older C libraries, on the target and on the host, have no gettid wrapper.
 inline pid_t CurrentThreadId() {
   return static_cast<pid_t>(syscall(SYS_gettid));
 }
 
-// Both libcs give the variant that returns the text and may leave the buffer alone.
+// The GNU variant on both: it returns the text and may leave the buffer unused.
 inline const char *ErrorTextInto(int s32Error, char *pszBuf, size_t sztSize) {
 #ifdef __BIONIC__
   return __gnu_strerror_r(s32Error, pszBuf, sztSize);

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
-// Reports: every failure goes once to the Android log and once to the library's own log.
+// Reports: every failure goes to both the Android log and the library's own log.
 //
-// The level is tested first and the arguments are evaluated behind it, twice, so they must have no side
-// effects. Texts stand in full at their site, "\n" included. The _AS forms take the function's name where it
-// is not the site's own: in a template that serves several functions of the interface, or for a named
-// sub-step.
+// The level is tested first. The arguments are evaluated only if it passes, and then twice, so they must have
+// no side effects. Each text is written out in full where it is used, including "\n", so that grep finds it.
+// The _AS forms take a function name, for places where __func__ is the wrong one: in a template that serves
+// several functions of the interface, or for a named sub-step.
 #pragma once
 
 #include <cerrno>
@@ -35,7 +35,7 @@
 #define KEST_INFO_AS(function, text, ...) \
   KEST_REPORT_(ZE_KEST_LEVEL_INFO, ANDROID_LOG_INFO, "<INFO>", function, text, ##__VA_ARGS__)
 
-// What the user asked for: never gated, and without name and line in the library's own log.
+// Output the user asked for: never gated, and the library's own log shows it without function name and line.
 #define KEST_PRINT_AS(function, text, ...)                                                            \
   do {                                                                                                \
     __android_log_print(ANDROID_LOG_INFO, KEST_LOG_TAG, "<PRINT>%s[%-4d]: " text, function, __LINE__, \
@@ -48,7 +48,7 @@
 #define KEST_INFO(text, ...) KEST_INFO_AS(__func__, text, ##__VA_ARGS__)
 #define KEST_PRINT(text, ...) KEST_PRINT_AS(__func__, text, ##__VA_ARGS__)
 
-// Unless the condition holds, reports the text at ERR level and leaves the function with result.
+// If the condition does not hold, reports the text at ERR level and returns result from the function.
 #define KEST_REQUIRE_OR_AS(function, condition, result, text) \
   do {                                                        \
     if (!(condition)) {                                       \
@@ -61,7 +61,8 @@
 #define KEST_REQUIRE_OR(condition, result, text) KEST_REQUIRE_OR_AS(__func__, condition, result, text)
 #define KEST_REQUIRE(condition, text) KEST_REQUIRE_AS(__func__, condition, text)
 
-// A thread call, made and, when it fails, reported as it is written here. Gives the call's own result.
+// Makes a thread call and, if it fails, reports it together with its source text. Yields the result of the
+// call.
 #define KEST_THREAD_CALL_(function, call, text)                                                           \
   ([](const char *pszFunction, int s32Result) {                                                           \
     if (kest::IsThreadCallFailure(s32Result)) {                                                           \
@@ -78,7 +79,7 @@ inline bool LevelIsOn(uint32_t u32Level) {
   return Load(u32KestDebugLevel) >= u32Level;
 }
 
-// A wait that ends at its deadline has not failed.
+// A wait that reaches its deadline has not failed.
 inline bool IsThreadCallFailure(int s32Result) {
   return s32Result != 0 && s32Result != ETIMEDOUT;
 }

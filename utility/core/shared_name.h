@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// Names in plain globals that other threads read without a lock: always terminated within the field, though
-// a reader may meet a mixture of two names.
+// Names in plain globals that other threads access without a lock: always terminated within the field, but a
+// reader may see a mixture of two names.
 #pragma once
 
 #include "ze_kest/model.h"
@@ -14,7 +14,8 @@ namespace kest {
 
 using NameField = char[ZE_KEST_NAME_SIZE];
 
-// Cuts the name to the field. A failed copy is reported under the function's name and leaves the field alone.
+// Cuts the name to the field. A failed copy is reported under the given function name and leaves the field
+// unchanged.
 inline void StoreName(const char *pszFunction, NameField &szField, const char *pszName) {
   NameField szCut;
   if (!CopyText(szCut, pszName)) {
@@ -25,7 +26,7 @@ inline void StoreName(const char *pszFunction, NameField &szField, const char *p
     Store(szField[i], szCut[i]);
 }
 
-// The same for a part of a command line. False, and the previous name is kept, for a missing or empty part.
+// The same for a part of a command line. False for a missing or empty part, which keeps the previous name.
 inline bool TakeName(const char *pszFunction, NameField &szField, const char *pszPart) {
   if (IsEmpty(pszPart)) return false;
   StoreName(pszFunction, szField, pszPart);
@@ -37,7 +38,7 @@ inline void ClearName(NameField &szField) {
     Store(c, '\0');
 }
 
-// A name as it stood, for as long as the reader needs it.
+// A snapshot of a name that stays stable while the reader uses it.
 class NameCopy {
  public:
   explicit NameCopy(const NameField &szField) {

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// Access to plain globals that other threads write without a lock: whole, in no order with anything else.
+// Access to plain globals that other threads write without a lock. A value is read and written as a whole,
+// but without any ordering relative to other memory.
 #pragma once
 
 namespace kest {
@@ -14,7 +15,7 @@ void Store(T &value, T newValue) {
   __atomic_store_n(&value, newValue, __ATOMIC_RELAXED);
 }
 
-// The same for a pointer to what the writer has filled in before: the reader finds it filled in.
+// For a pointer to data that the writer filled in before: a reader that sees the pointer also sees the data.
 template <typename T>
 T *LoadPublished(T *const &pointer) {
   return __atomic_load_n(&pointer, __ATOMIC_ACQUIRE);

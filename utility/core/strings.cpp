@@ -17,7 +17,7 @@ size_t ze_kest_Utility_Strlen(const char *psz) {
   return strlen(OrEmpty(psz));
 }
 
-// By length first, on purpose: this is not lexicographic order.
+// Deliberate: compares by length first, so this is not lexicographic order.
 int ze_kest_Utility_Strcmp(const char *pszA, const char *pszB) {
   const size_t sztA = ze_kest_Utility_Strlen(pszA);
   const size_t sztB = ze_kest_Utility_Strlen(pszB);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Texts in fields of fixed size.
+// Texts in fixed-size fields.
 #pragma once
 
 #include <cstddef>
@@ -8,7 +8,7 @@
 
 namespace kest {
 
-// Cuts the text to the field, always terminated. False, with the field unchanged, for NULL.
+// Cuts the text to the field and always terminates it. Returns false for NULL and leaves the field unchanged.
 template <size_t kSize>
 [[nodiscard]] bool CopyText(char (&szField)[kSize], const char *pszText) {
   if (ze_kest_Utility_Strncpy(szField, pszText, kSize - 1) == nullptr) return false;

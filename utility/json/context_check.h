@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Checks of a JSON context that several operations share, reported under the name of the one that asks.
+// Checks of a JSON context, shared by several operations and reported under the name of the calling one.
 #pragma once
 
 #include "ze_kest/json.h"

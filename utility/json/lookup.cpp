@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Questions to the index of a JSON text.
+// Look-ups in the index of a JSON text.
 #include <cstring>
 
 #include "ze_kest/json.h"
@@ -16,7 +16,7 @@ uint32_t Length(const Token &stToken) {
   return static_cast<uint32_t>(stToken.end - stToken.start);
 }
 
-// The number of tokens for one that is not in the array.
+// The index of a token; u32TotalTokenCounter if the pointer is not to a token of the array.
 uint32_t IndexOf(const ZE_KEST_Jsmn_s &stJsmn, const Token *pstToken) {
   const uintptr_t uOffset =
       reinterpret_cast<uintptr_t>(pstToken) - reinterpret_cast<uintptr_t>(stJsmn.pstTokenInfo);
@@ -25,7 +25,7 @@ uint32_t IndexOf(const ZE_KEST_Jsmn_s &stJsmn, const Token *pstToken) {
   return bInside ? static_cast<uint32_t>(uIdx) : stJsmn.u32TotalTokenCounter;
 }
 
-// The first string token from an index on that fits; NULL for none.
+// The first string token at or after an index for which fits returns true; NULL if there is none.
 template <typename Fits>
 Token *FindString(const ZE_KEST_Jsmn_s &stJsmn, uint32_t u32FirstIdx, const Fits &fits) {
   for (uint32_t u32Idx = u32FirstIdx; u32Idx < stJsmn.u32TotalTokenCounter; ++u32Idx) {
@@ -35,7 +35,7 @@ Token *FindString(const ZE_KEST_Jsmn_s &stJsmn, uint32_t u32FirstIdx, const Fits
   return nullptr;
 }
 
-// Key or value: whatever bears the name.
+// Matches keys and values alike.
 Token *FindName(const ZE_KEST_Jsmn_s &stJsmn, uint32_t u32FirstIdx, const char *pszName) {
   const size_t sztName = ze_kest_Utility_Strlen(pszName);
   return FindString(stJsmn, u32FirstIdx, [&](const Token &stToken) {
@@ -43,7 +43,8 @@ Token *FindName(const ZE_KEST_Jsmn_s &stJsmn, uint32_t u32FirstIdx, const char *
   });
 }
 
-// The index of a token that another one follows; false, reported under the function's name, when it has none.
+// Finds the index of a token and requires that another token follows it. Otherwise returns false and reports
+// under the given function name.
 bool FindTarget(const char *pszFunction, const ZE_KEST_Jsmn_s &stJsmn, const Token *pstTarget,
                 uint32_t *pu32Idx) {
   *pu32Idx = IndexOf(stJsmn, pstTarget);
@@ -54,7 +55,7 @@ bool FindTarget(const char *pszFunction, const ZE_KEST_Jsmn_s &stJsmn, const Tok
   return true;
 }
 
-// The token behind a key; NULL for a stranger and for the last token.
+// The token after a key; NULL if the key is not in the array or is the last token.
 const Token *ValueOf(const ZE_KEST_Jsmn_s &stJsmn, const Token *pstKey) {
   const uint32_t u32ValueIdx = IndexOf(stJsmn, pstKey) + 1;
   return u32ValueIdx < stJsmn.u32TotalTokenCounter ? &stJsmn.pstTokenInfo[u32ValueIdx] : nullptr;
@@ -72,7 +73,8 @@ ZE_KEST_JsmnTokenInfo_s *ze_kest_Utility_Jsmn_GetTokenInfo_ByDataName(
   uint32_t u32TargetIdx = 0;
   if (!FindTarget(__func__, *pstJsmn, pstTargetTokenInfo, &u32TargetIdx)) return nullptr;
   const Token &stObject = pstJsmn->pstTokenInfo[u32TargetIdx + 1];
-  // The target itself and anything nested in its value count too, and only the first match does, on purpose.
+  // Deliberate: the target itself and anything nested in its value can match, and only the first match is
+  // considered, even if a later one would lie inside the object.
   Token *pstFound = FindName(*pstJsmn, u32TargetIdx, pszDataName);
   if (pstFound == nullptr || pstFound->start <= stObject.end) return pstFound;
   KEST_WRN("Warning! The matched pstTokenInfoRet (%u) is not inside of pstTargetTokenInfoObject (%u)!\n",

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// The life of a JSON context and its index of tokens.
+// Creating, filling and destroying a JSON context and its token index.
 #include "ze_kest/json.h"
 #include "ze_kest/utility.h"
 
@@ -9,7 +9,7 @@
 
 namespace {
 
-constexpr size_t kArrayStep = 4096;  // bytes of the token array at first, and by which it grows
+constexpr size_t kArrayStep = 4096;  // bytes: initial size and growth step of the token array
 
 void FreeTokenArray(ZE_KEST_Jsmn_s &stJsmn) {
   void *pv = stJsmn.pstTokenInfo;
@@ -18,7 +18,7 @@ void FreeTokenArray(ZE_KEST_Jsmn_s &stJsmn) {
   stJsmn.sztTokenInfoSize = 0;
 }
 
-// The old array stays in place on failure. A size of 0 is one that has wrapped.
+// On failure the old array stays in place. A size of 0 means that the addition in the caller has wrapped.
 bool ResizeTokenArray(ZE_KEST_Jsmn_s &stJsmn, size_t sztSize) {
   void *pv = sztSize == 0 ? nullptr : ze_kest_Utility_MemoryReAlloc(stJsmn.pstTokenInfo, sztSize);
   if (pv == nullptr) return false;

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// jsmn as it is installed. Only here are the library's tokens taken for its own, and nothing else is done
-// with them in this file, so that no compiler sees one object under two types.
+// Uses the installed jsmn. This is the only file that casts the library's tokens to jsmn's, and it does
+// nothing else with them, so that no compiler sees one object under two types.
 #include "utility/json/tokenizer.h"
 
 #include <algorithm>
@@ -28,7 +28,7 @@ static_assert(int{JSMN_ERROR_NOMEM} == kNoRoom && int{JSMN_ERROR_INVAL} == kMalf
                   int{JSMN_ERROR_PART} == kIncomplete,
               "jsmn's codes appear in reports");
 
-// A token's offsets reach no further.
+// The token offsets are 32-bit signed.
 constexpr size_t kLongestText = INT32_MAX;
 
 }  // namespace

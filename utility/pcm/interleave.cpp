@@ -13,12 +13,12 @@ namespace {
 constexpr uint32_t kDefaultChannels = 2;
 constexpr uint32_t kDefaultBitWidth = 16;
 
-// The part of a group's rings that the frames of an interleaved buffer meet.
+// The part of a group's rings that corresponds to the frames of an interleaved buffer.
 struct Frames {
   uint32_t u32Group;
-  uint32_t u32Channels;  // of a frame
-  uint32_t u32Width;     // bytes of a sample, in the rings too
-  uint32_t u32Advance;   // samples from the oldest unread one
+  uint32_t u32Channels;  // in a frame
+  uint32_t u32Width;     // bytes per sample, in the rings and in the frames
+  uint32_t u32Advance;   // samples after the oldest unread one
   uint32_t sztSamples;
 };
 
@@ -28,8 +28,8 @@ bool IsGroup(const char *pszFunction, uint32_t ePcmGroupType) {
   return false;
 }
 
-// Channel k of a frame belongs to slot k of the group, whatever its channel map says. Channels for which the
-// group has no ring are passed over.
+// Deliberate: channel k of a frame belongs to slot k of the group, whatever the channel map says. Channels
+// without a ring in the group are skipped.
 template <typename Ring, typename Linear>
 void MoveFrames(const kest::MoverTable<kest::Mover<Ring, Linear>> &stTable, const ZE_KEST_PcmBuffer_s &stPcm,
                 const Frames &stFrames, Linear *pu8Linear) {

@@ -15,7 +15,8 @@ struct Side {
   uint32_t u32Position;
   uint32_t u32Width;  // bytes of a sample
 
-  // A port that does not say its width has the other one's, or the default.
+  // A port that does not specify a width gets the default passed in: 16 bits for the source, the source's
+  // width for the destination.
   Side(const ZE_KEST_PcmBuffer_s &stBuffer, uint32_t u32Advance, uint32_t u32DefaultWidth)
       : stPcm(stBuffer),
         u32Position(kest::WrapOnce(stBuffer.sztPcmReadOffset + u32Advance, stBuffer.sztPcmRingSamples)),
@@ -28,7 +29,7 @@ struct Side {
   }
 };
 
-// The slots that the source's channel map names; that of the destination is not asked, and that is meant.
+// Deliberate: copies the slots in the source's channel map and ignores the destination's.
 void CopySlots(const Side &stDst, const Side &stSrc, uint32_t sztSamples, uint32_t u32Group) {
   const ZE_KEST_PcmGroup_s &stGroup = stSrc.stPcm.astPcmGroup[u32Group];
   const uint32_t u32Slots = std::min(sztPcmGroupChNumber[u32Group], stGroup.u32ChannelCount);
@@ -58,7 +59,7 @@ uint32_t ze_kest_Utility_CopyNonInterleavePcmBuffer(const ZE_KEST_PcmBuffer_s *p
   if (!HasStorage(*pstDst, ePcmGroupType) || !HasStorage(*pstSrc, ePcmGroupType)) return ZE_KEST_OK;
   const Side stSrc(*pstSrc, u32SrcAdvance, sizeof(int16_t));
   const Side stDst(*pstDst, u32DstAdvance, stSrc.u32Width);
-  // Samples wider than the destination's would run over its rings' ends.
+  // Samples wider than the destination's would overrun the ends of its rings.
   if (stSrc.u32Width <= stDst.u32Width) CopySlots(stDst, stSrc, sztSamples, ePcmGroupType);
   return ZE_KEST_OK;
 }

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// What every sample conversion does: a sample is read as a number without a sign, shifted, and stored in its
+// The basis of every sample conversion: a sample is read as an unsigned number, shifted, and stored in its
 // new container, which keeps the low bytes.
 #pragma once
 
@@ -11,7 +11,7 @@ namespace kest {
 
 static_assert(__BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__, "a sample's low bytes come first");
 
-// Three bytes are put together in registers: a copy of three would go through memory twice.
+// Three bytes are combined in registers, because a memcpy of three bytes goes through memory twice.
 template <size_t kBytes>
 uint32_t LoadSample(const uint8_t *pu8) {
   if constexpr (kBytes == 3) return uint32_t{pu8[0]} | uint32_t{pu8[1]} << 8 | uint32_t{pu8[2]} << 16;
@@ -20,8 +20,8 @@ uint32_t LoadSample(const uint8_t *pu8) {
   return u32Sample;
 }
 
-// kShift: bits to the left, or to the right when it is negative. The sample is read whole before it is
-// stored, and a copy of constant size needs no alignment.
+// kShift: bits to shift left; negative: right. The sample is read completely before it is stored, and a
+// memcpy of constant size needs no alignment.
 template <size_t kSrc, size_t kDst, int kShift>
 struct ShiftSample {
   static constexpr size_t kSrcBytes = kSrc;
@@ -38,7 +38,7 @@ struct ShiftSample {
   }
 };
 
-// One after another in ascending order, so source and destination may overlap.
+// Converts in ascending order, one sample at a time, so source and destination may overlap.
 template <typename Kernel>
 void ConvertSamples(const uint8_t *pu8Src, uint8_t *pu8Dst, uint32_t u32Samples) {
   for (; u32Samples != 0; --u32Samples) {

@@ -6,7 +6,8 @@
 
 namespace {
 
-// Whether blocks that are read whole before they are stored give what one sample after another gives.
+// Whether converting in blocks, each read completely before it is stored, gives the same result as converting
+// sample by sample. This matters only when source and destination overlap.
 template <typename Sample>
 bool MayGoInBlocks(const uint8_t *pu8Src, const uint8_t *pu8Dst, size_t sztSamples) {
   const auto uSrc = reinterpret_cast<uintptr_t>(pu8Src);
@@ -15,7 +16,7 @@ bool MayGoInBlocks(const uint8_t *pu8Src, const uint8_t *pu8Dst, size_t sztSampl
   return uDst - uSrc >= sztSamples * Sample::kSrcBytes && uSrc - uDst >= sztSamples * Sample::kDstBytes;
 }
 
-// Gives the samples that have been converted.
+// Returns the number of samples converted.
 template <typename Sample>
 uint32_t ConvertInBlocks(const uint8_t *pu8Src, uint8_t *pu8Dst, uint32_t u32Samples) {
   const kest::BlockKernel pfnConvert = kest::KernelOf<Sample>();
@@ -34,7 +35,7 @@ uint32_t Convert(const void *pvSrc, void *pvDst, uint32_t u32Samples) {
   return ZE_KEST_OK;
 }
 
-// For the functions that refuse to convert nothing.
+// For the functions that refuse a count of 0.
 template <typename Sample>
 uint32_t ConvertSome(const char *pszFunction, void *pvDst, const void *pvSrc, uint32_t sztSamples) {
   KEST_REQUIRE_AS(pszFunction, sztSamples != 0, "Invalid parameter: sztSamples!\n");
@@ -104,7 +105,7 @@ uint32_t ze_kest_Utility_Convert32BitPcmFromLow24BitToHigh24Bit(int32_t *ps32Src
   return ConvertSome<kest::From24LeTo32>(__func__, ps32Src, ps32Src, sztSamples);
 }
 
-// The destination is not checked, and that is meant.
+// Deliberate: the destination is not checked.
 uint32_t ze_kest_Utility_Convert32BitPcmFromLow24BitTo16BitPcm(int16_t *ps16Dst, const int32_t *ps32Src,
                                                                uint32_t sztSamples) {
   KEST_REQUIRE(ps32Src != nullptr, "ps32Src is NULL.\n");

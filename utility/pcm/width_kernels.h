@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Sample conversions in blocks, with the vector instructions of the machine.
+// Sample conversions in blocks, using the vector instructions of the processor.
 #pragma once
 
 #include <cstddef>
@@ -19,10 +19,10 @@ using From32To16 = ShiftSample<4, 2, -16>;
 
 constexpr uint32_t kBlockSamples = 16;
 
-// Converts blocks one after another; each is read whole before it is stored. Nothing has to be aligned.
+// Converts consecutive blocks; each is read completely before it is stored. No alignment is required.
 using BlockKernel = void (*)(const uint8_t *pu8Src, uint8_t *pu8Dst, uint32_t u32Blocks);
 
-// The kernel of a conversion; NULL: the machine has none that is faster than sample by sample.
+// The kernel of a conversion; NULL when this processor has none that beats sample by sample.
 template <typename Sample>
 BlockKernel KernelOf();
 

@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
-// The blocks are written in assembly. Between a structured load and a structured store a plane of bytes
-// changes its place by being named in another order; from intrinsics the compiler makes copies of it, and
-// twice as many instructions. Accesses by bytes take any address.
+// The blocks are written in assembly. Between a structured load and a structured store, a plane of bytes can
+// be moved merely by naming its register in a different position; with intrinsics the compiler copies the
+// registers instead and needs twice as many instructions. Byte-wise accesses work at any address.
 #if defined(__arm__) && defined(__ARM_NEON)
 
 #include "utility/pcm/width_kernels.h"
 
-// A kernel with this block, which leaves the pointers behind what it has read (%0) and written (%1).
+// Defines a kernel that runs the given block in a loop. The block advances the pointers past what it has read
+// (%0) and written (%1).
 #define KEST_BLOCKS(conversion, block)                                              \
   template <>                                                                       \
   kest::BlockKernel kest::KernelOf<kest::conversion>() {                            \

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// The packed conversions need a byte shuffle, which not every x86-64 has (SSSE3).
+// The packed conversions need a byte shuffle (SSSE3), which not every x86-64 processor has.
 #ifdef __x86_64__
 
 #include <tmmintrin.h>
@@ -11,7 +11,7 @@
 namespace kest {
 namespace {
 
-constexpr char Z = -1;  // in a shuffle: a zero byte
+constexpr char Z = -1;  // in a shuffle order: yields a zero byte
 
 __m128i Load16(const uint8_t *pu8) {
   return _mm_loadu_si128(static_cast<const __m128i *>(static_cast<const void *>(pu8)));
@@ -33,7 +33,7 @@ void Convert16To32(const uint8_t *pu8Src, uint8_t *pu8Dst, uint32_t u32Blocks) {
   }
 }
 
-// Of eight samples the upper 16 bits, or those kLeft bits below them.
+// The upper 16 bits of eight samples, after dropping the topmost kLeft bits.
 template <int kLeft>
 __m128i Upper16Bits(const uint8_t *pu8Src) {
   const __m128i st0 = _mm_srai_epi32(_mm_slli_epi32(Load16(pu8Src), kLeft), 16);
@@ -64,8 +64,8 @@ void Convert24LeTo32(const uint8_t *pu8Src, uint8_t *pu8Dst, uint32_t u32Blocks)
   }
 }
 
-// Each vector of 16 bytes is put together from the 16 bytes of the source that hold its samples and none
-// beyond the block.
+// Each 16-byte result is built from a 16-byte load that covers its samples and does not reach beyond the
+// block.
 KEST_SSSE3 void Convert16To24(const uint8_t *pu8Src, uint8_t *pu8Dst, uint32_t u32Blocks) {
   const __m128i stOrder0 = _mm_setr_epi8(Z, 0, 1, Z, 2, 3, Z, 4, 5, Z, 6, 7, Z, 8, 9, Z);
   const __m128i stOrder1 = _mm_setr_epi8(2, 3, Z, 4, 5, Z, 6, 7, Z, 8, 9, Z, 10, 11, Z, 12);

@@ -10,8 +10,8 @@ namespace {
 
 constexpr size_t kTextBytes = 4096;
 
-// What an event adds up to on average, per microsecond and in the unit of the factor; 0 while no time has
-// passed since the first start, or when the clock has gone back behind it.
+// The average of an event per microsecond, multiplied by a factor. 0 while no time has passed since the first
+// start, or if the clock has gone back before it.
 Figure Average(const ZE_KEST_PerformanceMeasure_s &stMeasure, uint32_t u32Event, uint64_t u64Factor) {
   if (stMeasure.u64StopTime <= stMeasure.u64FirstStartTime) return Figure(0);
   const uint64_t u64Us = stMeasure.u64StopTime - stMeasure.u64FirstStartTime;
@@ -29,7 +29,7 @@ void FormatEvent(const char *pszFunction, char *pszOut, size_t sztSize, const ch
 
 }  // namespace
 
-// Task clock: nanoseconds per microsecond are tenths of a percent.
+// Figures are in hundredths. The task clock in ns per us is in tenths of a percent, hence its factor of 10.
 CycleReport::CycleReport(const ZE_KEST_PerformanceMeasure_s &stMeasure, const char *pszCounterText)
     : u64Count(stMeasure.u64Count),
       mips(Average(stMeasure, 0, 100)),

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// What the report on measured cycles shows: averages since the first start, and the counters as text.
+// The contents of the report on measured cycles: averages since the first start, and the counters as text.
 #pragma once
 
 #include "ze_kest/performance.h"
@@ -8,7 +8,7 @@
 
 namespace kest {
 
-// A figure in hundredths, as it is printed.
+// A figure in hundredths, split for printing.
 struct Figure {
   explicit Figure(uint64_t u64Hundredths)
       : s64Whole(static_cast<long long>(u64Hundredths / 100)),
@@ -31,8 +31,8 @@ struct CycleReport {
   long long s64FirstStartTimeUs;
 };
 
-// "NAME:COUNT/TOTAL" of every event, with a comma between two; empty without memory. What goes wrong is
-// reported under the function's name.
+// "NAME:COUNT/TOTAL" for every event, separated by commas; empty when memory is exhausted. Failures are
+// reported under the given function name.
 Owned<char> CounterText(const char *pszFunction, const ZE_KEST_PerfEvent_s &stPerfEvent);
 
 }  // namespace kest

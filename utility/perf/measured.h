@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// What a measurement belongs to: how it is recognised as the target, and its lines. The lines are printed
-// under the name of the function that was called.
+// What can be measured: each class tells whether it is the selected target and prints its own lines. The
+// lines appear under the name of the interface function that was called.
 #pragma once
 
 #include "utility/core/command_line.h"
@@ -15,7 +15,7 @@ class MeasuredPipeline {
   [[nodiscard]] bool IsTarget(uint32_t u32Target) const;
   void PrintStart(const char *pszFunction, uint64_t u64Us) const;
   void PrintReset(const char *pszFunction) const;
-  // The command that selects it, when a target of its kind is still without a name.
+  // Prints the command that selects this pipeline, when a pipeline target has been selected without a name.
   void PrintCommand(const char *pszFunction, uint32_t u32Target) const;
   void PrintCycles(const char *pszFunction, const CycleReport &stReport) const;
 
@@ -31,7 +31,8 @@ class MeasuredFilter {
   [[nodiscard]] bool IsTarget(uint32_t u32Target) const;
   void PrintStart(const char *pszFunction, uint64_t u64Us) const;
   void PrintReset(const char *pszFunction) const;
-  // The command that selects it, when one name of a target of its kind fits and the other is still missing.
+  // Prints the command that selects this filter, when a filter target has one matching name and the other is
+  // still missing.
   void PrintCommand(const char *pszFunction, uint32_t u32Target) const;
   void PrintCycles(const char *pszFunction, const CycleReport &stReport) const;
 
@@ -40,7 +41,7 @@ class MeasuredFilter {
   const char *pszFilter_;
 };
 
-// A section of a filter, measured whatever the target.
+// A section of a filter; it is measured whatever target is selected.
 class MeasuredSection {
  public:
   MeasuredSection(const char *pszPipeline, const char *pszFilter, const char *pszTag)

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// The counters of the calling thread, as one group of the kernel's performance events.
+// The counters of the calling thread, opened as one group of kernel performance events.
 #include <algorithm>
 #include <cstring>
 
@@ -25,11 +25,11 @@ namespace {
 constexpr uint32_t kLeader = 0;
 constexpr size_t kGroupBytes = 4096;
 
-// What the oldest kernel in use knows of the attributes; a later header may declare more.
+// The size of the attributes as the oldest kernel in use knows them; newer headers may declare more.
 constexpr uint32_t kAttributeBytes = 120;
 static_assert(sizeof(perf_event_attr) >= kAttributeBytes, "the kernel would read beside the attributes");
 
-// One event of a group as the kernel delivers it, behind a u64 with the number of events.
+// One event of a group as the kernel delivers it. A u64 with the number of events precedes the first one.
 struct GroupEntry {
   uint64_t u64Value;
   uint64_t u64Id;
@@ -68,7 +68,7 @@ void TakeEntry(ZE_KEST_PerfEvent_s &stPerfEvent, uint32_t u32Event, const GroupE
   stPerfEvent.au64Total[u32Event] += stEntry.u64Value;
 }
 
-// The number of events that the group claims, or as many as the bytes that were read hold.
+// The number of events that the group claims, limited to what the bytes read can hold.
 size_t EntryCount(const uint8_t *pu8Group, size_t sztBytes) {
   uint64_t u64Claimed = 0;
   if (sztBytes < sizeof(u64Claimed)) return 0;
@@ -105,7 +105,8 @@ uint32_t ze_kest_Utility_PerfEvent_Open(ZE_KEST_PerfEvent_s *pstPerfEvent) {
   }
   for (uint32_t u32Event = kLeader + 1; u32Event < ZE_KEST_PERF_EVENTS; ++u32Event) {
     if (OpenEvent(*pstPerfEvent, u32Event)) continue;
-    pstPerfEvent->bInit = 0;  // on purpose: the events opened before stay open, and Close refuses the record
+    // Deliberate: events opened before this one stay open, and Close refuses the record.
+    pstPerfEvent->bInit = 0;
     KEST_ERR("Error opening leader %llx for %s\n",
              static_cast<unsigned long long>(PERF_EVENT_CONFIG[u32Event]), PERF_EVENT_NAME[u32Event]);
     return ZE_KEST_NOT_INITIALISED;

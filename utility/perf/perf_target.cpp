@@ -22,7 +22,7 @@ void ClearTarget() {
   ClearName(szKestPerfEventTargetName2);
 }
 
-// Both are false, with the previous name kept, when there is no name.
+// Both return false and keep the previous name when the command gives no name.
 bool TakePipelineName(const char *pszName) {
   if (!TakeName(kFunction, szKestPerfEventTargetName1, pszName)) return false;
   KEST_INFO_AS(kFunction, "[PERF_EVENT]Pipeline Name=%s\n", NameCopy(szKestPerfEventTargetName1).c_str());
@@ -35,7 +35,8 @@ bool TakeFilterName(const char *pszName) {
   return true;
 }
 
-// The kind is set before the names are looked at, on purpose: without names it meets the old ones.
+// Deliberate: the kind is set before the names are looked at, so a command without names combines it with the
+// old ones.
 uint32_t SelectPipeline(const CommandLine &line) {
   Store(u32KestPerfEventTarget, uint32_t{ZE_KEST_TARGET_PIPELINE});
   return TakePipelineName(line.Rest()) ? ZE_KEST_OK : ZE_KEST_INVALID_ARGUMENT;
@@ -63,7 +64,7 @@ uint32_t _ZE_KEST_Debug_Cmd_SetPerfEventTarget(const char *pszLine) {
   const char *pszSub = line.Next("=");
   KEST_REQUIRE(pszSub != nullptr, "pszSub is NULL, format error\n");
   if (ze_kest_Utility_Strcmp(pszSub, "kest_perf_event_target") != 0) {
-    ClearTarget();  // on purpose: every other command that comes by drops the target
+    ClearTarget();  // deliberate: any other command drops the target
     return ZE_KEST_INVALID_ARGUMENT;
   }
 

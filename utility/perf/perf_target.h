@@ -7,7 +7,7 @@
 namespace kest {
 
 // kest_perf_event_target=pipeline,PIPELINE | filter,PIPELINE:FILTER | none
-// ZE_KEST_OK when it took the line. Any other command drops the target.
+// Returns ZE_KEST_OK when it handled the line. Any other command drops the target.
 uint32_t _ZE_KEST_Debug_Cmd_SetPerfEventTarget(const char *pszLine);
 
 void ResetPerfEventTarget();

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Measurement of processing cycles, each between a start and a stop.
+// Measures processing cycles, each between a start and a stop.
 #include "ze_kest/debug.h"
 #include "ze_kest/performance.h"
 
@@ -22,7 +22,7 @@ bool OpenAndEnable(ZE_KEST_PerfEvent_s &stPerfEvent) {
   return false;
 }
 
-// After a failed read the group stays open, on purpose: the next start opens it anew.
+// Deliberate: the group stays open after a failed read; the next start reopens it.
 bool ReadAndClose(ZE_KEST_PerfEvent_s &stPerfEvent) {
   return ze_kest_Utility_PerfEvent_GetCurrentEventCount(&stPerfEvent) == ZE_KEST_OK &&
          ze_kest_Utility_PerfEvent_Close(&stPerfEvent) == ZE_KEST_OK;
@@ -58,7 +58,7 @@ bool IsLeftOver(uint32_t u32Target, const Measure &stMeasure) {
   return u32Target == ZE_KEST_TARGET_NONE && stMeasure.u64Count != 0;
 }
 
-// The group is still open when the target went away within a measured cycle.
+// The group may still be open: the target can be dropped in the middle of a measured cycle.
 void Clear(Measure &stMeasure) {
   if (stMeasure.stPerfEvent.bInit == 1) ze_kest_Utility_PerfEvent_Close(&stMeasure.stPerfEvent);
   stMeasure = {};

@@ -8,7 +8,7 @@
 
 namespace {
 
-// The caps are uneven on purpose: PCM sizes and the metadata write size stop at the ring's capacity, the
+// Deliberate: the caps differ. PCM sizes and the metadata write size stop at the ring's capacity; the
 // metadata read size and both raw sizes do not.
 void AddUpTo(uint32_t &u32Size, uint32_t u32Count, uint32_t u32Capacity) {
   u32Size = static_cast<uint32_t>(std::min<uint64_t>(uint64_t{u32Size} + u32Count, u32Capacity));
@@ -40,8 +40,8 @@ void AddRawWrite(ZE_KEST_Port_s &stPort, uint32_t u32Count) {
   stPort.stRaw.sztWriteSize += u32Count;
 }
 
-// One size of the ports of one side. The accounts are template arguments, as a call for each port would cost
-// as much as the rest.
+// One of the sizes that ports of one side account for. Accounts are template arguments because an indirect
+// call per port would cost as much as the rest of the walk.
 struct Account {
   kest::PortSide (*pfnSide)(const ZE_KEST_Filter_s &);
   void (*pfnAdd)(ZE_KEST_Port_s &, uint32_t);
@@ -65,7 +65,7 @@ uint32_t UpdateAll(const char *pszFunction, ZE_KEST_Filter_s *pstFilter, uint32_
   return ZE_KEST_OK;
 }
 
-// A port that does not exist is no error here, and one that is not connected is updated: both are meant.
+// Deliberate: a port that does not exist is not an error here, and a port that is not connected is updated.
 template <const Account &kAccount>
 uint32_t UpdateOne(const char *pszFunction, ZE_KEST_Filter_s *pstFilter, uint32_t u32Count,
                    uint32_t u32PortIdx) {

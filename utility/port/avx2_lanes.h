@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// AVX2: a vector is two lanes of 16 bytes, which the instructions keep apart. The work is that of tiles of 16
-// bytes, done on two of them at a time.
+// AVX2 building blocks. An AVX2 vector consists of two 16-byte lanes that most instructions keep separate, so
+// each operation here processes two 16-byte tiles at a time.
 #pragma once
 
 #include "utility/port/frame_tile.h"
@@ -36,7 +36,7 @@ KEST_LANES __m128i SecondLane(__m256i v) {
   return _mm256_extracti128_si256(v, 1);
 }
 
-// The second lane's bytes lie sztLane behind the first one's.
+// The bytes of the second lane are sztLane after those of the first.
 KEST_LANES __m256i Load(const uint8_t *pu8, size_t sztLane) {
   return _mm256_inserti128_si256(_mm256_castsi128_si256(LoadLane(pu8)), LoadLane(pu8 + sztLane), 1);
 }
@@ -55,7 +55,7 @@ KEST_LANES __m256i Shuffle32(__m256i a, __m256i b) {
   return _mm256_castps_si256(_mm256_shuffle_ps(_mm256_castsi256_ps(a), _mm256_castsi256_ps(b), kOrder));
 }
 
-// A channel's samples of 16 bytes of either lane, as they are in the linear buffer.
+// In each lane, 16 bytes of a channel's samples, converted to the format of the linear buffer.
 template <typename Kernel>
 KEST_LANES __m256i Row(const uint8_t *pu8, size_t sztLane) {
   constexpr int kShift = Kernel::kShiftBits;
@@ -72,7 +72,7 @@ KEST_LANES __m256i Row(const uint8_t *pu8, size_t sztLane) {
   }
 }
 
-// Of one channel: the second lane goes on where the first one ends.
+// For one channel: the second lane continues where the first one ends.
 template <typename Kernel>
 KEST_LANES __m256i Row(const uint8_t *pu8) {
   return Row<Kernel>(pu8, 16 / Kernel::kLinearBytes * Kernel::kRingBytes);
@@ -91,7 +91,7 @@ KEST_LANES Vectors<4> Transposed(const Vectors<4> &st) {
   return {{_mm256_unpacklo_epi64(a0, a2), _mm256_unpackhi_epi64(a0, a2), _mm256_unpacklo_epi64(a1, a3),
            _mm256_unpackhi_epi64(a1, a3)}};
 }
-// Of 16 bits; the pairs of lines are those of 32 bits.
+// For 16-bit samples: pairs of rows are combined to 32 bits, which are then transposed as above.
 KEST_LANES Vectors<8> Transposed(const Vectors<8> &st) {
   const Vectors<4> a = Transposed(
       Vectors<4>{{_mm256_unpacklo_epi16(st.v[0], st.v[1]), _mm256_unpacklo_epi16(st.v[2], st.v[3]),
@@ -102,14 +102,15 @@ KEST_LANES Vectors<8> Transposed(const Vectors<8> &st) {
   return {{a.v[0], a.v[1], a.v[2], a.v[3], b.v[0], b.v[1], b.v[2], b.v[3]}};
 }
 
-// Two channels' rows as the frames of stereo: of either lane the first half, and the second.
+// Two channels' rows as stereo frames: the first vector has the first half of each lane's frames, the second
+// vector the other half.
 template <size_t kBytes>
 KEST_LANES Vectors<2> Interleaved(__m256i left, __m256i right) {
   if constexpr (kBytes == 2)
     return {{_mm256_unpacklo_epi16(left, right), _mm256_unpackhi_epi16(left, right)}};
   return {{_mm256_unpacklo_epi32(left, right), _mm256_unpackhi_epi32(left, right)}};
 }
-// And back.
+// The inverse of Interleaved.
 template <size_t kBytes>
 KEST_LANES Vectors<2> Separated(const Vectors<2> &st) {
   if constexpr (kBytes == 2) {
@@ -122,7 +123,7 @@ KEST_LANES Vectors<2> Separated(const Vectors<2> &st) {
            Shuffle32<_MM_SHUFFLE(3, 1, 3, 1)>(st.v[0], st.v[1])}};
 }
 
-// One tile after another.
+// Runs a tile repeatedly over consecutive frames.
 template <typename Tile>
 struct Repeated {
   static constexpr size_t kFrames = Tile::kFrames;

@@ -16,7 +16,7 @@ uint32_t ze_kest_Utility_CopyFromRingToRingBuffer(uint8_t *pu8Dst, uint32_t sztD
 uint32_t ze_kest_Utility_CopyFromRingToNonRingBuffer(uint8_t *pu8Dst, const uint8_t *pu8Ring,
                                                      uint32_t sztRingSize, uint32_t sztOffset,
                                                      uint32_t sztAdvance, uint32_t sztCount) {
-  // The linear buffer is a ring that nothing wraps.
+  // The linear buffer acts as a ring of exactly sztCount bytes, which therefore never wraps.
   return ze_kest_Utility_CopyFromRingToRingBuffer(pu8Dst, sztCount, 0, 0, pu8Ring, sztRingSize, sztOffset,
                                                   sztAdvance, sztCount);
 }

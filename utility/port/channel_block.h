@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
-// Moving the samples of channels that lie one beside the other in the frames of a linear buffer, and at equal
-// distances in rings.
+// Moves the samples of several channels between rings that are equally spaced in memory and the frames of a
+// linear buffer in which the channels are adjacent.
 //
-// The frames are gone through once, a few at a time for all the channels, and in them strip by strip of as
-// many channels as there are tiles for. Whatever does not fill a tile is moved sample by sample.
+// The frames are traversed once, in pieces of kFramesAtOnce. Within a piece the channels are handled in
+// strips, each as wide as the widest tile that fits. Whatever does not fill a tile is moved sample by sample.
 #pragma once
 
 #include <algorithm>
@@ -21,14 +21,14 @@ struct ChannelBlock {
   Ring *pu8Ring;  // of the first channel
   size_t sztRingPitch;
   Linear *pu8Linear;   // the first channel's first sample
-  uint32_t u32Stride;  // samples of a frame; at 1 a block has one channel
+  uint32_t u32Stride;  // samples per frame; with 1 the block has one channel
   uint32_t u32Channels;
 };
 
-// So many frames are still in the cache when the next strip of channels comes to them.
+// Few enough that the frames are still in the cache when the next strip of channels is moved.
 inline constexpr size_t kFramesAtOnce = 256;
 
-// Sample by sample: what the tiles have to be like.
+// Moves sample by sample. The tiles must give the same result.
 template <typename Kernel>
 void MoveChannel(FramePlace<Kernel> stPlace, size_t sztFrames) {
   for (; sztFrames != 0; --sztFrames) {
@@ -37,14 +37,14 @@ void MoveChannel(FramePlace<Kernel> stPlace, size_t sztFrames) {
   }
 }
 
-// As many frames as a tile has, or more.
+// Requires at least Tile::kFrames frames.
 template <typename Tile, typename Kernel>
 void MoveTiles(FramePlace<Kernel> stPlace, size_t sztFrames) {
   const size_t sztTiles = sztFrames / Tile::kFrames;
   const size_t sztRest = sztFrames % Tile::kFrames;
   Tile::Move(stPlace, sztTiles);
   if (sztRest == 0) return;
-  // The last tile moves some frames a second time.
+  // The last tile overlaps the one before it and moves some frames a second time.
   stPlace.Skip(sztFrames - Tile::kFrames);
   Tile::Move(stPlace, 1);
 }
@@ -59,7 +59,7 @@ void MoveStrip(const FramePlace<Kernel> &stPlace, size_t sztFrames) {
     MoveChannel(stPlace.Channel(u32Channel), sztFrames);
 }
 
-// Strips of kMost channels or less.
+// Moves the channels in strips of kMost channels, then the rest in ever narrower ones.
 template <typename Kernel, uint32_t kMost>
 void MoveStrips(FramePlace<Kernel> stPlace, uint32_t u32Channels, size_t sztFrames) {
   if constexpr (kMost == 1 || FrameTile<Kernel, kMost, false>::kFrames != 0) {
@@ -81,7 +81,8 @@ void MoveFrames(FramePlace<Kernel> stPlace, uint32_t u32Channels, size_t sztFram
   }
 }
 
-// The model's groups, of two channels and of ten, have their own ways where the frames hold nothing else.
+// Special tiles for the model's group sizes, 2 and 10 channels. They apply only if a frame holds no other
+// channels. Returns false if they do not apply.
 template <typename Kernel, uint32_t kChannels>
 bool MovedWhole(const FramePlace<Kernel> &stPlace, uint32_t u32Channels, size_t sztFrames) {
   if constexpr (FrameTile<Kernel, kChannels, true>::kFrames == 0) return false;
@@ -105,7 +106,7 @@ void MoveWhole(const FramePlace<Kernel> &stPlace, uint32_t u32Channels, size_t s
     MoveChannel(stPlace.Channel(u32Channel), sztFrames);
 }
 
-// The place behind the segment, which is that of another one in the ring.
+// Returns the linear position after the segment, where the frames of the next segment begin.
 template <typename Kernel>
 typename Kernel::Linear *MoveSegment(const FramePlace<Kernel> &stPlace, const RingSegment &stSegment,
                                      uint32_t u32Channels) {
@@ -120,7 +121,7 @@ typename Kernel::Linear *MoveSegment(const FramePlace<Kernel> &stPlace, const Ri
   return stEnd.pu8Linear + stEnd.sztStep;
 }
 
-// Moves the samples of a plan whose unit is the kernel's width in the ring.
+// Moves a block according to a plan whose unit is the kernel's sample width in the ring.
 template <typename Kernel>
 void MoveBlock(const ChannelBlock<typename Kernel::Ring, typename Kernel::Linear> &stBlock,
                const RingPlan &stPlan) {

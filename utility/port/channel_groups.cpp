@@ -23,7 +23,7 @@ void SetGroups(ZE_KEST_PcmBuffer_s &stPcm, const ZE_KEST_PcmGroup_s *pastPcmGrou
   }
 }
 
-// A side without connected ports stands in nobody's way. Port 0 has no privilege here.
+// Deliberate: a side without connected ports counts as capable, and port 0 is not an exception here.
 bool SideCarries(const kest::PortSide &stSide, uint32_t ePcmGroupType) {
   bool bConnected = false;
   bool bCarries = false;

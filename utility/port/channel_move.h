@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// The ways to move channels, chosen by width and stride once and then applied to all blocks of a port.
+// The functions that move channels. One is selected by width and stride, once, and then applied to all blocks
+// of a port.
 #pragma once
 
 #include "utility/port/channel_block.h"
@@ -7,34 +8,37 @@
 
 namespace kest {
 
-// Moves a plan's units between a block's rings and its place in a linear buffer.
+// Moves the units of a plan between a block's rings and its place in a linear buffer.
 template <typename Ring, typename Linear>
 using Mover = void (*)(const ChannelBlock<Ring, Linear> &stBlock, const RingPlan &stPlan);
 
 using RingReader = Mover<const uint8_t, uint8_t>;
 using RingWriter = Mover<uint8_t, const uint8_t>;
 
-// A mover and the unit, in bytes of the ring, of the plans that it takes; 0: it takes none and moves nothing.
+// A mover and the unit, in bytes of the ring, of the plans it expects; with unit 0 the plan is empty and
+// nothing is moved.
 template <typename RingMover>
 struct ChannelWay {
   RingMover pfnMove;
   uint32_t u32Unit;
 };
 
-// The movers of one conversion by the width in the ring; NULL where the conversion does not handle it.
+// The movers of one conversion for each width in the ring; NULL for a width that the conversion does not
+// support.
 template <typename RingMover>
 struct MoverTable {
   RingMover pfnBytes;
   RingMover pfn2;
   RingMover pfn3;
   RingMover pfn4;
-  uint32_t u32LinearBytes;  // width in the linear buffer; 0: as in the ring
+  uint32_t u32LinearBytes;  // sample width in the linear buffer; 0: the same as in the ring
 
   [[nodiscard]] ChannelWay<RingMover> For(uint32_t u32BytesPerSample, uint32_t u32Stride) const {
     return u32Stride == 1 ? Contiguous() : Strided(u32BytesPerSample);
   }
 
-  // For a stride of 1. It copies the ring's bytes as they are: no width is refused, and no conversion made.
+  // For a stride of 1. Deliberate: it copies the ring's bytes unchanged, so it accepts any width and does not
+  // convert.
   [[nodiscard]] ChannelWay<RingMover> Contiguous() const { return {pfnBytes, 1}; }
 
   // For every other stride.

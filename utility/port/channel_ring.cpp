@@ -12,7 +12,7 @@ void MovePlanned(const kest::MoverTable<kest::Mover<Ring, Linear>> &stTable, Rin
                  uint32_t sztRingSize, Linear *pu8Data, uint64_t u64Bytes, uint32_t u32Stride,
                  uint32_t u32BytesPerSample) {
   const auto stWay = stTable.For(u32BytesPerSample, u32Stride);
-  // A position before the ring becomes one far behind it; the plan of either is empty.
+  // A position before the ring becomes a huge offset, for which the plan is empty.
   const size_t sztStart = static_cast<size_t>(pu8Pos - pu8RingBuf);
   stWay.pfnMove({pu8RingBuf, 0, pu8Data, u32Stride, 1},
                 kest::PlanRing(sztRingSize, sztStart, u64Bytes, stWay.u32Unit));
@@ -26,7 +26,7 @@ void CopyBytes(uint8_t *pu8Ring, const uint8_t *pu8Linear, size_t sztBytes) {
   memcpy(pu8Ring, pu8Linear, sztBytes);
 }
 
-// A contiguous transfer that does not wrap is a copy and no more: also in the instructions around it.
+// Fast path, inlined to save instructions: a contiguous transfer that does not wrap is a plain copy.
 template <typename Ring, typename Linear>
 __attribute__((always_inline)) inline uint32_t MoveChannel(
     const kest::MoverTable<kest::Mover<Ring, Linear>> &stTable, Ring *pu8RingBuf, Ring *pu8Pos,

@@ -6,7 +6,7 @@
 
 namespace {
 
-// One kind of data: its ring, and the reports of the function that forwards it.
+// One kind of data: its ring, and the reports made when it is forwarded.
 struct Metadata {
   static constexpr auto kRing = &ZE_KEST_Port_s::stMeta;
 
@@ -39,7 +39,7 @@ struct Raw {
   }
 };
 
-// The sums are taken in 64 bits, so that sizes that contradict each other cannot wrap past the tests.
+// The sums are computed in 64 bits so that inconsistent sizes cannot wrap around and pass the checks.
 template <typename Kind>
 void ForwardTo(const char *pszFunction, const ZE_KEST_Filter_s &stFilter, const ZE_KEST_DataBuffer_s &stIn,
                const ZE_KEST_DataBuffer_s &stOut, uint32_t sztBytes) {

@@ -1,16 +1,16 @@
 // SPDX-License-Identifier: Apache-2.0
-// A few samples of a few channels, moved in one go between rings and the frames of a linear buffer.
+// A tile moves a few samples of a few channels at once between rings and the frames of a linear buffer.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
 #include <type_traits>
 
-// Tiles are in registers only when all of it is one function.
+// A tile stays in registers only if all its parts are inlined into one function.
 #define KEST_TILE_PART __attribute__((always_inline)) inline
 
-// What runs tiles is one function too where the processor is asked for their instructions: those may not be
-// inlined anywhere else, and each call from tile to tile would cost as much as a tile.
+// On x86-64 the code that runs tiles is also flattened into one function: code compiled for AVX2 cannot be
+// inlined into code that is not, and a call per tile would cost as much as the tile.
 #ifdef __x86_64__
 #define KEST_RUNS_TILES __attribute__((target("avx2"), flatten))
 #else
@@ -27,7 +27,7 @@ inline bool TilesRun() {
 #endif
 }
 
-// A channel's next sample in its ring and in a frame. The channels behind it follow at equal distances.
+// The next sample of a channel, in its ring and in a frame. The channels after it follow at equal distances.
 template <typename Kernel>
 struct FramePlace {
   typename Kernel::Ring *pu8Ring;
@@ -54,8 +54,8 @@ struct NoTile {
   static constexpr size_t kFrames = 0;
 };
 
-// Moves kFrames frames of kChannels channels, which may be all that a frame has; the same as the kernel
-// sample by sample. The instruction sets specialise it.
+// Moves kFrames frames of kChannels channels with the same result as the kernel sample by sample.
+// kWholeFrames: the frames hold no other channels. The instruction sets provide specialisations.
 template <typename Kernel, uint32_t kChannels, bool kWholeFrames, typename Enable = void>
 struct FrameTile : NoTile {};
 
@@ -68,7 +68,7 @@ using If24 = std::enable_if_t<Kernel::kLinearBytes == 3>;
 template <typename Kernel>
 using IfNot24 = std::enable_if_t<Kernel::kLinearBytes != 3>;
 
-// The channels of the widest tiles.
+// The number of channels of the widest tile that moves part of a frame.
 inline constexpr uint32_t kMostTileChannels = 8;
 
 }  // namespace kest

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Tiles of 16 and 32 bits for x86-64 processors with AVX2.
+// Tiles for 16-bit and 32-bit samples on x86-64 processors with AVX2.
 #pragma once
 
 #include "utility/port/avx2_lanes.h"
@@ -8,7 +8,7 @@
 
 namespace kest::avx2 {
 
-// In either lane as many frames as channels.
+// Each lane holds as many frames as there are channels.
 template <typename Kernel, size_t... kLines>
 struct SquareTile {
   static constexpr size_t kLaneFrames = sizeof...(kLines);
@@ -28,7 +28,7 @@ struct SquareTile {
   }
 };
 
-// Reads eight channels of 32 bits: four of them in either lane, so that a frame's are stored in one go.
+// Reads eight channels of 32 bits, four in each lane, so that a whole frame is stored at once.
 template <typename Kernel, size_t... kLines>
 struct WideTile {
   static constexpr size_t kFrames = 4;
@@ -40,7 +40,7 @@ struct WideTile {
   }
 };
 
-// Four channels of 16 bits: eight frames in either lane.
+// Four channels of 16 bits, with eight frames in each lane.
 template <typename Kernel, size_t... kLines>
 struct FourTile {
   static constexpr size_t kFrames = 16;
@@ -66,7 +66,7 @@ struct FourTile {
     StoreTwo(stPlace, 4, _mm256_unpacklo_epi32(a1, b1));
     StoreTwo(stPlace, 6, _mm256_unpackhi_epi32(a1, b1));
   }
-  // Frames of either lane.
+  // Stores two frames of each lane.
   KEST_LANES static void StoreTwo(const FramePlace<Kernel> &stPlace, size_t sztFrame, __m256i v) {
     uint8_t *const pu8 = stPlace.Frame(sztFrame);
     uint8_t *const pu8Second = pu8 + 8 * stPlace.sztStep;
@@ -87,7 +87,8 @@ struct FourTile {
   }
 };
 
-// Reads the whole frames of ten channels of 16 bits, which leaves stores of a few bytes out.
+// Reads whole frames of ten 16-bit channels. Storing across frame boundaries avoids stores of only a few
+// bytes.
 template <typename Kernel, size_t... kLines>
 struct TenTile {
   static constexpr size_t kFrames = 16;
@@ -105,7 +106,8 @@ struct TenTile {
   static constexpr size_t kFrameBytes = 20;
   static constexpr size_t kLane = 8 * kFrameBytes;
 
-  // Four frames of either lane: their first eight channels, and the last two of all.
+  // Stores four frames of each lane. st holds the first eight channels, one frame per vector; last holds the
+  // last two channels of all four frames.
   KEST_LANES static void StoreFour(uint8_t *pu8, const Vectors<4> &st, __m256i last) {
     Store(pu8, kLane, st.v[0]);
     Store(pu8 + 16, kLane,
@@ -119,7 +121,7 @@ struct TenTile {
   }
 };
 
-// A pair of samples for each frame.
+// Stores one pair of samples to each of consecutive frames.
 template <size_t kBytes>
 KEST_LANES void StorePairs(uint8_t *pu8, size_t sztStep, __m128i v) {
   if constexpr (kBytes == 2) {

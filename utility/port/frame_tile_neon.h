@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// Tiles for ARM. Structured loads and stores of one lane put the samples of up to four channels into a frame
-// and take them out of it, so that nothing is transposed in registers.
+// Tiles for ARM with NEON. Structured loads and stores of a single lane put the samples of up to four
+// channels into a frame or take them out of it, so nothing needs to be transposed in registers.
 #pragma once
 
 #include "utility/port/frame_tile.h"
@@ -15,7 +15,7 @@
 
 namespace kest::neon {
 
-// Linear samples of some channels; a row is a channel.
+// Samples of several channels in the linear format; each row is a channel.
 struct OneOf16 {
   uint16x8_t val[1];
 };
@@ -30,7 +30,7 @@ using Rows =
                        std::conditional_t<kChannels == 1, OneOf32,
                                           std::conditional_t<kChannels == 2, uint32x4x2_t, uint32x4x4_t>>>;
 
-// The instructions want pointers to elements, but not their alignment.
+// The intrinsics require pointers to elements, but the instructions do not require their alignment.
 template <typename Element>
 const Element *As(const uint8_t *pu8) {
   return static_cast<const Element *>(static_cast<const void *>(pu8));
@@ -40,7 +40,7 @@ Element *As(uint8_t *pu8) {
   return static_cast<Element *>(static_cast<void *>(pu8));
 }
 
-// One frame.
+// Stores one frame; the loads below are the inverse.
 template <int kLane>
 KEST_TILE_PART void Store(uint8_t *pu8, const OneOf16 &st) {
   vst1q_lane_u16(As<uint16_t>(pu8), st.val[0], kLane);
@@ -99,7 +99,7 @@ KEST_TILE_PART void Load(const uint8_t *pu8, uint8x8x3_t &st) {
   st = vld3_lane_u8(pu8, st, kLane);
 }
 
-// A frame for each lane.
+// One frame per lane.
 template <typename AnyRows, int... kLanes>
 KEST_TILE_PART void StoreFrames(uint8_t *pu8, size_t sztStep, const AnyRows &st,
                                 std::integer_sequence<int, kLanes...>) {
@@ -111,7 +111,7 @@ KEST_TILE_PART void LoadFrames(const uint8_t *pu8, size_t sztStep, AnyRows &st,
   ((Load<kLanes>(pu8, st), pu8 += sztStep), ...);
 }
 
-// A channel's samples as they are in the linear buffer.
+// A channel's samples, converted to the format of the linear buffer.
 KEST_TILE_PART uint16x8_t Row(ReadAsIs<2>, const uint8_t *pu8) {
   return vld1q_u16(As<uint16_t>(pu8));
 }
@@ -141,7 +141,7 @@ KEST_TILE_PART void PutRow(uint8_t *pu8, uint32x4_t u32Row) {
   vst1q_u32(As<uint32_t>(pu8), u32Row);
 }
 
-// The rows of channels from a ring on.
+// The rows of consecutive channels, starting with the given ring.
 template <typename Kernel, typename AnyRows, size_t... kChannels>
 KEST_TILE_PART void ReadRows(const uint8_t *pu8Ring, size_t sztPitch, AnyRows &st,
                              std::index_sequence<kChannels...>) {
@@ -153,7 +153,7 @@ KEST_TILE_PART void WriteRows(uint8_t *pu8Ring, size_t sztPitch, const AnyRows &
   ((PutRow(pu8Ring, st.val[kChannels]), pu8Ring += sztPitch), ...);
 }
 
-// Of 16 and 32 bits.
+// For 16-bit and 32-bit samples.
 template <typename Kernel, uint32_t kChannels>
 struct RowTile {
   using Channels = std::make_index_sequence<kChannels>;
@@ -175,7 +175,8 @@ struct RowTile {
   }
 };
 
-// Stereo alone: the frames lie one after another. Several runs of them, as the loop costs as much as one.
+// For frames that hold only the two channels, so consecutive frames are contiguous. Each tile consists of
+// several runs, because the loop overhead equals the cost of one run.
 template <typename Kernel, typename Run>
 struct StereoTile {
   static constexpr size_t kRuns = 4;
@@ -191,7 +192,8 @@ struct StereoTile {
         Run::Move(pu8Left, pu8Right, pu8Linear);
         pu8Left += Run::kFrames * Kernel::kRingBytes;
         pu8Right += Run::kFrames * Kernel::kRingBytes;
-        // Or the distances of the runs are summed up, and added one by one: the accesses step on for nothing.
+        // Makes the compiler keep the advanced pointers. Without it, it computes the address of each run
+        // separately and loses the free post-increment of the loads and stores.
         asm("" : "+r"(pu8Left), "+r"(pu8Right), "+r"(pu8Linear));
       }
     }
@@ -218,8 +220,8 @@ struct RowStereoRun {
   }
 };
 
-// The conversions to 32 bits take eight samples in one load, those of even and those of odd frames apart: the
-// shift puts either where the store wants them.
+// The conversions to 32 bits load eight samples at once, separating even from odd frames. The shift then puts
+// both where the stores expect them.
 template <typename Kernel>
 KEST_TILE_PART uint32x4x2_t EvenOdd(const uint8_t *pu8) {
   if constexpr (Kernel::kRingBytes == 4) {
@@ -276,7 +278,8 @@ struct WideningStereoRun {
     register uint32x4_t u32RightEven asm("q13") = stRight.val[0];
     register uint32x4_t u32LeftOdd asm("q14") = stLeft.val[1];
     register uint32x4_t u32RightOdd asm("q15") = stRight.val[1];
-    // With vst4q_u32 the address is added to where the second store would step on by itself.
+    // Not vst4q_u32: with it the compiler computes the address of the second store instead of using
+    // post-increment.
     asm volatile(
         "vst4.32 {d24, d26, d28, d30}, [%[linear]]!\n\t"
         "vst4.32 {d25, d27, d29, d31}, [%[linear]]!"
@@ -286,7 +289,7 @@ struct WideningStereoRun {
   }
 };
 
-// Packed, of one channel: a vector holds the first, the second or the third bytes.
+// For one channel of packed samples: a vector holds all the first, second or third bytes.
 template <typename Kernel>
 struct PackedTile {
   static constexpr size_t kFrames = 8;
@@ -306,7 +309,7 @@ struct PackedTile {
   }
 };
 
-// In assembly: compilers move the registers of the structured accesses around for the zips between them.
+// In assembly because compilers insert register moves between the structured accesses and the zips.
 template <typename Kernel>
 struct PackedStereoTile {
   static constexpr size_t kFrames = 8;

@@ -10,14 +10,14 @@
 
 namespace {
 
-// What the library reads of a block's header.
+// The part of a block's header that the library reads.
 struct BlockHeader {
   uint32_t u32Tag;
   uint32_t u32Payload;
 };
 
 struct BlockWalk {
-  uint32_t u32Bytes;          // sizes of the blocks together
+  uint32_t u32Bytes;          // total size of the blocks
   uint32_t u32LastBlockSize;  // of the last block with a payload; 0: there was none
 };
 
@@ -25,7 +25,7 @@ uint32_t ReadPosition(const ZE_KEST_DataBuffer_s &stMeta) {
   return kest::WrapOnce(stMeta.sztReadOffset + stMeta.sztReadSize, stMeta.sztSize);
 }
 
-// False when no whole header lies at the position.
+// Returns false when there is no complete header at the position.
 bool ReadHeader(const ZE_KEST_DataBuffer_s &stMeta, uint32_t u32Position, BlockHeader &stHeader) {
   if (stMeta.pu8Buf == nullptr || u32Position > stMeta.sztSize) return false;
   if (stMeta.sztSize - u32Position < ZE_KEST_METADATA_HEADER_SIZE) return false;
@@ -33,17 +33,17 @@ bool ReadHeader(const ZE_KEST_DataBuffer_s &stMeta, uint32_t u32Position, BlockH
   return true;
 }
 
-// The next u32Blocks blocks, or those up to where the held data ends.
+// Walks the next u32Blocks blocks, but not past the block that reaches the end of the held data.
 BlockWalk WalkBlocks(const ZE_KEST_DataBuffer_s &stMeta, uint32_t u32Blocks) {
   const uint32_t u32Held = stMeta.sztLevel - stMeta.sztReadSize;
   uint32_t u32Position = ReadPosition(stMeta);
   BlockWalk stWalk = {};
   BlockHeader stHeader = {};
   for (; u32Blocks != 0 && ReadHeader(stMeta, u32Position, stHeader); --u32Blocks) {
-    // A block without a payload takes no room, so it would be met again and again.
+    // A block without a payload counts as 0 bytes, so the walk could not advance past it.
     if (stHeader.u32Payload == 0) break;
     const uint32_t u32Size = stHeader.u32Payload + ZE_KEST_METADATA_HEADER_SIZE;
-    if (u32Size < stHeader.u32Payload) break;
+    if (u32Size < stHeader.u32Payload) break;  // the sum has wrapped
     stWalk.u32Bytes += u32Size;
     stWalk.u32LastBlockSize = u32Size;
     if (stWalk.u32Bytes >= u32Held) break;

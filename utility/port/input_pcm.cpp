@@ -16,10 +16,10 @@ constexpr uint32_t kLastGroup = ZE_KEST_PCM_GROUPS - 1;
 // One past the last global channel of each group.
 constexpr uint32_t kGroupEndChIdx[ZE_KEST_PCM_GROUPS] = {2, 12, 22};
 
-// What a reader reads of the last group.
+// How much of the last group a reader supports.
 enum class LastGroup { kWholeOf32Bits, kOneChannel };
 
-// What a caller asks for.
+// The arguments of a read.
 struct Request {
   uint32_t u32PortIdx;
   void *pvDst;
@@ -29,14 +29,14 @@ struct Request {
   uint32_t u32DstChNum;
 };
 
-// Consecutive slots of one group, read in one go into consecutive slots of the destination's frames.
+// Consecutive slots of one group, read together into consecutive slots of the destination frames.
 struct ChannelRun {
   uint32_t u32Group;
   uint32_t u32Slot;
   uint32_t u32Count;
 };
 
-// How the channels of one port are read into one destination.
+// The plan for reading the channels of one port into one destination.
 struct PortRead {
   const ZE_KEST_PcmBuffer_s &stPcm;
   kest::ChannelWay<kest::RingReader> stWay;
@@ -46,7 +46,7 @@ struct PortRead {
   bool bWholeLastGroup;
 };
 
-// The group of a global channel; ZE_KEST_PCM_GROUPS for one beyond the last group.
+// The group of a global channel; ZE_KEST_PCM_GROUPS for a channel beyond the last group.
 uint32_t GroupOf(uint32_t u32Channel) {
   uint32_t u32Group = 0;
   while (u32Group < ZE_KEST_PCM_GROUPS && u32Channel >= kGroupEndChIdx[u32Group])
@@ -74,7 +74,7 @@ PortRead PlanRead(const ZE_KEST_PcmBuffer_s &stPcm, const Request &stRequest,
           bWholeLastGroup};
 }
 
-// The slots of a run from one on that all carry a channel, or that all do not.
+// The number of slots from u32Slot on, up to u32End, that all carry a channel or all carry none.
 uint32_t AlikeSlots(const ZE_KEST_PcmGroup_s &stGroup, uint32_t u32Slot, uint32_t u32End) {
   const bool bCarries = kest::CarriesChannel(stGroup, u32Slot);
   const uint32_t u32First = u32Slot;
@@ -100,8 +100,8 @@ void ReadRun(const PortRead &stRead, const ChannelRun &stRun, uint8_t *pu8Dst) {
   }
 }
 
-// A channel that begins group 0's run takes slot 0, also when it is channel 1: that is meant.
-// Where the last group is not read whole, its run is one channel.
+// Deliberate: the first channel read from group 0 uses slot 0, even if it is channel 1. Where the last group
+// is not read whole, a run in it has one channel.
 ChannelRun RunFrom(uint32_t u32Channel, uint32_t u32Group, const Request &stRequest, bool bWholeLastGroup) {
   const uint32_t u32Slot = u32Group == 0 ? 0 : u32Channel - sztPcmGroupBaseChIdx[u32Group];
   if (u32Group == kLastGroup && !bWholeLastGroup) return {u32Group, u32Slot, 1};
@@ -118,7 +118,8 @@ uint32_t ReadChannels(const char *pszFunction, const PortRead &stRead, const Req
   auto *pu8Dst = static_cast<uint8_t *>(stRequest.pvDst);
   uint32_t u32Group = 0;
   for (uint32_t u32Channel = stRequest.u32FirstCh; u32Channel <= stRequest.u32LastCh;) {
-    // One channel of the last group is read, and only when no other follows: that is meant.
+    // Deliberate: where the last group is not read whole, one channel of it is read, and any further channel
+    // is refused.
     if (u32Group == kLastGroup && !stRead.bWholeLastGroup) {
       return RefuseChannel(pszFunction, u32Channel, u32Group);
     }
@@ -132,7 +133,7 @@ uint32_t ReadChannels(const char *pszFunction, const PortRead &stRead, const Req
   return ZE_KEST_OK;
 }
 
-// The checks of all readers behind that of the filter, and the read.
+// The checks that all readers make after that of the filter, and the read itself.
 uint32_t ReadPort(const char *pszFunction, const ZE_KEST_Filter_s &stFilter, const Request &stRequest,
                   const kest::MoverTable<kest::RingReader> &stTable, LastGroup eLastGroup) {
   const ZE_KEST_Port_s *pstPort = PortOf(stFilter, stRequest);

@@ -9,7 +9,7 @@
 
 namespace {
 
-// How channels of one stride are written: the same for all of a port.
+// How channels are written, for contiguous or for strided sources; the same for the whole port.
 struct PortWrite {
   kest::ChannelWay<kest::RingWriter> stWay;
   kest::RingPlan stPlan;
@@ -20,7 +20,7 @@ bool WritesDirectly(const ZE_KEST_Filter_s &stFilter) {
          (stFilter.u8Option & ZE_KEST_OPTION_DIRECT_WRITE) != 0;
 }
 
-// The caller keeps a direct write inside the ring: it has no end here, and that is meant.
+// Deliberate: a direct write ignores the end of the ring; the caller must keep it inside.
 kest::RingPlan PlanDirect(uint32_t u32Position, uint32_t sztSamples, uint32_t u32Width, uint32_t u32Unit) {
   if (u32Unit == 0) return {};
   return {size_t{u32Position} * u32Width, {size_t{sztSamples} * u32Width / u32Unit, 0}, {}};
@@ -35,7 +35,7 @@ PortWrite PlanWrite(const ZE_KEST_PcmBuffer_s &stPcm, const kest::ChannelWay<kes
                          : kest::PlanPort(stPcm, u32Position, sztSamples, stWay.u32Unit)};
 }
 
-// The sources of a group's slots.
+// The sources for the slots of a group.
 template <typename Sample>
 struct GroupSources {
   const ZE_KEST_PcmGroup_s &stGroup;
@@ -47,8 +47,9 @@ struct GroupSources {
     return static_cast<const uint8_t *>(static_cast<const void *>(apSrc[u32Slot]));
   }
 
-  // The slots from one with a source on whose samples lie one beside the other in the same frames.
-  [[nodiscard]] uint32_t Beside(uint32_t u32First, uint32_t u32Width) const {
+  // The number of slots, starting with one that has a source, whose samples are adjacent in the same frames,
+  // so that they can be written together.
+  [[nodiscard]] uint32_t AdjacentSlots(uint32_t u32First, uint32_t u32Width) const {
     const auto uAddress = reinterpret_cast<uintptr_t>(Of(u32First));
     const uint32_t u32Slots = au16Stride[u32First] == 1 ? 0 : kest::SlotCount(stGroup);
     uint32_t u32Slot = u32First + 1;
@@ -59,7 +60,7 @@ struct GroupSources {
   }
 };
 
-// apSrc, au16Stride: the entries of the group.
+// apSrc, au16Stride: the entries of this group.
 template <typename Sample>
 void WriteGroup(const ZE_KEST_PcmBuffer_s &stPcm, uint32_t u32Group, const PortWrite &stContiguous,
                 const PortWrite &stStrided, Sample *const *apSrc, const uint16_t *au16Stride) {
@@ -70,7 +71,7 @@ void WriteGroup(const ZE_KEST_PcmBuffer_s &stPcm, uint32_t u32Group, const PortW
   for (uint32_t u32Slot = 0; u32Slot < u32Slots; u32Slot += u32Channels) {
     u32Channels = 1;
     if (stSources.Of(u32Slot) == nullptr) continue;
-    u32Channels = stSources.Beside(u32Slot, kest::BytesPerSample(stPcm));
+    u32Channels = stSources.AdjacentSlots(u32Slot, kest::BytesPerSample(stPcm));
     const uint16_t u16Stride = au16Stride[u32Slot];
     const PortWrite &stWrite = u16Stride == 1 ? stContiguous : stStrided;
     stWrite.stWay.pfnMove({kest::SlotRing(stPcm, u32Group, u32Slot), kest::RingPitch(stPcm),
@@ -110,7 +111,8 @@ uint32_t WriteOne(const char *pszFunction, const ZE_KEST_Filter_s *pstFilter, ui
   return ZE_KEST_OK;
 }
 
-// Slot 0 is written unconnected, also when it is not the first port: the single-port rule, not that of walks.
+// Deliberate: as in writes to a single port, only slot 0 is written when it is not connected. If slot 0 is
+// empty, the first port after it has to be connected, unlike in the other walks.
 template <typename Sample>
 uint32_t WriteAll(const char *pszFunction, const ZE_KEST_Filter_s *pstFilter, uint32_t sztSamples,
                   Sample *const *apSrc, const uint16_t *au16Stride) {

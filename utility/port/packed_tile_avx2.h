@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// Tiles of packed samples for x86-64 processors with AVX2: they are spread to 32 bits, moved as those, and
-// packed again.
+// Tiles for packed 24-bit samples on x86-64 processors with AVX2. The samples are expanded to 32 bits, moved
+// as such, and packed again.
 #pragma once
 
 #include "utility/port/avx2_lanes.h"
@@ -11,7 +11,8 @@
 
 namespace kest::avx2 {
 
-// Eight packed samples one after another in 24 bytes of either lane: four spread, the first ones or the last.
+// Each lane covers eight consecutive packed samples, that is 24 bytes. Loads the first four of them or the
+// last four, expanded to 32 bits.
 template <bool kLast>
 KEST_LANES __m256i LoadFour(const uint8_t *pu8, size_t sztLane) {
   if constexpr (kLast) {
@@ -24,7 +25,7 @@ KEST_LANES __m256i LoadFour(const uint8_t *pu8, size_t sztLane) {
 KEST_LANES void StoreEight(uint8_t *pu8, size_t sztLane, __m256i head, __m256i tail) {
   const __m256i first12 =
       ShuffleBytes(head, _mm_setr_epi8(0, 1, 2, 4, 5, 6, 8, 9, 10, 12, 13, 14, -1, -1, -1, -1));
-  // The first four bytes behind them, the other eight at the start.
+  // The first four bytes go to the end, where the blend below picks them; the other eight go to the start.
   const __m256i last12 =
       ShuffleBytes(tail, _mm_setr_epi8(5, 6, 8, 9, 10, 12, 13, 14, -1, -1, -1, -1, 0, 1, 2, 4));
   Store(pu8, sztLane, _mm256_blend_epi32(first12, last12, 0x88));
@@ -32,7 +33,7 @@ KEST_LANES void StoreEight(uint8_t *pu8, size_t sztLane, __m256i head, __m256i t
   StoreHalf(pu8 + sztLane + 16, SecondLane(last12));
 }
 
-// Rings or frames, of which either lane has eight samples.
+// Lines of a tile, either rings or frames; each lane holds eight samples of a line.
 template <typename Byte>
 struct Lines {
   Byte *pu8;
@@ -42,8 +43,8 @@ struct Lines {
   [[nodiscard]] KEST_LANES Byte *At(size_t sztLine) const { return pu8 + sztLine * sztPitch; }
 };
 
-// Eight packed channels: eight frames in either lane. Half of the samples at a time, which the registers
-// hold.
+// Eight packed channels, with eight frames in each lane. Moved in two halves, because only half of the
+// samples fit into the registers.
 template <typename Kernel, size_t... kLines>
 struct PackedSquareTile {
   static constexpr size_t kFrames = 16;
@@ -70,7 +71,8 @@ struct PackedSquareTile {
   }
 };
 
-// Two samples, moved in two pieces of constant size: a copy of six bytes would go through memory twice.
+// Two packed samples, moved in two pieces of constant size, because a memcpy of six bytes goes through memory
+// twice.
 KEST_TILE_PART void StorePair24(uint8_t *pu8, int64_t s64Pair) {
   const auto u32Head = static_cast<uint32_t>(s64Pair);
   const auto u16Tail = static_cast<uint16_t>(s64Pair >> 32);
@@ -85,7 +87,7 @@ KEST_TILE_PART int64_t LoadPair24(const uint8_t *pu8) {
   return static_cast<int64_t>(u32Head | uint64_t{u16Tail} << 32);
 }
 
-// Four packed pairs of either lane.
+// Four packed pairs of samples in each lane.
 template <bool kWholeFrames>
 struct PackedPairs {
   size_t sztStep;

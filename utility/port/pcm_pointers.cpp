@@ -16,7 +16,8 @@ void Clear(Sample **apCh, uint16_t *au16Stride) {
   }
 }
 
-// A group without storage gives no pointers. The position is not tested: nothing is copied through them here.
+// A group without storage yields no pointers. The position is not checked, because nothing is accessed
+// through the pointers here.
 template <typename Sample>
 void PointInto(const ZE_KEST_PcmBuffer_s &stPcm, uint32_t u32Group, uint32_t u32Position, Sample **apCh) {
   if (stPcm.apu8PcmGroupBuf[u32Group] == nullptr) return;
@@ -29,7 +30,7 @@ void PointInto(const ZE_KEST_PcmBuffer_s &stPcm, uint32_t u32Group, uint32_t u32
   }
 }
 
-// The channels of the groups together.
+// Returns the total number of channels of the groups.
 template <typename Sample>
 uint32_t PointIntoGroups(const ZE_KEST_PcmBuffer_s &stPcm, Sample **apCh) {
   const uint32_t u32Position =

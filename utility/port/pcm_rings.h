@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Where the channel rings of a port lie.
+// Locates the channel rings of a port.
 #pragma once
 
 #include <algorithm>
@@ -14,7 +14,8 @@ inline uint32_t BytesPerSample(const ZE_KEST_PcmBuffer_s &stPcm) {
   return stPcm.stPcmInfo.u32BitWidth >> 3;
 }
 
-// The distance of a group's rings, of samples of some width or of the port's.
+// The distance in bytes between consecutive rings of a group, for samples of the given width or of the
+// port's.
 inline size_t RingPitch(const ZE_KEST_PcmBuffer_s &stPcm, uint32_t u32Width) {
   return size_t{stPcm.sztPcmRingSamples} * u32Width;
 }
@@ -23,7 +24,7 @@ inline size_t RingPitch(const ZE_KEST_PcmBuffer_s &stPcm) {
   return RingPitch(stPcm, BytesPerSample(stPcm));
 }
 
-// The ring of a slot of a group that has storage.
+// The ring of a slot. The group must have storage.
 inline uint8_t *SlotRing(const ZE_KEST_PcmBuffer_s &stPcm, uint32_t u32Group, uint32_t u32Slot,
                          uint32_t u32Width) {
   return stPcm.apu8PcmGroupBuf[u32Group] + u32Slot * RingPitch(stPcm, u32Width);
@@ -37,13 +38,14 @@ inline bool CarriesChannel(const ZE_KEST_PcmGroup_s &stGroup, uint32_t u32Slot) 
   return stGroup.as32ChMap[u32Slot] != -1;
 }
 
-// Slots in use; a count beyond the group's record is cut.
+// Slots in use, limited to the slots of the record.
 inline uint32_t SlotCount(const ZE_KEST_PcmGroup_s &stGroup) {
   return std::min<uint32_t>(stGroup.u32ChannelCount, ZE_KEST_PCM_GROUP_SLOTS);
 }
 
-// The plan of a transfer that every channel ring of the port shares. Position and amount are in samples; a
-// position beyond the ring is refused before it becomes bytes, which could wrap around to lie inside.
+// The plan of a transfer, common to all channel rings of the port. Position and amount are in samples. A
+// position beyond the ring is rejected before it is converted to bytes, where it could wrap around to a valid
+// one.
 inline RingPlan PlanPort(const ZE_KEST_PcmBuffer_s &stPcm, uint32_t u32Position, uint32_t sztSamples,
                          uint32_t u32Width, uint32_t u32Unit) {
   if (u32Position > stPcm.sztPcmRingSamples) return {};

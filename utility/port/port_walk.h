@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// The ports of one side of a filter, and which of them an operation serves.
+// The ports of one side of a filter, and the rules for which of them an operation serves.
 #pragma once
 
 #include <algorithm>
@@ -10,25 +10,25 @@ namespace kest {
 
 class PortSide {
  public:
-  // A count beyond the slots is cut, so that a bad record is never read past its arrays.
+  // Limits the count to the number of slots, so that a bad record is never read past its arrays.
   PortSide(ZE_KEST_Port_s *const *apstSlots, uint32_t u32Count)
       : apstSlots_(apstSlots), u32Count_(std::min<uint32_t>(u32Count, ZE_KEST_MAX_PORTS)) {}
 
   [[nodiscard]] uint32_t Count() const { return u32Count_; }
 
-  // The port of a slot; NULL when there is none.
+  // The port in a slot; NULL when there is none.
   [[nodiscard]] ZE_KEST_Port_s *At(uint32_t u32Index) const {
     return u32Index < u32Count_ ? apstSlots_[u32Index] : nullptr;
   }
 
-  // The same for reads and writes of a single port: only slot 0 is served unconnected.
+  // The same for reads and writes of a single port: a port must be connected, except in slot 0.
   [[nodiscard]] ZE_KEST_Port_s *ServedAt(uint32_t u32Index) const {
     ZE_KEST_Port_s *pstPort = At(u32Index);
     const bool bServed = pstPort != nullptr && (u32Index == 0 || pstPort->bConnected != 0);
     return bServed ? pstPort : nullptr;
   }
 
-  // Every port, in slot order.
+  // Visits every port, in slot order.
   template <typename Visit>
   void ForEach(Visit visit) const {
     for (uint32_t u32Index = 0; u32Index < u32Count_; ++u32Index) {
@@ -36,13 +36,13 @@ class PortSide {
     }
   }
 
-  // The slot that is the last, the last but one and so on: 1 to Count().
+  // The port in the u32FromEnd-th slot counted from the end: 1 (the last) to Count().
   [[nodiscard]] ZE_KEST_Port_s *AtFromEnd(uint32_t u32FromEnd) const {
     return apstSlots_[u32Count_ - u32FromEnd];
   }
 
-  // The ports of the last slots, up to Count(), without a loop, whose counting would be a third of a short
-  // visit.
+  // Visits the ports of the last u32Slots slots (at most Count()). Unrolled, because loop overhead would be a
+  // third of a short visit.
   template <typename Visit>
   void ForEachOfLast(uint32_t u32Slots, Visit visit) const {
     static_assert(ZE_KEST_MAX_PORTS == 8);
@@ -66,7 +66,7 @@ class PortSide {
     // clang-format on
   }
 
-  // The first port, and every later one that is connected.
+  // Visits the first port and every later one that is connected.
   template <typename Visit>
   void ForEachServed(Visit visit) const {
     bool bFirst = true;
@@ -76,7 +76,7 @@ class PortSide {
     });
   }
 
-  // Every connected port; the first one has no privilege.
+  // Visits every connected port; here the first port is no exception.
   template <typename Visit>
   void ForEachConnected(Visit visit) const {
     ForEach([&](ZE_KEST_Port_s &stPort) {
@@ -97,7 +97,7 @@ inline PortSide OutputSide(const ZE_KEST_Filter_s &stFilter) {
   return {stFilter.apstOutPort, stFilter.u32OutPortCount};
 }
 
-// The name that reports give to the filter's pipeline.
+// The name of the filter's pipeline as reports show it.
 inline const char *PipelineName(const ZE_KEST_Filter_s &stFilter) {
   return stFilter.pstParentPipeline == nullptr ? "" : stFilter.pstParentPipeline->szName;
 }

@@ -8,12 +8,13 @@
 
 namespace {
 
-// The rules are template arguments, as a call for each port would cost as much as the rest.
+// The rules are template arguments because an indirect call per port would cost as much as the rest of the
+// walk.
 using Value = uint32_t (*)(const ZE_KEST_Port_s &);
 using Counts = bool (*)(const ZE_KEST_Port_s &);
 
-// The lesser of a value and those of the ports of the last slots that count. Mostly all ports have the same
-// to offer, so whether one counts is asked last.
+// The minimum of u32Least and the values of those of the last u32LastSlots ports that count. Usually all
+// ports have the same value, so whether a port counts is checked last.
 template <Counts pfnCounts, Value pfnValue>
 uint32_t Least(const kest::PortSide &stSide, uint32_t u32LastSlots, uint32_t u32Least) {
   stSide.ForEachOfLast(
@@ -24,8 +25,8 @@ uint32_t Least(const kest::PortSide &stSide, uint32_t u32LastSlots, uint32_t u32
   return u32Least;
 }
 
-// The least value of the first port that counts there and of those that count behind it; 0 when there is
-// none.
+// The minimum over the first port that satisfies pfnCountsFirst and the ports after it that satisfy
+// pfnCounts; 0 when there is no first one.
 template <Counts pfnCountsFirst, Counts pfnCounts, Value pfnValue>
 uint32_t LeastFrom(const kest::PortSide &stSide) {
   for (uint32_t u32Left = stSide.Count(); u32Left != 0; --u32Left) {
@@ -36,7 +37,7 @@ uint32_t LeastFrom(const kest::PortSide &stSide) {
   return 0;
 }
 
-// The least value of the ports that count; UINT32_MAX, which no ring holds, becomes 0 too.
+// The minimum over the ports that count. UINT32_MAX, which no ring can hold, also becomes 0.
 template <Counts pfnCounts, Value pfnValue>
 uint32_t LeastOf(const kest::PortSide &stSide) {
   const uint32_t u32Least = LeastFrom<pfnCounts, pfnCounts, pfnValue>(stSide);
@@ -52,8 +53,8 @@ bool IsConnected(const ZE_KEST_Port_s &stPort) {
   return stPort.bConnected != 0;
 }
 
-// The same over inputs that may wait for their first data: ports that are empty before the first one with
-// data are passed over, connected or not, while an empty connected one behind it stops the processing.
+// The minimum over inputs that may still be waiting for their first data: empty ports before the first one
+// with data are skipped, connected or not, but an empty connected port after it stops the processing.
 template <Value pfnValue>
 uint32_t LeastBehindFirstData(const kest::PortSide &stSide) {
   return LeastFrom<HasData<pfnValue>, IsConnected, pfnValue>(stSide);
@@ -75,7 +76,8 @@ bool HasMetaConnected(const ZE_KEST_Port_s &stPort) {
   return IsConnected(stPort) && stPort.stMeta.sztSize != 0;
 }
 
-// What this cycle has consumed already stays in: PCM levels are not reduced by it, unlike the byte rings'.
+// Deliberate: PCM levels are not reduced by what this cycle has already consumed, unlike those of the byte
+// rings.
 uint32_t PcmLevel(const ZE_KEST_Port_s &stPort) {
   return stPort.stPcm.sztPcmLevel;
 }
@@ -110,7 +112,7 @@ using SideOf = kest::PortSide (*)(const ZE_KEST_Filter_s &);
 using LeastOfSide = uint32_t (*)(const kest::PortSide &);
 using Bound = uint32_t (*)(const ZE_KEST_Filter_s &);
 
-// Out of line, as what a report needs would be fetched before anything is asked.
+// Out of line, because otherwise the compiler would load what the report needs before any check.
 __attribute__((cold, noinline)) uint32_t RefuseNull(const char *pszFunction,
                                                     const ZE_KEST_Filter_s *pstFilter) {
   KEST_REQUIRE_AS(pszFunction, pstFilter != nullptr, "pstFilter is NULL.\n");

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// Which parts of a ring a transfer touches. Worked out once per port, before the samples are moved, so that
-// the loops over them have neither a wrap nor a bound to test.
+// The parts of a ring that a transfer touches. Computed once per port, before the samples are moved, so that
+// the loops over the samples need no wrap or bounds checks.
 #pragma once
 
 #include <algorithm>
@@ -9,7 +9,7 @@
 
 namespace kest {
 
-// Whole units one after another, and behind them the bytes that a unit cut by the ring's end has inside.
+// Consecutive whole units, followed by a unit that the end of the ring cuts: sztCut of its bytes lie inside.
 struct RingSegment {
   size_t sztWhole;
   size_t sztCut;
@@ -18,10 +18,10 @@ struct RingSegment {
 struct RingPlan {
   size_t sztStart;  // offset of the first segment, in bytes
   RingSegment stFirst;
-  RingSegment stSecond;  // from the ring's start
+  RingSegment stSecond;  // at the start of the ring
 };
 
-// Whole units; those of samples without the division that the target does not have.
+// Whole units. The cases for sample widths avoid a division, for which the target has no instruction.
 inline size_t UnitsIn(size_t sztBytes, size_t sztUnit) {
   switch (sztUnit) {
     case 1:
@@ -37,7 +37,7 @@ inline size_t UnitsIn(size_t sztBytes, size_t sztUnit) {
   }
 }
 
-// The units that begin within the next u64Bytes bytes of a segment; a partial last one counts.
+// The units that begin within the next u64Bytes bytes of a segment, including a partial last one.
 inline RingSegment SegmentOf(size_t sztSegment, uint64_t u64Bytes, size_t sztUnit) {
   const size_t sztBytes = u64Bytes < sztSegment ? static_cast<size_t>(u64Bytes) : sztSegment;
   const size_t sztWhole = UnitsIn(sztBytes, sztUnit);
@@ -47,8 +47,8 @@ inline RingSegment SegmentOf(size_t sztSegment, uint64_t u64Bytes, size_t sztUni
   return sztRoom < sztUnit ? RingSegment{sztWhole, sztRoom} : RingSegment{sztWhole + 1, 0};
 }
 
-// Up to the ring's end and on from its start for at most one lap; nothing when the start lies outside.
-// A unit cut by the ring's end counts whole, so it shortens what follows.
+// Plans a transfer to the end of the ring and on from its start, for at most one lap; empty when the start is
+// outside the ring. A unit cut by the end of the ring counts in full, so it shortens the second segment.
 inline RingPlan PlanRing(size_t sztRing, size_t sztStart, uint64_t u64Bytes, size_t sztUnit) {
   if (sztStart > sztRing || sztUnit == 0) return {};
   const RingSegment stFirst = SegmentOf(sztRing - sztStart, u64Bytes, sztUnit);

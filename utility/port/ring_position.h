@@ -5,8 +5,8 @@
 
 namespace kest {
 
-// A position brought back into its ring by at most one lap. A position that lies further out stays beyond the
-// ring: whoever copies tests for it.
+// Wraps a position back into its ring by at most one lap. A position further out stays outside the ring;
+// copying code has to check for that.
 inline uint32_t WrapOnce(uint32_t u32Position, uint32_t u32RingSize) {
   return u32Position < u32RingSize ? u32Position : u32Position - u32RingSize;
 }

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Copying from one ring to another.
+// Copies from one ring to another.
 #pragma once
 
 #include <algorithm>
@@ -9,15 +9,15 @@
 
 namespace kest {
 
-// A ring and where in it a copy begins. Size and position count units of u32UnitBytes bytes.
+// A ring and the position where a copy begins. Size and position are in units of u32UnitBytes bytes.
 template <typename Byte>
 struct RingPlace {
   Byte *pu8Ring;
   uint32_t u32Size;
-  uint32_t u32Position;  // brought into the ring by WrapOnce
+  uint32_t u32Position;  // already wrapped by WrapOnce
   uint32_t u32UnitBytes;
 
-  // The units that lie one after another from here.
+  // Units from here to the end of the ring.
   [[nodiscard]] uint32_t Room() const { return u32Size - u32Position; }
   [[nodiscard]] Byte *Here() const { return pu8Ring + size_t{u32Position} * u32UnitBytes; }
   void WrapAtEnd() {
@@ -25,11 +25,12 @@ struct RingPlace {
   }
 };
 
-// Copies u32Units units of the source, whose width the destination's units have room for. Nothing when a
-// position lies outside its ring, and no more than a ring holds.
+// Copies u32Units units of the source; the destination's units must be at least as wide. Copies nothing when
+// a position is outside its ring, and at most the size of the smaller ring.
 inline void CopyRingToRing(RingPlace<uint8_t> stDst, RingPlace<const uint8_t> stSrc, uint32_t u32Units) {
   if (stDst.u32Position > stDst.u32Size || stSrc.u32Position > stSrc.u32Size) return;
-  // Each piece ends where either ring ends or the amount does: three at most, as neither ring is lapped.
+  // Each piece ends at the end of either ring or of the amount. There are at most three pieces, because
+  // neither ring is lapped.
   uint32_t u32Left = std::min({u32Units, stDst.u32Size, stSrc.u32Size});
   while (u32Left != 0) {
     stDst.WrapAtEnd();

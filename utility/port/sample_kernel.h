@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-// Moving a sample between its channel's ring and a linear buffer.
+// Moves one sample between its channel's ring and a linear buffer.
 //
-// A kernel fixes direction, widths and conversion, so that the loops have no branch on them. Samples are
-// loaded and stored by copies of constant size, which compile to single accesses.
+// A kernel fixes direction, widths and conversion at compile time, so the loops do not branch on them.
+// Samples are loaded and stored by memcpy of constant size, which compiles to single accesses.
 #pragma once
 
 #include <algorithm>
@@ -12,7 +12,8 @@
 
 namespace kest {
 
-// The side of every kernel that reads. Of a sample cut by the ring's end the missing bytes read as zero.
+// The common part of all kernels that read. For a sample cut by the end of the ring, the missing bytes read
+// as zero.
 template <typename Kernel, size_t kRing, size_t kLinear>
 struct ReadKernel {
   using Ring = const uint8_t;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Named blocks of memory shared between processes: a mapped file with a lock file beside it.
+// Named blocks of memory shared between processes. Each is a mapped file accompanied by a lock file.
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -23,13 +23,13 @@ constexpr const char *kLockPrefix = KEST_DEBUG_PATH("shm_flock_");
 
 using ShmPath = char[128];
 
-// A name that is too long is cut; only a formatting error fails.
+// A path that is too long is cut; only a formatting error fails.
 bool FormatPath(ShmPath &szPath, const char *pszPrefix, const char *pszName) {
   return snprintf(szPath, sizeof(szPath), "%s%s", pszPrefix, pszName) >= 0;
 }
 
-// Creates a file that every process may open, whatever the umask; it is 077 afterwards, not the earlier one,
-// on purpose.
+// Creates a file that every process may open, whatever the umask. Deliberate: the umask is left at 077, not
+// restored.
 int CreateForAll(const char *pszPath, int s32ExtraFlags) {
   umask(0);
   const int s32Fd = open(pszPath, O_RDWR | O_CREAT | O_CLOEXEC | s32ExtraFlags, 0666);
@@ -50,7 +50,7 @@ void DiscardBlock(int s32Fd, const char *pszPath) {
   RemoveFile(kAlloc, pszPath);
 }
 
-// Opens the block's file, or creates it: of two processes that create it at once, one wins and one fails.
+// Opens the file of the block, or creates it. If two processes create it at the same time, one of them fails.
 bool OpenBlock(const char *pszPath, int *ps32Fd, bool *pbCreated) {
   *pbCreated = false;
   *ps32Fd = open(pszPath, O_RDWR | O_CLOEXEC);
@@ -74,7 +74,8 @@ bool OpenBlock(const char *pszPath, int *ps32Fd, bool *pbCreated) {
   return false;
 }
 
-// Sets the length and takes the room for it: writing to a mapped file on a full disk would end the process.
+// Sets the length and reserves the space: on a full disk, writing to the mapping would otherwise kill the
+// process.
 bool ReserveBlock(int s32Fd) {
   if (ftruncate(s32Fd, ZE_KEST_SHM_SIZE) != 0) return false;
   int s32Reserved = 0;
@@ -129,7 +130,7 @@ uint32_t ze_kest_Utility_ShmAlloc(const char *pszName, int *ps32ShmFd, int *ps32
   bool bCreated = false;
   if (!OpenBlock(szBlock, ps32ShmFd, &bCreated)) return ZE_KEST_NOT_INITIALISED;
   KEST_INFO("ShmPath=%s, ShmFd=%d\n", szBlock, *ps32ShmFd);
-  // A file that cannot be used is removed even if it was there before.
+  // Deliberate: a file that cannot be used is removed even if it existed before.
   if (!MapBlock(*ps32ShmFd, bCreated, ppvAddr)) {
     DiscardBlock(*ps32ShmFd, szBlock);
     return ZE_KEST_NOT_INITIALISED;
