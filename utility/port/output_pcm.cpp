@@ -22,8 +22,7 @@ bool WritesDirectly(const ZE_KEST_Filter_s &stFilter) {
 
 // Deliberate: a direct write ignores the end of the ring; the caller must keep it inside.
 kest::RingPlan PlanDirect(uint32_t u32Position, uint32_t sztSamples, uint32_t u32Width, uint32_t u32Unit) {
-  if (u32Unit == 0) return {};
-  return {size_t{u32Position} * u32Width, {size_t{sztSamples} * u32Width / u32Unit, 0}, {}};
+  return {size_t{u32Position} * u32Width, {sztSamples * kest::UnitsPerSample(u32Width, u32Unit), 0}, {}};
 }
 
 PortWrite PlanWrite(const ZE_KEST_PcmBuffer_s &stPcm, const kest::ChannelWay<kest::RingWriter> &stWay,

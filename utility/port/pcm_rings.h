@@ -43,14 +43,22 @@ inline uint32_t SlotCount(const ZE_KEST_PcmGroup_s &stGroup) {
   return std::min<uint32_t>(stGroup.u32ChannelCount, ZE_KEST_PCM_GROUP_SLOTS);
 }
 
-// The plan of a transfer, common to all channel rings of the port. Position and amount are in samples. A
-// position beyond the ring is rejected before it is converted to bytes, where it could wrap around to a valid
-// one.
+// Units in a sample of u32Width bytes for movers that count bytes, samples, or, with a unit of 0, nothing.
+inline size_t UnitsPerSample(uint32_t u32Width, uint32_t u32Unit) {
+  if (u32Unit == 0) return 0;
+  return u32Unit == 1 ? u32Width : 1;
+}
+
+// The plan of a transfer, common to all channel rings of the port: to the end of the ring and on from its
+// start, for at most one lap. Position and amount are in samples, of which a port's ring holds whole ones.
+// The plan is empty for a position beyond the ring.
 inline RingPlan PlanPort(const ZE_KEST_PcmBuffer_s &stPcm, uint32_t u32Position, uint32_t sztSamples,
                          uint32_t u32Width, uint32_t u32Unit) {
   if (u32Position > stPcm.sztPcmRingSamples) return {};
-  return PlanRing(RingPitch(stPcm, u32Width), size_t{u32Position} * u32Width, uint64_t{sztSamples} * u32Width,
-                  u32Unit);
+  const uint32_t sztFirst = std::min(sztSamples, stPcm.sztPcmRingSamples - u32Position);
+  const uint32_t sztSecond = std::min(sztSamples - sztFirst, stPcm.sztPcmRingSamples);
+  const size_t sztUnits = UnitsPerSample(u32Width, u32Unit);
+  return {size_t{u32Position} * u32Width, {sztFirst * sztUnits, 0}, {sztSecond * sztUnits, 0}};
 }
 
 inline RingPlan PlanPort(const ZE_KEST_PcmBuffer_s &stPcm, uint32_t u32Position, uint32_t sztSamples,
