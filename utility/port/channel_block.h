@@ -72,7 +72,7 @@ void MoveStrips(FramePlace<Kernel> stPlace, uint32_t u32Channels, size_t sztFram
 }
 
 template <typename Kernel>
-void MoveFrames(FramePlace<Kernel> stPlace, uint32_t u32Channels, size_t sztFrames) {
+void MoveInPieces(FramePlace<Kernel> stPlace, uint32_t u32Channels, size_t sztFrames) {
   while (sztFrames != 0) {
     const size_t sztPiece = std::min(sztFrames, kFramesAtOnce);
     MoveStrips<Kernel, kMostTileChannels>(stPlace, u32Channels, sztPiece);
@@ -84,7 +84,7 @@ void MoveFrames(FramePlace<Kernel> stPlace, uint32_t u32Channels, size_t sztFram
 // Special tiles for the model's group sizes, 2 and 10 channels. They apply only if a frame holds no other
 // channels. Returns false if they do not apply.
 template <typename Kernel, uint32_t kChannels>
-bool MovedWhole(const FramePlace<Kernel> &stPlace, uint32_t u32Channels, size_t sztFrames) {
+bool MovedAsWholeFrames(const FramePlace<Kernel> &stPlace, uint32_t u32Channels, size_t sztFrames) {
   if constexpr (FrameTile<Kernel, kChannels, true>::kFrames == 0) return false;
   if (u32Channels != kChannels || stPlace.sztStep != kChannels * Kernel::kLinearBytes) return false;
   MoveStrip<Kernel, kChannels, true>(stPlace, sztFrames);
@@ -94,13 +94,13 @@ bool MovedWhole(const FramePlace<Kernel> &stPlace, uint32_t u32Channels, size_t 
 template <typename Kernel>
 KEST_RUNS_TILES void MoveWithTiles(const FramePlace<Kernel> &stPlace, uint32_t u32Channels,
                                    size_t sztFrames) {
-  if (MovedWhole<Kernel, 2>(stPlace, u32Channels, sztFrames)) return;
-  if (MovedWhole<Kernel, 10>(stPlace, u32Channels, sztFrames)) return;
-  MoveFrames(stPlace, u32Channels, sztFrames);
+  if (MovedAsWholeFrames<Kernel, 2>(stPlace, u32Channels, sztFrames)) return;
+  if (MovedAsWholeFrames<Kernel, 10>(stPlace, u32Channels, sztFrames)) return;
+  MoveInPieces(stPlace, u32Channels, sztFrames);
 }
 
 template <typename Kernel>
-void MoveWhole(const FramePlace<Kernel> &stPlace, uint32_t u32Channels, size_t sztFrames) {
+void MoveFrames(const FramePlace<Kernel> &stPlace, uint32_t u32Channels, size_t sztFrames) {
   if (TilesRun()) return MoveWithTiles(stPlace, u32Channels, sztFrames);
   for (uint32_t u32Channel = 0; u32Channel < u32Channels; ++u32Channel)
     MoveChannel(stPlace.Channel(u32Channel), sztFrames);
@@ -110,7 +110,7 @@ void MoveWhole(const FramePlace<Kernel> &stPlace, uint32_t u32Channels, size_t s
 template <typename Kernel>
 typename Kernel::Linear *MoveSegment(const FramePlace<Kernel> &stPlace, const RingSegment &stSegment,
                                      uint32_t u32Channels) {
-  MoveWhole(stPlace, u32Channels, stSegment.sztWhole);
+  MoveFrames(stPlace, u32Channels, stSegment.sztWhole);
   FramePlace<Kernel> stEnd = stPlace;
   stEnd.Skip(stSegment.sztWhole);
   if (stSegment.sztCut == 0) return stEnd.pu8Linear;
