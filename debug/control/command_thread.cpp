@@ -7,7 +7,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "debug/control/debug_thread.h"
+#include "debug/base/debug_thread.h"
 #include "debug/control/dispatcher.h"
 #include "utility/core/debug_dir.h"
 #include "utility/core/report.h"

@@ -3,19 +3,19 @@
 
 #include "ze_kest/utility.h"
 
+#include "debug/base/started.h"
 #include "debug/control/command_table.h"
-#include "debug/control/startup.h"
 #include "debug/datapath/dump.h"
 #include "debug/datapath/io_debug_command.h"
 #include "debug/datapath/io_trace.h"
 #include "debug/datapath/latency.h"
-#include "debug/datapath/requests.h"
-#include "debug/registry/process_status.h"
+#include "debug/requests/perf_target.h"
+#include "debug/requests/process_status.h"
+#include "debug/requests/requests.h"
 #include "debug/thread/thread_commands.h"
 #include "utility/core/command_line.h"
 #include "utility/core/owned_memory.h"
 #include "utility/core/report.h"
-#include "utility/perf/perf_target.h"
 
 namespace kest {
 namespace {

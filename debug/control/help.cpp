@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "debug/control/help.h"
 
-#include "debug/control/version.h"
+#include "debug/base/version.h"
 #include "utility/core/report.h"
 
 namespace kest {

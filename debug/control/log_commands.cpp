@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "debug/control/log_commands.h"
 
-#include "debug/control/shared_settings.h"
+#include "debug/base/shared_settings.h"
 #include "debug/control/startup.h"
 #include "debug/log/log_file.h"
 #include "utility/core/number_text.h"

@@ -3,7 +3,7 @@
 
 #include "ze_kest/utility.h"
 
-#include "debug/control/debug_mutex.h"
+#include "debug/base/debug_mutex.h"
 #include "debug/registry/callbacks.h"
 #include "debug/registry/listing.h"
 #include "debug/registry/parameters.h"

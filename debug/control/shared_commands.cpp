@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "debug/control/shared_commands.h"
 
-#include "debug/control/shared_settings.h"
+#include "debug/base/shared_settings.h"
 #include "utility/core/report.h"
 
 namespace kest {

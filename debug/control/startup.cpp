@@ -7,23 +7,24 @@
 
 #include "ze_kest/debug.h"
 
+#include "debug/base/debug_mutex.h"
+#include "debug/base/lock_owner.h"
+#include "debug/base/shared_settings.h"
+#include "debug/base/started.h"
 #include "debug/control/command_thread.h"
 #include "debug/control/create_thread.h"
-#include "debug/control/debug_mutex.h"
-#include "debug/control/lock_owner.h"
-#include "debug/control/shared_settings.h"
 #include "debug/datapath/dump.h"
 #include "debug/datapath/io_trace.h"
 #include "debug/datapath/latency.h"
-#include "debug/datapath/requests.h"
 #include "debug/datapath/sine_output.h"
 #include "debug/datapath/switches.h"
 #include "debug/log/log_file.h"
-#include "debug/registry/process_status.h"
+#include "debug/requests/perf_target.h"
+#include "debug/requests/process_status.h"
+#include "debug/requests/requests.h"
 #include "debug/thread/test_threads.h"
 #include "debug/thread/thread_watch.h"
 #include "utility/core/report.h"
-#include "utility/perf/perf_target.h"
 
 uint8_t bKestAtraceEnable = 0;
 FILE *pFileKestDebugPipeline = nullptr;
@@ -38,7 +39,6 @@ constexpr int32_t kMonitorSleepTimeMs = 2000;
 pthread_mutex_t g_baseMutex = PTHREAD_MUTEX_INITIALIZER;
 LockOwner g_baseOwner;
 std::atomic<Base> g_base{Base::kFresh};
-uint8_t g_bStarted = 0;
 int32_t g_s32MonitorSleepTimeMs = kMonitorSleepTimeMs;
 
 void SetBase(Base base) {
@@ -64,7 +64,7 @@ void InitialiseBase() {
   ResetRequests();
   _ZE_KEST_Debug_MutexInit();
   _ZE_KEST_Debug_ShmInit();
-  Store(g_bStarted, uint8_t{0});
+  SetStarted(false);
   SetMonitorSleepTime(kMonitorSleepTimeMs);
   WatchEveryThread();
   ResetTestThreads();
@@ -87,10 +87,6 @@ void _ZE_KEST_Debug_Init() {
   pthread_mutex_unlock(&g_baseMutex);
 }
 
-bool IsStarted() {
-  return Load(g_bStarted) != 0;
-}
-
 void SetMonitorSleepTime(int32_t s32Ms) {
   Store(g_s32MonitorSleepTimeMs, s32Ms);
 }
@@ -111,7 +107,7 @@ uint32_t ze_kest_Debug_Init(void) {
 
   kest::_ZE_KEST_Debug_SetMode(kest::kLogToFile, 1);
   // Set before the thread starts: its report of a pipe that it cannot read must reach the log file.
-  kest::Store(kest::g_bStarted, uint8_t{1});
+  kest::SetStarted(true);
   return kest::_ZE_KEST_Debug_CreateThread(kest::kCommandThread);
 }
 
@@ -131,7 +127,7 @@ uint32_t ze_kest_Debug_DeInit(void) {
   kest::_ZE_KEST_Debug_Mutex_Unlock();
   kest::_ZE_KEST_Debug_ShmMutex_Unlock();
   kest::_ZE_KEST_Debug_LogMutex_Unlock();
-  kest::Store(kest::g_bStarted, uint8_t{0});
+  kest::SetStarted(false);
   kest::SetBase(kest::Base::kShutDown);
   // The last line from the pipe may have opened the log file again.
   kest::CloseLogFile();

@@ -11,9 +11,6 @@ namespace kest {
 // the command thread nor the log file.
 void _ZE_KEST_Debug_Init();
 
-// True between ze_kest_Debug_Init and ze_kest_Debug_DeInit. Callable from any thread.
-bool IsStarted();
-
 // In milliseconds. "kest_monitor_sleep_time" sets it; nothing in the library sleeps by it.
 void SetMonitorSleepTime(int32_t s32Ms);
 

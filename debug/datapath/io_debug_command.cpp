@@ -3,7 +3,7 @@
 
 #include "ze_kest/result.h"
 
-#include "debug/control/debug_mutex.h"
+#include "debug/base/debug_mutex.h"
 #include "debug/datapath/keyword_commands.h"
 #include "debug/datapath/sine_output.h"
 #include "debug/registry/registry.h"

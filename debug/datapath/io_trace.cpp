@@ -3,7 +3,7 @@
 
 #include "ze_kest/debug.h"
 
-#include "debug/control/debug_mutex.h"
+#include "debug/base/debug_mutex.h"
 #include "debug/datapath/switches.h"
 #include "debug/registry/listing.h"
 #include "utility/core/begins_with.h"

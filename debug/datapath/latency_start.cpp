@@ -3,7 +3,7 @@
 
 #include "ze_kest/debug.h"
 
-#include "debug/control/debug_mutex.h"
+#include "debug/base/debug_mutex.h"
 #include "debug/datapath/hook_filter.h"
 #include "debug/datapath/latency_sides.h"
 #include "debug/datapath/latency_state.h"

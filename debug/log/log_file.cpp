@@ -5,8 +5,8 @@
 
 #include "ze_kest/utility.h"
 
-#include "debug/control/debug_mutex.h"
-#include "debug/log/inside_log.h"
+#include "debug/base/debug_mutex.h"
+#include "debug/base/inside_log.h"
 #include "utility/core/debug_dir.h"
 #include "utility/core/report.h"
 

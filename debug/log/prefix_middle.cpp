@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <cstdio>
 
-#include "debug/control/version.h"
+#include "debug/base/version.h"
 #include "utility/core/report.h"
 
 namespace kest {

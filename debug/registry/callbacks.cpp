@@ -3,7 +3,7 @@
 
 #include "ze_kest/utility.h"
 
-#include "debug/control/debug_mutex.h"
+#include "debug/base/debug_mutex.h"
 #include "debug/registry/registry.h"
 #include "utility/core/owned_memory.h"
 #include "utility/core/report.h"

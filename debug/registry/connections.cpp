@@ -4,7 +4,7 @@
 
 #include "ze_kest/debug.h"
 
-#include "debug/control/debug_mutex.h"
+#include "debug/base/debug_mutex.h"
 #include "debug/registry/registry.h"
 #include "utility/core/report.h"
 #include "utility/core/text_field.h"

@@ -5,8 +5,8 @@
 
 #include "ze_kest/debug.h"
 
-#include "debug/control/debug_mutex.h"
-#include "debug/control/startup.h"
+#include "debug/base/debug_mutex.h"
+#include "debug/base/started.h"
 #include "debug/registry/registry.h"
 #include "utility/core/begins_with.h"
 #include "utility/core/report.h"

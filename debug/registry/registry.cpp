@@ -5,8 +5,8 @@
 
 #include "ze_kest/debug.h"
 
-#include "debug/control/debug_mutex.h"
-#include "debug/control/shared_settings.h"
+#include "debug/base/debug_mutex.h"
+#include "debug/base/shared_settings.h"
 #include "utility/core/owned_memory.h"
 #include "utility/core/report.h"
 #include "utility/core/text_field.h"

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "debug/registry/status.h"
 
-#include "debug/control/debug_mutex.h"
+#include "debug/base/debug_mutex.h"
 #include "debug/registry/filter_status.h"
 #include "debug/registry/listing.h"
 #include "debug/registry/registry.h"

@@ -3,7 +3,7 @@
 
 #include "ze_kest/utility.h"
 
-#include "debug/thread/monotonic_condition.h"
+#include "debug/base/monotonic_condition.h"
 
 namespace kest {
 namespace {

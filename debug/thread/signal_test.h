@@ -2,7 +2,7 @@
 // A test of signalling through a condition: a thread that waits until a command lets it run.
 #pragma once
 
-#include "debug/control/debug_thread.h"
+#include "debug/base/debug_thread.h"
 
 namespace kest {
 

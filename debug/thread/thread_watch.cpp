@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "debug/thread/thread_watch.h"
 
-#include "debug/control/debug_mutex.h"
+#include "debug/base/debug_mutex.h"
 #include "debug/registry/registry.h"
 #include "debug/thread/tid_list.h"
 #include "utility/core/report.h"

@@ -3,7 +3,7 @@
 
 #include <algorithm>
 
-#include "debug/thread/monotonic_condition.h"
+#include "debug/base/monotonic_condition.h"
 #include "utility/core/owned_memory.h"
 #include "utility/core/text_field.h"
 

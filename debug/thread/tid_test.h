@@ -2,7 +2,7 @@
 // A test thread that logs at intervals, so that the effect of the watch list can be seen.
 #pragma once
 
-#include "debug/control/debug_thread.h"
+#include "debug/base/debug_thread.h"
 
 namespace kest {
 

@@ -2,8 +2,8 @@
 // Memory is exhausted at every request of the library in turn.
 #include <functional>
 
+#include "debug/base/debug_mutex.h"
 #include "debug/control/command_table.h"
-#include "debug/control/debug_mutex.h"
 #include "debug/registry/registry.h"
 #include "debug/thread/tid_test.h"
 #include "tests/support/failing_allocator.h"

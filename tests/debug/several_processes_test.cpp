@@ -19,7 +19,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include "debug/control/shared_settings.h"
+#include "debug/base/shared_settings.h"
 #include "tests/support/library_test.h"
 
 namespace kest::test {

@@ -5,9 +5,9 @@
 #include <filesystem>
 #include <thread>
 
+#include "debug/base/debug_mutex.h"
+#include "debug/base/shared_settings.h"
 #include "debug/control/create_thread.h"
-#include "debug/control/debug_mutex.h"
-#include "debug/control/shared_settings.h"
 #include "tests/support/library_test.h"
 
 namespace kest::test {

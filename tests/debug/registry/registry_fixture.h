@@ -5,7 +5,7 @@
 #include <cstring>
 #include <deque>
 
-#include "debug/control/debug_mutex.h"
+#include "debug/base/debug_mutex.h"
 #include "debug/registry/registry.h"
 #include "tests/support/library_test.h"
 

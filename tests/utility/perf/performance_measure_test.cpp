@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "debug/requests/perf_target.h"
 #include "tests/support/failing_allocator.h"
 #include "tests/support/fake_counters.h"
 #include "tests/support/ports.h"
-#include "utility/perf/perf_target.h"
 
 namespace kest::test {
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "debug/control/debug_thread.h"
+#include "debug/base/debug_thread.h"
 
 namespace kest {
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "utility/perf/perf_target.h"
+#include "debug/requests/perf_target.h"
 
 #include "ze_kest/debug.h"
 

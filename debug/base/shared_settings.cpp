@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "debug/control/shared_settings.h"
+#include "debug/base/shared_settings.h"
 
 #include <utility>
 
@@ -7,7 +7,7 @@
 
 #include "ze_kest/utility.h"
 
-#include "debug/control/debug_mutex.h"
+#include "debug/base/debug_mutex.h"
 #include "utility/core/owned_memory.h"
 #include "utility/core/report.h"
 #include "utility/core/text_field.h"

@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 // The commands that publish a request for filters, what then stands in its globals, and the chain that
 // offers every line to one command after the other.
-#include "debug/datapath/requests.h"
+#include "debug/requests/requests.h"
 
 #include <cstring>
 
-#include "debug/registry/process_status.h"
+#include "debug/requests/perf_target.h"
+#include "debug/requests/process_status.h"
 #include "tests/support/library_test.h"
-#include "utility/perf/perf_target.h"
 
 namespace kest::test {
 namespace {

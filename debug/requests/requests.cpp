@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "debug/datapath/requests.h"
+#include "debug/requests/requests.h"
 
 namespace kest {
 

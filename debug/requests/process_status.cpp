@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "debug/registry/process_status.h"
+#include "debug/requests/process_status.h"
 
 #include "ze_kest/debug.h"
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "debug/control/debug_mutex.h"
+#include "debug/base/debug_mutex.h"
 
-#include "debug/control/lock_owner.h"
-#include "debug/log/inside_log.h"
+#include "debug/base/inside_log.h"
+#include "debug/base/lock_owner.h"
 #include "utility/core/report.h"
 
 namespace kest {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "debug/log/inside_log.h"
+#include "debug/base/inside_log.h"
 
 namespace kest {
 namespace {

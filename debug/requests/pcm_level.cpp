@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "ze_kest/debug.h"
 
-#include "debug/datapath/requests.h"
+#include "debug/requests/requests.h"
 #include "utility/core/command_line.h"
 #include "utility/core/number_text.h"
 #include "utility/core/report.h"
