@@ -5,7 +5,7 @@
 
 #include "utility/port/frame_tile.h"
 
-#ifdef __ARM_NEON
+#if defined(__arm__) && defined(__ARM_NEON)
 
 #include <arm_neon.h>
 

@@ -7,7 +7,7 @@
 #include "utility/port/frame_tile.h"
 #include "utility/port/sample_kernel.h"
 
-#ifdef __ARM_NEON
+#if defined(__arm__) && defined(__ARM_NEON)
 
 #include <type_traits>
 #include <utility>

@@ -5,7 +5,7 @@
 #include "utility/port/neon_assembly.h"
 #include "utility/port/neon_lanes.h"
 
-#ifdef __ARM_NEON
+#if defined(__arm__) && defined(__ARM_NEON)
 
 namespace kest::neon {
 
