@@ -69,7 +69,7 @@ bool Adopt() {
 }
 
 // Called with the mutex held.
-void Publish() {
+void ShareSettings() {
   SharedSettings *pstShared = MappedSettings();
   if (pstShared == nullptr) return;
   Store(pstShared->u32DebugLevel, Load(u32KestDebugLevel));
@@ -77,18 +77,18 @@ void Publish() {
   static_cast<void>(CopyText(pstShared->szPresetCmd, g_szPresetCmd));  // fails only for NULL
 }
 
-bool SetAndPublishPreset(const char *pszText) {
+bool SetAndSharePreset(const char *pszText) {
   const HoldingShm holding;
   if (!CopyText(g_szPresetCmd, pszText)) return false;
   g_bPresetCmd = 1;
-  Publish();
+  ShareSettings();
   return true;
 }
 
-void ClearAndPublishPreset() {
+void ClearAndSharePreset() {
   const HoldingShm holding;
   g_bPresetCmd = 0;
-  Publish();
+  ShareSettings();
 }
 
 }  // namespace
@@ -102,7 +102,7 @@ void _ZE_KEST_Debug_ShmInit() {
   ReplaceBlock(pstBlock);
   if (Adopt()) return;
   Store(u32KestDebugLevel, static_cast<uint32_t>(ZE_KEST_LEVEL_PRINT));
-  ClearAndPublishPreset();
+  ClearAndSharePreset();
 }
 
 void FreeSharedSettings() {
@@ -113,13 +113,13 @@ void FreeSharedSettings() {
 
 void _ZE_KEST_Debug_SetShm() {
   const HoldingShm holding;
-  Publish();
+  ShareSettings();
 }
 
 uint32_t SetPresetCommand(const char *pszText) {
   constexpr const char *kFunction = "_ZE_KEST_Debug_Cmd_TriggerCallback";
   KEST_PRINT_AS(kFunction, "kest_debug_preset_cmd=all\n");
-  if (!SetAndPublishPreset(pszText)) {
+  if (!SetAndSharePreset(pszText)) {
     KEST_ERR_AS(kFunction, "Err! Strncpy failed!\n");
     return ZE_KEST_FAILED;
   }
@@ -129,7 +129,7 @@ uint32_t SetPresetCommand(const char *pszText) {
 
 void ClearPresetCommand() {
   KEST_PRINT_AS("_ZE_KEST_Debug_Cmd_TriggerCallback", "kest_debug_preset_cmd=off\n");
-  ClearAndPublishPreset();
+  ClearAndSharePreset();
 }
 
 bool CopyPresetCommand(PresetText &szText) {

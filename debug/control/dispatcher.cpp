@@ -3,6 +3,7 @@
 
 #include "ze_kest/utility.h"
 
+#include "debug/base/command_line.h"
 #include "debug/base/started.h"
 #include "debug/control/command_table.h"
 #include "debug/datapath/dump.h"
@@ -13,7 +14,6 @@
 #include "debug/requests/process_status.h"
 #include "debug/requests/requests.h"
 #include "debug/thread/thread_commands.h"
-#include "utility/core/command_line.h"
 #include "utility/core/owned_memory.h"
 #include "utility/core/report.h"
 

@@ -3,9 +3,9 @@
 
 #include "ze_kest/debug.h"
 
+#include "debug/base/command_line.h"
 #include "debug/datapath/io_trace.h"
 #include "debug/datapath/switches.h"
-#include "utility/core/command_line.h"
 #include "utility/core/debug_dir.h"
 #include "utility/core/owned_file.h"
 #include "utility/core/report.h"

@@ -2,7 +2,7 @@
 // Shared by handlers that serve several keywords: splits a line and reports its parts.
 #pragma once
 
-#include "utility/core/command_line.h"
+#include "debug/base/command_line.h"
 #include "utility/core/report.h"
 
 namespace kest {

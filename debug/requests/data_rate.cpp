@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "ze_kest/debug.h"
 
+#include "debug/base/command_line.h"
 #include "debug/requests/requests.h"
-#include "utility/core/command_line.h"
 #include "utility/core/number_text.h"
 #include "utility/core/report.h"
 #include "utility/core/shared_name.h"

@@ -3,7 +3,7 @@
 
 #include "ze_kest/debug.h"
 
-#include "utility/core/command_line.h"
+#include "debug/base/command_line.h"
 #include "utility/core/report.h"
 #include "utility/core/shared_name.h"
 

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "debug/thread/thread_commands.h"
 
+#include "debug/base/command_line.h"
 #include "debug/control/create_thread.h"
 #include "debug/thread/signal_test.h"
 #include "debug/thread/thread_watch.h"
-#include "utility/core/command_line.h"
 #include "utility/core/report.h"
 
 namespace kest {

@@ -5,7 +5,7 @@
 
 #include "ze_kest/model.h"
 
-#include "utility/core/command_line.h"
+#include "utility/core/missing_text.h"
 #include "utility/core/report.h"
 #include "utility/core/shared_value.h"
 #include "utility/core/text_field.h"

@@ -2,18 +2,10 @@
 // Splits a command line from the front.
 #pragma once
 
+#include "utility/core/missing_text.h"
 #include "utility/core/owned_memory.h"
 
 namespace kest {
-
-inline bool IsEmpty(const char *psz) {
-  return psz == nullptr || *psz == '\0';
-}
-
-// How a report shows a part that may be missing.
-inline const char *Shown(const char *psz) {
-  return psz == nullptr ? "(null)" : psz;
-}
 
 class CommandLine {
  public:
