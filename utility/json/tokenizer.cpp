@@ -63,8 +63,9 @@ int32_t Tokenize(ZE_KEST_Jsmn_s &stJsmn, IsToGiveUp pfnIsToGiveUp) {
   for (size_t sztEnd = stJsmn.pos + kPart; sztEnd < sztText; sztEnd += kPart) {
     sztEnd = EndOfPart(stJsmn.pszStringData, sztEnd, sztText);
     const int32_t s32Result = ReadUpTo(stJsmn, sztEnd);
-    if (s32Result == kNoRoom || s32Result == kMalformed) return s32Result;
+    if (s32Result == kMalformed) return s32Result;
     if (pfnIsToGiveUp(stJsmn)) return kGivenUp;
+    if (s32Result == kNoRoom) return s32Result;
   }
   return ReadUpTo(stJsmn, sztText);
 }

@@ -60,6 +60,8 @@ TEST(JsonCommand, PrintsTokensOf64LevelsAndNoneOfATextThatIsDeeperOrLongerThanAM
     EXPECT_FALSE(capture.Has("<PRINT>", "node:"));
     EXPECT_TRUE(capture.Has("<ERR>", text[1] == '[' ? "Err! The tokens are nested deeper than 64 levels\n"
                                                     : "a.b,c.json has more than 1048576 bytes\n"));
+    // A text that would take long is given up.
+    EXPECT_EQ(text.size() > 1000 && text[1] == '[', capture.Has("<ERR>", "with error -4!\n"));
   }
 }
 
