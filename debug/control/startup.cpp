@@ -106,9 +106,11 @@ uint32_t ze_kest_Debug_Init(void) {
   }
 
   kest::_ZE_KEST_Debug_SetMode(kest::kLogToFile, 1);
-  // Set before the thread starts: its report of a pipe that it cannot read must reach the log file.
+  // Reports of the creation come too early for the log file. The thread waits, so that its own reach it.
+  const kest::Starting starting;
+  const uint32_t u32Result = kest::_ZE_KEST_Debug_CreateThread(kest::kCommandThread);
   kest::SetStarted(true);
-  return kest::_ZE_KEST_Debug_CreateThread(kest::kCommandThread);
+  return u32Result;
 }
 
 uint32_t ze_kest_Debug_DeInit(void) {
@@ -120,6 +122,7 @@ uint32_t ze_kest_Debug_DeInit(void) {
 
   KEST_PRINT("Log to file(%d)\n", 0);
   kest::CloseLogFile();
+  kest::SetEnding(true);
   kest::_ZE_KEST_Debug_DestroyThread();
   // After the command thread has ended: its last line may have created a test thread.
   kest::EndTestThreads();
@@ -128,6 +131,7 @@ uint32_t ze_kest_Debug_DeInit(void) {
   kest::_ZE_KEST_Debug_ShmMutex_Unlock();
   kest::_ZE_KEST_Debug_LogMutex_Unlock();
   kest::SetStarted(false);
+  kest::SetEnding(false);
   kest::SetBase(kest::Base::kShutDown);
   // The last line from the pipe may have opened the log file again.
   kest::CloseLogFile();

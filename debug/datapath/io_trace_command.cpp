@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <cstdio>
+#include <cstring>
 
 #include "ze_kest/debug.h"
 
@@ -88,8 +89,21 @@ OwnedFile Open(const char *pszPath, const char *pszMode) {
   return file;
 }
 
-// Empties the trace file, then opens it for appending.
+// The file is named after the pipeline: it must lie in the debug directory, and must not be the log.
+bool IsFileName(const char *pszPipelineName) {
+  return strchr(pszPipelineName, '/') == nullptr && ze_kest_Utility_Strcmp(pszPipelineName, "KestLog") != 0;
+}
+
+// Empties the trace file, then opens it for appending. A watch that is refused leaves all files alone.
 uint32_t AddWatch(FilterIoEntry &entry) {
+  if (!IsFileName(entry.szPipelineName)) {
+    KEST_ERR_AS(kFunction, "Err! '%s' names no trace file\n", entry.szPipelineName);
+    return ZE_KEST_FAILED;
+  }
+  if (WatchCount() >= kMaxWatches) {
+    KEST_ERR_AS(kFunction, "Err! %u watches are set already, release them first\n", kMaxWatches);
+    return ZE_KEST_FAILED;
+  }
   snprintf(entry.szFile, sizeof(entry.szFile), KEST_DEBUG_PATH("%s.txt"), entry.szPipelineName);
   KEST_PRINT_AS(kFunction, "szFile=%s\n", entry.szFile);
   const bool bEmptied = Open(entry.szFile, "wb+") != nullptr;

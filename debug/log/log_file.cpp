@@ -129,6 +129,11 @@ void CloseLogFile() {
   CloseLog();
 }
 
+void LimitLogFile() {
+  const HoldingFile holding;
+  if (g_pFile != nullptr && IsLogTooLong() && EmptyLog()) OpenLog();
+}
+
 FILE *NextLogFile() {
   ++g_u32Messages;
   if (g_u32Messages % kMessagesPerSizeCheck != 0 || g_pFile == nullptr) return g_pFile;

@@ -34,6 +34,10 @@ void ResetLogSinks();
 // Switches file logging off and closes the file.
 void CloseLogFile();
 
+// Restarts a file that has grown too long without waiting for the 1000th message. For commands that print
+// long lines.
+void LimitLogFile();
+
 // With the mutex held: counts one message, restarts a file that has grown too long, and returns the file to
 // write to, NULL when there is none.
 FILE *NextLogFile();

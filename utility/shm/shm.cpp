@@ -2,7 +2,6 @@
 // Named blocks of memory shared between processes. Each is a mapped file accompanied by a lock file.
 #include <cerrno>
 #include <cstdio>
-#include <cstring>
 
 #include <fcntl.h>
 #include <sys/mman.h>
@@ -96,8 +95,9 @@ bool MapBlock(int s32Fd, bool bCreated, void **ppvAddr) {
     KEST_ERR_AS(kAlloc, "Err! mmap fails\n");
     return false;
   }
+  // A new file already reads as zeros. It is not touched here: if somebody has emptied it meanwhile, that
+  // would kill the process.
   KEST_INFO_AS(kAlloc, "mmap=%p, bNewCreate=%d\n", *ppvAddr, bCreated ? 1 : 0);
-  if (bCreated) memset(*ppvAddr, 0, ZE_KEST_SHM_SIZE);
   return true;
 }
 

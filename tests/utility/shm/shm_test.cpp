@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <algorithm>
+#include <atomic>
 #include <cstring>
 #include <filesystem>
+#include <thread>
 
 #include <sys/stat.h>
 #include <unistd.h>
@@ -56,6 +58,22 @@ TEST_F(Shm, ANewBlockIsZeroedSharedByAllUsersAndLeavesItsUmask) {
   EXPECT_EQ(ZE_KEST_OK, block.Free());
   EXPECT_FALSE(std::filesystem::exists(kBlockFile));
   EXPECT_FALSE(std::filesystem::exists(kLockFile));
+}
+
+TEST_F(Shm, ABlockThatIsEmptiedAsSoonAsItExistsDoesNotKillItsCreator) {
+  const ReportCapture capture(ZE_KEST_LEVEL_PRINT);
+  std::atomic<bool> bDone{false};
+  std::thread vandal([&bDone] {
+    while (!bDone)
+      static_cast<void>(truncate(kBlockFile, 0) == 0);
+  });
+  for (int i = 0; i < 5000; ++i) {
+    Block block;
+    EXPECT_EQ(ZE_KEST_OK, block.Alloc());
+    EXPECT_EQ(ZE_KEST_OK, block.Free());
+  }
+  bDone = true;
+  vandal.join();
 }
 
 TEST_F(Shm, AnotherProcessSharesABlockAndOneItFreesStaysMappedWhileItsNameStartsAnew) {
