@@ -22,8 +22,7 @@ LostLines g_lost;
 ssize_t WriteAnew(int s32Fd, const LogLine &line) {
   char szPath[sizeof("/proc/thread-self/fd/-2147483648")];
   snprintf(szPath, sizeof(szPath), "/proc/thread-self/fd/%d", s32Fd);
-  const int s32Own =
-      AboveStandard(open(szPath, O_WRONLY | O_APPEND | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+  const int s32Own = AboveStandard(open(szPath, O_WRONLY | O_APPEND | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
   if (s32Own < 0) return -1;
   const ssize_t s32Written = line.WriteTo(s32Own);
   close(s32Own);
