@@ -14,6 +14,7 @@
 #include "debug/base/wake_up.h"
 #include "debug/control/dispatcher.h"
 #include "utility/core/debug_dir.h"
+#include "utility/core/guarded_open.h"
 #include "utility/core/report.h"
 
 namespace kest {
@@ -55,21 +56,20 @@ int OpenPipe() {
     KEST_ERR_AS(kMonitor, "Warn! mkfifo ret = %d : %s\n", s32Made, ErrorText(s32Error).c_str());
   }
   // Opened for writing too: the open then needs no writer to wait for, and a read never sees end of file.
-  constexpr int kFlags = O_RDWR | O_NONBLOCK | O_CLOEXEC;
   // Without O_NOATIME every byte read updates the access time. Only the pipe's owner may use the flag.
-  int s32Fd = open(kPipePath, kFlags | O_NOATIME);
-  if (s32Fd < 0 && errno == EPERM) s32Fd = open(kPipePath, kFlags);
+  int s32Fd = OpenGuarded(kPipePath, FileKind::kAny, O_RDWR | O_NOATIME);
+  if (s32Fd < 0 && errno == EPERM) s32Fd = OpenGuarded(kPipePath, FileKind::kAny, O_RDWR);
   if (s32Fd < 0) {
     const int s32Error = errno;
     KEST_ERR_AS(kMonitor, "Err! open ret = %d : %s\n", s32Fd, ErrorText(s32Error).c_str());
-    return s32Fd;
+    if (s32Error != ELOOP) return s32Fd;  // a link in its place is no pipe either
   }
   if (IsPipe(s32Fd)) return s32Fd;
   // PRINT, not ERR: the default level hides ERR, and without the pipe no command can raise the level.
   KEST_PRINT_AS(kMonitor,
                 "Err! %s is no pipe, no commands are read: remove it and start this process again\n",
                 kPipePath);
-  close(s32Fd);
+  if (s32Fd >= 0) close(s32Fd);
   return -1;
 }
 

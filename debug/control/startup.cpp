@@ -3,12 +3,9 @@
 
 #include <atomic>
 
-#include <pthread.h>
-
 #include "ze_kest/debug.h"
 
 #include "debug/base/debug_mutex.h"
-#include "debug/base/lock_owner.h"
 #include "debug/base/shared_settings.h"
 #include "debug/base/started.h"
 #include "debug/control/command_thread.h"
@@ -36,8 +33,6 @@ enum class Base : uint8_t { kFresh, kReady, kShutDown };
 
 constexpr int32_t kMonitorSleepTimeMs = 2000;
 
-pthread_mutex_t g_baseMutex = PTHREAD_MUTEX_INITIALIZER;
-LockOwner g_baseOwner;
 std::atomic<Base> g_base{Base::kFresh};
 int32_t g_s32MonitorSleepTimeMs = kMonitorSleepTimeMs;
 
@@ -62,7 +57,6 @@ void InitialiseBase() {
   ResetPerfEventTarget();
   ResetProcessStatusQuery();
   ResetRequests();
-  _ZE_KEST_Debug_MutexInit();
   _ZE_KEST_Debug_ShmInit();
   SetStarted(false);
   SetMonitorSleepTime(kMonitorSleepTimeMs);
@@ -75,16 +69,14 @@ void InitialiseBase() {
 }  // namespace
 
 void _ZE_KEST_Debug_Init() {
-  // A report made during the initialisation calls this again on the same thread, which g_baseOwner detects.
-  if (GetBase() != Base::kFresh || g_baseOwner.IsMine()) return;
-  pthread_mutex_lock(&g_baseMutex);
-  g_baseOwner.Take();
-  if (GetBase() == Base::kFresh) {
-    InitialiseBase();
-    SetBase(Base::kReady);
-  }
-  g_baseOwner.Drop();
-  pthread_mutex_unlock(&g_baseMutex);
+  // A report made during the initialisation calls this again on the same thread, which the mutex's owner
+  // tells.
+  if (GetBase() != Base::kFresh || g_baseMutex.owner.IsMine()) return;
+  _ZE_KEST_Debug_MutexInit();
+  const HoldingOwned holding(g_baseMutex);
+  if (GetBase() != Base::kFresh) return;
+  InitialiseBase();
+  SetBase(Base::kReady);
 }
 
 void SetMonitorSleepTime(int32_t s32Ms) {

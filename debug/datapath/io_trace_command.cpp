@@ -2,12 +2,15 @@
 #include <cstdio>
 #include <cstring>
 
+#include <fcntl.h>
+
 #include "ze_kest/debug.h"
 
 #include "debug/base/command_line.h"
 #include "debug/datapath/io_trace.h"
 #include "debug/datapath/switches.h"
 #include "utility/core/debug_dir.h"
+#include "utility/core/guarded_open.h"
 #include "utility/core/owned_file.h"
 #include "utility/core/report.h"
 #include "utility/core/text_field.h"
@@ -83,8 +86,8 @@ struct WatchNames {
 };
 
 // NULL, after a report, when the file cannot be opened.
-OwnedFile Open(const char *pszPath, const char *pszMode) {
-  OwnedFile file(ze_kest_Utility_FileOpen(pszPath, pszMode));
+OwnedFile Open(const char *pszPath, int s32Start) {
+  OwnedFile file(OpenSink(pszPath, s32Start));
   if (file == nullptr) KEST_ERR_AS(kFunction, "Err! ze_kest_Utility_FileOpen failed!\n");
   return file;
 }
@@ -106,8 +109,8 @@ uint32_t AddWatch(FilterIoEntry &entry) {
   }
   snprintf(entry.szFile, sizeof(entry.szFile), KEST_DEBUG_PATH("%s.txt"), entry.szPipelineName);
   KEST_PRINT_AS(kFunction, "szFile=%s\n", entry.szFile);
-  const bool bEmptied = Open(entry.szFile, "wb+") != nullptr;
-  entry.pFile = Open(entry.szFile, "ab+").release();
+  const bool bEmptied = Open(entry.szFile, O_TRUNC) != nullptr;
+  entry.pFile = Open(entry.szFile, O_APPEND).release();
   Store(pFileKestDebugPipeline, entry.pFile);
   _ZE_KEST_Debug_AddFilterIo(entry);
   return bEmptied && entry.pFile != nullptr ? ZE_KEST_OK : ZE_KEST_FAILED;

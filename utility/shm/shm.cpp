@@ -11,6 +11,7 @@
 #include "ze_kest/utility.h"
 
 #include "utility/core/debug_dir.h"
+#include "utility/core/guarded_open.h"
 #include "utility/core/report.h"
 
 namespace {
@@ -31,7 +32,8 @@ bool FormatPath(ShmPath &szPath, const char *pszPrefix, const char *pszName) {
 // restored.
 int CreateForAll(const char *pszPath, int s32ExtraFlags) {
   umask(0);
-  const int s32Fd = open(pszPath, O_RDWR | O_CREAT | O_CLOEXEC | s32ExtraFlags, 0666);
+  const int s32Fd =
+      kest::OpenGuarded(pszPath, kest::FileKind::kRegular, O_RDWR | O_CREAT | s32ExtraFlags, 0666);
   const int s32Error = errno;
   umask(077);
   errno = s32Error;
@@ -52,7 +54,7 @@ void DiscardBlock(int s32Fd, const char *pszPath) {
 // Opens the file of the block, or creates it. If two processes create it at the same time, one of them fails.
 bool OpenBlock(const char *pszPath, int *ps32Fd, bool *pbCreated) {
   *pbCreated = false;
-  *ps32Fd = open(pszPath, O_RDWR | O_CLOEXEC);
+  *ps32Fd = kest::OpenGuarded(pszPath, kest::FileKind::kRegular, O_RDWR);
   const int s32OpenError = errno;
   KEST_INFO_AS(kAlloc, "Open an existed shared memory=%d\n", *ps32Fd);
   if (*ps32Fd >= 0) return true;
@@ -102,7 +104,7 @@ bool MapBlock(int s32Fd, bool bCreated, void **ppvAddr) {
 }
 
 bool OpenLock(const char *pszPath, int *ps32Fd) {
-  *ps32Fd = open(pszPath, O_RDWR | O_CLOEXEC);
+  *ps32Fd = kest::OpenGuarded(pszPath, kest::FileKind::kRegular, O_RDWR);
   int s32Error = errno;
   KEST_INFO_AS(kAlloc, "Open an existed flock shared memory=%d\n", *ps32Fd);
   if (*ps32Fd < 0 && s32Error == ENOENT) {
