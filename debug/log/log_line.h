@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// One line of the log file, written in a single write whatever its length: several processes append to the
-// file, and only that keeps their lines apart.
+// One line of a log, of any length. In the log file it is written in a single write: several processes append
+// to the file, and only that keeps their lines apart.
 #pragma once
 
 #include <cstdarg>
@@ -37,6 +37,12 @@ class LogLine {
   // Returns the number of bytes written, negative on failure.
   [[nodiscard]] ssize_t WriteTo(int s32Fd) const;
   [[nodiscard]] size_t Length() const { return sztLength_; }
+
+  // What has been appended so far, terminated. Valid until the next call.
+  [[nodiscard]] const char *c_str() {
+    pcText_[sztLength_] = '\0';
+    return pcText_;
+  }
 
  private:
   static constexpr size_t kUsualSize = 1024;
