@@ -51,6 +51,10 @@ void Report(uint32_t u32Level, const char *pszFunction, int s32Line, const char 
   if (!bWhole) KEST_ERR_AS("ze_kest_Debug_Log", "Error! Fail to vfprintf()!\n");
 }
 
+void ReportRefusal(const char *pszFunction, int s32Line, const char *pszText) {
+  if (LevelIsOn(ZE_KEST_LEVEL_ERR)) Report(ZE_KEST_LEVEL_ERR, pszFunction, s32Line, "%s", pszText);
+}
+
 void ReportThreadCall(const char *pszFunction, int s32Line, const char *pszCall, int s32Result) {
   if (!LevelIsOn(ZE_KEST_LEVEL_WRN)) return;
   Report(ZE_KEST_LEVEL_WRN, pszFunction, s32Line, "%s error:%d,%s \n", pszCall, s32Result,

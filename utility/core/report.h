@@ -36,11 +36,12 @@
 #define KEST_INFO(text, ...) KEST_INFO_AS(__func__, text, ##__VA_ARGS__)
 #define KEST_PRINT(text, ...) KEST_PRINT_AS(__func__, text, ##__VA_ARGS__)
 
-// If the condition does not hold, reports the text at ERR level and returns result from the function.
+// If the condition does not hold, reports the plain text at ERR level and returns result from the function. A
+// text has nothing to evaluate, so its level is tested out of line.
 #define KEST_REQUIRE_OR_AS(function, condition, result, text) \
   do {                                                        \
     if (!(condition)) {                                       \
-      KEST_ERR_AS(function, text);                            \
+      kest::ReportRefusal(function, __LINE__, text);          \
       return result;                                          \
     }                                                         \
   } while (false)
@@ -65,7 +66,8 @@ inline bool LevelIsOn(uint32_t u32Level) {
 [[gnu::cold]] void Report(uint32_t u32Level, const char *pszFunction, int s32Line, const char *pszFormat, ...)
     ZE_KEST_PRINTF(4, 5);
 
-// The same for a thread call that has failed, at WRN level if that is on.
+// Report a refused argument at ERR level, and a failed thread call at WRN level, if that level is on.
+[[gnu::cold]] void ReportRefusal(const char *pszFunction, int s32Line, const char *pszText);
 [[gnu::cold]] void ReportThreadCall(const char *pszFunction, int s32Line, const char *pszCall, int s32Result);
 
 // A wait that reaches its deadline has not failed.
