@@ -10,11 +10,11 @@
 #include <android/log.h>
 #include <unistd.h>
 
-#include "player/capabilities.h"
-#include "player/debug_session.h"
-#include "player/layout.h"
-#include "player/options.h"
-#include "player/playback.h"
+#include "player/config/layout.h"
+#include "player/config/options.h"
+#include "player/session/capabilities.h"
+#include "player/session/debug_session.h"
+#include "player/session/playback.h"
 
 namespace kest::player {
 namespace {
@@ -53,8 +53,8 @@ void WaitForEnd(Playback &playback, const sigset_t &endSignals, bool showProgres
   if (showProgress) std::fprintf(stderr, "\r        \r");
 }
 
-void Play(const Options &options, const sigset_t &endSignals) {
-  Playback playback(MakeLayout(options), options);
+void Play(const Options &options, const FilterKinds &kinds, const sigset_t &endSignals) {
+  Playback playback(MakeLayout(options, kinds), options);
   playback.Start();
   WaitForEnd(playback, endSignals, isatty(STDERR_FILENO) != 0 && !options.logcat);
   playback.Finish();
@@ -71,8 +71,9 @@ int Main(int argc, char **argv) {
   std::signal(SIGPIPE, SIG_IGN);
   __android_log_set_logger(options.logcat ? LogToStderr : LogNowhere);
   const DebugSession session;
-  AnnounceCapabilities();
-  Play(options, endSignals);
+  const FilterKinds kinds = BuiltInKinds();
+  AnnounceCapabilities(kinds);
+  Play(options, kinds, endSignals);
   return 0;
 }
 

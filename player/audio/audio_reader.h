@@ -8,7 +8,7 @@
 
 #include <sndfile.h>
 
-#include "player/unique_fd.h"
+#include "player/base/unique_fd.h"
 
 namespace kest::player {
 

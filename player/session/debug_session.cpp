@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "player/debug_session.h"
+#include "player/session/debug_session.h"
 
 #include <cerrno>
 #include <cstring>

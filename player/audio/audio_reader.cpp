@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "player/audio_reader.h"
+#include "player/audio/audio_reader.h"
 
 #include <algorithm>
 #include <array>
@@ -10,7 +10,7 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 
-#include "player/player_error.h"
+#include "player/base/player_error.h"
 
 namespace kest::player {
 namespace {
