@@ -5,11 +5,10 @@
 #include <cmath>
 #include <cstdio>
 
-#include <sys/stat.h>
-
 #include "player/base/player_error.h"
 #include "player/filters/lpcm.h"
 #include "player/filters/speaker_output.h"
+#include "player/session/output_check.h"
 
 namespace kest::player {
 namespace {
@@ -45,18 +44,6 @@ void CheckInputs(const std::vector<AudioReader> &readers, bool loop) {
   }
 }
 
-void CheckOutputIsNoInput(const std::vector<AudioReader> &readers, const std::string &output) {
-  struct stat outputStat {};
-  if (stat(output.c_str(), &outputStat) != 0) return;
-  for (const AudioReader &reader : readers) {
-    struct stat inputStat {};
-    if (fstat(reader.Descriptor(), &inputStat) == 0 && inputStat.st_dev == outputStat.st_dev &&
-        inputStat.st_ino == outputStat.st_ino) {
-      throw PlayerError("the output " + output + " is also an input; choose another output");
-    }
-  }
-}
-
 // 16 bits when that holds every input exactly and --wide is not given.
 PcmFormat CommonFormat(const std::vector<AudioReader> &readers, bool wide) {
   const bool all16 = !wide && std::all_of(readers.begin(), readers.end(), [](const AudioReader &reader) {
@@ -76,7 +63,7 @@ Playback::Playback(const Layout &layout, const Options &options)
     : outputPath_(layout.output.filters.back().FileName(SpeakerOutput::kFileSetting)) {
   std::vector<AudioReader> readers = OpenInputs(layout);
   CheckInputs(readers, options.loop);
-  CheckOutputIsNoInput(readers, outputPath_);
+  CheckOutput(outputPath_, readers, options.config);
   format_ = CommonFormat(readers, options.wide);
   // In real time an input may take as long as a cycle lasts.
   if (!options.fast)

@@ -188,7 +188,7 @@ TEST_F(Instrumented, ADumpThatCannotBeWrittenIsReportedAndTheSoundIsWhole) {
 // An engineer's session: what is typed into the pipe takes hold in the running pipelines.
 TEST_F(PlayerTest, CommandsInThePipeSwitchTheInstrumentsOfARunningPlayer) {
   const AudioData input = WriteNoise(Path("in.wav"), 2, kWav16, 50000);
-  PlayerProcess player({Path("in.wav"), "--loop", "-o", out_});
+  PlayerProcess player({Path("in.wav"), "--loop", "-o", out_, "--wide"});
   ASSERT_TRUE(PlayOn(player, 10000)) << player.Wait().err;
   Ask("kest_dump_input_filter=SpeakerOutput,Mixer");
   EXPECT_THAT(Ask("kest_dump_input=on"), HasSubstr("dump input enable 0 SpeakerOutput:Mixer\n"));
@@ -205,7 +205,7 @@ TEST_F(PlayerTest, CommandsInThePipeSwitchTheInstrumentsOfARunningPlayer) {
 
   // Where the dump begins is up to the moment of the command; from there on it is the looped input.
   const std::string dump = Dump("DumpInSpeakerOutputMixer0_0_dmx.pcm");
-  std::string looped = InPorts(input.samples, 2);
+  std::string looped = InPorts(input.samples, 4);
   looped += looped + looped;
   EXPECT_GT(dump.size(), 50000u);
   EXPECT_NE(std::string::npos, looped.find(dump));
