@@ -117,6 +117,9 @@ TEST(Delay, DropsALongDelayWithoutLosingMetadata) {
   EXPECT_EQ(SilenceThenNumbers(0, 200 * 256 + 1, 100 * kCycle), bench.Run(100));
   EXPECT_EQ(bench.BlocksWritten(), bench.Metadata().Blocks());
   EXPECT_EQ(0u, bench.Metadata().OutOfOrder());
+
+  delay.SetDelayMs(10);
+  EXPECT_EQ(SilenceThenNumbers(480, 300 * 256 + 1, 4 * kCycle), bench.Run(4)) << "where sound was before";
 }
 
 TEST(Filter, CountsAnOutputWithoutRoomAndKeepsItsInput) {
