@@ -101,6 +101,7 @@ TEST(Delay, ChangesWhileItRuns) {
   EXPECT_EQ(SilenceThenNumbers(480, 289, 4 * kCycle), bench.Run(4));
   delay.SetDelayMs(5);  // 544 more have come out, 720 are skipped
   EXPECT_EQ(SilenceThenNumbers(0, 1553, 2 * kCycle), bench.Run(2));
+  EXPECT_EQ(2064 / kCycle, bench.Metadata().Blocks()) << "metadata stays with its frames";
   EXPECT_EQ(SilenceThenNumbers(0, 2065, 240), bench.Run(2, true));
   EXPECT_TRUE(delay.Ended());
   EXPECT_EQ(bench.BlocksWritten(), bench.Metadata().Blocks());
