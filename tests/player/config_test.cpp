@@ -131,6 +131,11 @@ TEST_F(Config, AFaultIsSaidWithItsPlaceAndWhatIsAllowed) {
        "x: A: Volume: gain_db is 54; a whole number from -144 to 53 is needed"},
       {R"({"A": {"Volume": {"gain_db": 1.5}}})",
        "x: A: Volume: gain_db is 1.5; a whole number from -144 to 53 is needed"},
+      {R"({"A": {)" + input + R"(, "Volume": {"gain_db": -144}, "Delay": {"delay_ms": 0}},
+            ")" +
+           longName.substr(1) + R"(": {)" + input +
+           R"(, "Volume": {"gain_db": 53}, "Delay": {"delay_ms": 1000}}, )" + output + "}",
+       "nothing"},
       {R"({"A": {"Delay": {"delay_ms": -1}}})",
        "x: A: Delay: delay_ms is -1; a whole number from 0 to 1000 is needed"},
       {R"({"A": {"Delay": {"delay_ms": {}}}})",

@@ -101,6 +101,7 @@ TEST(Delay, ChangesWhileItRuns) {
   EXPECT_EQ(SilenceThenNumbers(480, 289, 4 * kCycle), bench.Run(4));
   delay.SetDelayMs(5);  // 544 more have come out, 720 are skipped
   EXPECT_EQ(SilenceThenNumbers(0, 1553, 2 * kCycle), bench.Run(2));
+  EXPECT_EQ(2064 / kCycle, bench.Metadata().Blocks()) << "metadata stays with its frames";
   EXPECT_EQ(SilenceThenNumbers(0, 2065, 240), bench.Run(2, true));
   EXPECT_TRUE(delay.Ended());
   EXPECT_EQ(bench.BlocksWritten(), bench.Metadata().Blocks());
@@ -117,6 +118,9 @@ TEST(Delay, DropsALongDelayWithoutLosingMetadata) {
   EXPECT_EQ(SilenceThenNumbers(0, 200 * 256 + 1, 100 * kCycle), bench.Run(100));
   EXPECT_EQ(bench.BlocksWritten(), bench.Metadata().Blocks());
   EXPECT_EQ(0u, bench.Metadata().OutOfOrder());
+
+  delay.SetDelayMs(10);
+  EXPECT_EQ(SilenceThenNumbers(480, 300 * 256 + 1, 4 * kCycle), bench.Run(4)) << "where sound was before";
 }
 
 TEST(Filter, CountsAnOutputWithoutRoomAndKeepsItsInput) {

@@ -83,6 +83,11 @@ TEST_F(LateInput, IsCountedInRealTimeOnlyAndTheMixIsRight) {
   }
 }
 
+TEST(PcmFormat, LeavesTheSlotsBehindItsChannelsWithoutAChannel) {
+  const ZE_KEST_PcmGroup_s group = PcmFormat{3, 48000, 16}.Groups()[1];
+  EXPECT_THAT(group.as32ChMap, testing::ElementsAre(2, 3, 4, -1, -1, -1, -1, -1, -1, -1));
+}
+
 // Time stamps are those of the oldest frame and of the oldest block that the port holds.
 TEST(PortStorage, TellsHowMuchItHoldsAndSinceWhen) {
   PortStorage port(kMono, {600, 3});

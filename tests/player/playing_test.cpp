@@ -138,6 +138,8 @@ TEST_F(Player, PlaysInRealTimeAndShowsTheLogWhenAsked) {
   EXPECT_EQ(0, result.exitCode);
   EXPECT_THAT(result.err, StartsWith("I <KEST> <PRINT>"));
   EXPECT_TRUE(input.samples == ReadAudio(out_).samples);
+  for (const auto &file : std::filesystem::directory_iterator(KEST_DEBUG_DIR))
+    EXPECT_THAT(file.path().filename(), MatchesRegex("D|KestLog.txt|shm_.*"));
 }
 
 TEST_F(Player, PlaysWithoutADebugDirectoryAndSaysHowToHaveOne) {

@@ -19,8 +19,9 @@ bool Takes(const char *command) {
   return ze_kest_Debug_SetParameter(command) == ZE_KEST_OK;
 }
 
+// Asks the last filter that is registered.
 bool IsPlaying() {
-  return Takes("kest_debug_send_cmd_by_text=SpeakerOutput,Mixer,state");
+  return Takes("kest_debug_send_cmd_by_text=Decoder_14,Volume,state");
 }
 
 // An empty registry has nothing to release.
