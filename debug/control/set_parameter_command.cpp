@@ -21,12 +21,12 @@ struct Fields {
 };
 
 // False, after printing why, when a field is missing. The size is checked later.
-bool SplitFields(char *pszRest, Fields *pstFields) {
-  pstFields->pszPipeline = ze_kest_Utility_Strsep(&pszRest, ",");
-  pstFields->pszFilter = ze_kest_Utility_Strsep(&pszRest, ",");
-  pstFields->pszParameter = ze_kest_Utility_Strsep(&pszRest, ",");
-  pstFields->pszValue = ze_kest_Utility_Strsep(&pszRest, ",");
-  pstFields->pszSize = pszRest;
+bool SplitFields(CommandLine &line, Fields *pstFields) {
+  pstFields->pszPipeline = line.Next(",");
+  pstFields->pszFilter = line.Next(",");
+  pstFields->pszParameter = line.Next(",");
+  pstFields->pszValue = line.Next(",");
+  pstFields->pszSize = line.Rest();
   if (pstFields->pszPipeline == nullptr) {
     KEST_PRINT_AS(kFunction, "%s pszPipelineName is NULL, format error\n", kFunction);
   } else if (pstFields->pszFilter == nullptr) {
@@ -57,17 +57,17 @@ bool ReadNumbers(const Fields &fields, int32_t *ps32Value, uint32_t *pu32Size) {
 }  // namespace
 
 uint32_t _ZE_KEST_Debug_Cmd_SetParameter(const CommandArguments &arguments) {
-  char *pszCmd = arguments.pszRest;
-  KEST_PRINT("%s pszDup=%s\n", __func__, pszCmd);
-  const char *pszSub = ze_kest_Utility_Strsep(&pszCmd, "=");
-  KEST_REQUIRE(pszCmd != nullptr, "pszCmd is NULL, format error\n");
-  KEST_PRINT("%s pszSub=%s, pszCmd=%s\n", __func__, pszSub, pszCmd);
+  CommandLine &line = arguments.rest;
+  KEST_PRINT("%s pszDup=%s\n", __func__, line.Rest());
+  const char *pszSub = line.Next("=");
+  KEST_REQUIRE(line.Rest() != nullptr, "pszCmd is NULL, format error\n");
+  KEST_PRINT("%s pszSub=%s, pszCmd=%s\n", __func__, pszSub, line.Rest());
   if (ze_kest_Utility_Strcmp(pszSub, "kest_debug_set_parameter") != 0) return ZE_KEST_INVALID_ARGUMENT;
 
   Fields fields;
   int32_t s32Value = 0;
   uint32_t u32Size = 0;
-  if (!SplitFields(pszCmd, &fields) || !ReadNumbers(fields, &s32Value, &u32Size)) {
+  if (!SplitFields(line, &fields) || !ReadNumbers(fields, &s32Value, &u32Size)) {
     return ZE_KEST_INVALID_ARGUMENT;
   }
   KEST_PRINT("%s %s:%s set parameter %s %d %u\n", __func__, fields.pszPipeline, fields.pszFilter,

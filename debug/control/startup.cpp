@@ -19,8 +19,6 @@
 #include "debug/datapath/sine_output.h"
 #include "debug/datapath/switches.h"
 #include "debug/log/log_file.h"
-#include "debug/requests/perf_target.h"
-#include "debug/requests/process_status.h"
 #include "debug/requests/requests.h"
 #include "debug/thread/test_threads.h"
 #include "debug/thread/thread_watch.h"
@@ -59,8 +57,6 @@ void ResetInstrumentation() {
 
 void InitialiseBase() {
   Store(bKestAtraceEnable, uint8_t{0});
-  ResetPerfEventTarget();
-  ResetProcessStatusQuery();
   ResetRequests();
   _ZE_KEST_Debug_MutexInit();
   _ZE_KEST_Debug_ShmInit();

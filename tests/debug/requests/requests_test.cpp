@@ -5,8 +5,6 @@
 
 #include <cstring>
 
-#include "debug/requests/perf_target.h"
-#include "debug/requests/process_status.h"
 #include "tests/support/library_test.h"
 
 namespace kest::test {

@@ -6,15 +6,6 @@
 
 namespace kest {
 
-inline bool IsEmpty(const char *psz) {
-  return psz == nullptr || *psz == '\0';
-}
-
-// How a report shows a part that may be missing.
-inline const char *Shown(const char *psz) {
-  return psz == nullptr ? "(null)" : psz;
-}
-
 class CommandLine {
  public:
   explicit CommandLine(const char *pszLine) : copy_(Duplicate(pszLine)), pszRest_(copy_.get()) {}
@@ -25,7 +16,7 @@ class CommandLine {
   const char *Next(const char *pszSeparator) { return ze_kest_Utility_Strsep(&pszRest_, pszSeparator); }
 
   // The text after the last separator consumed; NULL when nothing is left.
-  [[nodiscard]] const char *Rest() const { return pszRest_; }
+  [[nodiscard]] char *Rest() const { return pszRest_; }
 
  private:
   Owned<char> copy_;
