@@ -69,7 +69,7 @@ bool Adopt() {
 }
 
 // Called with the mutex held.
-void Publish() {
+void ShareSettings() {
   SharedSettings *pstShared = MappedSettings();
   if (pstShared == nullptr) return;
   Store(pstShared->u32DebugLevel, Load(u32KestDebugLevel));
@@ -81,14 +81,14 @@ bool SetAndPublishPreset(const char *pszText) {
   const HoldingShm holding;
   if (!CopyText(g_szPresetCmd, pszText)) return false;
   g_bPresetCmd = 1;
-  Publish();
+  ShareSettings();
   return true;
 }
 
 void ClearAndPublishPreset() {
   const HoldingShm holding;
   g_bPresetCmd = 0;
-  Publish();
+  ShareSettings();
 }
 
 }  // namespace
@@ -113,7 +113,7 @@ void FreeSharedSettings() {
 
 void _ZE_KEST_Debug_SetShm() {
   const HoldingShm holding;
-  Publish();
+  ShareSettings();
 }
 
 uint32_t SetPresetCommand(const char *pszText) {

@@ -7,6 +7,7 @@
 
 #include "ze_kest/debug.h"
 
+#include "debug/base/base_init.h"
 #include "debug/base/debug_mutex.h"
 #include "debug/base/lock_owner.h"
 #include "debug/base/shared_settings.h"
