@@ -21,7 +21,8 @@ find $tops -name '*.h' -o -name '*.c' -o -name '*.cpp' |
       sub(":", "", $1)
       listed[$1] = 1
       for (i = 2; i <= NF; ++i) {
-        if (!($i in listed) || $i == $1) complain("docs/architecture.md: " $1 " may not name " $i ", which is not above it")
+        if (!($i in listed) || $i == $1)
+          complain("docs/architecture.md: " $1 " may not name " $i ", which does not stand above it")
         allowed[$1, $i] = 1
       }
     }

@@ -20,23 +20,26 @@ struct Fields {
   const char *pszSize;
 };
 
+constexpr struct {
+  const char *Fields::*ppszField;
+  const char *pszName;
+} kRequired[] = {
+    {&Fields::pszPipeline, "pszPipelineName"},
+    {&Fields::pszFilter, "pszFilterName"},
+    {&Fields::pszParameter, "pszParameterName"},
+    {&Fields::pszValue, "pszParameter"},
+};
+
 // False, after printing why, when a field is missing. The size is checked later.
 bool SplitFields(CommandLine &line, Fields *pstFields) {
-  pstFields->pszPipeline = line.Next(",");
-  pstFields->pszFilter = line.Next(",");
-  pstFields->pszParameter = line.Next(",");
-  pstFields->pszValue = line.Next(",");
-  pstFields->pszSize = line.Rest();
-  if (pstFields->pszPipeline == nullptr) {
-    KEST_PRINT_AS(kFunction, "%s pszPipelineName is NULL, format error\n", kFunction);
-  } else if (pstFields->pszFilter == nullptr) {
-    KEST_PRINT_AS(kFunction, "%s pszFilterName is NULL, format error\n", kFunction);
-  } else if (pstFields->pszParameter == nullptr) {
-    KEST_PRINT_AS(kFunction, "%s pszParameterName is NULL, format error\n", kFunction);
-  } else if (pstFields->pszValue == nullptr) {
-    KEST_PRINT_AS(kFunction, "%s pszParameter is NULL, format error\n", kFunction);
+  for (const auto &[ppszField, pszName] : kRequired) {
+    pstFields->*ppszField = line.Next(",");
+    if (pstFields->*ppszField != nullptr) continue;
+    KEST_PRINT_AS(kFunction, "%s %s is NULL, format error\n", kFunction, pszName);
+    return false;
   }
-  return pstFields->pszValue != nullptr;
+  pstFields->pszSize = line.Rest();
+  return true;
 }
 
 // False, after printing why, when a number is missing or out of range.

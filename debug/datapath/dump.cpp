@@ -38,13 +38,13 @@ bool IsOutputWidthDumped(uint32_t u32Bits) {
   return u32Bits / 8 == 2 || u32Bits / 8 == 4;
 }
 
-constexpr DumpSide kInputSide = {
+constexpr DumpSide kConsumed = {
     "_ZE_KEST_Debug_DumpInput",         "DumpIn", _stKestDumpInput,
     &ZE_KEST_Filter_s::apstInPort,      2,        &ZE_KEST_PcmBuffer_s::sztPcmReadSize,
     &ZE_KEST_DataBuffer_s::sztReadSize, false,    IsInputWidthDumped,
 };
 
-constexpr DumpSide kOutputSide = {
+constexpr DumpSide kProduced = {
     "_ZE_KEST_Debug_DumpOutput",         "DumpOut", _stKestDumpOutput,
     &ZE_KEST_Filter_s::apstOutPort,      1,         &ZE_KEST_PcmBuffer_s::sztPcmWriteSize,
     &ZE_KEST_DataBuffer_s::sztWriteSize, true,      IsOutputWidthDumped,
@@ -141,7 +141,7 @@ void DumpFilter(const DumpSide &side, const ZE_KEST_Filter_s &filter) {
 
 uint32_t _ZE_KEST_Debug_Dump(const ZE_KEST_Filter_s *pstFilter, uint32_t u32Kind) {
   KEST_REQUIRE_PIPELINE(pstFilter);
-  const DumpSide &side = u32Kind == kInputDump ? kInputSide : kOutputSide;
+  const DumpSide &side = u32Kind == kInputDump ? kConsumed : kProduced;
   if (IsSelected(side.selection, *pstFilter)) DumpFilter(side, *pstFilter);
   return ZE_KEST_OK;
 }

@@ -20,9 +20,10 @@ struct End {
   const char *pszName;
 };
 
+enum EndIndex : uint32_t { kStart, kEnd };
+
 constexpr End kEnds[] = {{_stKestLatency.stStart, "start"}, {_stKestLatency.stEnd, "end"}};
 
-// The row's constant is the index of the end.
 uint32_t SelectEnd(const CommandArguments &arguments) {
   const End &end = kEnds[arguments.u32Constant];
   const char *pszPipelineName = NextOfSeveral(kFunction, arguments.rest);
@@ -87,8 +88,8 @@ uint32_t StopMeasuring(const CommandArguments & /*arguments*/) {
 }
 
 constexpr Command kCommands[] = {
-    {"kest_latency_start_filter", kNoValue, nullptr, nullptr, SelectEnd, 0},
-    {"kest_latency_end_filter", kNoValue, nullptr, nullptr, SelectEnd, 1},
+    {"kest_latency_start_filter", kNoValue, nullptr, nullptr, SelectEnd, kStart},
+    {"kest_latency_end_filter", kNoValue, nullptr, nullptr, SelectEnd, kEnd},
     {"kest_latency_config", kNoValue, nullptr, nullptr, SelectBothEnds, 0},
     {"kest_latency", "on", nullptr, nullptr, StartMeasuring, 0},
     {"kest_latency", "off", nullptr, nullptr, StopMeasuring, 0},

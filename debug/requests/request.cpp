@@ -77,7 +77,7 @@ bool TakeFilterName(const Request &request, const char *pszPart) {
   return TakeName(request, "Filter Name", request.szFilterName, pszPart);
 }
 
-void Clear(const Request &request) {
+void ClearRequest(const Request &request) {
   Store(request.u32State, uint32_t{0});
   ClearName(request.szPipelineName);
   ClearName(request.szFilterName);
@@ -88,7 +88,7 @@ void Clear(const Request &request) {
 
 uint32_t TakeBack(const Request &request, const char *pszWord, CommandLine & /*line*/) {
   SayTarget(request, pszWord);
-  Clear(request);
+  ClearRequest(request);
   return ZE_KEST_OK;
 }
 

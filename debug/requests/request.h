@@ -48,7 +48,7 @@ void SayTarget(const Request &request, const char *pszWord);
 bool TakePipelineName(const Request &request, const char *pszPart);
 bool TakeFilterName(const Request &request, const char *pszPart);
 
-void Clear(const Request &request);
+void ClearRequest(const Request &request);
 
 // Word that takes the request back.
 uint32_t TakeBack(const Request &request, const char *pszWord, CommandLine &line);

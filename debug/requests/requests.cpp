@@ -56,7 +56,7 @@ constexpr Request kPerfTarget = {
     "pszSub1",
     nullptr,
     {{"pipeline", SelectPipeline}, {"filter", SelectFilter}, {"none", TakeBack}},
-    Clear,
+    ClearRequest,
     u32KestPerfEventTarget,
     szKestPerfEventTargetName1,
     szKestPerfEventTargetName2,
@@ -71,7 +71,7 @@ constexpr Request kProcessStatus = {
     "pszSub1",
     "pszSub3",
     {{"pipeline", SelectPipeline}, {"filter", SelectFilter}, {"none", TakeBack}},
-    Clear,
+    ClearRequest,
     u32KestQueryProcessStatus,
     szKestQueryProcessStatusName1,
     szKestQueryProcessStatusName2,
@@ -86,7 +86,7 @@ constexpr Request kTestTone = {
     "pszSub1",
     "pszSub3",
     {{"off", TakeBack}, {kAnyPart, RequestTestTone}},
-    Clear,
+    ClearRequest,
     u32KestSendTestTone,
     szKestSendTestToneName1,
     szKestSendTestToneName2,
@@ -150,7 +150,7 @@ void ResetRequests() {
   Store(u32KestPerfEventTarget, uint32_t{ZE_KEST_TARGET_NONE});
   Store(u32KestQueryProcessStatus, uint32_t{ZE_KEST_TARGET_NONE});
   for (const Request *pst : {&kTestTone, &kPcmLevel, &kDataRate})
-    Clear(*pst);
+    ClearRequest(*pst);
 }
 
 }  // namespace kest
