@@ -5,8 +5,8 @@
 
 #include "ze_kest/result.h"
 
+#include "utility/core/missing_text.h"
 #include "utility/core/report.h"
-#include "utility/core/text_field.h"
 
 namespace kest {
 namespace {

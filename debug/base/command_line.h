@@ -2,6 +2,7 @@
 // Splits a command line from the front.
 #pragma once
 
+#include "utility/core/missing_text.h"
 #include "utility/core/owned_memory.h"
 
 namespace kest {

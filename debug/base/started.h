@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Whether the debug layer is up.
+// Whether the debug layer is up, and whether it is about to come up or to go.
 #pragma once
 
 namespace kest {
@@ -8,5 +8,22 @@ namespace kest {
 bool IsStarted();
 
 void SetStarted(bool bStarted);
+
+// True while ze_kest_Debug_DeInit ends the threads: what takes long gives up. Callable from any thread.
+bool IsEnding();
+
+void SetEnding(bool bEnding);
+
+// Held by the start while it creates the command thread, until the layer counts as started.
+class Starting {
+ public:
+  Starting();
+  ~Starting();
+  Starting(const Starting &) = delete;
+  Starting &operator=(const Starting &) = delete;
+};
+
+// Waits until no start is on its way.
+void WaitForStart();
 
 }  // namespace kest

@@ -1,5 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <cstdio>
+#include <cstring>
+
+#include <fcntl.h>
 
 #include "ze_kest/debug.h"
 
@@ -7,6 +10,7 @@
 #include "debug/datapath/io_trace.h"
 #include "debug/datapath/switches.h"
 #include "utility/core/debug_dir.h"
+#include "utility/core/guarded_open.h"
 #include "utility/core/owned_file.h"
 #include "utility/core/report.h"
 #include "utility/core/text_field.h"
@@ -74,18 +78,31 @@ struct WatchNames {
 };
 
 // NULL, after a report, when the file cannot be opened.
-OwnedFile Open(const char *pszPath, const char *pszMode) {
-  OwnedFile file(ze_kest_Utility_FileOpen(pszPath, pszMode));
+OwnedFile Open(const char *pszPath, int s32Start) {
+  OwnedFile file(OpenSink(pszPath, s32Start));
   if (file == nullptr) KEST_ERR_AS(kFunction, "Err! ze_kest_Utility_FileOpen failed!\n");
   return file;
 }
 
-// Empties the trace file, then opens it for appending.
+// The file is named after the pipeline: it must lie in the debug directory, and must not be the log.
+bool IsFileName(const char *pszPipelineName) {
+  return strchr(pszPipelineName, '/') == nullptr && ze_kest_Utility_Strcmp(pszPipelineName, "KestLog") != 0;
+}
+
+// Empties the trace file, then opens it for appending. A watch that is refused leaves all files alone.
 uint32_t AddWatch(FilterIoEntry &entry) {
+  if (!IsFileName(entry.szPipelineName)) {
+    KEST_ERR_AS(kFunction, "Err! '%s' names no trace file\n", entry.szPipelineName);
+    return ZE_KEST_FAILED;
+  }
+  if (WatchCount() >= kMaxWatches) {
+    KEST_ERR_AS(kFunction, "Err! %u watches are set already, release them first\n", kMaxWatches);
+    return ZE_KEST_FAILED;
+  }
   snprintf(entry.szFile, sizeof(entry.szFile), KEST_DEBUG_PATH("%s.txt"), entry.szPipelineName);
   KEST_PRINT_AS(kFunction, "szFile=%s\n", entry.szFile);
-  const bool bEmptied = Open(entry.szFile, "wb+") != nullptr;
-  entry.pFile = Open(entry.szFile, "ab+").release();
+  const bool bEmptied = Open(entry.szFile, O_TRUNC) != nullptr;
+  entry.pFile = Open(entry.szFile, O_APPEND).release();
   Store(pFileKestDebugPipeline, entry.pFile);
   _ZE_KEST_Debug_AddFilterIo(entry);
   return bEmptied && entry.pFile != nullptr ? ZE_KEST_OK : ZE_KEST_FAILED;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// One line of the log file, written in a single write whatever its length: several processes append to the
+// One line of a sink, written in a single write whatever its length: several processes append to the log
 // file, and only that keeps their lines apart.
 #pragma once
 
@@ -36,6 +36,8 @@ class LogLine {
 
   // Returns the number of bytes written, negative on failure.
   [[nodiscard]] ssize_t WriteTo(int s32Fd) const;
+  // The same for a socket, without waiting.
+  [[nodiscard]] ssize_t SendTo(int s32Socket) const;
   [[nodiscard]] size_t Length() const { return sztLength_; }
 
  private:

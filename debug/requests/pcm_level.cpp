@@ -2,9 +2,9 @@
 #include "ze_kest/debug.h"
 
 #include "debug/requests/words.h"
+#include "utility/core/missing_text.h"
 #include "utility/core/number_text.h"
 #include "utility/core/report.h"
-#include "utility/core/text_field.h"
 
 namespace kest {
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "debug/requests/request.h"
 
+#include "utility/core/missing_text.h"
 #include "utility/core/report.h"
-#include "utility/core/text_field.h"
 
 namespace kest {
 namespace {

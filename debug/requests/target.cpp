@@ -2,8 +2,8 @@
 #include "ze_kest/debug.h"
 
 #include "debug/requests/words.h"
+#include "utility/core/missing_text.h"
 #include "utility/core/report.h"
-#include "utility/core/text_field.h"
 
 namespace kest {
 

@@ -5,7 +5,7 @@
 #include "debug/thread/signal_test.h"
 #include "debug/thread/test_threads.h"
 #include "debug/thread/thread_watch.h"
-#include "utility/core/text_field.h"
+#include "utility/core/missing_text.h"
 
 namespace kest {
 namespace {

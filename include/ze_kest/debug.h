@@ -101,7 +101,9 @@ ZE_KEST_API uint32_t ze_kest_Debug_DeInit(void);
  * nothing before ze_kest_Debug_Init, after ze_kest_Debug_DeInit, or from a thread that a command has excluded
  * from the log. u32Level: a level of result.h; it selects the prefix in the file (PRINT has none) but does
  * not filter. pszFormat: printf-like; the message ends in "\n".
- * Any thread. Takes a lock and writes a file, so not real-time safe. */
+ * Any thread, also in the child of a fork beside other threads (which has no command thread: there only
+ * ze_kest_Debug_DeInit and the commands of the test threads must not be used). Takes a lock and writes a
+ * file, so not real-time safe; a line that a sink cannot take at once is lost and counted in the next one. */
 ZE_KEST_API void ze_kest_Debug_Log(unsigned int u32Level, const char *pszFormat, ...) ZE_KEST_PRINTF(2, 3);
 
 /* Writes one message to a file of the caller and flushes it, with no prefix, size limit or lock.

@@ -49,9 +49,9 @@ char *ze_kest_Utility_Strdup(const char *psz) {
   return IsRefused() ? nullptr : pfn(psz);
 }
 
-FILE *ze_kest_Utility_FileOpen(const char *pszPath, const char *pszMode) {
-  static const auto pfn = Next<decltype(ze_kest_Utility_FileOpen)>(__func__);
-  return IsRefused() ? nullptr : pfn(pszPath, pszMode);
+FILE *fdopen(int s32Fd, const char *pszMode) noexcept {
+  static const auto pfn = Next<FILE *(int, const char *)>(__func__);
+  return IsRefused() ? nullptr : pfn(s32Fd, pszMode);
 }
 
 namespace kest::test {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Texts that may be missing, and texts in fixed-size fields.
+// Texts in fixed-size fields.
 #pragma once
 
 #include <cstddef>
@@ -7,15 +7,6 @@
 #include "ze_kest/utility.h"
 
 namespace kest {
-
-inline bool IsEmpty(const char *psz) {
-  return psz == nullptr || *psz == '\0';
-}
-
-// How a report shows a text that may be missing.
-inline const char *Shown(const char *psz) {
-  return psz == nullptr ? "(null)" : psz;
-}
 
 // Cuts the text to the field and always terminates it. Returns false for NULL and leaves the field unchanged.
 template <size_t kSize>

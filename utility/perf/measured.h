@@ -3,7 +3,7 @@
 // lines appear under the name of the interface function that was called.
 #pragma once
 
-#include "utility/core/text_field.h"
+#include "utility/core/missing_text.h"
 #include "utility/perf/cycle_report.h"
 
 namespace kest {

@@ -71,6 +71,21 @@ TEST(StartUp, TheFirstLogLineOfAnyThreadSetsTheBaseUpOnce) {
   EXPECT_FALSE(std::filesystem::exists(kLogFile));
 }
 
+TEST(StartUp, TheThreadsOwnReportsReachTheLogFileButThoseOfItsCreationComeTooEarly) {
+  for (int i = 0; i < 20; ++i) {
+    EmptyDebugDirectory();
+    WriteFile(KEST_DEBUG_DIR "shm_global", {static_cast<char>(ZE_KEST_LEVEL_ENTER), '\0', '\0', '\0'});
+    const ReportCapture capture;
+    ASSERT_EQ(ZE_KEST_OK, ze_kest_Debug_Init());
+    WriteToPipe("");
+    EXPECT_TRUE(capture.Has("<WRN>", "pthread_attr_setschedparam(&_stKestDebugRuntimeMonitorThreadAttr"));
+    ASSERT_EQ(ZE_KEST_OK, ShutDown());
+    const std::string log = ReadFile(kLogFile);
+    EXPECT_THAT(log, Not(HasSubstr("_ZE_KEST_Debug_CreateThread")));
+    EXPECT_THAT(log, ContainsRegex("_ZE_KEST_Debug_RuntimeMonitor.*: Start\n"));
+  }
+}
+
 TEST(StartUp, CommandsOfOtherThreadsGoOnThroughShutDownsAndStarts) {
   EmptyDebugDirectory();
   const ReportCapture capture;  // keeps the reports from the terminal

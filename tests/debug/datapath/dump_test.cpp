@@ -154,6 +154,15 @@ TEST_F(Dump, APortForWhichThereIsNoMemoryIsSkippedWhole) {
   EXPECT_EQ(1u, files.count("DumpInpipefilter0_0_dmx.pcm") & files.count("DumpInpipefilter0_0.raw"));
 }
 
+TEST_F(Dump, NamesThatLeadOutOfTheDirectoryStayInIt) {
+  SwitchOn(kDumpInput);
+  Filter filter;
+  strcpy(filter.st->szName, "/../../S/PDIF");
+  filter.In(0).Ring(&ZE_KEST_Port_s::stRaw, 4).sztReadSize = 4;
+  EXPECT_EQ(ZE_KEST_OK, _ZE_KEST_Debug_Dump(filter, kInputDump));
+  EXPECT_EQ(1u, DumpedFiles().count("DumpInpipe_.._.._S_PDIF0_0.raw"));
+}
+
 TEST_F(Dump, ARunKeepsItsFilesUntilItIsSwitchedOff) {
   const DebugLayer layer;
   Filter filter;

@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include "debug/log/log_file.h"
+#include "tests/support/disk.h"
 #include "tests/support/library_test.h"
 
 namespace kest::test {
@@ -15,14 +16,6 @@ std::string LoggedBy(Calls &&calls) {
   const size_t sztBefore = ReadFile(kLogFile).size();
   calls();
   return ReadFile(kLogFile).substr(sztBefore);
-}
-
-// Puts a link in the place of the closed log file and switches file logging on again.
-uint32_t ReplaceLogFileBy(const char *pszTarget) {
-  _ZE_KEST_Debug_SetMode(kLogToFile, 0);
-  std::filesystem::remove(kLogFile);
-  std::filesystem::create_symlink(pszTarget, kLogFile);
-  return _ZE_KEST_Debug_SetMode(kLogToFile, 1);
 }
 
 std::string LoggedError() {
@@ -111,11 +104,12 @@ TEST(Log, TheConsoleGetsTheMessageAloneAndOnlyWhenSwitchedOn) {
   testing::internal::CaptureStdout();
   ze_kest_Debug_Log(ZE_KEST_LEVEL_ERR, "unseen\n");
   Command("kest_log_to_print=on");
+  printf("of the process itself\n");
   ze_kest_Debug_Log(ZE_KEST_LEVEL_ERR, "seen %d\n", 1);
   Command("kest_log_to_print=off");
   ze_kest_Debug_Log(ZE_KEST_LEVEL_ERR, "unseen\n");
   const std::string console = testing::internal::GetCapturedStdout();
-  EXPECT_THAT(console, HasSubstr("\nseen 1\n"));
+  EXPECT_THAT(console, HasSubstr("\nof the process itself\nseen 1\n"));
   EXPECT_THAT(console, Not(HasSubstr("unseen")));
 }
 
@@ -169,7 +163,10 @@ TEST(Log, LinesOfManyThreadsNeverInterleave) {
 TEST(Log, AFileThatCannotBeOpenedOrWrittenAndAnUnknownModeAreReportedOnceAndLoggingGoesOn) {
   const DebugLayer layer;
   const ReportCapture capture;
-  EXPECT_EQ(ZE_KEST_FAILED, ReplaceLogFileBy("/"));
+  _ZE_KEST_Debug_SetMode(kLogToFile, 0);
+  std::filesystem::remove(kLogFile);
+  std::filesystem::create_directory(kLogFile);
+  EXPECT_EQ(ZE_KEST_FAILED, _ZE_KEST_Debug_SetMode(kLogToFile, 1));
   EXPECT_TRUE(capture.Has("<ERR>", "Err! ze_kest_Utility_FileOpen failed!\n"));
   EXPECT_EQ(ZE_KEST_INVALID_ARGUMENT, ze_kest_Debug_SetParameter("kest_log_restart"));
   EXPECT_TRUE(capture.Has("<ERR>", "Err! fopen failed!\n"));
@@ -177,10 +174,47 @@ TEST(Log, AFileThatCannotBeOpenedOrWrittenAndAnUnknownModeAreReportedOnceAndLogg
   EXPECT_EQ(ZE_KEST_OK, _ZE_KEST_Debug_SetMode(2, 1));
   EXPECT_TRUE(capture.Has("<ERR>", "Err! eMode(2) not found\n"));
 
-  ReplaceLogFileBy("/dev/full");
-  ze_kest_Debug_Log(ZE_KEST_LEVEL_ERR, "lost\n");
+  std::filesystem::remove(kLogFile);
+  Command("kest_log_to_file=on");
+  {
+    const FileSizeLimit nothing(0);
+    ze_kest_Debug_Log(ZE_KEST_LEVEL_ERR, "lost\n");
+  }
   EXPECT_EQ(1, capture.Count("<ERR>", "Error! Fail to fflush()!\n"));
   EXPECT_EQ("ze_kest_Debug_Log", capture.Reports().back().function);
+}
+
+TEST(Log, LostAndCutLinesAreCountedInTheNextOneAndForgottenByARestart) {
+  const DebugLayer layer;
+  const auto lose = [] {
+    const FileSizeLimit limit(std::filesystem::file_size(kLogFile) + 10);
+    LogLines(3, ZE_KEST_LEVEL_PRINT, "this one is cut and no other fits");
+  };
+  const auto print = [] { LogLines(1, ZE_KEST_LEVEL_PRINT, "next"); };
+  EXPECT_EQ("this one i\nLost lines: 3\nnext\nnext\n", LoggedBy([&] {
+              lose();
+              print();
+              print();
+            }));
+  lose();
+  Command("kest_log_restart");
+  print();
+  EXPECT_EQ("next\n", ReadFile(kLogFile));
+  lose();
+  std::filesystem::resize_file(kLogFile, 0);  // as another process's restart does
+  print();
+  EXPECT_EQ("Lost lines: 3\nnext\n", ReadFile(kLogFile));
+}
+
+TEST(Log, RestartsAtOnceAreAllDoneAndKeepTheSwitch) {
+  const DebugLayer layer;
+  __android_log_set_logger([](const __android_logger_data *, const char *) {});
+  InThreads(4, [](int) {
+    for (int i = 0; i < 100; ++i)
+      Command("kest_log_restart");
+  });
+  __android_log_set_logger(__android_log_stderr_logger);
+  EXPECT_THAT(LoggedError(), HasSubstr("[2023/06/01,01,400]"));
 }
 
 TEST(Log, AFileThatCannotBeClosedIsReportedAndNothingHangs) {

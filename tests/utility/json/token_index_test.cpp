@@ -3,6 +3,7 @@
 
 #include "tests/support/ports.h"
 #include "tests/utility/json/json_text.h"
+#include "utility/json/tokenizer.h"
 
 namespace kest::test {
 
@@ -108,6 +109,28 @@ TEST(TokenIndex, TheArrayGrowsByStepsAsFarAsTheTextNeeds) {
     EXPECT_EQ(roomy.Tokens(), json.Tokens());
     EXPECT_EQ(u32Tokens, json.st.u32TotalTokenCounter);
     EXPECT_EQ(sztBytes, json.st.sztTokenInfoSize);
+  }
+}
+
+TEST(TokenIndex, ATextThatIsReadInPartsHasTheSameIndexUnlessItIsGivenUp) {
+  const ReportCapture capture(ZE_KEST_LEVEL_PRINT);
+  static const char *const apszBits[] = {R"({"k": -12},)", R"("a,b]\\\"\u00e4 :",)", "true ,", "[[ ],[1]],",
+                                         "x:y\n"};
+  for (uint32_t u32Seed = 0; u32Seed < 100; ++u32Seed) {
+    std::string text = "[";
+    for (const uint8_t u8 : Noise(500, u32Seed))
+      text += apszBits[u8 % std::size(apszBits)] + std::string(u8 / 64, ' ');
+    text += "]";
+    if (u32Seed % 2 == 1) text = Repeated(600, "[") + text + Repeated(600, "]");
+    JsonText whole(text);
+    const std::string expected = whole.Tokens();
+    JsonText parts(text);
+    FillUpTokenInfo(&parts.st, [](const ZE_KEST_Jsmn_s &) { return false; });
+    EXPECT_NE("failed", expected);
+    EXPECT_EQ(expected, parts.Tokens()) << text;
+    JsonText givenUp(text);
+    EXPECT_EQ(ZE_KEST_FAILED, FillUpTokenInfo(&givenUp.st, [](const ZE_KEST_Jsmn_s &) { return true; }));
+    EXPECT_LT(givenUp.st.pos, 1100u);
   }
 }
 
