@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// One line of a sink, written in a single write whatever its length: several processes append to the log
-// file, and only that keeps their lines apart.
+// One line of a log, of any length. A sink gets it in a single write: several processes append to the log file,
+// and only that keeps their lines apart.
 #pragma once
 
 #include <cstdarg>
@@ -39,6 +39,12 @@ class LogLine {
   // The same for a socket, without waiting.
   [[nodiscard]] ssize_t SendTo(int s32Socket) const;
   [[nodiscard]] size_t Length() const { return sztLength_; }
+
+  // What has been appended so far, terminated. Valid until the next call.
+  [[nodiscard]] const char *c_str() {
+    pcText_[sztLength_] = '\0';
+    return pcText_;
+  }
 
  private:
   static constexpr size_t kUsualSize = 1024;

@@ -4,8 +4,8 @@
 
 #include <dlfcn.h>
 
-#include "player/layout.h"
-#include "player/playback.h"
+#include "player/config/layout.h"
+#include "player/session/playback.h"
 #include "tests/player/player_test.h"
 
 namespace kest::test {
@@ -84,7 +84,7 @@ TEST_F(PlayerTest, TheSoundIsRightWhateverMemoryTheInstrumentsAreRefused) {
     g_u32Seed = u32Seed;
     g_bScarce = true;
     {
-      player::Playback playback(player::MakeLayout(options), options);
+      player::Playback playback(player::MakeLayout(options, player::BuiltInKinds()), options);
       playback.Start();
       while (!playback.HasEnded()) {
         for (const char *pszLine : kQuestions)

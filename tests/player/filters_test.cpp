@@ -1,11 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 // What filters do when they are changed while they run, and when their output is full.
+#include <chrono>
+#include <thread>
 
 #include "ze_kest/result.h"
 
 #include "player/filters/delay.h"
 #include "player/filters/lpcm.h"
 #include "player/filters/metadata_counter.h"
+#include "player/filters/playback_clock.h"
 #include "player/filters/volume.h"
 #include "player/framework/filter_entries.h"
 #include "tests/player/player_test.h"
@@ -128,6 +131,22 @@ TEST(Filter, CountsAnOutputWithoutRoomAndKeepsItsInput) {
   volume.RunCycle(false);
   EXPECT_EQ(1u, bench.OutputPcm().u64PcmXrunCount);
   EXPECT_EQ(SilenceThenNumbers(0, 1, 4 * kCycle), bench.Run(2, true));
+}
+
+// Noise of the machine can only make the times longer.
+TEST(PlaybackClock, HoldsBackWhatIsEarlyAndStartsOverWhenItIsLate) {
+  using Clock = std::chrono::steady_clock;
+  constexpr std::chrono::milliseconds kTenMs{10};
+  PlaybackClock clock(48000);
+  const Clock::time_point start = Clock::now();
+  for (int cycle = 0; cycle < 10; ++cycle)
+    clock.WaitFor(480);
+  EXPECT_LE(9 * kTenMs, Clock::now() - start);
+  std::this_thread::sleep_for(3 * kTenMs);
+  const Clock::time_point late = Clock::now();
+  EXPECT_FALSE(clock.WaitFor(480));
+  clock.WaitFor(480);
+  EXPECT_LE(kTenMs, Clock::now() - late);
 }
 
 template <typename Value>

@@ -6,8 +6,8 @@
 
 #include <android/log.h>
 
-#include "player/layout.h"
-#include "player/playback.h"
+#include "player/config/layout.h"
+#include "player/session/playback.h"
 #include "tests/player/player_test.h"
 
 namespace kest::player {
@@ -43,7 +43,7 @@ class PlaybackRegistration : public test::PlayerTest {
     return options;
   }
 
-  const Layout layout_ = MakeLayout(Fast());
+  const Layout layout_ = MakeLayout(Fast(), BuiltInKinds());
 
  private:
   test::DebugLayer debugLayer_;

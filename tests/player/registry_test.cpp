@@ -127,6 +127,8 @@ TEST_F(PlayerRegistry, CommandsReachOneFilterAndRefusalsAreReported) {
   constexpr const char *kRefused = "SetParameter failed(0x8)!";
   Start({kRecording, "--loop"});
   Ask("kest_log_level=err");
+  EXPECT_TRUE(PlayOn(*player_, 20000));
+  EXPECT_THAT(ReadFile(kLogFile), Not(HasSubstr("pszDup=\n"))) << "nobody typed an empty line";
   const std::string state = Ask("kest_debug_send_cmd=1,state");
   EXPECT_THAT(state, ContainsRegex("\nSpeakerOutput Mixer in 0: [0-9]+/1024 frames, [0-9]+/192 bytes of"));
   EXPECT_THAT(state, ContainsRegex("\nSpeakerOutput Mixer out 0: [0-9]+/1024 frames"));

@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "player/debug_session.h"
+#include "player/session/debug_session.h"
 
 #include <cerrno>
 #include <cstring>
 #include <iostream>
+#include <string>
 
 #include <sys/stat.h>
 #include <unistd.h>
@@ -24,6 +25,24 @@ void WarnAboutDirectory() {
             << "  and make the directory writable for you\n";
 }
 
+// Whether the library will be able to make the command pipe, tried under a name that nobody uses.
+bool MayMakePipe() {
+  const std::string probe = kCommandPipe + std::to_string(getpid());
+  return mkfifo(probe.c_str(), 0600) == 0 && unlink(probe.c_str()) == 0;
+}
+
+void WarnAboutPipe() {
+  struct stat status {};
+  if (stat(kCommandPipe, &status) == 0) {
+    if (S_ISFIFO(status.st_mode)) return;
+    std::cerr << "kest-player: " << kCommandPipe
+              << " is no pipe, no commands are read; remove it while no player is running\n";
+  } else if (errno == ENOENT && !MayMakePipe()) {
+    std::cerr << "kest-player: no commands are read: cannot make the pipe " << kCommandPipe << ": "
+              << std::strerror(errno) << "\n";
+  }
+}
+
 // Warns of a file that another user's player has left behind or is using.
 void WarnAboutFile(const char *path) {
   if (access(path, R_OK | W_OK) == 0 || errno == ENOENT) return;
@@ -33,6 +52,7 @@ void WarnAboutFile(const char *path) {
 
 void WarnAboutWhatIsMissing() {
   if (access(kDirectory, W_OK | X_OK) != 0) return WarnAboutDirectory();
+  WarnAboutPipe();
   WarnAboutFile(kCommandPipe);
   WarnAboutFile(kLogFile);
 }

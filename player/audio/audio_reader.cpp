@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "player/audio_reader.h"
+#include "player/audio/audio_reader.h"
 
 #include <algorithm>
 #include <array>
@@ -10,7 +10,7 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 
-#include "player/player_error.h"
+#include "player/base/player_error.h"
 
 namespace kest::player {
 namespace {
@@ -39,7 +39,8 @@ UniqueFd OpenRegularFile(const std::string &path) {
 
 }  // namespace
 
-AudioReader::AudioReader(const std::string &path) : path_(path), fd_(OpenRegularFile(path)) {
+AudioReader::AudioReader(const std::string &path)
+    : path_(path), fd_(OpenRegularFile(path)), bytesAtStart_(Bytes()) {
   file_.reset(sf_open_fd(fd_.Get(), SFM_READ, &info_, SF_FALSE));
   if (!file_) {
     throw PlayerError(
@@ -49,6 +50,12 @@ AudioReader::AudioReader(const std::string &path) : path_(path), fd_(OpenRegular
     throw PlayerError(path + " has an unsupported sample rate of " + std::to_string(info_.samplerate) +
                       " Hz; 4000 to 768000 Hz can be played");
   }
+}
+
+off_t AudioReader::Bytes() const {
+  struct stat status {};
+  fstat(fd_.Get(), &status);
+  return status.st_size;
 }
 
 SampleBits AudioReader::Bits() const {
@@ -104,7 +111,9 @@ uint32_t AudioReader::ReadFloatingPoint(int32_t *interleaved, uint32_t frames) {
 }
 
 uint32_t AudioReader::Checked(sf_count_t framesRead, uint32_t framesWanted) const {
-  if (framesRead < framesWanted && sf_error(file_.get()) != SF_ERR_NO_ERROR) {
+  if (framesRead == framesWanted) return framesWanted;
+  if (Bytes() < bytesAtStart_) throw PlayerError(path_ + " became shorter while it was played");
+  if (sf_error(file_.get()) != SF_ERR_NO_ERROR) {
     throw PlayerError(path_ + " is damaged or cannot be read to its end: " + sf_strerror(file_.get()));
   }
   return static_cast<uint32_t>(framesRead);

@@ -5,19 +5,13 @@
 #include <string>
 #include <vector>
 
-#include "player/framework/filter_kind.h"
-#include "player/options.h"
+#include "player/config/options.h"
+#include "player/filters/filter_kinds.h"
+#include "player/framework/filter_layout.h"
 
 namespace kest::player {
 
 constexpr const char *kOutputPipeline = "SpeakerOutput";
-
-struct FilterLayout {
-  const FilterKind *kind;
-  std::string file{};  // Lpcm reads it, SpeakerOutput writes it
-  int gainDb = 0;      // Volume
-  int delayMs = 0;     // Delay
-};
 
 struct PipelineLayout {
   std::string name;
@@ -30,8 +24,8 @@ struct Layout {
   PipelineLayout output;
 };
 
-// The layout from the configuration file, or the default one with the files and settings of the command line.
-// Throws PlayerError when the configuration is wrong.
-Layout MakeLayout(const Options &options);
+// The layout from the configuration file, with filters of these kinds, or the default one with the files and
+// settings of the command line. Throws PlayerError when the configuration is wrong.
+Layout MakeLayout(const Options &options, const FilterKinds &kinds);
 
 }  // namespace kest::player

@@ -2,7 +2,7 @@
 // Keeps the library's debug layer up for as long as the object exists.
 #pragma once
 
-#include "player/pipe_waker.h"
+#include "player/session/pipe_waker.h"
 
 namespace kest::player {
 

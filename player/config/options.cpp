@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "player/options.h"
+#include "player/config/options.h"
 
 #include <CLI/CLI.hpp>
 

@@ -7,8 +7,8 @@
 
 #include <sndfile.h>
 
-#include "player/audio_reader.h"
-#include "player/unique_fd.h"
+#include "player/audio/audio_reader.h"
+#include "player/base/unique_fd.h"
 
 namespace kest::player {
 

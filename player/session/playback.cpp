@@ -1,13 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "player/playback.h"
+#include "player/session/playback.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 
-#include <sys/stat.h>
-
+#include "player/base/player_error.h"
+#include "player/filters/lpcm.h"
 #include "player/filters/speaker_output.h"
-#include "player/player_error.h"
+#include "player/session/output_check.h"
 
 namespace kest::player {
 namespace {
@@ -17,7 +18,7 @@ constexpr uint32_t kLinkFrames = 16 * kCycleFrames;
 std::vector<AudioReader> OpenInputs(const Layout &layout) {
   std::vector<AudioReader> readers;
   for (const PipelineLayout &input : layout.inputs) {
-    readers.emplace_back(input.filters.front().file);
+    readers.emplace_back(input.filters.front().FileName(Lpcm::kFileSetting));
   }
   return readers;
 }
@@ -43,18 +44,6 @@ void CheckInputs(const std::vector<AudioReader> &readers, bool loop) {
   }
 }
 
-void CheckOutputIsNoInput(const std::vector<AudioReader> &readers, const std::string &output) {
-  struct stat outputStat {};
-  if (stat(output.c_str(), &outputStat) != 0) return;
-  for (const AudioReader &reader : readers) {
-    struct stat inputStat {};
-    if (fstat(reader.Descriptor(), &inputStat) == 0 && inputStat.st_dev == outputStat.st_dev &&
-        inputStat.st_ino == outputStat.st_ino) {
-      throw PlayerError("the output " + output + " is also an input; choose another output");
-    }
-  }
-}
-
 // 16 bits when that holds every input exactly and --wide is not given.
 PcmFormat CommonFormat(const std::vector<AudioReader> &readers, bool wide) {
   const bool all16 = !wide && std::all_of(readers.begin(), readers.end(), [](const AudioReader &reader) {
@@ -63,22 +52,29 @@ PcmFormat CommonFormat(const std::vector<AudioReader> &readers, bool wide) {
   return {readers[0].Channels(), readers[0].SampleRate(), all16 ? 16u : 32u};
 }
 
+uint64_t FrameLimit(const Options &options, uint32_t sampleRate) {
+  if (!options.seconds) return FilterMaterial::kNoLimit;
+  return static_cast<uint64_t>(std::round(*options.seconds * sampleRate));
+}
+
 }  // namespace
 
 Playback::Playback(const Layout &layout, const Options &options)
-    : outputPath_(layout.output.filters.back().file) {
+    : outputPath_(layout.output.filters.back().FileName(SpeakerOutput::kFileSetting)) {
   std::vector<AudioReader> readers = OpenInputs(layout);
   CheckInputs(readers, options.loop);
-  CheckOutputIsNoInput(readers, outputPath_);
+  CheckOutput(outputPath_, readers, options.config);
   format_ = CommonFormat(readers, options.wide);
   // In real time an input may take as long as a cycle lasts.
   if (!options.fast)
     inputPatience_ = std::chrono::microseconds(kCycleFrames * 1000000ull / format_.sampleRate);
 
-  Pipeline &output = Build(layout.output, {format_, options, readers[0], 0});
+  const uint64_t limit = FrameLimit(options, format_.sampleRate);
+  Pipeline &output = Build(layout.output, {format_, readers[0], 0, options.loop, !options.fast, limit});
   output_ = &static_cast<const SpeakerOutput &>(output.LastFilter());
   for (uint32_t i = 0; i < readers.size(); ++i) {
-    Pipeline &input = Build(layout.inputs[i], {format_, options, readers[i], i + 1});
+    Pipeline &input =
+        Build(layout.inputs[i], {format_, readers[i], i + 1, options.loop, !options.fast, limit});
     links_.push_back(std::make_unique<PipelineLink>(format_, PortCapacity::ForFrames(kLinkFrames)));
     input.FeedInto(output, *links_.back());
   }
@@ -92,7 +88,7 @@ Playback::~Playback() {
 Pipeline &Playback::Build(const PipelineLayout &layout, const FilterMaterial &material) {
   pipelines_.push_back(std::make_unique<Pipeline>(layout.name.c_str(), format_, inputPatience_));
   for (const FilterLayout &filter : layout.filters) {
-    pipelines_.back()->Append(MakeFilter(filter, material));
+    pipelines_.back()->Append(filter.kind->make(filter, material));
   }
   return *pipelines_.back();
 }

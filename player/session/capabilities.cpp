@@ -1,15 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "player/capabilities.h"
+#include "player/session/capabilities.h"
 
 #include <array>
 #include <cstdio>
 #include <vector>
 
 #include "ze_kest/debug.h"
-
-#include "player/filters/delay.h"
-#include "player/filters/lpcm.h"
-#include "player/filters/volume.h"
 
 namespace kest::player {
 namespace {
@@ -25,9 +21,9 @@ SupportedParameter Describe(const FilterKind &kind, const Parameter &parameter) 
   return supported;
 }
 
-std::vector<SupportedParameter> ListParameters() {
+std::vector<SupportedParameter> SupportedParameters(const FilterKinds &kinds) {
   std::vector<SupportedParameter> list;
-  for (const FilterKind *kind : {&Lpcm::kKind, &Volume::kKind, &Delay::kKind}) {
+  for (const FilterKind *kind : kinds) {
     for (const Parameter &parameter : kind->parameters) {
       list.push_back(Describe(*kind, parameter));
     }
@@ -52,9 +48,9 @@ std::array<uint8_t, ZE_KEST_SAD_SIZE> OutputFormats() {
 
 }  // namespace
 
-void AnnounceCapabilities() {
+void AnnounceCapabilities(const FilterKinds &kinds) {
   static const std::vector<SupportedParameter> parameters =
-      ListParameters();  // the library keeps the pointer
+      SupportedParameters(kinds);  // the library keeps the pointer
   ze_kest_Debug_SetSupportedParameterList(parameters.data());
   const auto formats = OutputFormats();
   ze_kest_Debug_SetSAD(formats.data(), ZE_KEST_SAD_SIZE);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "player/audio_writer.h"
+#include "player/audio/audio_writer.h"
 
 #include <array>
 #include <cerrno>
@@ -7,7 +7,7 @@
 
 #include <fcntl.h>
 
-#include "player/player_error.h"
+#include "player/base/player_error.h"
 
 namespace kest::player {
 namespace {

@@ -6,11 +6,11 @@
 #include <string>
 #include <vector>
 
-#include "player/filter_maker.h"
+#include "player/config/layout.h"
+#include "player/config/options.h"
+#include "player/filters/filter_material.h"
 #include "player/framework/pipeline.h"
 #include "player/framework/pipeline_link.h"
-#include "player/layout.h"
-#include "player/options.h"
 
 namespace kest::player {
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "player/layout.h"
+#include "player/config/layout.h"
 
 #include "player/config/layout_reader.h"
 #include "player/filters/delay.h"
@@ -14,22 +14,23 @@ namespace {
 constexpr size_t kFirstDecoder = 13;
 
 Layout CommandLineLayout(const Options &options) {
-  const auto delayMs = static_cast<int>(options.delayMs);
+  const FilterLayout volume{&Volume::kKind, {{Volume::kGainSetting, options.gainDb}}};
+  const FilterLayout delay{&Delay::kKind, {{Delay::kDelaySetting, static_cast<int>(options.delayMs)}}};
   Layout layout;
   layout.output = {
       kOutputPipeline,
-      {{&Mixer::kKind}, {&Delay::kKind, "", 0, delayMs}, {&SpeakerOutput::kKind, options.output}}};
+      {{&Mixer::kKind}, delay, {&SpeakerOutput::kKind, {{SpeakerOutput::kFileSetting, options.output}}}}};
   for (const std::string &input : options.inputs) {
     const std::string name = "Decoder_" + std::to_string(kFirstDecoder + layout.inputs.size());
-    layout.inputs.push_back({name, {{&Lpcm::kKind, input}, {&Volume::kKind, "", options.gainDb}}});
+    layout.inputs.push_back({name, {{&Lpcm::kKind, {{Lpcm::kFileSetting, input}}}, volume}});
   }
   return layout;
 }
 
 }  // namespace
 
-Layout MakeLayout(const Options &options) {
-  return options.config ? ReadLayout(*options.config) : CommandLineLayout(options);
+Layout MakeLayout(const Options &options, const FilterKinds &kinds) {
+  return options.config ? ReadLayout(*options.config, kinds) : CommandLineLayout(options);
 }
 
 }  // namespace kest::player

@@ -7,8 +7,9 @@
 #include <string>
 
 #include <sndfile.h>
+#include <sys/types.h>
 
-#include "player/unique_fd.h"
+#include "player/base/unique_fd.h"
 
 namespace kest::player {
 
@@ -25,10 +26,10 @@ class AudioReader {
   [[nodiscard]] uint32_t SampleRate() const { return static_cast<uint32_t>(info_.samplerate); }
   [[nodiscard]] bool CanRewind() const { return info_.seekable != 0; }
   [[nodiscard]] SampleBits Bits() const;
-  [[nodiscard]] int Descriptor() const { return fd_.Get(); }
 
   // Reads interleaved frames, samples left-aligned; floating-point samples saturate at full scale. Returns
-  // fewer frames than asked for only at the end of the file. Throws PlayerError when the file is damaged.
+  // fewer frames than asked for only at the end of the file. Throws PlayerError when the file is damaged or
+  // has become shorter since it was opened.
   uint32_t Read(int16_t *interleaved, uint32_t frames);
   uint32_t Read(int32_t *interleaved, uint32_t frames);
   void Rewind();
@@ -38,12 +39,14 @@ class AudioReader {
     void operator()(SNDFILE *file) const { sf_close(file); }
   };
 
+  [[nodiscard]] off_t Bytes() const;
   [[nodiscard]] bool IsFloatingPoint() const;
   uint32_t ReadFloatingPoint(int32_t *interleaved, uint32_t frames);
   [[nodiscard]] uint32_t Checked(sf_count_t framesRead, uint32_t framesWanted) const;
 
   std::string path_;
   UniqueFd fd_;
+  off_t bytesAtStart_;
   SF_INFO info_{};
   std::unique_ptr<SNDFILE, Close> file_;
 };
