@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "debug/datapath/filter_names.h"
 
-#include "debug/base/begins_with.h"
+#include "utility/core/begins_with.h"
 
 namespace kest {
 

@@ -3,11 +3,11 @@
 
 #include "ze_kest/result.h"
 
-#include "debug/base/begins_with.h"
 #include "debug/base/debug_mutex.h"
 #include "debug/datapath/keyword_commands.h"
 #include "debug/datapath/sine_output.h"
 #include "debug/registry/registry.h"
+#include "utility/core/begins_with.h"
 #include "utility/core/report.h"
 
 namespace kest {

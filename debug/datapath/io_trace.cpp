@@ -3,10 +3,10 @@
 
 #include "ze_kest/debug.h"
 
-#include "debug/base/begins_with.h"
 #include "debug/base/debug_mutex.h"
 #include "debug/datapath/switches.h"
 #include "debug/registry/listing.h"
+#include "utility/core/begins_with.h"
 #include "utility/core/owned_file.h"
 #include "utility/core/owned_memory.h"
 #include "utility/core/report.h"

@@ -5,10 +5,10 @@
 
 #include "ze_kest/debug.h"
 
-#include "debug/base/begins_with.h"
 #include "debug/base/debug_mutex.h"
 #include "debug/base/started.h"
 #include "debug/registry/registry.h"
+#include "utility/core/begins_with.h"
 #include "utility/core/report.h"
 
 namespace kest {
