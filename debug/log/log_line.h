@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// One line of a log, of any length. A sink gets it in a single write: several processes append to the log file,
-// and only that keeps their lines apart.
+// One line of a log, of any length. A sink gets it in a single write: several processes append to the log
+// file, and only that keeps their lines apart.
 #pragma once
 
 #include <cstdarg>
