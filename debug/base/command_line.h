@@ -17,7 +17,7 @@ class CommandLine {
   const char *Next(const char *pszSeparator) { return ze_kest_Utility_Strsep(&pszRest_, pszSeparator); }
 
   // The text after the last separator consumed; NULL when nothing is left.
-  [[nodiscard]] const char *Rest() const { return pszRest_; }
+  [[nodiscard]] char *Rest() const { return pszRest_; }
 
  private:
   Owned<char> copy_;

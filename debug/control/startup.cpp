@@ -5,6 +5,7 @@
 
 #include "ze_kest/debug.h"
 
+#include "debug/base/base_init.h"
 #include "debug/base/debug_mutex.h"
 #include "debug/base/shared_settings.h"
 #include "debug/base/started.h"
@@ -16,8 +17,6 @@
 #include "debug/datapath/sine_output.h"
 #include "debug/datapath/switches.h"
 #include "debug/log/log_file.h"
-#include "debug/requests/perf_target.h"
-#include "debug/requests/process_status.h"
 #include "debug/requests/requests.h"
 #include "debug/thread/test_threads.h"
 #include "debug/thread/thread_watch.h"
@@ -54,8 +53,6 @@ void ResetInstrumentation() {
 
 void InitialiseBase() {
   Store(bKestAtraceEnable, uint8_t{0});
-  ResetPerfEventTarget();
-  ResetProcessStatusQuery();
   ResetRequests();
   _ZE_KEST_Debug_ShmInit();
   SetStarted(false);

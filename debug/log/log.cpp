@@ -4,10 +4,10 @@
 
 #include "ze_kest/debug.h"
 
+#include "debug/base/base_init.h"
 #include "debug/base/debug_mutex.h"
 #include "debug/base/inside_log.h"
 #include "debug/base/started.h"
-#include "debug/control/startup.h"
 #include "debug/log/console.h"
 #include "debug/log/log_file.h"
 #include "debug/log/log_line.h"

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "debug/requests/perf_target.h"
+#include "debug/requests/requests.h"
 #include "tests/support/failing_allocator.h"
 #include "tests/support/fake_counters.h"
 #include "tests/support/ports.h"
