@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // Real processes that start, log, command, are killed, shut down and start again on one debug directory.
 //
-// KEST_STRESS_SECONDS lengthens the run.
+// KEST_STRESS_SECONDS lengthens the run; KEST_STRESS_SEED repeats the choices of one that failed.
 #include <algorithm>
 #include <array>
 #include <atomic>
@@ -218,6 +218,31 @@ seconds StressLength() {
   return seconds(pszSeconds == nullptr ? 3 : atoi(pszSeconds));
 }
 
+// Waits until the log holds the answer to the line.
+bool IsAnswered(const std::string &size) {
+  return WaitFor([&] { return ReadFile(kLogFile).find("LogSizeMax:" + size + "\n") != std::string::npos; });
+}
+
+TEST(SeveralProcesses, AStoppedOneLeavesThePipeToTheOthers) {
+  EmptyDebugDirectory();
+  const pid_t s32Pid = fork();
+  if (s32Pid == 0) {
+    ze_kest_Debug_Init();
+    for (;;)
+      pause();
+  }
+  WriteToPipe("kest_log_size=111111111\n");
+  EXPECT_TRUE(IsAnswered("111111111"));
+  usleep(50000);  // it is back at its wait for the next line
+  kill(s32Pid, SIGSTOP);
+  EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_Init());
+  WriteToPipe("kest_log_size=222222222\n");
+  EXPECT_TRUE(IsAnswered("222222222"));
+  kill(s32Pid, SIGKILL);
+  waitpid(s32Pid, nullptr, 0);
+  EXPECT_EQ(ZE_KEST_OK, ShutDown());
+}
+
 TEST(SeveralProcesses, ALineOfThePipeIsReadByOneOfThemAlone) {
   constexpr int kLines = 2000;
   EmptyDebugDirectory();
@@ -249,7 +274,11 @@ TEST(SeveralProcesses, ALineOfThePipeIsReadByOneOfThemAlone) {
 
 TEST(SeveralProcesses, LogCommandDieAndRestartInAnyOrderAndNoLineIsTornAndNoneHangs) {
   EmptyDebugDirectory();
-  Random random(std::random_device{}());
+  const char *pszSeed = getenv("KEST_STRESS_SEED");
+  const uint32_t u32Seed =
+      pszSeed == nullptr ? std::random_device{}() : static_cast<uint32_t>(strtoul(pszSeed, nullptr, 10));
+  SCOPED_TRACE("KEST_STRESS_SEED=" + std::to_string(u32Seed));
+  Random random(u32Seed);
   const auto end = Clock::now() + StressLength();
   int s32Whole = 0;
   // In rounds: a log is whole to read when nobody empties it.
