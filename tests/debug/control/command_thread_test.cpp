@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include "tests/support/library_test.h"
+#include "tests/support/refused_open.h"
 
 namespace kest::test {
 namespace {
@@ -47,6 +48,16 @@ TEST(CommandThread, ALineOfThePipeIsCarriedOutThoughItComesInPiecesFromSeveralWr
   EXPECT_TRUE(WaitFor([&] { return capture.Has("<PRINT>", "kest_atrace=on\n"); }));
   EXPECT_EQ(ZE_KEST_LEVEL_WRN, __atomic_load_n(&u32KestDebugLevel, __ATOMIC_RELAXED));
   EXPECT_TRUE(WaitFor([] { return __atomic_load_n(&bKestAtraceEnable, __ATOMIC_RELAXED) == 1; }));
+}
+
+// As it is for whoever does not own the pipe.
+TEST(CommandThread, ReadsAPipeThatItMayNotOpenWithoutAccessTimes) {
+  const RefusedOpen refused(O_NOATIME);
+  const DebugLayer layer;
+  const ReportCapture capture;
+  WriteToPipe("kest_log_size=55\n");
+  EXPECT_TRUE(WaitFor([&] { return capture.Has("<PRINT>", "LogSizeMax:55\n"); }));
+  EXPECT_EQ(1, RefusedOpen::Count());
 }
 
 TEST(CommandThread, ALongLineIsCutAt127BytesLosesOneByteAndGoesOnAsTheNextLine) {

@@ -5,6 +5,8 @@
 #include <filesystem>
 #include <thread>
 
+#include <unistd.h>
+
 #include "debug/base/debug_mutex.h"
 #include "debug/base/shared_settings.h"
 #include "debug/control/create_thread.h"
@@ -59,6 +61,30 @@ TEST(StartUp, ALaterProcessAdoptsTheLevelAndThePresetCommand) {
   EXPECT_TRUE(capture.Has("<PRINT>", "DebugPresetCmd:a=b,c=d,a=b,c=d\n"));
   EXPECT_TRUE(capture.Has("<PRINT>", "bDebugPresetCmd:1,1\n"));
   ShutDown();
+}
+
+TEST(StartUp, OwnAndSharedSettingsAreShownSideBySide) {
+  const DebugLayer layer;
+  Command("kest_log_level=wrn");
+  EXPECT_EQ(0, InAnotherProcess([] {
+              Command("kest_log_level=info");
+              Command("kest_debug_preset_cmd=all,b");
+            }));
+  const ReportCapture capture(ZE_KEST_LEVEL_WRN);
+  Command("kest_print_current_shm");
+  EXPECT_THAT(
+      capture.Texts("<PRINT>"),
+      testing::IsSupersetOf({"DebugLevel:0x30,0x40\n", "DebugPresetCmd:,b\n", "bDebugPresetCmd:0,1\n"}));
+}
+
+TEST(StartUp, WorksWhereTheStandardDescriptorsAreClosed) {
+  EmptyDebugDirectory();
+  EXPECT_EQ(0, InAnotherProcess([] {
+              close(STDIN_FILENO);
+              EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_Init());
+              Command("kest_print_current_shm");
+              EXPECT_THAT(ReadFile(kLogFile), HasSubstr("DebugLevel:0x1,0x1\n"));
+            }));
 }
 
 TEST(StartUp, TheFirstLogLineOfAnyThreadSetsTheBaseUpOnce) {

@@ -37,6 +37,7 @@ TEST_F(IoTrace, WritesTheEventsOfThePipelinesWhoseNamesBeginAlike) {
   EXPECT_EQ(0u, ze_kest_Debug_Io_Is_Enable());  // a new watch waits for its restart
   Cycle("pipe");
   EXPECT_EQ(ZE_KEST_OK, Command("pipe2"));
+  EXPECT_EQ(ZE_KEST_OK, Command("third"));
   EXPECT_EQ(ZE_KEST_OK, Command("restart"));
   EXPECT_EQ(1u, ze_kest_Debug_Io_Is_Enable());
   Cycle("pipe");
@@ -55,6 +56,7 @@ TEST_F(IoTrace, WritesTheEventsOfThePipelinesWhoseNamesBeginAlike) {
       "[f:eq,t1:30,t2:10,td:0]\n[ct:0,stop:4294967298][p:pipe2,t:2]\n\n[ct:1000,stop:999][p:pipe2,t:0]\n\n";
   EXPECT_EQ(kCycle + odd, Traced("pipe"));
   EXPECT_EQ(odd, Traced("pipe2"));
+  EXPECT_EQ("", Traced("third"));
 
   EXPECT_EQ(ZE_KEST_OK, Command("stop"));
   Cycle("pipe");
@@ -151,9 +153,11 @@ TEST_F(IoTrace, WatchesAndReleasesBesideRunningPipelines) {
       Cycle("pipe");
   });
   for (int i = 0; i < 100; ++i) {
-    Command("pipe");
-    Command("pi,restart");
-    Command("restart,release");
+    EXPECT_EQ(ZE_KEST_OK, Command("pipe"));
+    EXPECT_EQ(ZE_KEST_OK, Command("pi"));
+    EXPECT_EQ(ZE_KEST_OK, Command("restart"));
+    EXPECT_TRUE(WaitFor([] { return Traced("pi").find("[p:pipe,t:90]\n\n") != std::string::npos; }));
+    EXPECT_EQ(ZE_KEST_OK, Command("release"));
   }
   stop = true;
   tracer.join();

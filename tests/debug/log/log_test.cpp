@@ -5,6 +5,7 @@
 
 #include "debug/log/log_file.h"
 #include "tests/support/disk.h"
+#include "tests/support/failing_allocator.h"
 #include "tests/support/library_test.h"
 
 namespace kest::test {
@@ -84,16 +85,18 @@ TEST(Log, AChangeOfTheTimeZoneShowsInTheNextLine) {
   for (const auto &[zone, s32Hours] : {std::pair{"AAA-5", 5}, std::pair{"BBB3", -3}, std::pair{"CCC-5", 5}}) {
     setenv("TZ", zone, 1);
     tzset();
-    const time_t s64Before = time(nullptr) + s32Hours * 3600;
-    const std::string line = LoggedError();
-    const time_t s64After = time(nullptr) + s32Hours * 3600;
-    const auto text = [](time_t s64) {
+    const auto now = [hours = s32Hours] {  // of the log's own clock: time() may lag it
+      struct timespec st = {};
+      clock_gettime(CLOCK_REALTIME, &st);
+      st.tv_sec += hours * 3600;
       char szTime[32];
       struct tm stTime = {};
-      strftime(szTime, sizeof(szTime), "[%m-%d %H:%M:%S.", gmtime_r(&s64, &stTime));
+      strftime(szTime, sizeof(szTime), "[%m-%d %H:%M:%S.", gmtime_r(&st.tv_sec, &stTime));
       return HasSubstr(std::string(szTime));
     };
-    EXPECT_THAT(line, testing::AnyOf(text(s64Before), text(s64After)));
+    const auto before = now();
+    const std::string line = LoggedError();
+    EXPECT_THAT(line, testing::AnyOf(before, now()));
   }
   unsetenv("TZ");
   tzset();
@@ -121,7 +124,9 @@ TEST(Log, ARestartEmptiesTheFileCountsAndKeepsTheSwitch) {
   EXPECT_THAT(LoggedError(), HasSubstr("[2023/06/01,01,1]"));
 
   Command("kest_log_to_file=off");
+  const ReportCapture capture;
   Command("kest_log_restart");
+  EXPECT_THAT(capture.Texts("<ERR>"), IsEmpty());
   ze_kest_Debug_Log(ZE_KEST_LEVEL_ERR, "while off\n");
   EXPECT_EQ("", ReadFile(kLogFile));
   Command("kest_log_to_file=on");
@@ -142,6 +147,34 @@ TEST(Log, AFileThatHasGrownTooLongIsRestartedAtA1000thMessage) {
   Command("kest_log_size=1000000");
   LogLines(1000, ZE_KEST_LEVEL_PRINT, "0123456789");
   EXPECT_GT(std::filesystem::file_size(kLogFile), 11000u);
+}
+
+TEST(Log, ALongLineIsWholeAndWithoutMemoryForItCutBeforeTheNext) {
+  const DebugLayer layer;
+  std::string text;
+  while (text.size() < 5000)
+    text += std::to_string(text.size()) + ' ';
+  const auto logLong = [&text] { ze_kest_Debug_Log(ZE_KEST_LEVEL_PRINT, "%s|\n", text.c_str()); };
+  EXPECT_EQ(text + "|\n", LoggedBy(logLong));
+
+  const ReportCapture capture;
+  const std::string cut = LoggedBy([&logLong] {
+    const FailingAllocator memory(1);
+    logLong();
+  });
+  EXPECT_THAT(capture.Texts("<ERR>"), ElementsAre("Error! MALLOC error! \n", "Error! Fail to vfprintf()!\n"));
+  const std::string kept = cut.substr(0, cut.size() - 1);
+  EXPECT_GT(kept.size(), 1000u);
+  EXPECT_EQ(text.substr(0, kept.size()) + "\n", cut);
+}
+
+TEST(Log, ATextThatCannotBeFormattedIsReportedAndTheNextIsWhole) {
+  const DebugLayer layer;
+  const ReportCapture capture(ZE_KEST_LEVEL_ERR);
+  const wchar_t acNoCharacter[] = {0x7FFFFFFF, 0};
+  ze_kest_Debug_Log(ZE_KEST_LEVEL_ERR, "%ls\n", acNoCharacter);
+  EXPECT_THAT(capture.Texts("<ERR>"), ElementsAre("Error! Fail to vfprintf()!\n"));
+  EXPECT_THAT(LoggedError(), EndsWith("<ERR>\033[0mx\n"));
 }
 
 TEST(Log, LinesOfManyThreadsNeverInterleave) {

@@ -71,6 +71,7 @@ class PerformanceMeasure : public testing::Test {
 TEST_F(PerformanceMeasure, EveryFiftiethStopPrintsTheAveragesSinceTheFirstStart) {
   fake.counts = {200000000, 1010, 12346123456};
   for (const Form &form : kForms) {
+    SCOPED_TRACE(form.pszCyclesLabel);
     Select(form.pszTarget);
     st = {};
     for (uint64_t i = 0; i < 49; ++i)
@@ -145,6 +146,7 @@ TEST_F(PerformanceMeasure, OnlyTheTargetIsMeasuredAndTheOthersTellHowTheyAreSele
 
 TEST_F(PerformanceMeasure, AnotherTargetKeepsARecordAndNoTargetClearsItOnceUsed) {
   for (const Form &form : {kPipeline, kFilter}) {
+    SCOPED_TRACE(form.pszCyclesLabel);
     const auto used = [&] {
       Select(form.pszTarget);
       Cycle(form, 1000);
@@ -180,6 +182,7 @@ TEST_F(PerformanceMeasure, AnotherTargetKeepsARecordAndNoTargetClearsItOnceUsed)
 
 TEST_F(PerformanceMeasure, AFailureOfTheCountersEndsTheCall) {
   for (const Form &form : kForms) {
+    SCOPED_TRACE(form.pszCyclesLabel);
     Select(form.pszTarget);
     capture.Clear();
     st = {};
