@@ -12,6 +12,7 @@ namespace kest {
 pthread_mutex_t _stKestDebugMutex;
 pthread_mutex_t _stKestDebugShmMutex;
 pthread_mutex_t _stKestDebugLogMutex;
+OwnedMutex g_startMutex;
 OwnedMutex g_logSwitchMutex;
 OwnedMutex g_baseMutex;
 OwnedMutex g_testThreadsMutex;
@@ -24,6 +25,7 @@ LockOwner g_logOwner;
 
 // In the order of their use.
 ForkedMutex g_aForked[] = {
+    {&g_startMutex.stMutex, &g_startMutex.owner, false},
     {&_stKestDebugMutex, &g_owner, false},
     {&g_logSwitchMutex.stMutex, &g_logSwitchMutex.owner, false},
     {&g_baseMutex.stMutex, &g_baseMutex.owner, false},

@@ -15,6 +15,7 @@
 
 namespace kest {
 
+extern OwnedMutex g_startMutex;  // the creation of the command thread, until the layer counts as started
 extern pthread_mutex_t _stKestDebugMutex;     // the registry and the filter-io watch list
 extern OwnedMutex g_logSwitchMutex;           // whether the log goes to its file
 extern OwnedMutex g_baseMutex;                // the base initialisation

@@ -3,8 +3,6 @@
 
 #include <cstdint>
 
-#include <pthread.h>
-
 #include "utility/core/shared_value.h"
 
 namespace kest {
@@ -12,7 +10,6 @@ namespace {
 
 uint8_t g_bStarted = 0;
 uint8_t g_bEnding = 0;
-pthread_mutex_t g_startingMutex = PTHREAD_MUTEX_INITIALIZER;
 
 }  // namespace
 
@@ -30,18 +27,6 @@ bool IsEnding() {
 
 void SetEnding(bool bEnding) {
   Store(g_bEnding, static_cast<uint8_t>(bEnding));
-}
-
-Starting::Starting() {
-  pthread_mutex_lock(&g_startingMutex);
-}
-
-Starting::~Starting() {
-  pthread_mutex_unlock(&g_startingMutex);
-}
-
-void WaitForStart() {
-  const Starting starting;
 }
 
 }  // namespace kest

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Whether the debug layer is up, and whether it is about to come up or to go.
+// Whether the debug layer is up, and whether it is about to go.
 #pragma once
 
 namespace kest {
@@ -13,17 +13,5 @@ void SetStarted(bool bStarted);
 bool IsEnding();
 
 void SetEnding(bool bEnding);
-
-// Held by the start while it creates the command thread, until the layer counts as started.
-class Starting {
- public:
-  Starting();
-  ~Starting();
-  Starting(const Starting &) = delete;
-  Starting &operator=(const Starting &) = delete;
-};
-
-// Waits until no start is on its way.
-void WaitForStart();
 
 }  // namespace kest

@@ -5,10 +5,12 @@
 #include <sys/eventfd.h>
 #include <unistd.h>
 
+#include "utility/core/guarded_open.h"
+
 namespace kest {
 
 void WakeUp::Open() {
-  if (s32Fd_ < 0) s32Fd_ = eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
+  if (s32Fd_ < 0) s32Fd_ = AboveStandard(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK));
 }
 
 void WakeUp::Close() {

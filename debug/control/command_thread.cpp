@@ -9,8 +9,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "debug/base/debug_mutex.h"
 #include "debug/base/debug_thread.h"
-#include "debug/base/started.h"
 #include "debug/base/wake_up.h"
 #include "debug/control/dispatcher.h"
 #include "utility/core/debug_dir.h"
@@ -184,6 +184,11 @@ void ServeCommands(int s32Fd) {
     const uint32_t u32Result = _ZE_KEST_Debug_SetParameter(szLine);
     if (u32Result != ZE_KEST_OK) KEST_ERR_AS(kMonitor, "Err! SetParameter failed(0x%x)!\n", u32Result);
   }
+}
+
+// Returns once the layer counts as started, so that the thread's reports reach the log file.
+void WaitForStart() {
+  const HoldingOwned started(g_startMutex);
 }
 
 void *_ZE_KEST_Debug_RuntimeMonitor(void * /*pvUnused*/) {

@@ -96,7 +96,7 @@ uint32_t ze_kest_Debug_Init(void) {
 
   kest::_ZE_KEST_Debug_SetMode(kest::kLogToFile, 1);
   // Reports of the creation come too early for the log file. The thread waits, so that its own reach it.
-  const kest::Starting starting;
+  const kest::HoldingOwned starting(kest::g_startMutex);
   const uint32_t u32Result = kest::_ZE_KEST_Debug_CreateThread(kest::kCommandThread);
   kest::SetStarted(true);
   return u32Result;
