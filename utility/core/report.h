@@ -2,8 +2,8 @@
 // Reports: every failure goes to both the Android log and the library's own log.
 //
 // The level is tested first, and the arguments are evaluated only behind it, once. The text is formatted once
-// too, so both logs show the same, even of a name that another thread is changing. Each text is written out
-// in full where it is used, including "\n", so that grep finds it. The _AS forms take a function name, for
+// too, so both logs show the same, even of a name that another thread is changing. The telling half of each
+// text stands whole where it is used, so that grep finds it. The _AS forms take a function name, for
 // places where __func__ is the wrong one: in a template that serves several functions of the interface, or
 // for a named sub-step.
 #pragma once
