@@ -5,8 +5,6 @@
 #include <filesystem>
 #include <thread>
 
-#include <unistd.h>
-
 #include "debug/base/debug_mutex.h"
 #include "debug/base/shared_settings.h"
 #include "debug/control/create_thread.h"
@@ -24,7 +22,9 @@ TEST(StartUp, TheFirstSetsTheLevelToPrintAndOpensThePipeAndASecondDoesNothing) {
   // A second start is reported and starts no second thread.
   EXPECT_TRUE(WaitFor([] { return ThreadsNamed("KestDebug") == 1; }));
   const ReportCapture capture;
+  pFileKestDebugPipeline = stderr;
   EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_Init());
+  EXPECT_EQ(nullptr, pFileKestDebugPipeline);
   EXPECT_EQ((Texts{"Exit for double init\n"}), capture.Texts("<ERR>"));
   EXPECT_EQ(ZE_KEST_OK, _ZE_KEST_Debug_CreateThread(kest::kCommandThread));
   EXPECT_EQ(ZE_KEST_OK, _ZE_KEST_Debug_CreateThread(77));  // no such kind
@@ -75,16 +75,6 @@ TEST(StartUp, OwnAndSharedSettingsAreShownSideBySide) {
   EXPECT_THAT(
       capture.Texts("<PRINT>"),
       testing::IsSupersetOf({"DebugLevel:0x30,0x40\n", "DebugPresetCmd:,b\n", "bDebugPresetCmd:0,1\n"}));
-}
-
-TEST(StartUp, WorksWhereTheStandardDescriptorsAreClosed) {
-  EmptyDebugDirectory();
-  EXPECT_EQ(0, InAnotherProcess([] {
-              close(STDIN_FILENO);
-              EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_Init());
-              Command("kest_print_current_shm");
-              EXPECT_THAT(ReadFile(kLogFile), HasSubstr("DebugLevel:0x1,0x1\n"));
-            }));
 }
 
 TEST(StartUp, TheFirstLogLineOfAnyThreadSetsTheBaseUpOnce) {

@@ -151,7 +151,12 @@ TEST_F(Latency, TheEndFindsTheFirstLoudWordOfItsOutput) {
     EXPECT_EQ(ZE_KEST_OK, Send("kest_latency_start_filter=,start"));
     EXPECT_EQ(ZE_KEST_OK, Send("kest_latency=on"));
     Mark(_stKestLatency.bInserted);
+    capture.Clear();
     EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_MeasureLatency(filter, ZE_KEST_LATENCY_END));
+    char szSearched[32];
+    const size_t sztAt = (c.written.sztReadOffset + c.written.sztLevel) % kRing * sztWidth;
+    snprintf(szSearched, sizeof(szSearched), "%p ", static_cast<void *>(pu8Base + sztAt));
+    EXPECT_THAT(capture.Texts("<PRINT>").at(0), StartsWith(szSearched));
     EXPECT_EQ(c.s32Hit >= 0, IsMarked(_stKestLatency.bFound));
     const size_t sztCycle = c.written.sztWriteSize * sztWidth;
     EXPECT_EQ(c.s32Hit >= 0 ? static_cast<size_t>(c.s32Hit) : sztCycle, _stKestLatency.u32TotalBytes);

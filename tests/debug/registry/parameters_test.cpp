@@ -44,6 +44,8 @@ TEST_F(FilterParameters, AreSetInTheFirstFilterWhoseNamesBeginAsGivenIfItHasAnEn
   }
   EXPECT_EQ("", g_set);
   const ReportCapture capture;
+  Command("kest_debug_set_parameter=P,Volume,Gain,1,4");
+  EXPECT_THAT(capture.Texts("<ERR>"), IsEmpty());
   Command("kest_debug_set_parameter=P,Volume,Bad,1,4");
   EXPECT_EQ((Texts{"Error (0x00000021)! Fail to set parameter from filter:'Volume'\n"}),
             capture.Texts("<ERR>"));

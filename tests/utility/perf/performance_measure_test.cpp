@@ -79,6 +79,7 @@ TEST_F(PerformanceMeasure, EveryFiftiethStopPrintsTheAveragesSinceTheFirstStart)
     EXPECT_EQ(Texts{std::string(form.pszStartLabel) + "Start to record Perf Event(timestamp=5000000 us)\n"},
               Lines());
     Cycle(form, 6000000);
+    EXPECT_THAT(capture.Texts("<ERR>"), IsEmpty());
     EXPECT_EQ(Texts{std::string("[PERF_EVENT][50]") + form.pszCyclesLabel +
                     "[MIPS=10000.00][MCPS=0.05][CPU%=61730.61%](HwInstr:200000000/10000000000,"
                     "HwCpuCycles:1010/50500,SwTaskClock:12346123456/617306172800,"
