@@ -9,6 +9,10 @@ if(KEST_BUILD_PLAYER)
   install(FILES "${PROJECT_SOURCE_DIR}/player/example.json" DESTINATION "${CMAKE_INSTALL_DOCDIR}/player")
 endif()
 
+if(KEST_BUILD_CTL)
+  install(TARGETS kestctl)
+endif()
+
 set(kest_cmake_dir "${CMAKE_INSTALL_LIBDIR}/cmake/kest")
 install(TARGETS kest EXPORT kest INCLUDES DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}")
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/include/ze_kest" DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}")

@@ -1,0 +1,17 @@
+// SPDX-License-Identifier: Apache-2.0
+// All commands. Help, man page, completion and the shell are made from this table.
+#pragma once
+
+#include <string_view>
+#include <vector>
+
+#include "ctl/commands/command.h"
+
+namespace kest::ctl {
+
+const std::vector<Command> &Commands();
+const Command *FindCommand(std::string_view name);
+// The options that every command takes.
+const std::vector<OptionInfo> &GlobalOptions();
+
+}  // namespace kest::ctl
