@@ -7,14 +7,19 @@
 #include <fmt/format.h>
 
 #include "ctl/channel/exchange.h"
+#include "ctl/channel/interrupt.h"
+#include "ctl/channel/log_follower.h"
 #include "ctl/channel/marker.h"
+#include "ctl/channel/write_failure.h"
 #include "ctl/model/level.h"
+#include "ctl/parse/lines.h"
 #include "ctl/parse/settings.h"
 
 namespace kest::ctl {
 namespace {
 
 constexpr std::chrono::milliseconds kReadersStayFresh{500};
+constexpr std::chrono::microseconds kAnyonePause{500};
 constexpr int kTries = 3;
 constexpr const char *kLockName = "kestctl.lock";
 
@@ -95,7 +100,10 @@ std::shared_ptr<void> Channel::LockOut() {
 }
 
 CtlError Channel::Silence() {
-  const Finding why = ExplainSilence(Surroundings(host_, settings_.directory));
+  const Surroundings around(host_, settings_.directory);
+  const Finding why = ExplainSilence(around);
+  if (around.unreadBytes > 0)
+    Warn("the lines stay in the pipe and will be carried out when it is read again");
   return {ExitCode::kNoAnswer,
           fmt::format("no answer within {} ms: {}", settings_.timeout.count(), why.found), why.remedy};
 }
@@ -123,6 +131,50 @@ Reply Channel::Ask(const std::vector<std::string> &lines) {
       if (error.Code() != ExitCode::kLost || triesLeft == 0) throw;
     }
   }
+}
+
+Lines Channel::AskAnyone(const std::string &line, const std::function<bool(const Lines &)> &isWhole) {
+  LogFollower log(host_, settings_.directory + "KestLog.txt");
+  const std::string pipe = settings_.directory + "D";
+  const WriteResult written = host_.WriteToPipe(pipe, line + "\n");
+  if (written != WriteResult::kWritten) throw WriteFailure(host_, pipe, written);
+  const auto deadline = Clock::now() + settings_.timeout;
+  std::string text;
+  Lines lines;
+  while (!isWhole(lines) && Clock::now() < deadline) {
+    const int restarts = log.Restarts();
+    const std::string more = log.ReadMore();
+    if (log.Restarts() != restarts) text.clear();
+    if (more.empty()) Pause(kAnyonePause);
+    text += more;
+    lines = SplitLogLines(text);
+  }
+  return lines;
+}
+
+std::vector<ProcessReply> Channel::AskEach(const std::string &line,
+                                           const std::function<bool(const Lines &)> &isWhole,
+                                           const std::function<std::vector<int>(const Lines &)> &tidsIn) {
+  const std::shared_ptr<void> lock = LockOut();
+  std::vector<Process> silent = GetReaders().processes;
+  std::vector<ProcessReply> replies;
+  const auto deadline = Clock::now() + settings_.timeout;
+  while (!silent.empty() && Clock::now() < deadline) {
+    Lines lines = AskAnyone(line, isWhole);
+    if (!isWhole(lines)) throw Silence();
+    const std::vector<int> tids = tidsIn(lines);
+    const auto isFrom = [&](const Process &process) {
+      return std::find_first_of(process.threads.begin(), process.threads.end(), tids.begin(), tids.end()) !=
+             process.threads.end();
+    };
+    const auto sender = std::find_if(silent.begin(), silent.end(), isFrom);
+    if (sender == silent.end()) continue;
+    replies.push_back({std::move(*sender), std::move(lines)});
+    silent.erase(sender);
+  }
+  for (const Process &process : silent)
+    Warn(fmt::format("{} ({}) has not answered, or has nothing registered", process.name, process.pid));
+  return replies;
 }
 
 Reply Channel::Send(const std::vector<std::string> &lines) {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <chrono>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -24,6 +25,13 @@ struct ChannelSettings {
   bool anyProcess = false;  // go on when several processes read the pipe
 };
 
+using Lines = std::vector<std::string>;
+
+struct ProcessReply {
+  Process process;
+  Lines lines;
+};
+
 class Channel {
  public:
   Channel(Host &host, ChannelSettings settings);
@@ -38,6 +46,13 @@ class Channel {
 
   // Sends lines that change nothing. A lost answer is asked for again.
   Reply Ask(const std::vector<std::string> &lines);
+  // Sends a line that changes nothing until each process that reads the pipe has answered: a line goes to
+  // whichever is first, and markers may overtake the answer. isWhole says when the lines that have come are
+  // an answer, tidsIn which threads it names. Processes that did not answer in time are missing from the
+  // result.
+  std::vector<ProcessReply> AskEach(const std::string &line,
+                                    const std::function<bool(const Lines &)> &isWhole,
+                                    const std::function<std::vector<int>(const Lines &)> &tidsIn);
   // Sends lines that may change something, once.
   Reply Send(const std::vector<std::string> &lines);
   // Sends a line and says whether the process took it. The log level is the same afterwards.
@@ -60,6 +75,9 @@ class Channel {
   // One lock for all that overlap.
   std::shared_ptr<void> LockOut();
   CtlError Silence();
+  // The lines that are added to the log after a line was sent, until they are an answer; fewer after a
+  // time-out.
+  Lines AskAnyone(const std::string &line, const std::function<bool(const Lines &)> &isWhole);
 
   Host &host_;
   ChannelSettings settings_;

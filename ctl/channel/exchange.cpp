@@ -15,6 +15,7 @@ using Clock = std::chrono::steady_clock;
 
 constexpr std::chrono::microseconds kFirstPause{50};
 constexpr std::chrono::microseconds kLongestPause{5000};
+constexpr std::chrono::milliseconds kGraceAfterRestart{100};
 constexpr const char *kRetryHint = "the log was restarted or replaced meanwhile; repeat the command";
 
 std::string JoinLines(const std::vector<std::string> &lines, const Marker &marker) {
@@ -70,12 +71,21 @@ std::optional<Reply> Exchange::Receive(std::chrono::milliseconds timeout) {
   const auto start = Clock::now();
   for (auto pause = kFirstPause; !TakeMore(); pause = std::min(pause * 5 / 4, kLongestPause)) {
     if (Clock::now() - start > timeout) return std::nullopt;
+    if (IsGone()) ThrowLost("the end of the answer was lost");
     Pause(pause);
   }
   if (!begun_ || !IsStillInLog()) ThrowLost("the beginning of the answer was lost");
   Reply reply = CutOut();
   reply.elapsedMs = std::chrono::duration<double, std::milli>(Clock::now() - start).count();
   return reply;
+}
+
+// After a restart the answer may be gone. It is when all lines have been read and the end has not come soon
+// after.
+bool Exchange::IsGone() {
+  const auto now = Clock::now();
+  if (!readSince_ && log_.Restarts() > 0 && host_.UnreadBytes(pipePath_) <= 0) readSince_ = now;
+  return readSince_ && now - *readSince_ > kGraceAfterRestart;
 }
 
 // True when the end marker has come.

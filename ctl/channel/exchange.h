@@ -25,6 +25,7 @@ class Exchange {
 
  private:
   [[nodiscard]] bool TakeMore();
+  [[nodiscard]] bool IsGone();
   [[nodiscard]] bool IsStillInLog() const;
   void DropWhatCameBefore();
   [[nodiscard]] Reply CutOut() const;
@@ -36,7 +37,7 @@ class Exchange {
   std::string text_;         // from the begin marker on, once it has come
   uint64_t textOffset_ = 0;  // where the text is in the log
   bool begun_ = false;
-  int restartsAtBegin_ = 0;
+  std::optional<std::chrono::steady_clock::time_point> readSince_;  // all lines, after a restart of the log
 };
 
 }  // namespace kest::ctl

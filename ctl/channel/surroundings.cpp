@@ -171,7 +171,9 @@ Finding CheckUnread(const Surroundings &around) {
   constexpr const char *kId = "unread";
   if (around.unreadBytes < 0) return Unknown(kId, "how much is unread cannot be seen");
   if (around.unreadBytes == 0) return Good(kId, "every line has been read");
-  return Bad(kId, fmt::format("{} bytes in the pipe have not been read", around.unreadBytes),
+  const std::string found = fmt::format("{} bytes in the pipe have not been read", around.unreadBytes);
+  if (CheckStopped(around).IsBad() || CheckPipeLock(around).IsBad()) return {kId, Status::kNote, found, {}};
+  return Bad(kId, found,
              "the command thread is busy or hangs, for example in a filter's command; look at its stack");
 }
 
@@ -183,8 +185,10 @@ Finding CheckFileLogging(const Surroundings &around) {
       return Unknown(kId, fmt::format("the files of {} cannot be seen", NameWithPid(process)));
     if (FindOpen(files, around.LogPath()) != nullptr)
       return Good(kId, fmt::format("{} logs to the file", NameWithPid(process)));
-    return Bad(kId, fmt::format("{} does not log to {}", NameWithPid(process), around.LogPath()),
-               fmt::format("echo kest_log_to_file=on >{}", around.PipePath()));
+    return Bad(
+        kId, fmt::format("{} does not log to {}", NameWithPid(process), around.LogPath()),
+        fmt::format("echo kest_log_to_file=on >{0}; if the log was moved away, echo kest_log_restart >{0}",
+                    around.PipePath()));
   });
 }
 

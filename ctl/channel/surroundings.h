@@ -26,7 +26,8 @@ struct Surroundings {
 
 // One thing that was looked at.
 struct Finding {
-  enum class Status { kGood, kBad, kUnknown };
+  // kNote: not wrong, but good to know.
+  enum class Status { kGood, kNote, kBad, kUnknown };
 
   const char *id;
   Status status;

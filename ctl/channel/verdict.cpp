@@ -7,8 +7,8 @@
 namespace kest::ctl {
 namespace {
 
-// Prints of the dispatcher while it looks for the command, and the confirmation and test lines of the level
-// commands around it.
+// Prints of the dispatcher while it looks for the command, and the confirmation of the level commands around
+// it.
 constexpr std::string_view kEchoes[] = {
     "_ZE_KEST_Debug_Cmd_SetParameter pszDup=",
     "_ZE_KEST_Debug_Cmd_SetParameter pszSub=",
@@ -19,7 +19,7 @@ bool IsEcho(const std::string &line) {
   for (const std::string_view echo : kEchoes) {
     if (BeginsWith(line, echo)) return true;
   }
-  return line.empty();
+  return line.empty() || IsOfInstrument(line);
 }
 
 // "Test:<ERR>": a level that lets ERR pass was set.

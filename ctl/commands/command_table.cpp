@@ -21,6 +21,14 @@ const std::vector<OptionInfo> &GlobalOptions() {
 const std::vector<Command> &Commands() {
   static const std::vector<Command> commands = {
       {"ps", "List the processes that read the pipe", "", {}, {}, RunPs},
+      {"doctor",
+       "Look for the reasons of silence",
+       "Looks at the directory, the pipe, who reads it, the log, the disk and the settings, and asks for an "
+       "answer;\n"
+       "says what to do about what is wrong. Exit code 1 when something is.",
+       {},
+       {},
+       RunDoctor},
       {"ls",
        "List what runs",
        "Pipelines with their filters, what they feed and what their ports hold; or only pipelines, filters, "

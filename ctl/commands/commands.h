@@ -7,6 +7,7 @@
 namespace kest::ctl {
 
 Result RunPs(Context &context, const Arguments &arguments);
+Result RunDoctor(Context &context, const Arguments &arguments);
 Result RunLs(Context &context, const Arguments &arguments);
 Result RunStatus(Context &context, const Arguments &arguments);
 Result RunSet(Context &context, const Arguments &arguments);

@@ -8,6 +8,8 @@
 #include "ctl/commands/commands.h"
 #include "ctl/commands/context.h"
 #include "ctl/commands/names.h"
+#include "ctl/parse/listing.h"
+#include "ctl/render/escape.h"
 #include "ctl/render/table.h"
 
 namespace kest::ctl {
@@ -127,6 +129,43 @@ struct View {
 constexpr std::array<View, 4> kViews = {
     {{"", ShowAll}, {"pipelines", ShowPipelines}, {"filters", ShowFilters}, {"ports", ShowPortTable}}};
 
+Json WithPid(Json pipelines, const Process &process) {
+  for (Json &pipeline : pipelines)
+    pipeline["pid"] = process.pid;
+  return pipelines;
+}
+
+std::vector<int> TidsIn(const Lines &lines) {
+  std::vector<int> tids;
+  for (const Pipeline &pipeline : ParseListing(lines).listing.pipelines) {
+    tids.push_back(pipeline.tid);
+    for (const Filter &filter : pipeline.filters)
+      tids.push_back(filter.tid);
+  }
+  return tids;
+}
+
+// Of every process that reads the pipe, one after the other.
+Result ListEach(Context &context, const View &view) {
+  const auto isWhole = [](const Lines &lines) { return ParseListing(lines).isWhole; };
+  Result result;
+  result.data = {{"pipelines", Json::array()}, {"io_bytes", 0}};
+  for (const ProcessReply &reply : context.GetChannel().AskEach("kest_debug_list=print", isWhole, TidsIn)) {
+    const Listing listing = ParseListing(reply.lines).listing;
+    for (Json &pipeline : WithPid(ToJson(listing)["pipelines"], reply.process))
+      result.data["pipelines"].push_back(std::move(pipeline));
+    result.data["io_bytes"] = result.data["io_bytes"].get<uint64_t>() + listing.ioBytes;
+    result.text += fmt::format("{}{} ({})\n{}", result.text.empty() ? "" : "\n", Escape(reply.process.name),
+                               reply.process.pid, view.show(listing));
+  }
+  return result;
+}
+
+bool ConcernsSeveral(Context &context) {
+  const Settings &settings = context.GetSettings();
+  return !settings.anyProcess && !settings.pid && context.GetChannel().GetReaders().processes.size() > 1;
+}
+
 }  // namespace
 
 Result RunLs(Context &context, const Arguments &arguments) {
@@ -138,6 +177,7 @@ Result RunLs(Context &context, const Arguments &arguments) {
     throw CtlError(ExitCode::kUsage, fmt::format("ls does not know \"{}\"", what),
                    "it lists pipelines, filters, ports or parameters; without a word, what runs");
   }
+  if (ConcernsSeveral(context)) return ListEach(context, *view);
   Result result;
   result.data = ToJson(context.GetListing());
   result.text = view->show(context.GetListing());

@@ -20,7 +20,7 @@ std::string Lower(std::string text) {
   return text;
 }
 
-// How many characters must be added, removed or replaced to make one text of the other.
+// How many characters must be added, removed or replaced to make of the typed text a name, or its beginning.
 size_t Distance(const std::string &from, const std::string &to) {
   std::vector<size_t> row(to.size() + 1);
   std::iota(row.begin(), row.end(), size_t{0});
@@ -33,7 +33,8 @@ size_t Distance(const std::string &from, const std::string &to) {
       row[j + 1] = std::min({replaced, row[j] + 1, row[j + 1] + 1});
     }
   }
-  return row.back();
+  return *std::min_element(row.begin() + static_cast<ptrdiff_t>(std::min(from.size() - 1, to.size())),
+                           row.end());
 }
 
 template <typename Item>
@@ -119,8 +120,8 @@ std::string Nearest(const std::vector<std::string> &names, const std::string &ty
   std::string nearest;
   size_t least = std::max<size_t>(typed.size() / 2, 2);
   for (const std::string &name : names) {
-    const bool begins = !typed.empty() && BeginsWith(Lower(name), Lower(typed));
-    const size_t distance = begins ? 0 : Distance(Lower(name), Lower(typed));
+    if (typed.empty()) break;
+    const size_t distance = Distance(Lower(typed), Lower(name));
     if (distance >= least) continue;
     least = distance;
     nearest = name;

@@ -48,6 +48,13 @@ std::vector<std::string> SplitLogLines(std::string_view text) {
   return lines;
 }
 
+bool IsOfInstrument(std::string_view line) {
+  constexpr std::string_view kBeginnings[] = {"[pcm  level]", "[meta level]", "[raw  level]", "[latency]",
+                                              "wrong bit "};
+  return std::any_of(std::begin(kBeginnings), std::end(kBeginnings),
+                     [&](std::string_view beginning) { return BeginsWith(line, beginning); });
+}
+
 std::string WithoutColours(std::string_view text) {
   std::string plain;
   plain.reserve(text.size());

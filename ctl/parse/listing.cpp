@@ -52,7 +52,7 @@ class ListingParser {
     const bool isKnown =
         hasTitle_ && !hasEnd_ &&
         std::any_of(std::begin(kSteps), std::end(kSteps), [&](Step step) { return (this->*step)(line); });
-    if (!isKnown) parsed_.unknown.emplace_back(line);
+    if (!isKnown && !IsOfInstrument(line)) parsed_.unknown.emplace_back(line);
   }
 
   bool TakeFrame(std::string_view line) {

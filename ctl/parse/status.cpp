@@ -117,7 +117,7 @@ class StatusParser {
     } else if (line == kTitle) {
       hasTitle_ = true;
     } else if (!IsFrame(line) && !TakePipeline(line) && !TakeFilter(line) && !TakeMore(line) &&
-               !TakeSink(line, parsed_.report.sink) && !IsGraph(line)) {
+               !TakeSink(line, parsed_.report.sink) && !IsGraph(line) && !IsOfInstrument(line)) {
       parsed_.unknown.emplace_back(line);
     }
   }

@@ -30,6 +30,8 @@ const char *NameOf(Finding::Status status) {
   switch (status) {
     case Finding::Status::kGood:
       return "good";
+    case Finding::Status::kNote:
+      return "note";
     case Finding::Status::kBad:
       return "bad";
     default:
