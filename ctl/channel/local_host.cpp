@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <cerrno>
 #include <filesystem>
-#include <sstream>
 
 #include <fcntl.h>
 #include <fmt/format.h>
@@ -13,7 +12,6 @@
 #include <sys/ioctl.h>
 #include <sys/stat.h>
 #include <sys/statvfs.h>
-#include <sys/sysmacros.h>
 #include <unistd.h>
 
 #include "ctl/channel/interrupt.h"
@@ -25,13 +23,6 @@ namespace kest::ctl {
 namespace {
 
 constexpr std::chrono::microseconds kLockPause{50};
-
-FileKind KindOf(mode_t mode) {
-  if (S_ISFIFO(mode)) return FileKind::kPipe;
-  if (S_ISREG(mode)) return FileKind::kRegular;
-  if (S_ISDIR(mode)) return FileKind::kDirectory;
-  return FileKind::kOther;
-}
 
 std::string UserName(uid_t user) {
   passwd entry = {};
@@ -163,18 +154,7 @@ int64_t LocalHost::FreeBytes(const std::string &path) {
 }
 
 std::vector<int> LocalHost::LockHolders(const FileFacts &file) {
-  const std::string wanted =
-      fmt::format("{:02x}:{:02x}:{}", major(file.device), minor(file.device), file.inode);
-  std::istringstream locks(ReadSmallFile("/proc/locks"));
-  std::vector<int> holders;
-  // "1: FLOCK  ADVISORY  WRITE 26305 00:2f:3 0 EOF"; a waiter has "->" after the number.
-  for (std::string line; std::getline(locks, line);) {
-    std::istringstream fields(line);
-    std::string number, kind, mode, access, inode;
-    int pid = 0;
-    if (fields >> number >> kind >> mode >> access >> pid >> inode && inode == wanted) holders.push_back(pid);
-  }
-  return holders;
+  return LockHoldersIn(ReadSmallFile("/proc/locks"), file);
 }
 
 std::shared_ptr<void> LocalHost::LockOut(const std::string &path, std::chrono::milliseconds timeout) {

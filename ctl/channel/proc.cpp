@@ -14,12 +14,11 @@
 #include <fcntl.h>
 #include <fmt/format.h>
 #include <sys/stat.h>
+#include <sys/sysmacros.h>
 #include <unistd.h>
 
 namespace kest::ctl {
 namespace {
-
-constexpr const char *kCommandThreadName = "KestDebug";
 
 struct DirectoryCloser {
   void operator()(DIR *directory) const { closedir(directory); }
@@ -49,8 +48,7 @@ std::string FirstLine(const std::string &path) {
 }
 
 // The fields of /proc/PID/stat behind the name, which may hold blanks and parentheses.
-std::vector<std::string> StatFields(int pid) {
-  const std::string text = ReadSmallFile(fmt::format("/proc/{}/stat", pid));
+std::vector<std::string> StatFields(const std::string &text) {
   const size_t nameEnd = text.rfind(')');
   if (nameEnd == std::string::npos) return {};
   std::istringstream rest(text.substr(nameEnd + 1));
@@ -60,8 +58,8 @@ std::vector<std::string> StatFields(int pid) {
   return fields;
 }
 
-time_t BootTime() {
-  std::istringstream stat(ReadSmallFile("/proc/stat"));
+time_t BootTime(const std::string &systemStat) {
+  std::istringstream stat(systemStat);
   for (std::string word; stat >> word;) {
     time_t seconds = 0;
     if (word == "btime" && stat >> seconds) return seconds;
@@ -77,11 +75,12 @@ std::string LocalTime(time_t seconds) {
   return {text, length};
 }
 
-std::string StartTime(const std::vector<std::string> &fields) {
+std::string StartTime(const std::vector<std::string> &fields, const std::string &systemStat) {
   constexpr size_t kStartTicks = 19;
   if (fields.size() <= kStartTicks) return {};
   const auto ticks = std::strtoull(fields[kStartTicks].c_str(), nullptr, 10);
-  return LocalTime(BootTime() + static_cast<time_t>(ticks / static_cast<uint64_t>(sysconf(_SC_CLK_TCK))));
+  return LocalTime(BootTime(systemStat) +
+                   static_cast<time_t>(ticks / static_cast<uint64_t>(sysconf(_SC_CLK_TCK))));
 }
 
 int FindCommandThread(const Process &process) {
@@ -91,13 +90,6 @@ int FindCommandThread(const Process &process) {
   return 0;
 }
 
-bool IsOpenForReading(int pid, int fd) {
-  const std::string info = ReadSmallFile(fmt::format("/proc/{}/fdinfo/{}", pid, fd));
-  const size_t flags = info.find("flags:");
-  if (flags == std::string::npos) return false;
-  return (std::strtoul(info.c_str() + flags + 6, nullptr, 8) & O_ACCMODE) != O_WRONLY;
-}
-
 }  // namespace
 
 std::string ReadSmallFile(const std::string &path) {
@@ -105,6 +97,40 @@ std::string ReadSmallFile(const std::string &path) {
   std::ostringstream text;
   text << file.rdbuf();
   return text.str();
+}
+
+bool IsForReading(const std::string &fdInfo) {
+  const size_t flags = fdInfo.find("flags:");
+  if (flags == std::string::npos) return false;
+  return (std::strtoul(fdInfo.c_str() + flags + 6, nullptr, 8) & O_ACCMODE) != O_WRONLY;
+}
+
+void TakeStat(const std::string &processStat, const std::string &systemStat, Process &process) {
+  const std::vector<std::string> fields = StatFields(processStat);
+  if (!fields.empty()) process.state = fields[0][0];
+  process.start = StartTime(fields, systemStat);
+}
+
+// "1: FLOCK  ADVISORY  WRITE 26305 00:2f:3 0 EOF"; a waiter has "->" after the number.
+std::vector<int> LockHoldersIn(const std::string &locks, const FileFacts &file) {
+  const std::string wanted =
+      fmt::format("{:02x}:{:02x}:{}", major(file.device), minor(file.device), file.inode);
+  std::istringstream lines(locks);
+  std::vector<int> holders;
+  for (std::string line; std::getline(lines, line);) {
+    std::istringstream fields(line);
+    std::string number, kind, mode, access, inode;
+    int pid = 0;
+    if (fields >> number >> kind >> mode >> access >> pid >> inode && inode == wanted) holders.push_back(pid);
+  }
+  return holders;
+}
+
+FileKind KindOf(unsigned mode) {
+  if (S_ISFIFO(mode)) return FileKind::kPipe;
+  if (S_ISREG(mode)) return FileKind::kRegular;
+  if (S_ISDIR(mode)) return FileKind::kDirectory;
+  return FileKind::kOther;
 }
 
 std::vector<int> AllPids() {
@@ -117,9 +143,7 @@ Process DescribeProcess(int pid) {
   process.name = FirstLine(fmt::format("/proc/{}/comm", pid));
   std::error_code unreadable;
   process.exe = std::filesystem::read_symlink(fmt::format("/proc/{}/exe", pid), unreadable).string();
-  const std::vector<std::string> fields = StatFields(pid);
-  if (!fields.empty()) process.state = fields[0][0];
-  process.start = StartTime(fields);
+  TakeStat(ReadSmallFile(fmt::format("/proc/{}/stat", pid)), ReadSmallFile("/proc/stat"), process);
   process.threads = NumbersIn(fmt::format("/proc/{}/task", pid));
   process.commandThread = FindCommandThread(process);
   return process;
@@ -132,7 +156,8 @@ Reading HasOpenForReading(int pid, const FileFacts &file) {
     struct stat facts = {};
     if (fstatat(dirfd(directory.get()), std::to_string(fd).c_str(), &facts, 0) != 0) continue;
     const bool isFile = facts.st_dev == file.device && facts.st_ino == file.inode;
-    if (isFile && IsOpenForReading(pid, fd)) return Reading::kYes;
+    if (isFile && IsForReading(ReadSmallFile(fmt::format("/proc/{}/fdinfo/{}", pid, fd))))
+      return Reading::kYes;
   }
   return Reading::kNo;
 }

@@ -9,6 +9,15 @@
 
 namespace kest::ctl {
 
+constexpr const char *kCommandThreadName = "KestDebug";
+
+// What the texts of /proc/PID/fdinfo/N, /proc/PID/stat with /proc/stat, and /proc/locks say.
+bool IsForReading(const std::string &fdInfo);
+void TakeStat(const std::string &processStat, const std::string &systemStat, Process &process);
+std::vector<int> LockHoldersIn(const std::string &locks, const FileFacts &file);
+// Of st_mode.
+FileKind KindOf(unsigned mode);
+
 std::string ReadSmallFile(const std::string &path);
 // All of /proc, or none when it is not mounted.
 std::vector<int> AllPids();

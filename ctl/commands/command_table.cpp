@@ -11,6 +11,7 @@ const std::vector<OptionInfo> &GlobalOptions() {
       {"--pid", "PID", "The process that is meant; refuses when another reads the pipe"},
       {"--any", nullptr, "Go on although several processes read the pipe, and take what comes"},
       {"--timeout", "MS", "How long to wait for an answer; 2000 unless given"},
+      {"--via", "COMMAND", "Works on another system, through its shell: \"adb shell\", \"ssh HOST\""},
       {"--json", nullptr, "One JSON document on standard output, also on failure"},
       {"-q,--quiet", nullptr, "No warnings and hints"},
       {"--color", "WHEN", "auto, always or never; auto unless given: on a terminal without NO_COLOR"},

@@ -7,13 +7,15 @@
 #include <unistd.h>
 
 #include "ctl/channel/local_host.h"
+#include "ctl/channel/remote_host.h"
 #include "ctl/parse/listing.h"
 #include "ctl/parse/parameters.h"
 
 namespace kest::ctl {
 namespace {
 
-std::unique_ptr<Host> MakeHost(const Settings & /*settings*/) {
+std::unique_ptr<Host> MakeHost(const Settings &settings) {
+  if (!settings.via.empty()) return std::make_unique<RemoteHost>(settings.via);
   return std::make_unique<LocalHost>();
 }
 
