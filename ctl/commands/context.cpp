@@ -2,6 +2,7 @@
 #include "ctl/commands/context.h"
 
 #include <cstdlib>
+#include <tuple>
 
 #include <fmt/format.h>
 #include <unistd.h>
@@ -18,6 +19,14 @@ std::unique_ptr<Host> MakeHost(const Settings & /*settings*/) {
 }
 
 }  // namespace
+
+bool Settings::operator==(const Settings &other) const {
+  const auto fields = [](const Settings &settings) {
+    return std::tie(settings.directory, settings.pid, settings.anyProcess, settings.timeout, settings.via,
+                    settings.json, settings.quiet, settings.colour);
+  };
+  return fields(*this) == fields(other);
+}
 
 Context::Context(Settings settings)
     : settings_(std::move(settings)),
@@ -51,6 +60,7 @@ const std::vector<Parameter> &Context::GetParameters() {
 void Context::Forget() {
   listing_.reset();
   parameters_.reset();
+  channel_.ForgetWarnings();
 }
 
 }  // namespace kest::ctl
