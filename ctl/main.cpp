@@ -1,40 +1,22 @@
 // SPDX-License-Identifier: Apache-2.0
 // kestctl: talks to the processes that use the library, and says whether they did what they were told.
-#include <algorithm>
 #include <cstdio>
 #include <exception>
 #include <string>
 #include <vector>
 
 #include "ctl/channel/interrupt.h"
-#include "ctl/commands/context.h"
-#include "ctl/terminal/answer.h"
-#include "ctl/terminal/command_line.h"
+#include "ctl/terminal/completion_request.h"
+#include "ctl/terminal/run_words.h"
 
 namespace kest::ctl {
 namespace {
 
-int RunCommand(const CommandLine &line) {
-  Context context(line.settings);
-  try {
-    return PrintResult(context, *line.command, line.command->run(context, line.arguments));
-  } catch (const CtlError &error) {
-    return PrintFailure(&context, line.command, error, line.settings);
+ExitCode Main(const std::vector<std::string> &words) {
+  if (const auto answer = AnswerCompletion(words)) {
+    return std::fputs(answer->c_str(), stdout) < 0 ? ExitCode::kRefused : ExitCode::kDone;
   }
-}
-
-int Main(const std::vector<std::string> &words) {
-  Settings settings;
-  // Known before the words are understood: what is wrong with them is to be said in JSON too.
-  settings.json = std::find(words.begin(), words.end(), "--json") != words.end();
-  try {
-    const auto parsed = ParseCommandLine(words, settings);
-    if (const auto *notice = std::get_if<Notice>(&parsed))
-      return std::fputs(notice->text.c_str(), stdout) < 0 ? 1 : 0;
-    return RunCommand(std::get<CommandLine>(parsed));
-  } catch (const CtlError &error) {
-    return PrintFailure(nullptr, nullptr, error, settings);
-  }
+  return RunWords(words, Settings());
 }
 
 }  // namespace
@@ -43,7 +25,7 @@ int Main(const std::vector<std::string> &words) {
 int main(int argc, char **argv) {
   kest::ctl::CatchInterrupts();
   try {
-    return kest::ctl::Main(std::vector<std::string>(argv + 1, argv + argc));
+    return static_cast<int>(kest::ctl::Main(std::vector<std::string>(argv + 1, argv + argc)));
   } catch (const std::exception &error) {
     std::fprintf(stderr, "kestctl: %s\n", error.what());
     return static_cast<int>(kest::ctl::ExitCode::kLost);

@@ -62,6 +62,7 @@ class Channel {
   // What went well enough to go on but should be known.
   [[nodiscard]] const std::vector<std::string> &Warnings() const { return warnings_; }
   void Warn(const std::string &warning);
+  void ForgetWarnings() { warnings_.clear(); }
   // How long the last answer took.
   [[nodiscard]] double ElapsedMs() const { return elapsedMs_; }
   [[nodiscard]] const ChannelSettings &Settings() const { return settings_; }

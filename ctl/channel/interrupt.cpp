@@ -10,9 +10,11 @@ namespace kest::ctl {
 namespace {
 
 volatile std::sig_atomic_t g_interrupted = 0;
+volatile std::sig_atomic_t g_toldToEnd = 0;
 
-void NoteInterrupt(int /*signal*/) {
+void NoteInterrupt(int signal) {
   g_interrupted = 1;
+  if (signal != SIGINT) g_toldToEnd = 1;
 }
 
 }  // namespace
@@ -27,6 +29,10 @@ void CatchInterrupts() {
 
 bool IsInterrupted() {
   return g_interrupted != 0;
+}
+
+bool IsToldToEnd() {
+  return g_toldToEnd != 0;
 }
 
 void ForgetInterrupt() {

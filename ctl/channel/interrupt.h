@@ -9,6 +9,8 @@ namespace kest::ctl {
 // From now on SIGINT, SIGTERM and SIGHUP are only noted. SIGPIPE is ignored.
 void CatchInterrupts();
 [[nodiscard]] bool IsInterrupted();
+// Whether it was more than Ctrl-C, so that the shell ends too.
+[[nodiscard]] bool IsToldToEnd();
 // For the shell, which goes on after Ctrl-C.
 void ForgetInterrupt();
 // Throws CtlError when interrupted.

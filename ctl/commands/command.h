@@ -16,7 +16,21 @@ namespace kest::ctl {
 class Context;
 
 // What can stand in a place of the command line; the shell and the completions offer it.
-enum class Offer { kNothing, kTarget, kPipeline, kParameter, kValue, kLevel, kListing, kCommand, kShellName };
+enum class Offer {
+  kNothing,
+  kTarget,  // a pipeline or a filter
+  kFilter,
+  kParameter,
+  kLevel,
+  kSeverity,  // of lines of the log
+  kListing,
+  kProcess,
+  kThread,
+  kCommand,
+  kShellName,
+  kColour,
+  kDirectory
+};
 
 struct ArgumentInfo {
   const char *name;

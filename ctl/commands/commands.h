@@ -15,5 +15,8 @@ Result RunCmd(Context &context, const Arguments &arguments);
 Result RunSend(Context &context, const Arguments &arguments);
 Result RunLevel(Context &context, const Arguments &arguments);
 Result RunLog(Context &context, const Arguments &arguments);
+Result RunShell(Context &context, const Arguments &arguments);
+Result RunCompletion(Context &context, const Arguments &arguments);
+Result RunHelp(Context &context, const Arguments &arguments);
 
 }  // namespace kest::ctl

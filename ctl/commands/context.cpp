@@ -2,6 +2,7 @@
 #include "ctl/commands/context.h"
 
 #include <cstdlib>
+#include <tuple>
 
 #include <fmt/format.h>
 #include <unistd.h>
@@ -20,6 +21,14 @@ std::unique_ptr<Host> MakeHost(const Settings &settings) {
 }
 
 }  // namespace
+
+bool Settings::operator==(const Settings &other) const {
+  const auto fields = [](const Settings &settings) {
+    return std::tie(settings.directory, settings.pid, settings.anyProcess, settings.timeout, settings.via,
+                    settings.json, settings.quiet, settings.colour);
+  };
+  return fields(*this) == fields(other);
+}
 
 Context::Context(Settings settings)
     : settings_(std::move(settings)),
@@ -53,6 +62,7 @@ const std::vector<Parameter> &Context::GetParameters() {
 void Context::Forget() {
   listing_.reset();
   parameters_.reset();
+  channel_.ForgetWarnings();
 }
 
 }  // namespace kest::ctl

@@ -25,6 +25,8 @@ struct Settings {
   bool json = false;
   bool quiet = false;
   Colour colour = Colour::kAuto;
+
+  bool operator==(const Settings &other) const;
 };
 
 class Context {
@@ -39,7 +41,7 @@ class Context {
   // What runs. Asked once for each command.
   const Listing &GetListing();
   const std::vector<Parameter> &GetParameters();
-  // Asks again, for a shell that goes on.
+  // For the next line of a shell: asks again, and warns again.
   void Forget();
 
  private:

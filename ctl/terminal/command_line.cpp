@@ -7,50 +7,10 @@
 #include <fmt/format.h>
 
 #include "ctl/commands/command_table.h"
-#include "ctl/commands/names.h"
+#include "ctl/commands/help_text.h"
 
 namespace kest::ctl {
 namespace {
-
-constexpr const char *kExitCodes =
-    "Exit code: 0 done; 1 refused or a check failed; 2 wrong command line; 3 no process, no\n"
-    "pipe or no permission; 4 no answer; 5 several processes; 6 no such pipeline, filter or\n"
-    "parameter; 7 answer lost or not understood; 130 interrupted.\n";
-
-// "--json" of "-q,--json": the name by which an option's value is kept.
-std::string LongName(const OptionInfo &option) {
-  const std::string names = option.names;
-  return names.substr(names.rfind("--") + 2);
-}
-
-std::string Synopsis(const ArgumentInfo &argument) {
-  const std::string name = fmt::format("{}{}", argument.name, argument.isRepeated ? "..." : "");
-  return argument.isRequired ? name : "[" + name + "]";
-}
-
-std::string Synopsis(const Command &command) {
-  std::string text = command.name;
-  for (const OptionInfo &option : command.options) {
-    const std::string names = option.names;
-    text += fmt::format(" [{}{}{}]", names.substr(0, names.find(',')), option.value == nullptr ? "" : " ",
-                        option.value == nullptr ? "" : option.value);
-  }
-  for (const ArgumentInfo &argument : command.arguments)
-    text += " " + Synopsis(argument);
-  return text;
-}
-
-std::string OptionLines(const std::vector<OptionInfo> &options) {
-  std::string text;
-  for (const OptionInfo &option : options) {
-    std::string names = option.names;
-    const size_t comma = names.find(',');
-    if (comma != std::string::npos) names.insert(comma + 1, " ");
-    if (option.value != nullptr) names += std::string(" ") + option.value;
-    text += fmt::format("  {:<20}  {}\n", names, option.description);
-  }
-  return text;
-}
 
 // The words of one command line while CLI11 takes them apart.
 struct Parsed {
@@ -107,7 +67,9 @@ Colour ColourNamed(const std::string &name) {
   throw CtlError(ExitCode::kUsage, fmt::format("--color: \"{}\" is neither auto, always nor never", name));
 }
 
-void Apply(const Arguments &global, Settings &settings) {
+}  // namespace
+
+void ApplyGlobalOptions(const Arguments &global, Settings &settings) {
   if (const auto directory = global.Option("dir")) {
     settings.directory = *directory;
     if (settings.directory.empty() || settings.directory.back() != '/') settings.directory += '/';
@@ -119,37 +81,6 @@ void Apply(const Arguments &global, Settings &settings) {
   settings.anyProcess = settings.anyProcess || global.Has("any");
   settings.json = settings.json || global.Has("json");
   settings.quiet = settings.quiet || global.Has("quiet");
-}
-
-[[noreturn]] void ThrowUnknown(const std::string &word) {
-  std::vector<std::string> names;
-  for (const Command &command : Commands())
-    names.emplace_back(command.name);
-  const std::string nearest = Nearest(names, word);
-  throw CtlError(ExitCode::kUsage, fmt::format("there is no command \"{}\"", word),
-                 nearest.empty() ? "kestctl --help lists them" : fmt::format("did you mean {}?", nearest));
-}
-
-}  // namespace
-
-std::string HelpText() {
-  std::string text =
-      "Usage: kestctl [OPTIONS] COMMAND ...\n\n"
-      "Talks to the processes that use the library, through their command pipe and their log,\n"
-      "and says whether they did what they were told.\n\nCommands:\n";
-  for (const Command &command : Commands())
-    text += fmt::format("  {:<11} {}\n", command.name, command.summary);
-  return text + "\nOptions, before or behind the command:\n" + OptionLines(GlobalOptions()) +
-         "  -h, --help            This help, or that of a command\n"
-         "  --version             The version\n\n" +
-         kExitCodes;
-}
-
-std::string HelpText(const Command &command) {
-  std::string text = fmt::format("Usage: kestctl [OPTIONS] {}\n\n{}.\n", Synopsis(command), command.summary);
-  if (*command.description != '\0') text += fmt::format("{}\n", command.description);
-  if (!command.options.empty()) text += "\n" + OptionLines(command.options);
-  return text + "\nkestctl --help lists the options that every command takes.\n";
 }
 
 std::variant<CommandLine, Notice> ParseCommandLine(const std::vector<std::string> &words,
@@ -182,7 +113,8 @@ std::variant<CommandLine, Notice> ParseCommandLine(const std::vector<std::string
     if (help) return Notice{HelpText()};
     const auto extras = app.remaining();
     if (extras.empty()) throw CtlError(ExitCode::kUsage, "which command?", "kestctl --help lists them");
-    ThrowUnknown(extras[0]);
+    static_cast<void>(CommandNamed(extras[0]));
+    throw CtlError(ExitCode::kUsage, fmt::format("\"{}\" is not understood", extras[0]));
   }
   CommandLine line;
   line.command = FindCommand(subcommands[0]->get_name());
@@ -198,7 +130,7 @@ std::variant<CommandLine, Notice> ParseCommandLine(const std::vector<std::string
   Arguments given;
   KeepGiven(app, GlobalOptions(), global, given);
   line.settings = settings;
-  Apply(given, line.settings);
+  ApplyGlobalOptions(given, line.settings);
   return line;
 }
 

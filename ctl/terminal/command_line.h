@@ -25,8 +25,7 @@ struct Notice {
 // Throws CtlError for words that are not understood. settings is what holds without the options.
 std::variant<CommandLine, Notice> ParseCommandLine(const std::vector<std::string> &words,
                                                    const Settings &settings);
-// The help of kestctl, or of one command.
-std::string HelpText();
-std::string HelpText(const Command &command);
+// What the options that every command takes change of the settings.
+void ApplyGlobalOptions(const Arguments &given, Settings &settings);
 
 }  // namespace kest::ctl
