@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "ctl/parse/status.h"
 
+#include <algorithm>
 #include <array>
+#include <utility>
 
 #include "ctl/parse/lines.h"
 #include "ctl/parse/pattern.h"
@@ -102,8 +104,11 @@ bool TakeSink(std::string_view line, Values &sink) {
 class StatusParser {
  public:
   ParsedStatus Parse(const std::vector<std::string> &lines) {
-    for (const std::string &line : lines)
+    for (const std::string &line : lines) {
       TakeLine(line);
+      while (!glued_.empty())
+        TakeLine(std::exchange(glued_, {}));
+    }
     parsed_.isWhole = hasTitle_ && rules_ >= kRules;
     return std::move(parsed_);
   }
@@ -147,21 +152,33 @@ class StatusParser {
 
   // "p:Decoder_13           f:Volume          gain:0, mute:0"
   bool TakeFilter(std::string_view line) {
-    constexpr size_t kNameWidth = 15;
     Scanner scanner(line);
     if (!scanner.Text("p:")) return false;
     const auto pipeline = scanner.UpTo(" f:");
     if (!pipeline) return false;
     FilterStatus filter;
     filter.pipeline = Trim(*pipeline);
-    // The name is padded; behind a longer one the report follows without a gap, but begins with a blank.
     const std::string_view rest = scanner.Rest();
-    const size_t longEnd = rest.find(' ', std::min(rest.size(), kNameWidth));
-    const size_t end = rest.size() > kNameWidth && rest[kNameWidth - 1] != ' ' ? longEnd : kNameWidth;
+    const size_t end = NameEnd(rest);
     filter.name = Trim(rest.substr(0, end));
     parsed_.report.filters.push_back(std::move(filter));
-    if (rest.size() > end) TakeText(rest.substr(end));
+    const std::string_view behind = rest.substr(std::min(end, rest.size()));
+    // A filter of an unknown kind reports nothing, not even the end of its line.
+    if (behind == kRule || BeginsWith(behind, "p:")) {
+      glued_ = behind;
+    } else if (!behind.empty()) {
+      TakeText(behind);
+    }
     return true;
+  }
+
+  // The name is padded; behind a longer one the report follows without a gap, but begins with a blank.
+  static size_t NameEnd(std::string_view rest) {
+    constexpr size_t kNameWidth = 15;
+    if (rest.size() <= kNameWidth || rest[kNameWidth - 1] == ' ') return kNameWidth;
+    const size_t end = std::min(rest.find(' ', kNameWidth), rest.size());
+    const size_t rule = rest.substr(0, end).rfind(kRule);
+    return rule != std::string_view::npos && rule + kRule.size() == end && rule > 0 ? rule : end;
   }
 
   // The report of the last filter goes on.
@@ -180,6 +197,7 @@ class StatusParser {
   }
 
   ParsedStatus parsed_;
+  std::string_view glued_;  // what follows a filter's report on its line
   std::vector<std::string> pipelines_;
   bool hasTitle_ = false;
   int rules_ = 0;
