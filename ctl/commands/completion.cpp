@@ -31,10 +31,11 @@ _kestctl() {
   for line in "${(@f)$("${(Q)words[1]}" __complete "${(@Q)words[2,CURRENT-1]}" "${(Q)PREFIX}" 2>/dev/null)}"; do
     text=${line%%$'\t'*}
     [[ -n $text ]] || continue
+    line=${${line%$'\t'}/$'\t'/  -- }
     if [[ $text == */ ]]; then
-      parts+=("$text") partsShown+=("${line/$'\t'/  -- }")
+      parts+=("$text") partsShown+=("$line")
     else
-      texts+=("$text") shown+=("${line/$'\t'/  -- }")
+      texts+=("$text") shown+=("$line")
     fi
   done
   (( $#parts )) && compadd -l -S '' -d partsShown -a -- parts

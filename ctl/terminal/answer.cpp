@@ -4,6 +4,7 @@
 #include <cstdio>
 
 #include <fmt/format.h>
+#include <unistd.h>
 
 #include "ctl/render/escape.h"
 
@@ -44,6 +45,8 @@ void PrintForPeople(Context *context, const Result &result, bool quiet) {
       fmt::print(stderr, "kestctl: warning: {}\n", Escape(warning));
   }
   if (result.exit == ExitCode::kDone || result.message.empty()) return;
+  // The terminal has shown ^C where the cursor was.
+  if (result.exit == ExitCode::kInterrupted && isatty(STDERR_FILENO) != 0) fmt::print(stderr, "\n");
   fmt::print(stderr, "kestctl: {}\n", Escape(result.message));
   if (!quiet && !result.hint.empty()) fmt::print(stderr, "         {}\n", Escape(result.hint));
 }

@@ -80,6 +80,21 @@ void MakeDirectoryOf(const std::string &path) {
   std::filesystem::permissions(directory, std::filesystem::perms::owner_all, error);
 }
 
+// At once and one line only, so that several shells do not overwrite each other's lines.
+void AppendToFile(const std::string &path, const std::string &line) {
+  const mode_t before = umask(S_IRWXG | S_IRWXO);
+  FILE *file = std::fopen(path.c_str(), "ae");
+  umask(before);
+  if (file == nullptr) return;
+  const std::unique_ptr<History, decltype(&history_end)> single(history_init(), history_end);
+  HistEvent event;
+  history(single.get(), &event, H_SETSIZE, 1);
+  history(single.get(), &event, H_ENTER, line.c_str());
+  std::fseek(file, 0, SEEK_END);  // the heading stands at the beginning only
+  history(single.get(), &event, H_SAVE_FP, file);
+  std::fclose(file);
+}
+
 }  // namespace
 
 LineEditor::LineEditor(const std::string &historyPath, Completing complete)
@@ -112,18 +127,12 @@ void LineEditor::LoadHistory() {
   if (isLong) history(history_.get(), &event, H_SAVE, historyPath_.c_str());
 }
 
-// Added to the file at once, so that several shells do not overwrite each other's lines.
 void LineEditor::Remember(const std::string &line) {
   HistEvent event;
+  const bool isRepeated = history(history_.get(), &event, H_FIRST) >= 0 && line == event.str;
+  if (isRepeated) return;
   history(history_.get(), &event, H_ENTER, line.c_str());
-  if (historyPath_.empty()) return;
-  const mode_t before = umask(S_IRWXG | S_IRWXO);
-  FILE *file = std::fopen(historyPath_.c_str(), "ae");
-  umask(before);
-  if (file == nullptr) return;
-  std::fseek(file, 0, SEEK_END);
-  history(history_.get(), &event, H_NSAVE_FP, size_t{1}, file);
-  std::fclose(file);
+  if (!historyPath_.empty()) AppendToFile(historyPath_, line);
 }
 
 char *LineEditor::Prompt(EditLine *editor) {
