@@ -9,6 +9,17 @@ if(KEST_BUILD_PLAYER)
   install(FILES "${PROJECT_SOURCE_DIR}/player/example.json" DESTINATION "${CMAKE_INSTALL_DOCDIR}/player")
 endif()
 
+if(KEST_BUILD_CTL)
+  install(TARGETS kestctl)
+  set(kest_ctl_pages "${PROJECT_BINARY_DIR}/ctl")
+  install(FILES "${kest_ctl_pages}/kestctl.1" DESTINATION "${CMAKE_INSTALL_MANDIR}/man1")
+  # Where the shells of Debian look.
+  install(FILES "${kest_ctl_pages}/kestctl.bash" DESTINATION "${CMAKE_INSTALL_DATADIR}/bash-completion/completions"
+    RENAME kestctl)
+  install(FILES "${kest_ctl_pages}/_kestctl" DESTINATION "${CMAKE_INSTALL_DATADIR}/zsh/vendor-completions")
+  install(FILES "${kest_ctl_pages}/kestctl.fish" DESTINATION "${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d")
+endif()
+
 set(kest_cmake_dir "${CMAKE_INSTALL_LIBDIR}/cmake/kest")
 install(TARGETS kest EXPORT kest INCLUDES DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}")
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/include/ze_kest" DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}")

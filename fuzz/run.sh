@@ -1,17 +1,17 @@
 #!/usr/bin/env bash
-# run.sh SECONDS [commands|json|ports ...]: runs the named fuzzers, or all of them, and prints a line for each. Exits
+# run.sh SECONDS [commands|json|ports|ctl ...]: runs the named fuzzers, or all of them, and prints a line for each. Exits
 # non-zero on a finding; the input that shows it is in build/fuzz/NAME-crash-... (or -timeout-, -leak-, -oom-). To
 # reproduce it:
 #   tests/support/in_namespace.sh build/fuzz/kest-fuzz-NAME build/fuzz/NAME-crash-...
 source "$(dirname "${BASH_SOURCE[0]}")/../scripts/common.sh"
 
-[[ "${1:-}" =~ ^[1-9][0-9]*$ ]] || fail "Usage: $0 SECONDS [commands|json|ports ...]"
+[[ "${1:-}" =~ ^[1-9][0-9]*$ ]] || fail "Usage: $0 SECONDS [commands|json|ports|ctl ...]"
 seconds=$1
 shift
-[ $# -gt 0 ] || set -- commands json ports
-declare -A longest_input=([commands]=2048 [json]=8192 [ports]=512)
+[ $# -gt 0 ] || set -- commands json ports ctl
+declare -A longest_input=([commands]=2048 [json]=8192 [ports]=512 [ctl]=8192)
 for name in "$@"; do
-  [ -n "${longest_input[$name]:-}" ] || fail "There is no fuzzer $name; there are commands, json and ports."
+  [ -n "${longest_input[$name]:-}" ] || fail "There is no fuzzer $name; there are commands, json, ports and ctl."
 done
 
 in_namespace="$root/tests/support/in_namespace.sh"

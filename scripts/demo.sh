@@ -36,6 +36,19 @@ command_to_pipe() {
   sleep "${pause:-0.4}"
 }
 
+# Runs kestctl on the player.
+ctl() {
+  say "" "\$ kestctl $*"
+  "$build_dir/kestctl" --dir "$debug_dir" "$@" || true
+}
+
+# Shows what is new in the log as it comes; cat -s squeezes the empty rows of the help into one.
+start_tail() {
+  tail -n 0 -f --pid="$player" "${debug_dir}KestLog.txt" > >(cat -s) &
+  log_tail=$!
+}
+stop_tail() { kill "$log_tail" 2>/dev/null && wait "$log_tail" 2>/dev/null || true; }
+
 stop_player() { kill "${player:-}" 2>/dev/null || true; }
 
 need "${build_packages[@]}"
@@ -59,11 +72,9 @@ trap stop_player EXIT
 
 say "Playing $audio through Decoder_13 (Lpcm, Volume) and SpeakerOutput (Mixer, Delay, SpeakerOutput) ..."
 rm -f "$debug_dir"{Dump{In,Out}SpeakerOutputMixer*,Out{,Sig}MixerDelay_*.pcm,Decoder.txt}
-log_bytes=$(stat -c %s "${debug_dir}KestLog.txt")
 "$build_dir/kest-player" "$audio" -o "$output" --loop --seconds 22 --delay-ms 50 --wide &
 player=$!
-# Only what is new in the log; cat -s squeezes the empty rows of the help into one.
-tail -c +$((log_bytes + 1)) -f --pid="$player" "${debug_dir}KestLog.txt" | cat -s &
+start_tail
 wait_for_pipe || { wait "$player"; exit 1; }
 
 sleep 0.5
@@ -72,9 +83,15 @@ command_to_pipe kest_log_level=info
 command_to_pipe ascii_color
 command_to_pipe kest_log_level=none
 command_to_pipe kest_debug_list=print
-command_to_pipe kest_debug_list=parameter
-command_to_pipe kest_debug_set_parameter=Decoder_13,Volume,Gain,-6,4
-command_to_pipe kest_debug_list=status
+stop_tail
+say "" "The same with kestctl, which waits for the answers and says what came of them:"
+ctl doctor
+ctl ls
+ctl ls parameters
+ctl set Decoder_13/Volume Gain -6
+ctl set Decoder_13/Volume gain -6
+ctl status
+start_tail
 command_to_pipe kest_debug_send_cmd_by_text=Decoder_13,Volume,state
 command_to_pipe kest_log_level=info
 command_to_pipe kest_debug_preset_cmd=all,adc_filter=dump_pcm

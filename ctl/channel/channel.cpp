@@ -1,0 +1,210 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "ctl/channel/channel.h"
+
+#include <algorithm>
+#include <utility>
+
+#include <fmt/format.h>
+
+#include "ctl/channel/exchange.h"
+#include "ctl/channel/interrupt.h"
+#include "ctl/channel/log_follower.h"
+#include "ctl/channel/marker.h"
+#include "ctl/channel/write_failure.h"
+#include "ctl/model/level.h"
+#include "ctl/parse/lines.h"
+#include "ctl/parse/settings.h"
+
+namespace kest::ctl {
+namespace {
+
+constexpr std::chrono::milliseconds kReadersStayFresh{500};
+constexpr std::chrono::microseconds kAnyonePause{500};
+constexpr int kTries = 3;
+constexpr const char *kLockName = "kestctl.lock";
+
+void CheckLine(const std::string &line) {
+  if (line.find('\n') != std::string::npos || line.empty()) {
+    throw CtlError(ExitCode::kUsage, "a line must be neither empty nor contain a line end",
+                   "an empty line would disturb requests that are running");
+  }
+  if (line.size() > kLongestLine) {
+    throw CtlError(ExitCode::kUsage, fmt::format("the line has {} bytes; a process reads {} at most",
+                                                 line.size(), kLongestLine));
+  }
+}
+
+std::string Describe(const std::vector<Process> &processes) {
+  std::string text;
+  for (const Process &process : processes)
+    text += fmt::format("{}{} ({})", text.empty() ? "" : ", ", process.name, process.pid);
+  return text;
+}
+
+// Whether refusals are hidden at the level, and it is one that can be set back.
+bool NeedsErrLevel(const ProcessSettings &settings) {
+  return settings.level < kErrLevel && FindLevel(settings.level) != nullptr;
+}
+
+}  // namespace
+
+Channel::Channel(Host &host, ChannelSettings settings) : host_(host), settings_(std::move(settings)) {}
+
+void Channel::Warn(const std::string &warning) {
+  if (std::find(warnings_.begin(), warnings_.end(), warning) == warnings_.end()) warnings_.push_back(warning);
+}
+
+// To look for all readers takes longer than an answer, so within moments only the one known is looked at
+// again.
+bool Channel::AreReadersFresh() {
+  const bool isRecent = Clock::now() - readersSeen_ < kReadersStayFresh;
+  if (!isRecent || readers_.processes.size() != 1) return false;
+  const FileFacts pipe = host_.Look(settings_.directory + "D");
+  return pipe.IsSameFile(pipe_) && host_.IsReader(readers_.processes[0].pid, pipe_);
+}
+
+const Readers &Channel::GetReaders() {
+  if (AreReadersFresh()) return readers_;
+  pipe_ = host_.Look(settings_.directory + "D");
+  readers_ = pipe_.kind == FileKind::kPipe ? host_.FindReaders(pipe_) : Readers{};
+  readersSeen_ = Clock::now();
+  return readers_;
+}
+
+Process Channel::TheProcess() {
+  const std::vector<Process> &processes = GetReaders().processes;
+  const auto isMeant = [this](const Process &process) { return process.pid == settings_.pid; };
+  if (settings_.pid && !processes.empty() && std::none_of(processes.begin(), processes.end(), isMeant)) {
+    throw CtlError(ExitCode::kUnreachable, fmt::format("process {} does not read the pipe", *settings_.pid),
+                   fmt::format("it is read by {}", Describe(processes)));
+  }
+  if (processes.size() > 1 && !settings_.anyProcess) {
+    throw CtlError(ExitCode::kSeveralProcesses,
+                   fmt::format("{} processes read the pipe: {}", processes.size(), Describe(processes)),
+                   "a line goes to whichever is first: end all but one, or take what comes with --any");
+  }
+  if (processes.size() > 1)
+    Warn(fmt::format("{} processes read the pipe; which one answered is not known", processes.size()));
+  if (processes.size() != 1 && readers_.hidden > 0) {
+    Warn(fmt::format("who reads the pipe cannot be seen: the files of {} processes may not be looked at",
+                     readers_.hidden));
+  }
+  return processes.size() == 1 ? processes[0] : Process{};
+}
+
+std::shared_ptr<void> Channel::LockOut() {
+  std::shared_ptr<void> lock = lock_.lock();
+  if (lock == nullptr) lock = host_.LockOut(settings_.directory + kLockName, settings_.timeout);
+  lock_ = lock;
+  return lock;
+}
+
+CtlError Channel::Silence() {
+  const Surroundings around(host_, settings_.directory);
+  const Finding why = ExplainSilence(around);
+  if (around.unreadBytes > 0)
+    Warn("the lines stay in the pipe and will be carried out when it is read again");
+  return {ExitCode::kNoAnswer,
+          fmt::format("no answer within {} ms: {}", settings_.timeout.count(), why.found), why.remedy};
+}
+
+Reply Channel::Exchanged(const std::vector<std::string> &lines) {
+  for (const std::string &line : lines)
+    CheckLine(line);
+  Exchange exchange(host_, settings_.directory);
+  exchange.Send(lines);
+  std::optional<Reply> reply = exchange.Receive(settings_.timeout);
+  if (!reply) throw Silence();
+  if (reply->strayLine)
+    Warn("somebody had left a line without an end in the pipe; it was ended and executed");
+  elapsedMs_ = reply->elapsedMs;
+  return *std::move(reply);
+}
+
+Reply Channel::Ask(const std::vector<std::string> &lines) {
+  static_cast<void>(TheProcess());
+  const std::shared_ptr<void> lock = LockOut();
+  for (int triesLeft = kTries - 1; true; --triesLeft) {
+    try {
+      return Exchanged(lines);
+    } catch (const CtlError &error) {
+      if (error.Code() != ExitCode::kLost || triesLeft == 0) throw;
+    }
+  }
+}
+
+Lines Channel::AskAnyone(const std::string &line, const std::function<bool(const Lines &)> &isWhole) {
+  LogFollower log(host_, settings_.directory + "KestLog.txt");
+  const std::string pipe = settings_.directory + "D";
+  const WriteResult written = host_.WriteToPipe(pipe, line + "\n");
+  if (written != WriteResult::kWritten) throw WriteFailure(host_, pipe, written);
+  const auto deadline = Clock::now() + settings_.timeout;
+  std::string text;
+  Lines lines;
+  while (!isWhole(lines) && Clock::now() < deadline) {
+    const int restarts = log.Restarts();
+    const std::string more = log.ReadMore();
+    if (log.Restarts() != restarts) text.clear();
+    if (more.empty()) Pause(kAnyonePause);
+    text += more;
+    lines = SplitLogLines(text);
+  }
+  return lines;
+}
+
+std::vector<ProcessReply> Channel::AskEach(const std::string &line,
+                                           const std::function<bool(const Lines &)> &isWhole,
+                                           const std::function<std::vector<int>(const Lines &)> &tidsIn) {
+  const std::shared_ptr<void> lock = LockOut();
+  std::vector<Process> silent = GetReaders().processes;
+  std::vector<ProcessReply> replies;
+  const auto deadline = Clock::now() + settings_.timeout;
+  while (!silent.empty() && Clock::now() < deadline) {
+    Lines lines = AskAnyone(line, isWhole);
+    if (!isWhole(lines)) throw Silence();
+    const std::vector<int> tids = tidsIn(lines);
+    const auto isFrom = [&](const Process &process) {
+      return std::find_first_of(process.threads.begin(), process.threads.end(), tids.begin(), tids.end()) !=
+             process.threads.end();
+    };
+    const auto sender = std::find_if(silent.begin(), silent.end(), isFrom);
+    if (sender == silent.end()) continue;
+    replies.push_back({std::move(*sender), std::move(lines)});
+    silent.erase(sender);
+  }
+  for (const Process &process : silent)
+    Warn(fmt::format("{} ({}) has not answered, or has nothing registered", process.name, process.pid));
+  return replies;
+}
+
+Reply Channel::Send(const std::vector<std::string> &lines) {
+  static_cast<void>(TheProcess());
+  const std::shared_ptr<void> lock = LockOut();
+  return Exchanged(lines);
+}
+
+ProcessSettings Channel::AskSettings() {
+  const Reply reply = Ask({"kest_print_current_shm"});
+  const auto settings = ParseSettings(reply.lines);
+  if (!settings) throw CtlError(ExitCode::kLost, "the answer on the log level was not understood");
+  return *settings;
+}
+
+// The level goes up and down again within one write: whatever happens to kestctl, the process sees all lines
+// or none.
+Verdict Channel::Change(const std::string &line) {
+  const Process process = TheProcess();
+  const std::shared_ptr<void> lock = LockOut();
+  if (process.pid == 0) return Judge(Exchanged({line}), false, 0);
+  const ProcessSettings settings = AskSettings();
+  if (!NeedsErrLevel(settings)) {
+    return Judge(Exchanged({line}), settings.level >= kErrLevel, process.commandThread);
+  }
+  if (settings.sharedLevel != settings.level) {
+    Warn("the level that processes share differed from this one's; now it is the same");
+  }
+  const std::string back = fmt::format("kest_log_level={}", FindLevel(settings.level)->name);
+  return Judge(Exchanged({"kest_log_level=err", line, back}), true, process.commandThread);
+}
+
+}  // namespace kest::ctl

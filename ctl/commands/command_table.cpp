@@ -1,0 +1,133 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "ctl/commands/command_table.h"
+
+#include <fmt/format.h>
+
+#include "ctl/commands/commands.h"
+#include "ctl/commands/names.h"
+
+namespace kest::ctl {
+
+const std::vector<OptionInfo> &GlobalOptions() {
+  static const std::vector<OptionInfo> options = {
+      {"--dir", "DIR", "The directory of the pipe and the log; " KEST_DEBUG_DIR " unless given",
+       Offer::kDirectory},
+      {"--pid", "PID", "The process that is meant; refuses when another reads the pipe", Offer::kProcess},
+      {"--any", nullptr, "Go on although several processes read the pipe, and take what comes"},
+      {"--timeout", "MS", "How long to wait for an answer; 2000 unless given"},
+      {"--via", "COMMAND", "Works on another system, through its shell: \"adb shell\", \"ssh HOST\""},
+      {"--json", nullptr, "One JSON document on standard output, also on failure"},
+      {"-q,--quiet", nullptr, "No warnings and hints"},
+      {"--color", "WHEN", "auto, always or never; auto unless given: on a terminal without NO_COLOR",
+       Offer::kColour},
+  };
+  return options;
+}
+
+const std::vector<Command> &Commands() {
+  static const std::vector<Command> commands = {
+      {"ps", "List the processes that read the pipe", "", {}, {}, RunPs},
+      {"doctor",
+       "Look for the reasons of silence",
+       "Looks at the directory, the pipe, who reads it, the log, the disk and the settings, and asks for an "
+       "answer;\n"
+       "says what to do about what is wrong. Exit code 1 when something is.",
+       {},
+       {},
+       RunDoctor},
+      {"ls",
+       "List what runs",
+       "Pipelines with their filters, what they feed and what their ports hold; or only pipelines, filters, "
+       "ports or\n"
+       "parameters, with more about them.",
+       {{"WHAT", Offer::kListing, false}},
+       {},
+       RunLs},
+      {"status",
+       "Show what the filters report about themselves",
+       "",
+       {{"PIPELINE[/FILTER]", Offer::kTarget, false}},
+       {},
+       RunStatus},
+      {"set",
+       "Set a parameter of a filter",
+       "Names may be shortened as long as they are unique. VALUE is a whole number.",
+       {{"PIPELINE/FILTER", Offer::kFilter}, {"NAME", Offer::kParameter}, {"VALUE"}},
+       {},
+       RunSet},
+      {"cmd",
+       "Send a command of its own to a filter",
+       "",
+       {{"PIPELINE/FILTER", Offer::kFilter}, {"TEXT", Offer::kNothing, true, true}},
+       {},
+       RunCmd},
+      {"send",
+       "Send lines as they are and show the reply verbatim",
+       "Each LINE is one line of the command language, such as kest_log_to_print=on.",
+       {{"LINE", Offer::kNothing, true, true}},
+       {},
+       RunSend},
+      {"level",
+       "Show or set the log level",
+       "LEVEL is none, err, sync, hdmi, wrn, info, trace or all. All processes share it.",
+       {{"LEVEL", Offer::kLevel, false}},
+       {},
+       RunLevel},
+      {"log",
+       "Show the log",
+       "",
+       {},
+       {{"-f,--follow", nullptr, "Go on as the log grows, through its restarts"},
+        {"-n,--lines", "N", "The last N lines; 20 unless given"},
+        {"--level", "LEVEL", "Only lines of this level and of more serious ones", Offer::kSeverity},
+        {"--tid", "TID", "Only lines of this thread", Offer::kThread},
+        {"--plain", nullptr, "Without prefixes and colours"}},
+       RunLog},
+      {"shell",
+       "Take commands at a prompt",
+       "Each line is a command as it stands behind kestctl; a line that begins with kest_ is sent as it is. "
+       "Tab\n"
+       "completes commands, options and the names of what runs; the arrows and Ctrl-R find earlier lines. "
+       "Ctrl-C\n"
+       "ends a command, exit or Ctrl-D the shell. Reads lines from standard input when that is no terminal; "
+       "the\n"
+       "exit code is then that of the first line that failed.",
+       {},
+       {},
+       RunShell},
+      {"completion",
+       "Print what makes a shell complete kestctl's words",
+       "bash: eval \"$(kestctl completion bash)\"; zsh: kestctl completion zsh >DIR/_kestctl, with DIR in "
+       "fpath;\n"
+       "fish: kestctl completion fish | source. An installed package brings them along.",
+       {{"SHELL", Offer::kShellName}},
+       {},
+       RunCompletion},
+      {"help",
+       "Show this help, or that of a command",
+       "",
+       {{"COMMAND", Offer::kCommand, false}},
+       {{"--man", nullptr, "The manual page, for man"}},
+       RunHelp},
+  };
+  return commands;
+}
+
+const Command *FindCommand(std::string_view name) {
+  for (const Command &command : Commands()) {
+    if (command.name == name) return &command;
+  }
+  return nullptr;
+}
+
+const Command &CommandNamed(const std::string &name) {
+  if (const Command *command = FindCommand(name)) return *command;
+  std::vector<std::string> names;
+  for (const Command &command : Commands())
+    names.emplace_back(command.name);
+  const std::string nearest = Nearest(names, name);
+  throw CtlError(ExitCode::kUsage, fmt::format("there is no command \"{}\"", name),
+                 nearest.empty() ? "kestctl --help lists them" : fmt::format("did you mean {}?", nearest));
+}
+
+}  // namespace kest::ctl

@@ -1,0 +1,22 @@
+// SPDX-License-Identifier: Apache-2.0
+// The functions behind the table of commands.
+#pragma once
+
+#include "ctl/commands/command.h"
+
+namespace kest::ctl {
+
+Result RunPs(Context &context, const Arguments &arguments);
+Result RunDoctor(Context &context, const Arguments &arguments);
+Result RunLs(Context &context, const Arguments &arguments);
+Result RunStatus(Context &context, const Arguments &arguments);
+Result RunSet(Context &context, const Arguments &arguments);
+Result RunCmd(Context &context, const Arguments &arguments);
+Result RunSend(Context &context, const Arguments &arguments);
+Result RunLevel(Context &context, const Arguments &arguments);
+Result RunLog(Context &context, const Arguments &arguments);
+Result RunShell(Context &context, const Arguments &arguments);
+Result RunCompletion(Context &context, const Arguments &arguments);
+Result RunHelp(Context &context, const Arguments &arguments);
+
+}  // namespace kest::ctl

@@ -1,0 +1,144 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <algorithm>
+#include <charconv>
+#include <cstdio>
+
+#include <fmt/format.h>
+
+#include "ctl/channel/interrupt.h"
+#include "ctl/channel/log_follower.h"
+#include "ctl/channel/log_tail.h"
+#include "ctl/commands/commands.h"
+#include "ctl/commands/context.h"
+#include "ctl/parse/lines.h"
+#include "ctl/parse/log_line.h"
+#include "ctl/render/escape.h"
+
+namespace kest::ctl {
+namespace {
+
+constexpr std::chrono::milliseconds kFollowPause{50};
+constexpr int kDefaultLines = 20;
+
+int NumberOf(const Arguments &arguments, const char *option, int otherwise) {
+  const auto text = arguments.Option(option);
+  if (!text) return otherwise;
+  int number = 0;
+  const auto [end, error] = std::from_chars(text->data(), text->data() + text->size(), number);
+  if (error != std::errc{} || end != text->data() + text->size() || number < 0) {
+    throw CtlError(ExitCode::kUsage, fmt::format("--{}: \"{}\" is no number", option, *text));
+  }
+  return number;
+}
+
+// From serious to talkative, as in the prefixes. PRINT lines have no level.
+constexpr std::string_view kSeverities[] = {"ERR", "WRN", "INFO", "TRACE", "ENTER", "EXIT"};
+
+struct Severity {
+  const char *option;
+  size_t last;  // index of the least serious that passes
+};
+
+constexpr Severity kSeverityOptions[] = {{"err", 0}, {"wrn", 1}, {"info", 2}, {"trace", 3}, {"all", 5}};
+
+class LineChoice {
+ public:
+  explicit LineChoice(const Arguments &arguments) : tid_(NumberOf(arguments, "tid", 0)) {
+    const auto level = arguments.Option("level");
+    if (!level) return;
+    const auto found = std::find_if(std::begin(kSeverityOptions), std::end(kSeverityOptions),
+                                    [&](const Severity &severity) { return *level == severity.option; });
+    if (found == std::end(kSeverityOptions)) {
+      throw CtlError(ExitCode::kUsage, fmt::format("--level: lines have no level \"{}\"", *level),
+                     "there are err, wrn, info, trace and all");
+    }
+    lastSeverity_ = found->last;
+  }
+
+  [[nodiscard]] bool Takes(const LogLine &line) const {
+    if (tid_ != 0 && line.tid != tid_) return false;
+    if (!lastSeverity_) return true;
+    for (size_t i = 0; i <= *lastSeverity_; ++i) {
+      if (line.level == kSeverities[i]) return true;
+    }
+    return false;
+  }
+
+ private:
+  int tid_;
+  std::optional<size_t> lastSeverity_;
+};
+
+class LineWriter {
+ public:
+  LineWriter(const Context &context, const Arguments &arguments)
+      : plain_(arguments.Has("plain")), colour_(context.UsesColour()), json_(context.GetSettings().json) {}
+
+  [[nodiscard]] std::string Show(const std::string &text, const LogLine &line) const {
+    if (plain_) return Escape(WithoutColours(line.text));
+    return colour_ ? EscapeButColours(text) : Escape(WithoutColours(text));
+  }
+
+  void Print(const std::string &text, const LogLine &line) const {
+    const std::string shown = json_ ? Dump(ToJson(line)) : Show(text, line);
+    fmt::print("{}\n", shown);
+  }
+
+ private:
+  bool plain_;
+  bool colour_;
+  bool json_;
+};
+
+[[noreturn]] void Follow(Context &context, const LineChoice &choice, const LineWriter &writer,
+                         uint64_t from) {
+  LogFollower log(context.GetHost(), context.GetSettings().directory + "KestLog.txt");
+  log.GoTo(from);
+  std::string rest;
+  while (true) {
+    const int restarts = log.Restarts();
+    const std::string more = log.ReadMore();
+    if (log.Restarts() != restarts) {
+      rest.clear();
+      if (!context.GetSettings().quiet) fmt::print(stderr, "kestctl: the log was restarted\n");
+    }
+    rest += more;
+    const size_t end = rest.rfind('\n') + 1;  // 0 when there is none
+    for (const std::string &text : SplitLogLines(std::string_view(rest).substr(0, end))) {
+      const LogLine line = ParseLogLine(text);
+      if (choice.Takes(line)) writer.Print(text, line);
+    }
+    rest.erase(0, end);
+    if (more.empty()) {
+      std::fflush(stdout);
+      if (std::ferror(stdout) != 0) throw CtlError(ExitCode::kDone, "nobody reads the output any more");
+      Pause(kFollowPause);
+    }
+  }
+}
+
+}  // namespace
+
+Result RunLog(Context &context, const Arguments &arguments) {
+  const LineChoice choice(arguments);
+  const LineWriter writer(context, arguments);
+  const auto takes = [&](const std::string &text) { return choice.Takes(ParseLogLine(text)); };
+  const auto count = static_cast<size_t>(NumberOf(arguments, "lines", kDefaultLines));
+  const LogTail tail =
+      ReadTail(context.GetHost(), context.GetSettings().directory + "KestLog.txt", count, takes);
+  if (arguments.Has("follow")) {
+    for (const std::string &text : tail.lines)
+      writer.Print(text, ParseLogLine(text));
+    Follow(context, choice, writer, tail.end);
+  }
+  Result result;
+  result.data["lines"] = Json::array();
+  for (const std::string &text : tail.lines) {
+    const LogLine line = ParseLogLine(text);
+    result.data["lines"].push_back(ToJson(line));
+    result.text += writer.Show(text, line) + "\n";
+  }
+  return result;
+}
+
+}  // namespace kest::ctl

@@ -1,0 +1,174 @@
+// SPDX-License-Identifier: Apache-2.0
+// Each command on a playing player.
+#include <thread>
+
+#include "tests/ctl/ctl_test.h"
+
+namespace kest::test {
+namespace {
+
+using testing::HasSubstr;
+using testing::Not;
+
+class Commands : public CtlTest {};
+
+// The values of a filter by the status report.
+nlohmann::json ValuesOf(const std::string &filter) {
+  return CtlJson("status " + filter)["data"]["filters"][0]["values"];
+}
+
+TEST_F(Commands, PsNamesTheProcessThatReadsThePipe) {
+  const PlayerProcess &player = StartPlayer();
+  const auto processes = CtlJson("ps")["data"]["processes"];
+  ASSERT_EQ(1u, processes.size());
+  EXPECT_EQ(player.Pid(), processes[0]["pid"]);
+  EXPECT_EQ("kest-player", processes[0]["name"]);
+}
+
+TEST_F(Commands, LsShowsPipelinesFiltersPortsAndParameters) {
+  StartPlayer();
+  const auto data = CtlJson("ls")["data"];
+  ASSERT_EQ(2u, data["pipelines"].size());
+  const auto &decoder = data["pipelines"][1];
+  EXPECT_EQ("Decoder_13", decoder["name"]);
+  EXPECT_EQ(nlohmann::json({"SpeakerOutput"}), decoder["feeds"]);
+  EXPECT_EQ("Volume", decoder["filters"][1]["name"]);
+  EXPECT_EQ("RUN", decoder["filters"][1]["state"]);
+  EXPECT_EQ(256, decoder["filters"][1]["ports"][1]["pcm"]["ring"]);
+  EXPECT_EQ("Volume", CtlJson("ls parameters")["data"]["parameters"][8]["filter"]);
+  for (const char *view : {"", "pipelines", "filters", "ports"})
+    EXPECT_THAT(Ctl(std::string("ls ") + view).out, HasSubstr("Decoder_13")) << view;
+}
+
+TEST_F(Commands, SetChangesAParameterNamedInShort) {
+  StartPlayer();
+  const CtlResult set = Ctl("set Dec/Vol Gain -6");
+  EXPECT_EQ(0, set.exitCode) << set.err;
+  EXPECT_EQ("Gain of Decoder_13/Volume is set to -6\n", set.out);
+  EXPECT_EQ(-6, ValuesOf("Dec/Vol")["Gain"]);
+}
+
+TEST_F(Commands, SetExplainsWhatItRefusesAndWhatTheProcessRefuses) {
+  StartPlayer();
+  const struct {
+    const char *arguments;
+    int exitCode;
+    const char *message;
+  } kCases[] = {
+      {"set Dec/Vol gain 1", 6, "Volume has no \"gain\"; it has Gain, Mute"},
+      {"set Dec/Vol ok 1", 6, "Volume has no \"ok\""},
+      {"set Decodr/Vol Gain 1", 6, "did you mean Decoder_13?"},
+      {"set Dec Gain 1", 6, "Decoder_13 is a pipeline"},
+      {"set Dec/Vol Gain loud", 2, "\"loud\" is no whole number"},
+      {"set Dec/Vol Gain 99999999999", 2, "no whole number of 32 bits"},
+      {"set Dec/Vol Gain", 2, "VALUE is missing"},
+      {"set Dec/Lpcm OkFrmCnt 1", 1, "Fail to set parameter from filter:'Lpcm'"},
+  };
+  for (const auto &expected : kCases) {
+    const CtlResult set = Ctl(expected.arguments);
+    EXPECT_EQ(expected.exitCode, set.exitCode) << expected.arguments;
+    EXPECT_THAT(set.err, HasSubstr(expected.message));
+  }
+  EXPECT_EQ(0, ValuesOf("Volume")["Gain"]);
+}
+
+TEST_F(Commands, RefusalsShowAtEveryLevelAndTheLevelStays) {
+  StartPlayer();
+  for (const char *level : {"none", "err", "sync", "hdmi", "wrn", "info", "trace", "all"}) {
+    EXPECT_EQ(std::string(level) + "\n", Ctl(std::string("level ") + level).out);
+    EXPECT_EQ(0, Ctl("set Dec/Vol Gain -3").exitCode) << level;
+    EXPECT_EQ(1, Ctl("set Dec/Lpcm MdVol 3").exitCode) << level;
+    EXPECT_EQ(0, Ctl("cmd Dec/Vol mute=on").exitCode) << level;
+    EXPECT_EQ(1, Ctl("cmd Dec/Vol mute=maybe").exitCode) << level;
+    EXPECT_EQ(level, CtlJson("level")["data"]["level"]);
+  }
+}
+
+TEST_F(Commands, CmdShowsWhatTheFilterSays) {
+  StartPlayer();
+  const CtlResult state = Ctl("cmd Volume state");
+  EXPECT_EQ(0, state.exitCode);
+  EXPECT_THAT(state.out, HasSubstr("Decoder_13 Volume in 0: "));
+  EXPECT_THAT(state.out, Not(HasSubstr("SetParameter")));
+}
+
+TEST_F(Commands, SendGivesTheReplyOfRawLinesAsItIs) {
+  StartPlayer();
+  const CtlResult sent = Ctl("send kest_print_current_shm kest_log_size=4000000");
+  EXPECT_EQ(0, sent.exitCode);
+  EXPECT_EQ("DebugLevel:0x1,0x1\nDebugPresetCmd:,\nbDebugPresetCmd:0,0\n\nLogSizeMax:4000000\n", sent.out);
+  EXPECT_EQ(2, Ctl("send ''").exitCode);
+  EXPECT_EQ(2, Ctl("send " + std::string(128, 'x')).exitCode);
+}
+
+TEST_F(Commands, AHalfTypedLineOfAnotherIsNoPartOfTheAnswer) {
+  StartPlayer();
+  WriteToPipe("half a line ");
+  const auto level = CtlJson("level");
+  EXPECT_EQ("none", level["data"]["level"]);
+  EXPECT_EQ(1u, level["warnings"].size());
+  WriteToPipe("half a line ");
+  EXPECT_EQ(0, Ctl("set Dec/Vol Gain -2").exitCode);
+}
+
+TEST_F(Commands, LogShowsTheLastLinesThatAreChosen) {
+  StartPlayer();
+  EXPECT_EQ(0, Ctl("level info").exitCode);
+  EXPECT_EQ(1, Ctl("cmd Volume nonsense").exitCode);
+  const CtlResult log = Ctl("log --level err -n 1 --plain");
+  EXPECT_EQ("Err! SetParameter failed(0x8)!\n", log.out);
+  EXPECT_EQ(3u, CtlJson("log -n 3")["data"]["lines"].size());
+  const auto line = CtlJson("log --level err -n 1")["data"]["lines"][0];
+  EXPECT_EQ("_ZE_KEST_Debug_RuntimeMonitor", line["function"]);
+  EXPECT_EQ("ERR", line["level"]);
+}
+
+TEST_F(Commands, LogFollowsThroughARestart) {
+  StartPlayer();
+  const std::string path = Path("followed");
+  // A shell beside it interrupts it when it is told to.
+  std::thread follower([&] {
+    Ctl("log -f -n 0 >" + path + " & follower=$!; while [ ! -e " + path +
+        ".end ]; do sleep 0.05; done; kill -INT $follower; wait $follower; true");
+  });
+  const auto isFollowed = [&](const std::string &text) {
+    return WaitFor([&] {
+      Ctl("send kest_log_size=4000000");
+      return ReadFile(path).find(text) != std::string::npos;
+    });
+  };
+  EXPECT_TRUE(isFollowed("LogSizeMax:4000000"));
+  Ctl("send kest_log_restart");
+  EXPECT_TRUE(WaitFor([&] {
+    Ctl("send kest_monitor_sleep_time=77");
+    return ReadFile(path).find("sleep time:77 ms") != std::string::npos;
+  }));
+  WriteFile(path + ".end", "");
+  follower.join();
+}
+
+TEST_F(Commands, SeveralProcessesAreListedEachAndNotChanged) {
+  StartPlayer();
+  StartPlayer();
+  const auto pipelines = CtlJson("--timeout 20000 ls")["data"]["pipelines"];
+  ASSERT_EQ(4u, pipelines.size());
+  EXPECT_NE(pipelines[0]["pid"], pipelines[2]["pid"]);
+  EXPECT_EQ(5, Ctl("set Dec/Vol Gain -6").exitCode);
+  EXPECT_EQ(5, Ctl("send help").exitCode);
+  EXPECT_EQ(0, Ctl("--any level").exitCode);
+}
+
+TEST_F(Commands, AnswersAboutTheWordsOfTheCommandLine) {
+  EXPECT_EQ(0, Ctl("--help").exitCode);
+  EXPECT_EQ(0, Ctl("--version").exitCode);
+  EXPECT_EQ(2, Ctl("").exitCode);
+  EXPECT_THAT(Ctl("stat").err, HasSubstr("did you mean status?"));
+  EXPECT_EQ(2, Ctl("ls --nonsense").exitCode);
+  EXPECT_EQ(2, Ctl("ls everything").exitCode);
+  const auto wrong = CtlJson("nonsense");
+  EXPECT_EQ("usage", wrong["error"]["code"]);
+  EXPECT_FALSE(wrong["ok"]);
+}
+
+}  // namespace
+}  // namespace kest::test

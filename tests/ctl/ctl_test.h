@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: Apache-2.0
+// A test of kestctl: a player that plays on and on, and the tool run beside it.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <nlohmann/json.hpp>
+
+#include "tests/player/player_test.h"
+
+namespace kest::test {
+
+struct CtlResult {
+  int exitCode;
+  std::string out;
+  std::string err;
+};
+
+// Runs kestctl with arguments in the syntax of a shell. before goes before its name: variables, or a program
+// that runs it.
+CtlResult Ctl(const std::string &arguments, const std::string &before = "");
+// Its JSON document.
+nlohmann::json CtlJson(const std::string &arguments, const std::string &before = "");
+
+class CtlTest : public PlayerTest {
+ protected:
+  // Starts a player and waits until it reads the pipe and its pipelines are registered.
+  PlayerProcess &StartPlayer(const std::vector<std::string> &more = {});
+
+  std::vector<std::unique_ptr<PlayerProcess>> players_;
+};
+
+}  // namespace kest::test

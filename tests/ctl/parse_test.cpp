@@ -1,0 +1,140 @@
+// SPDX-License-Identifier: Apache-2.0
+// The parsers on what the library of this process prints.
+#include <algorithm>
+
+#include "ze_kest/debug.h"
+
+#include "ctl/channel/channel.h"
+#include "ctl/channel/local_host.h"
+#include "ctl/commands/names.h"
+#include "ctl/parse/lines.h"
+#include "ctl/parse/listing.h"
+#include "ctl/parse/log_line.h"
+#include "ctl/parse/status.h"
+#include "ctl/render/escape.h"
+#include "tests/ctl/ctl_test.h"
+
+namespace kest::test {
+namespace {
+
+// A filter with one port of its own, registered for the length of the test.
+class TestFilter {
+ public:
+  TestFilter(ZE_KEST_Pipeline_s &pipeline, const std::string &name) {
+    name.copy(filter_.szName, sizeof(filter_.szName) - 1);
+    filter_.pstParentPipeline = &pipeline;
+    filter_.u32InPortCount = 1;
+    filter_.apstInPort[0] = &port_;
+    port_.bConnected = 1;
+    port_.stPcm.asztPcmAllocSize[0] = 4096;
+    EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_RegisterInfo(pipeline.szName, &filter_, 77, "a thread", nullptr));
+  }
+  ~TestFilter() { ze_kest_Debug_UnRegisterInfo(filter_.pstParentPipeline->szName, &filter_); }
+  TestFilter(const TestFilter &) = delete;
+  TestFilter &operator=(const TestFilter &) = delete;
+
+ private:
+  ZE_KEST_Filter_s filter_ = {};
+  ZE_KEST_Port_s port_ = {};
+};
+
+class TestPipeline {
+ public:
+  explicit TestPipeline(const std::string &name) {
+    name.copy(pipeline_.szName, sizeof(pipeline_.szName) - 1);
+    EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_RegisterInfo(pipeline_.szName, nullptr, 77, "a thread", nullptr));
+  }
+  ~TestPipeline() { ze_kest_Debug_UnRegisterInfo(pipeline_.szName, nullptr); }
+  TestPipeline(const TestPipeline &) = delete;
+  TestPipeline &operator=(const TestPipeline &) = delete;
+
+  [[nodiscard]] ZE_KEST_Pipeline_s &Get() { return pipeline_; }
+
+ private:
+  ZE_KEST_Pipeline_s pipeline_ = {};
+};
+
+class Parsers : public PlayerTest {
+ protected:
+  std::vector<std::string> Print(const std::string &line) { return channel_.Send({line}).lines; }
+
+  DebugLayer layer_;
+  ctl::LocalHost host_;
+  ctl::Channel channel_{host_, {KEST_DEBUG_DIR, std::chrono::seconds(20), std::nullopt, false}};
+};
+
+TEST_F(Parsers, TellNamesApartThatHoldBlanksOrAreLong) {
+  const std::string longName(60, 'n');
+  for (const std::string &pipelineName :
+       {std::string("Dec 13"), longName, std::string("D in 0"), std::string("\033[31mred")}) {
+    TestPipeline pipeline(pipelineName);
+    const std::string names[] = {"Volume", "Vol ume", "V tid:5 t:x", longName};
+    std::vector<std::unique_ptr<TestFilter>> filters;
+    for (const std::string &name : names)
+      filters.push_back(std::make_unique<TestFilter>(pipeline.Get(), name));
+    const ctl::ParsedListing parsed = ctl::ParseListing(Print("kest_debug_list=print"));
+    EXPECT_TRUE(parsed.isWhole);
+    EXPECT_THAT(parsed.unknown, testing::IsEmpty());
+    ASSERT_EQ(1u, parsed.listing.pipelines.size());
+    EXPECT_EQ(pipelineName, parsed.listing.pipelines[0].name);
+    ASSERT_EQ(std::size(names), parsed.listing.pipelines[0].filters.size());
+    for (size_t i = 0; i < std::size(names); ++i) {
+      const ctl::Filter &filter = parsed.listing.pipelines[0].filters[i];
+      EXPECT_EQ(names[i], filter.name);
+      EXPECT_EQ(77, filter.tid);
+      EXPECT_EQ(1u, filter.ports.size()) << pipelineName << "/" << filter.name;
+    }
+  }
+}
+
+TEST_F(Parsers, ReadTheStatusOfEveryKindOfFilter) {
+  TestPipeline pipeline("Kinds");
+  const char *names[] = {"Src",         "Mixer", "Volume", "Delay",    "Sync",  "HeadphoneOutput",
+                         "SpdifOutput", "Hdmi",  "Lpcm",   "OtherOne", "Other", "OtherNamedAtLength"};
+  std::vector<std::unique_ptr<TestFilter>> filters;
+  for (const char *name : names)
+    filters.push_back(std::make_unique<TestFilter>(pipeline.Get(), name));
+  const ctl::ParsedStatus parsed = ctl::ParseStatus(Print("kest_debug_list=status"));
+  EXPECT_TRUE(parsed.isWhole);
+  EXPECT_THAT(parsed.unknown, testing::IsEmpty());
+  ASSERT_EQ(std::size(names), parsed.report.filters.size());
+  for (size_t i = 0; i < std::size(names); ++i) {
+    EXPECT_EQ(names[i], parsed.report.filters[i].name);
+    EXPECT_EQ(std::string(names[i]).find("Other") == 0, parsed.report.filters[i].values.empty()) << names[i];
+  }
+}
+
+TEST_F(Parsers, TakeTheRightHalfOfALineIntoWhichAnotherThreadLogged) {
+  channel_.Send({"kest_log_level=info"});
+  const std::string log = ReadFile(kLogFile);
+  const std::string prefixed =
+      log.substr(log.find("\033[1;32m"), log.find('\n', log.find("\033[1;32m")) - log.find("\033[1;32m"));
+  const auto lines =
+      ctl::SplitLogLines("p:Decoder_13           f:Volume         " + prefixed + "\n gain:-3, mute:1\n");
+  ASSERT_EQ(3u, lines.size());
+  EXPECT_EQ("Test:<INFO>", ctl::ParseLogLine(lines[1]).text);
+  const auto filter =
+      ctl::ParseStatus({"===============", "[AudioStatusInfo]", lines[0], lines[2]}).report.filters.at(0);
+  EXPECT_EQ("Volume", filter.name);
+  EXPECT_EQ(-3, filter.values.at(0).second);
+}
+
+TEST(Names, AreFoundWhenTheyAreExactOrTheOnlyOnesThatBeginSo) {
+  ctl::Listing listing;
+  listing.pipelines.resize(2);
+  listing.pipelines[0].name = "Decoder_13";
+  listing.pipelines[1].name = "Decoder_1";
+  EXPECT_EQ("Decoder_1", ctl::FindTarget(listing, "Decoder_1").pipeline->name);
+  EXPECT_EQ("Decoder_13", ctl::FindTarget(listing, "Decoder_13").pipeline->name);
+  EXPECT_THROW(ctl::FindTarget(listing, "Dec"), ctl::CtlError);
+  EXPECT_THROW(ctl::FindTarget(listing, "Mixer"), ctl::CtlError);
+}
+
+TEST(Escape, ShowsControlCharactersAndBrokenUtf8) {
+  EXPECT_EQ("a\\x1b[31mb\\x0a\\x7f", ctl::Escape("a\033[31mb\n\x7f"));
+  EXPECT_EQ("a\033[31mb\\x1b[2J", ctl::EscapeButColours("a\033[31mb\033[2J"));
+  EXPECT_EQ("\xc3\xa4\xef\xbf\xbd\xef\xbf\xbd", ctl::ToUtf8("\xc3\xa4\xff\xc3"));
+}
+
+}  // namespace
+}  // namespace kest::test

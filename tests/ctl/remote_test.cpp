@@ -1,0 +1,211 @@
+// SPDX-License-Identifier: Apache-2.0
+// Work on another system: the far side is a shell whose PATH holds nothing but the programs that kestctl may
+// use.
+#include <filesystem>
+#include <numeric>
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "ctl/channel/local_host.h"
+#include "ctl/channel/remote_host.h"
+#include "tests/ctl/ctl_test.h"
+
+namespace kest::ctl {
+
+bool operator==(const FileFacts &left, const FileFacts &right) {
+  return left.IsSameFile(right) && left.size == right.size && left.mode == right.mode &&
+         left.owner == right.owner;
+}
+
+bool operator==(const OpenFile &left, const OpenFile &right) {
+  return left.facts == right.facts && left.path == right.path;
+}
+
+bool operator==(const Process &left, const Process &right) {
+  return left.pid == right.pid && left.name == right.name && left.exe == right.exe &&
+         left.start == right.start && left.threads == right.threads &&
+         left.commandThread == right.commandThread;
+}
+
+}  // namespace kest::ctl
+
+namespace kest::test {
+namespace {
+
+namespace fs = std::filesystem;
+
+using ctl::LocalHost;
+using ctl::RemoteHost;
+using ctl::WriteResult;
+using testing::HasSubstr;
+
+struct Programs {
+  const char *name;
+  const char *shell;
+  const char *stat;
+};
+
+std::string FarSide(const Programs &programs) {
+  const std::string path = PlayerTest::Path("far");
+  fs::create_directory(path);
+  const std::pair<const char *, const char *> links[] = {
+      {"sh", programs.shell}, {"stat", programs.stat}, {"dd", "/bin/dd"}, {"cat", "/bin/cat"}};
+  for (const auto &[name, program] : links)
+    fs::create_symlink(program, path + "/" + name);
+  return "env PATH=" + path;
+}
+
+// What RemoteHost finds in a shell of this system must be what LocalHost finds.
+class FarHost : public CtlTest, public testing::WithParamInterface<Programs> {
+ protected:
+  void SetUp() override {
+    if (!fs::exists(GetParam().shell) || !fs::exists(GetParam().stat)) GTEST_SKIP() << "not installed";
+    far_ = std::make_unique<RemoteHost>(FarSide(GetParam()));
+  }
+
+  LocalHost near_;
+  std::unique_ptr<RemoteHost> far_;
+};
+
+INSTANTIATE_TEST_SUITE_P(Shells, FarHost,
+                         testing::Values(Programs{"Gnu", "/bin/sh", "/usr/bin/stat"},
+                                         Programs{"Bash", "/bin/bash", "/usr/bin/stat"},
+                                         Programs{"Toybox", "/bin/mksh", "/usr/bin/toybox"}),
+                         [](const auto &given) { return given.param.name; });
+
+TEST_P(FarHost, SeesFilesOfEveryKindAsTheyAre) {
+  const std::string odd = PlayerTest::Path("it's $(odd) \"\\n\" `x` *");
+  WriteFile(odd, "text");
+  ASSERT_EQ(0, mkfifo(kPipe, 0640));
+  for (const std::string &path :
+       {odd, std::string(kPipe), std::string(KEST_DEBUG_DIR), std::string("/dev/null"),
+        PlayerTest::Path("far/sh"), PlayerTest::Path("missing"), odd + "/below"}) {
+    EXPECT_TRUE(near_.Look(path) == far_->Look(path)) << path;
+  }
+  EXPECT_NEAR(static_cast<double>(near_.FreeBytes(odd)), static_cast<double>(far_->FreeBytes(odd)), 1 << 20);
+  EXPECT_EQ(-1, far_->FreeBytes(PlayerTest::Path("missing")));
+}
+
+TEST_P(FarHost, ReadsAnyPartOfAFileByteForByte) {
+  std::string bytes(20000, '\0');
+  std::iota(bytes.begin(), bytes.end(), '\0');
+  const std::string path = PlayerTest::Path("bytes");
+  WriteFile(path, bytes);
+  for (const uint64_t offset : {0, 1, 4095, 4096, 8191, 19999, 20000, 30000}) {
+    for (const size_t size : {0, 1, 4096, 4097, 300000}) {
+      const ctl::FilePart wanted = near_.Read(path, offset, size);
+      const ctl::FilePart part = far_->Read(path, offset, size);
+      EXPECT_EQ(wanted.bytes, part.bytes) << size << " from " << offset;
+      EXPECT_TRUE(wanted.facts == part.facts);
+    }
+  }
+  ASSERT_EQ(0, mkfifo(kPipe, 0777));
+  EXPECT_EQ(ctl::FileKind::kPipe, far_->Read(kPipe, 0, 10).facts.kind) << "without waiting for a writer";
+  EXPECT_EQ(ctl::FileKind::kMissing, far_->Read(PlayerTest::Path("missing"), 0, 10).facts.kind);
+}
+
+TEST_P(FarHost, FindsReadersTheirFilesAndLocks) {
+  const PlayerProcess &player = StartPlayer();
+  const ctl::FileFacts pipe = near_.Look(kPipe);
+  const int writer = open(kPipe, O_WRONLY | O_CLOEXEC);
+  const ctl::Readers readers = far_->FindReaders(pipe);
+  ASSERT_EQ(1u, readers.processes.size()) << "who has it open for writing is no reader";
+  EXPECT_TRUE(near_.FindReaders(pipe).processes == readers.processes);
+  EXPECT_TRUE(far_->IsReader(player.Pid(), pipe));
+  EXPECT_FALSE(far_->IsReader(getpid(), pipe));
+  const auto path = [](const ctl::OpenFile &file) { return file.path; };
+  const auto nearFiles = near_.OpenFiles(player.Pid());
+  const auto farFiles = far_->OpenFiles(player.Pid());
+  for (const std::string &wanted : {std::string(kPipe), std::string(kLogFile)}) {
+    const auto isWanted = [&](const ctl::OpenFile &file) { return path(file) == wanted; };
+    const auto nearFile = std::find_if(nearFiles.begin(), nearFiles.end(), isWanted);
+    const auto farFile = std::find_if(farFiles.begin(), farFiles.end(), isWanted);
+    ASSERT_TRUE(nearFile != nearFiles.end() && farFile != farFiles.end()) << wanted;
+    EXPECT_TRUE(nearFile->facts.IsSameFile(farFile->facts));
+  }
+  EXPECT_TRUE(WaitFor([&] { return flock(writer, LOCK_EX | LOCK_NB) == 0; }));
+  EXPECT_THAT(far_->LockHolders(pipe), testing::Contains(getpid()));
+  close(writer);
+}
+
+TEST_P(FarHost, WritesToThePipeAllAtOnceOrNothing) {
+  const std::string bytes = "it's $HOME `x` \\n\nkestctl.end\n" + std::string(4000, 'x') + "\n";
+  EXPECT_EQ(WriteResult::kMissing, far_->WriteToPipe(kPipe, bytes));
+  EXPECT_FALSE(fs::exists(kPipe));
+  WriteFile(kPipe, "");
+  EXPECT_EQ(WriteResult::kNotPipe, far_->WriteToPipe(kPipe, bytes));
+  fs::remove(kPipe);
+  ASSERT_EQ(0, mkfifo(kPipe, 0777));
+  EXPECT_EQ(WriteResult::kNoReader, far_->WriteToPipe(kPipe, bytes));
+  const int reader = open(kPipe, O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+  EXPECT_EQ(WriteResult::kWritten, far_->WriteToPipe(kPipe, ""));
+  EXPECT_EQ(WriteResult::kWritten, far_->WriteToPipe(kPipe, bytes));
+  EXPECT_EQ(static_cast<ssize_t>(bytes.size()), near_.UnreadBytes(kPipe));
+  fcntl(reader, F_SETPIPE_SZ, 4096);
+  EXPECT_EQ(WriteResult::kFull, far_->WriteToPipe(kPipe, bytes));
+  std::string read(2 * bytes.size(), '\0');
+  read.resize(static_cast<size_t>(::read(reader, read.data(), read.size())));
+  EXPECT_EQ(bytes, read) << "what did not fit is not written later";
+  close(reader);
+}
+
+// kestctl where the debug directory is empty, and the player where the test runs.
+class FarSideOfKestctl : public CtlTest {
+ protected:
+  void SetUp() override {
+    if (!MayMount()) GTEST_SKIP() << "needs a mount namespace";
+  }
+
+  [[nodiscard]] CtlResult FarCtl(const std::string &arguments) const {
+    return Ctl("--via " + ctl::Quote(via_) + " " + arguments, elsewhere_);
+  }
+
+  const std::string elsewhere_ = "unshare --mount sh -c 'mount -t tmpfs none /mnt && exec \"$@\"' -";
+  const std::string via_ = "nsenter --mount=/proc/" + std::to_string(getpid()) + "/ns/mnt sh -c";
+};
+
+TEST_F(FarSideOfKestctl, EveryCommandWorksThere) {
+  const PlayerProcess &player = StartPlayer();
+  EXPECT_EQ(3, Ctl("level", elsewhere_).exitCode) << "nothing is here";
+  EXPECT_THAT(FarCtl("ps").out, HasSubstr(std::to_string(player.Pid())));
+  EXPECT_THAT(FarCtl("ls").out, HasSubstr("Decoder_13"));
+  EXPECT_EQ("Gain of Decoder_13/Volume is set to -6\n", FarCtl("set Dec/Vol Gain -6").out);
+  EXPECT_THAT(FarCtl("status Dec/Vol").out, HasSubstr("Gain -6"));
+  EXPECT_EQ(1, FarCtl("cmd Dec/Vol mute=maybe").exitCode);
+  EXPECT_EQ(0, FarCtl("cmd Dec/Vol state").exitCode);
+  EXPECT_EQ("err\n", FarCtl("level err").out);
+  EXPECT_EQ(Ctl("level").out, FarCtl("level").out);
+  EXPECT_EQ(Ctl("log -n 5").out, FarCtl("log -n 5").out);
+  EXPECT_EQ(0, FarCtl("doctor").exitCode) << FarCtl("doctor").out;
+}
+
+TEST_F(FarSideOfKestctl, SilenceIsExplainedFromThere) {
+  PlayerProcess &player = StartPlayer();
+  player.Signal(SIGSTOP);
+  const CtlResult level = FarCtl("--timeout 300 level");
+  EXPECT_EQ(4, level.exitCode);
+  EXPECT_THAT(level.err, HasSubstr("is stopped"));
+  player.Signal(SIGCONT);
+  EXPECT_TRUE(WaitFor([&] { return FarCtl("level").exitCode == 0; }));
+}
+
+TEST_F(CtlTest, ACommandThatGivesNoUsableShellIsUnreachable) {
+  const struct {
+    const char *via;
+    const char *message;
+  } kCases[] = {{"false", "gives no shell"},
+                {"no-such-program", "gives no shell"},
+                {"script -qec sh /dev/null;:", "changes line ends"},
+                {"echo nothing;:", "gives no shell"}};
+  for (const auto &example : kCases) {
+    const CtlResult level = Ctl("--via '" + std::string(example.via) + "' level");
+    EXPECT_EQ(3, level.exitCode) << example.via;
+    EXPECT_THAT(level.err, HasSubstr(example.message));
+  }
+}
+
+}  // namespace
+}  // namespace kest::test

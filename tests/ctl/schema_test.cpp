@@ -1,0 +1,90 @@
+// SPDX-License-Identifier: Apache-2.0
+// Every document that kestctl prints agrees with the published schema.
+#include <csignal>
+
+#include <sys/stat.h>
+
+#include "tests/ctl/ctl_test.h"
+
+namespace kest::test {
+namespace {
+
+class Schema : public CtlTest {
+ protected:
+  // Runs kestctl and keeps its document.
+  void Keep(const std::string &arguments, int exitCode, const std::string &before = "") {
+    const CtlResult result = Ctl("--json --timeout 300 " + arguments, before);
+    EXPECT_EQ(exitCode, result.exitCode) << arguments << ": " << result.out << result.err;
+    KeepText(result.out);
+  }
+  void KeepText(const std::string &text) {
+    const std::string path = Path("document" + std::to_string(kept_++) + ".json");
+    WriteFile(path, text);
+    instances_ += " -i " + path;
+  }
+  // What the validator finds wrong with all that was kept; empty when nothing.
+  [[nodiscard]] std::string Complaints() const {
+    const std::string output = Path("complaints");
+    const std::string command =
+        "python3 -W ignore -m jsonschema" + instances_ + " " KEST_CTL_SCHEMA " >" + output + " 2>&1";
+    const int status = std::system(command.c_str());
+    return status == 0 ? "" : "the validator: " + ReadFile(output);
+  }
+
+  int kept_ = 0;
+  std::string instances_;
+};
+
+TEST_F(Schema, HoldsForEveryCommandOnAPlayingPlayer) {
+  StartPlayer();
+  for (const char *arguments :
+       {"ps", "doctor", "ls", "ls ports", "ls parameters", "status", "status Dec/Vol", "level", "level info",
+        "set Dec/Vol Gain -6", "cmd Dec/Vol state", "send help", "log -n 200"}) {
+    Keep(arguments, 0);
+  }
+  Keep("set Dec/Lpcm MdVol 3", 1);
+  Keep("cmd Dec/Vol mute=maybe", 1);
+  Keep("set Dec/Vol gain 3", 6);
+  Keep("set Dec/Vol", 2);
+  Keep("nonsense", 2);
+  EXPECT_EQ("", Complaints());
+}
+
+TEST_F(Schema, HoldsForEveryLineOfAFollowedLog) {
+  StartPlayer();
+  Ctl("level all");
+  Ctl("send no_such_command");
+  const CtlResult followed = Ctl("--json log -f -n 20", "timeout --signal=INT 0.5");
+  std::istringstream lines(followed.out);
+  for (std::string line; std::getline(lines, line);)
+    KeepText(line);
+  EXPECT_LE(20, kept_);
+  EXPECT_EQ("", Complaints());
+}
+
+TEST_F(Schema, HoldsWhenSomethingIsWrong) {
+  Keep("level", 3);
+  Keep("ps", 3);
+  Keep("doctor", 1);
+  PlayerProcess &player = StartPlayer();
+  player.Signal(SIGSTOP);
+  Keep("level", 4);
+  Keep("doctor", 1);
+  player.Signal(SIGCONT);
+  StartPlayer();
+  Keep("set Dec/Vol Gain -6", 5);
+  Keep("ls", 0);
+  Keep("ps", 0);
+  EXPECT_EQ("", Complaints());
+}
+
+TEST_F(Schema, RefusesWhatItDoesNotDescribe) {
+  StartPlayer();
+  nlohmann::json ls = CtlJson("ls");
+  ls["data"]["pipelines"][0]["colour"] = "blue";
+  KeepText(ls.dump());
+  EXPECT_NE("", Complaints());
+}
+
+}  // namespace
+}  // namespace kest::test
