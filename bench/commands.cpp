@@ -32,10 +32,9 @@ std::atomic<bool> g_bDispatch{true};
 
 // The linker redirects calls of the dispatcher here (--wrap), so that a line can end here when the reader is
 // measured alone.
-extern "C" uint32_t __real__ZN4kest27_ZE_KEST_Debug_SetParameterEPKc(const char *pszLine);
-extern "C" uint32_t __wrap__ZN4kest27_ZE_KEST_Debug_SetParameterEPKc(const char *pszLine) {
-  const uint32_t u32Result =
-      g_bDispatch ? __real__ZN4kest27_ZE_KEST_Debug_SetParameterEPKc(pszLine) : uint32_t{ZE_KEST_OK};
+extern "C" uint32_t __real__ZE_KEST_Debug_SetParameter(const char *pszLine);
+extern "C" uint32_t __wrap__ZE_KEST_Debug_SetParameter(const char *pszLine) {
+  const uint32_t u32Result = g_bDispatch ? __real__ZE_KEST_Debug_SetParameter(pszLine) : uint32_t{ZE_KEST_OK};
   ++g_u32Lines;
   return u32Result;
 }

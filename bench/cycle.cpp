@@ -31,7 +31,7 @@ void AddCycleRows() {
       .Add("", Who::kLibrary, [filter] { benchmark::DoNotOptimize(ze_kest_Debug_Filter(filter.get())); })
       .Add("", Who::kLimit, [filter] { benchmark::DoNotOptimize(PlainHook(filter.get())); });
   Row("report below the level (limit: a load, a compare and a branch)")
-      .Add("", Who::kLibrary, [] { KEST_REPORT_(ZE_KEST_LEVEL_ENTER, 4, "", "Bench", "%d\n", 1); })
+      .Add("", Who::kLibrary, [] { KEST_REPORT_(ZE_KEST_LEVEL_ENTER, "Bench", "%d\n", 1); })
       .Add("", Who::kLimit, [] {
         if (__atomic_load_n(&u32KestDebugLevel, __ATOMIC_RELAXED) >= ZE_KEST_LEVEL_ENTER) Report();
       });

@@ -10,33 +10,17 @@
 #include <android/log.h>
 #include <unistd.h>
 
-#include "player/capabilities.h"
-#include "player/debug_session.h"
-#include "player/layout.h"
-#include "player/options.h"
-#include "player/playback.h"
+#include "player/config/layout.h"
+#include "player/config/options.h"
+#include "player/session/capabilities.h"
+#include "player/session/debug_session.h"
+#include "player/session/playback.h"
+#include "player/session/process_setup.h"
 
 namespace kest::player {
 namespace {
 
 constexpr timespec kWatchPeriod = {0, 20'000'000};
-
-// Whether the run is meant to outlive its terminal, as with nohup.
-bool IsHangUpIgnored() {
-  struct sigaction hangUp {};
-  return sigaction(SIGHUP, nullptr, &hangUp) == 0 && hangUp.sa_handler == SIG_IGN;
-}
-
-// Blocks the signals that end a run in every thread; the main thread alone waits for them.
-sigset_t BlockEndSignals() {
-  sigset_t set;
-  sigemptyset(&set);
-  sigaddset(&set, SIGINT);
-  sigaddset(&set, SIGTERM);
-  if (!IsHangUpIgnored()) sigaddset(&set, SIGHUP);
-  pthread_sigmask(SIG_BLOCK, &set, nullptr);
-  return set;
-}
 
 void LogToStderr(const __android_logger_data *data, const char *message) {
   constexpr const char *kPriorities = "??VDIWEF";
@@ -53,8 +37,8 @@ void WaitForEnd(Playback &playback, const sigset_t &endSignals, bool showProgres
   if (showProgress) std::fprintf(stderr, "\r        \r");
 }
 
-void Play(const Options &options, const sigset_t &endSignals) {
-  Playback playback(MakeLayout(options), options);
+void Play(const Options &options, const FilterKinds &kinds, const sigset_t &endSignals) {
+  Playback playback(MakeLayout(options, kinds), options);
   playback.Start();
   WaitForEnd(playback, endSignals, isatty(STDERR_FILENO) != 0 && !options.logcat);
   playback.Finish();
@@ -62,17 +46,18 @@ void Play(const Options &options, const sigset_t &endSignals) {
 }
 
 int Main(int argc, char **argv) {
+  FillStandardDescriptors();
   const auto parsed = ParseOptions(argc, argv);
   if (const int *exitCode = std::get_if<int>(&parsed)) return *exitCode;
   const Options &options = std::get<Options>(parsed);
 
   const sigset_t endSignals = BlockEndSignals();
-  // The run must survive readers that close the output or the command pipe.
-  std::signal(SIGPIPE, SIG_IGN);
+  IgnoreWriteSignals();
   __android_log_set_logger(options.logcat ? LogToStderr : LogNowhere);
   const DebugSession session;
-  AnnounceCapabilities();
-  Play(options, endSignals);
+  const FilterKinds kinds = BuiltInKinds();
+  AnnounceCapabilities(kinds);
+  Play(options, kinds, endSignals);
   return 0;
 }
 

@@ -15,6 +15,5 @@ need "${build_packages[@]}" "${bench_packages[@]}"
 debug_dir=/dev/shm/kest-bench-$(id -u)/
 mkdir -p "$debug_dir"
 trap 'rm -rf "$debug_dir"' EXIT
-build bench --preset release -B "$root/build/bench" -DKEST_BUILD_BENCH=ON -DKEST_BUILD_TESTS=OFF \
-  -DKEST_BUILD_PLAYER=OFF -DKEST_DEBUG_DIR="$debug_dir" >&2
+build_preset bench -DKEST_DEBUG_DIR="$debug_dir" >&2
 "$root/build/bench/kest-bench" "$@"

@@ -110,9 +110,9 @@ LineEditor::LineEditor(const std::string &historyPath, Completing complete)
   el_set(editor, EL_GETCFN, &LineEditor::ReadCharacter);
   el_set(editor, EL_HIST, history, history_.get());
   el_set(editor, EL_ADDFN, "kestctl-complete", "Completes the word", &LineEditor::OnCompletionKey);
-  el_set(editor, EL_BIND, "^I", "kestctl-complete", nullptr);
   el_set(editor, EL_BIND, "^R", "em-inc-search-prev", nullptr);
-  el_source(editor, nullptr);  // the user's own ~/.editrc
+  el_source(editor, nullptr);  // the user's own ~/.editrc, which may choose other key tables
+  el_set(editor, EL_BIND, "^I", "kestctl-complete", nullptr);
 }
 
 void LineEditor::LoadHistory() {

@@ -112,17 +112,21 @@ class Shell {
  public:
   explicit Shell(Context &context) : context_(context), completer_(context.GetSettings()) {}
 
-  // The exit code of the first line that failed.
-  ExitCode RunLinesOfInput() {
+  // Fails as the first line did that failed.
+  void RunLinesOfInput(Result &result) {
     std::string line;
-    ExitCode first = ExitCode::kDone;
+    int lines = 0;
+    int failed = 0;
     while (!isDone_ && std::getline(std::cin, line)) {
       const ExitCode exit = Run(line);
-      if (first == ExitCode::kDone) first = exit;
       ThrowIfInterrupted();
+      ++lines;
+      if (exit == ExitCode::kDone) continue;
+      if (++failed == 1) result.exit = exit;
     }
     ThrowIfInterrupted();
-    return first;
+    result.data = {{"lines", lines}, {"failed", failed}};
+    result.message = fmt::format("{} of {} lines failed", failed, lines);
   }
 
   void RunLinesTyped() {
@@ -193,7 +197,7 @@ Result RunShell(Context &context, const Arguments & /*arguments*/) {
   if (isatty(STDIN_FILENO) != 0) {
     shell.RunLinesTyped();
   } else {
-    result.exit = shell.RunLinesOfInput();
+    shell.RunLinesOfInput(result);
   }
   context.Forget();
   return result;

@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "debug/base/debug_mutex.h"
 
+#include <iterator>
+
+#include "debug/base/fork_guard.h"
 #include "debug/base/inside_log.h"
-#include "debug/base/lock_owner.h"
 #include "utility/core/report.h"
 
 namespace kest {
@@ -10,12 +12,27 @@ namespace kest {
 pthread_mutex_t _stKestDebugMutex;
 pthread_mutex_t _stKestDebugShmMutex;
 pthread_mutex_t _stKestDebugLogMutex;
+OwnedMutex g_startMutex;
+OwnedMutex g_logSwitchMutex;
+OwnedMutex g_baseMutex;
+OwnedMutex g_testThreadsMutex;
 
 namespace {
 
 LockOwner g_owner;
 LockOwner g_shmOwner;
 LockOwner g_logOwner;
+
+// In the order of their use.
+ForkedMutex g_aForked[] = {
+    {&g_startMutex.stMutex, &g_startMutex.owner, false},
+    {&_stKestDebugMutex, &g_owner, false},
+    {&g_logSwitchMutex.stMutex, &g_logSwitchMutex.owner, false},
+    {&g_baseMutex.stMutex, &g_baseMutex.owner, false},
+    {&g_testThreadsMutex.stMutex, &g_testThreadsMutex.owner, false},
+    {&_stKestDebugShmMutex, &g_shmOwner, false},
+    {&_stKestDebugLogMutex, &g_logOwner, false},
+};
 
 // InsideLog: a report from here must not enter the library's log, which would lock the log mutex.
 void InitialiseMutexes() {
@@ -24,12 +41,13 @@ void InitialiseMutexes() {
   KEST_THREAD_CALL_AS(kFunction, pthread_mutex_init(&_stKestDebugMutex, 0));
   KEST_THREAD_CALL_AS(kFunction, pthread_mutex_init(&_stKestDebugShmMutex, 0));
   KEST_THREAD_CALL_AS(kFunction, pthread_mutex_init(&_stKestDebugLogMutex, 0));
+  GuardForks(g_aForked, std::size(g_aForked));
 }
 
 }  // namespace
 
-// Runs once per process, before the first lock. The mutexes are never set up again: one may be locked before
-// the layer starts and stay locked across a shut-down.
+// The mutexes are never set up again: one may be locked before the layer starts and stay locked across a
+// shut-down.
 void _ZE_KEST_Debug_MutexInit() {
   static pthread_once_t once = PTHREAD_ONCE_INIT;
   pthread_once(&once, InitialiseMutexes);

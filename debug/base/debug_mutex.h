@@ -1,18 +1,29 @@
 // SPDX-License-Identifier: Apache-2.0
-// The three mutexes of the debug layer. A failing call is reported and otherwise ignored.
+// The mutexes of the debug layer. A failing call of the three with wrappers is reported and otherwise
+// ignored.
 //
 // An unlock by a thread that does not hold the mutex does nothing: shut-down unlocks all three, no matter who
 // holds them, and must not take a lock away from its holder.
+//
+// A thread that holds one may take another only in the order in which they stand here. The child of a fork
+// finds all of them free.
 #pragma once
 
 #include <pthread.h>
 
+#include "debug/base/owned_mutex.h"
+
 namespace kest {
 
+extern OwnedMutex g_startMutex;  // the creation of the command thread, until the layer counts as started
 extern pthread_mutex_t _stKestDebugMutex;     // the registry and the filter-io watch list
+extern OwnedMutex g_logSwitchMutex;           // whether the log goes to its file
+extern OwnedMutex g_baseMutex;                // the base initialisation
+extern OwnedMutex g_testThreadsMutex;         // creation and end of the test threads
 extern pthread_mutex_t _stKestDebugShmMutex;  // the shared settings
 extern pthread_mutex_t _stKestDebugLogMutex;  // the log file
 
+// Sets the three up and guards forks. Runs once per process, before the first lock.
 void _ZE_KEST_Debug_MutexInit();
 
 void _ZE_KEST_Debug_Mutex_Lock();

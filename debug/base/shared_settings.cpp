@@ -3,7 +3,7 @@
 
 #include <utility>
 
-#include <sys/stat.h>
+#include <unistd.h>
 
 #include "ze_kest/utility.h"
 
@@ -20,7 +20,7 @@ constexpr const char *kBlockName = "global";
 struct SharedBlock {
   int s32ShmFd;
   int s32LockFd;
-  SharedSettings *pstSettings;
+  void *pvAddr;  // never touched: somebody may have emptied the file, and this process would be killed
 };
 
 // Guarded by the shared settings' mutex. Nothing may be reported while it is held: the first report of a
@@ -29,24 +29,37 @@ SharedBlock *g_pstBlock = nullptr;
 PresetText g_szPresetCmd = "";
 uint8_t g_bPresetCmd = 0;
 
-// NULL without a block, and also when somebody has emptied the file: touching the mapping would then kill the
-// process with SIGBUS.
-SharedSettings *MappedSettings() {
-  struct stat stFile = {};
-  if (g_pstBlock == nullptr || fstat(g_pstBlock->s32ShmFd, &stFile) != 0) return nullptr;
-  return stFile.st_size == 0 ? nullptr : g_pstBlock->pstSettings;
+// The block is read and written through its descriptor. While another process writes it, a reader gets each
+// byte as it was before or after: a level, whose values differ in one byte only, as a whole; a text may be a
+// mixture.
+constexpr size_t kBlockBytes = offsetof(SharedSettings, bPresetCmd) + sizeof(SharedSettings::bPresetCmd);
+
+// False without a block, and when somebody has emptied or shortened its file.
+bool ReadBlock(SharedSettings &stShared) {
+  if (g_pstBlock == nullptr) return false;
+  const ssize_t s32Read = pread(g_pstBlock->s32ShmFd, &stShared, kBlockBytes, 0);
+  stShared.szPresetCmd[kPresetCmdSize - 1] = '\0';  // whatever somebody has written there
+  return s32Read == static_cast<ssize_t>(kBlockBytes);
+}
+
+bool WriteBlock(const SharedSettings &stOwn) {
+  return g_pstBlock != nullptr &&
+         pwrite(g_pstBlock->s32ShmFd, &stOwn, kBlockBytes, 0) == static_cast<ssize_t>(kBlockBytes);
+}
+
+SharedSettings OwnSettings() {
+  SharedSettings stOwn = {Load(u32KestDebugLevel), "", g_bPresetCmd};
+  static_cast<void>(CopyText(stOwn.szPresetCmd, g_szPresetCmd));  // fails only for NULL
+  return stOwn;
 }
 
 SharedBlock *AllocateBlock() {
   void *pv = nullptr;
   if (ze_kest_Utility_MemoryAlloc(&pv, sizeof(SharedBlock)) != ZE_KEST_OK) return nullptr;
   Owned<SharedBlock> block(static_cast<SharedBlock *>(pv));
-  void *pvAddr = nullptr;
   const uint32_t u32Result =
-      ze_kest_Utility_ShmAlloc(kBlockName, &block->s32ShmFd, &block->s32LockFd, &pvAddr);
-  if (u32Result != ZE_KEST_OK) return nullptr;
-  block->pstSettings = static_cast<SharedSettings *>(pvAddr);
-  return block.release();
+      ze_kest_Utility_ShmAlloc(kBlockName, &block->s32ShmFd, &block->s32LockFd, &block->pvAddr);
+  return u32Result == ZE_KEST_OK ? block.release() : nullptr;
 }
 
 SharedBlock *ReplaceBlock(SharedBlock *pstBlock) {
@@ -59,36 +72,31 @@ SharedBlock *ReplaceBlock(SharedBlock *pstBlock) {
 // yet.
 bool Adopt() {
   const HoldingShm holding;
-  const SharedSettings *pstShared = MappedSettings();
-  const uint32_t u32Level = pstShared == nullptr ? 0 : Load(pstShared->u32DebugLevel);
-  if (u32Level == 0) return false;
-  Store(u32KestDebugLevel, u32Level);
-  g_bPresetCmd = Load(pstShared->bPresetCmd);
-  // Another process may be writing the text; the copy stays within the field whatever it contains.
-  return CopyText(g_szPresetCmd, pstShared->szPresetCmd);
+  SharedSettings stShared;
+  if (!ReadBlock(stShared) || stShared.u32DebugLevel == 0) return false;
+  Store(u32KestDebugLevel, stShared.u32DebugLevel);
+  g_bPresetCmd = stShared.bPresetCmd;
+  return CopyText(g_szPresetCmd, stShared.szPresetCmd);
 }
 
-// Called with the mutex held.
-void Publish() {
-  SharedSettings *pstShared = MappedSettings();
-  if (pstShared == nullptr) return;
-  Store(pstShared->u32DebugLevel, Load(u32KestDebugLevel));
-  Store(pstShared->bPresetCmd, g_bPresetCmd);
-  static_cast<void>(CopyText(pstShared->szPresetCmd, g_szPresetCmd));  // fails only for NULL
+// Called with the mutex held. A block that was emptied gets settings again. Without a block, or on a full
+// disk, each process keeps its own.
+void ShareSettings() {
+  static_cast<void>(WriteBlock(OwnSettings()));
 }
 
-bool SetAndPublishPreset(const char *pszText) {
+bool SetAndSharePreset(const char *pszText) {
   const HoldingShm holding;
   if (!CopyText(g_szPresetCmd, pszText)) return false;
   g_bPresetCmd = 1;
-  Publish();
+  ShareSettings();
   return true;
 }
 
-void ClearAndPublishPreset() {
+void ClearAndSharePreset() {
   const HoldingShm holding;
   g_bPresetCmd = 0;
-  Publish();
+  ShareSettings();
 }
 
 }  // namespace
@@ -102,24 +110,24 @@ void _ZE_KEST_Debug_ShmInit() {
   ReplaceBlock(pstBlock);
   if (Adopt()) return;
   Store(u32KestDebugLevel, static_cast<uint32_t>(ZE_KEST_LEVEL_PRINT));
-  ClearAndPublishPreset();
+  ClearAndSharePreset();
 }
 
 void FreeSharedSettings() {
   const Owned<SharedBlock> block(ReplaceBlock(nullptr));
   if (block == nullptr) return;
-  ze_kest_Utility_ShmFree(kBlockName, &block->s32ShmFd, &block->s32LockFd, block->pstSettings);
+  ze_kest_Utility_ShmFree(kBlockName, &block->s32ShmFd, &block->s32LockFd, block->pvAddr);
 }
 
 void _ZE_KEST_Debug_SetShm() {
   const HoldingShm holding;
-  Publish();
+  ShareSettings();
 }
 
 uint32_t SetPresetCommand(const char *pszText) {
   constexpr const char *kFunction = "_ZE_KEST_Debug_Cmd_TriggerCallback";
   KEST_PRINT_AS(kFunction, "kest_debug_preset_cmd=all\n");
-  if (!SetAndPublishPreset(pszText)) {
+  if (!SetAndSharePreset(pszText)) {
     KEST_ERR_AS(kFunction, "Err! Strncpy failed!\n");
     return ZE_KEST_FAILED;
   }
@@ -129,27 +137,20 @@ uint32_t SetPresetCommand(const char *pszText) {
 
 void ClearPresetCommand() {
   KEST_PRINT_AS("_ZE_KEST_Debug_Cmd_TriggerCallback", "kest_debug_preset_cmd=off\n");
-  ClearAndPublishPreset();
+  ClearAndSharePreset();
 }
 
 bool CopyPresetCommand(PresetText &szText) {
   const HoldingShm holding;
-  const SharedSettings *pstShared = MappedSettings();
-  const uint8_t bPreset = pstShared == nullptr ? g_bPresetCmd : Load(pstShared->bPresetCmd);
-  if (bPreset != 1) return false;
-  return CopyText(szText, pstShared == nullptr ? g_szPresetCmd : pstShared->szPresetCmd);
+  SharedSettings stShared;
+  if (!ReadBlock(stShared)) stShared = OwnSettings();
+  return stShared.bPresetCmd == 1 && CopyText(szText, stShared.szPresetCmd);
 }
 
 bool CopySharedSettings(SharedSettings *pstOwn, SharedSettings *pstShared) {
   const HoldingShm holding;
-  const SharedSettings *pstMapped = MappedSettings();
-  if (pstMapped == nullptr) return false;
-  pstOwn->u32DebugLevel = Load(u32KestDebugLevel);
-  pstOwn->bPresetCmd = g_bPresetCmd;
-  pstShared->u32DebugLevel = Load(pstMapped->u32DebugLevel);
-  pstShared->bPresetCmd = Load(pstMapped->bPresetCmd);
-  return CopyText(pstOwn->szPresetCmd, g_szPresetCmd) &&
-         CopyText(pstShared->szPresetCmd, pstMapped->szPresetCmd);
+  *pstOwn = OwnSettings();
+  return ReadBlock(*pstShared);
 }
 
 }  // namespace kest

@@ -9,6 +9,7 @@ namespace kest {
 namespace {
 
 uint8_t g_bStarted = 0;
+uint8_t g_bEnding = 0;
 
 }  // namespace
 
@@ -18,6 +19,14 @@ bool IsStarted() {
 
 void SetStarted(bool bStarted) {
   Store(g_bStarted, static_cast<uint8_t>(bStarted));
+}
+
+bool IsEnding() {
+  return Load(g_bEnding) != 0;
+}
+
+void SetEnding(bool bEnding) {
+  Store(g_bEnding, static_cast<uint8_t>(bEnding));
 }
 
 }  // namespace kest

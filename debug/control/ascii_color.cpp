@@ -7,8 +7,8 @@ namespace kest {
 namespace {
 
 struct Colour {
-  const char *pszEscape;
-  const char *pszName;
+  char szEscape[sizeof("\033[1;7;30m")];
+  char szName[sizeof("COLOR_INVERSE_YELLOW")];
 };
 
 constexpr Colour kColours[] = {
@@ -44,8 +44,8 @@ uint32_t PrintAsciiColors(const CommandArguments & /*arguments*/) {
   int s32Number = 0;
   for (const Colour &colour : kColours) {
     ++s32Number;
-    KEST_INFO_AS("_ZE_KEST_Debug_PrintAsciiColor", "<%02d>%s%s\033[0m\n", s32Number, colour.pszEscape,
-                 colour.pszName);
+    KEST_INFO_AS("_ZE_KEST_Debug_PrintAsciiColor", "<%02d>%s%s\033[0m\n", s32Number, colour.szEscape,
+                 colour.szName);
   }
   return ZE_KEST_OK;
 }

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "debug/control/command_table.h"
 
-#include <iterator>
-
 #include "ze_kest/result.h"
 
 #include "debug/control/ascii_color.h"
@@ -57,7 +55,7 @@ constexpr Command kCommands[] = {
     {"kest_debug_list", "print", &kBlankOrEquals, "kest_debug_node=print\n", ListRegistry, 0},
     {"kest_debug_list", "status", &kBlankOrEquals, "kest_debug_node=status\n", ListStatus, 0},
     {"kest_debug_list", "parameter", &kBlankOrEquals, "kest_debug_node=parameter\n", ListParameters, 0},
-    {kEveryLine, kAnyValue, nullptr, nullptr, _ZE_KEST_Debug_Cmd_SetParameter, 0},
+    {kEveryLine, kNoValue, nullptr, nullptr, _ZE_KEST_Debug_Cmd_SetParameter, 0},
     {"kest_debug_send_cmd", kAnyValue, &kText, nullptr, SendCommandByIndex, 0},
     {"kest_debug_preset_cmd", "all", &kText, nullptr, PresetForAll, 0},
     {"kest_debug_preset_cmd", "off", &kText, nullptr, PresetOff, 0},
@@ -67,7 +65,7 @@ constexpr Command kCommands[] = {
 }  // namespace
 
 CommandTable Commands() {
-  return {std::begin(kCommands), std::end(kCommands)};
+  return CommandTable(kCommands);
 }
 
 }  // namespace kest

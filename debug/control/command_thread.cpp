@@ -1,15 +1,20 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "debug/control/command_thread.h"
 
+#include <algorithm>
+
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "debug/base/debug_mutex.h"
 #include "debug/base/debug_thread.h"
+#include "debug/base/wake_up.h"
 #include "debug/control/dispatcher.h"
 #include "utility/core/debug_dir.h"
+#include "utility/core/guarded_open.h"
 #include "utility/core/report.h"
 
 namespace kest {
@@ -19,7 +24,8 @@ constexpr const char *kPipePath = KEST_DEBUG_PATH("D");
 constexpr const char *kMonitor = "_ZE_KEST_Debug_RuntimeMonitor";
 constexpr size_t kLineSize = 128;
 constexpr int kLookAtPathMs = 500;
-constexpr useconds_t kOtherReaderUs = 1000;
+constexpr int kShortestPauseMs = 1;
+constexpr int kLongestPauseMs = 512;
 
 void *_ZE_KEST_Debug_RuntimeMonitor(void *pvUnused);
 
@@ -28,6 +34,7 @@ KEST_DEFINE_THREAD_ATTRIBUTES(SetAttributes, DestroyAttributes, _stKestDebugRunt
 
 DebugThread g_stCommandThread = {"KestDebug", _ZE_KEST_Debug_RuntimeMonitor,
                                  &_stKestDebugRuntimeMonitorThreadAttr, SetAttributes, DestroyAttributes};
+WakeUp g_wakeUp;  // told when a shut-down begins
 
 bool IsPipe(int s32Fd) {
   struct stat stOpen = {};
@@ -49,33 +56,38 @@ int OpenPipe() {
     KEST_ERR_AS(kMonitor, "Warn! mkfifo ret = %d : %s\n", s32Made, ErrorText(s32Error).c_str());
   }
   // Opened for writing too: the open then needs no writer to wait for, and a read never sees end of file.
-  constexpr int kFlags = O_RDWR | O_NONBLOCK | O_CLOEXEC;
   // Without O_NOATIME every byte read updates the access time. Only the pipe's owner may use the flag.
-  int s32Fd = open(kPipePath, kFlags | O_NOATIME);
-  if (s32Fd < 0 && errno == EPERM) s32Fd = open(kPipePath, kFlags);
+  int s32Fd = OpenGuarded(kPipePath, FileKind::kAny, O_RDWR | O_NOATIME);
+  if (s32Fd < 0 && errno == EPERM) s32Fd = OpenGuarded(kPipePath, FileKind::kAny, O_RDWR);
   if (s32Fd < 0) {
     const int s32Error = errno;
     KEST_ERR_AS(kMonitor, "Err! open ret = %d : %s\n", s32Fd, ErrorText(s32Error).c_str());
-    return s32Fd;
+    if (s32Error != ELOOP) return s32Fd;  // a link in its place is no pipe either
   }
   if (IsPipe(s32Fd)) return s32Fd;
   // PRINT, not ERR: the default level hides ERR, and without the pipe no command can raise the level.
   KEST_PRINT_AS(kMonitor,
                 "Err! %s is no pipe, no commands are read: remove it and start this process again\n",
                 kPipePath);
-  close(s32Fd);
+  if (s32Fd >= 0) close(s32Fd);
   return -1;
 }
 
-// A failing poll counts as bytes: the read that follows reports the reason.
-bool HasBytes(int s32Fd, int s32TimeoutMs) {
-  struct pollfd stPipe = {s32Fd, POLLIN, 0};
-  return poll(&stPipe, 1, s32TimeoutMs) != 0;
+// Waits for bytes. Once a shut-down has begun, and where nothing can tell of one, no longer than until the
+// next look at the path. Other failures than a signal count as bytes: the read that follows reports the
+// reason.
+bool HasBytes(int s32Fd) {
+  const int s32WakeUp = IsRunning(g_stCommandThread) ? g_wakeUp.Descriptor() : -1;
+  struct pollfd astWaitedFor[] = {{s32Fd, POLLIN, 0}, {s32WakeUp, POLLIN, 0}};
+  if (poll(astWaitedFor, 2, s32WakeUp < 0 ? kLookAtPathMs : -1) < 0) return errno != EINTR;
+  // A forked copy of this process shares the descriptor and may have written to it.
+  if (astWaitedFor[1].revents != 0) g_wakeUp.Clear();
+  return astWaitedFor[0].revents != 0;
 }
 
 // False when a shut-down waits for a line but none can come, because the pipe was removed.
 bool WaitForBytes(int s32Fd) {
-  while (!HasBytes(s32Fd, kLookAtPathMs)) {
+  while (!HasBytes(s32Fd)) {
     if (IsRunning(g_stCommandThread) || IsAtItsPath(s32Fd)) continue;
     KEST_ERR_AS(kMonitor, "Err! %s was removed, the thread waits for no line\n", kPipePath);
     return false;
@@ -93,7 +105,7 @@ void UnlockLine(int s32Fd) {
   flock(s32Fd, LOCK_UN);
 }
 
-enum class ReadResult { kByte, kNothing, kEnd };
+enum class ReadResult { kByte, kNothing, kOtherReader, kEnd };
 
 ReadResult ReadByte(int s32Fd, char *pcByte) {
   const ssize_t s32Read = read(s32Fd, pcByte, 1);
@@ -106,23 +118,34 @@ ReadResult ReadByte(int s32Fd, char *pcByte) {
 
 // Reads the first byte of a line unless another process is reading it; on success the lock stays held.
 ReadResult TryToBegin(int s32Fd, char *pcByte) {
-  if (!LockLine(s32Fd)) return ReadResult::kNothing;
+  if (!LockLine(s32Fd)) return ReadResult::kOtherReader;
   const ReadResult eResult = ReadByte(s32Fd, pcByte);
   if (eResult != ReadResult::kByte) UnlockLine(s32Fd);
   return eResult;
 }
 
+bool IsToRepeat(ReadResult eResult) {
+  return eResult == ReadResult::kNothing || eResult == ReadResult::kOtherReader;
+}
+
+// Pauses grow while the other reader keeps its line: it may have been stopped in the middle of it.
+int NextPauseMs(ReadResult eResult, int s32PauseMs) {
+  return eResult == ReadResult::kOtherReader ? std::min(2 * s32PauseMs, kLongestPauseMs) : kShortestPauseMs;
+}
+
 // Waits for a line to begin. False when the thread is to end. It tries to read before it waits, so lines that
 // are already in the pipe are read without a delay.
 bool BeginLine(int s32Fd, char *pcByte) {
+  int s32PauseMs = kShortestPauseMs;
   ReadResult eResult = TryToBegin(s32Fd, pcByte);
-  while (eResult == ReadResult::kNothing) {
+  while (IsToRepeat(eResult)) {
     if (!WaitForBytes(s32Fd)) return false;
     eResult = TryToBegin(s32Fd, pcByte);
-    if (eResult != ReadResult::kNothing) break;
+    if (!IsToRepeat(eResult)) break;
     // Another process is reading the line. A shut-down here counts it as the line it waits for.
     if (!IsRunning(g_stCommandThread)) return false;
-    usleep(kOtherReaderUs);
+    g_wakeUp.Sleep(s32PauseMs);
+    s32PauseMs = NextPauseMs(eResult, s32PauseMs);
   }
   return eResult == ReadResult::kByte;
 }
@@ -163,7 +186,13 @@ void ServeCommands(int s32Fd) {
   }
 }
 
+// Returns once the layer counts as started, so that the thread's reports reach the log file.
+void WaitForStart() {
+  const HoldingOwned started(g_startMutex);
+}
+
 void *_ZE_KEST_Debug_RuntimeMonitor(void * /*pvUnused*/) {
+  WaitForStart();
   KEST_INFO("Start\n");
   const int s32Fd = OpenPipe();
   if (s32Fd >= 0) {
@@ -178,12 +207,16 @@ void *_ZE_KEST_Debug_RuntimeMonitor(void * /*pvUnused*/) {
 }  // namespace
 
 uint32_t CreateCommandThread() {
+  g_wakeUp.Open();
   return CreateDebugThread(g_stCommandThread);
 }
 
 // A thread that found no pipe, or lost it, has already ended; it is joined all the same.
 void _ZE_KEST_Debug_DestroyThread() {
+  Store(g_stCommandThread.bRunning, uint8_t{0});  // what the thread finds when it wakes up
+  g_wakeUp.Wake();
   DestroyDebugThread(g_stCommandThread);
+  g_wakeUp.Close();
 }
 
 }  // namespace kest

@@ -73,14 +73,14 @@ uint32_t ListParameters(const CommandArguments & /*arguments*/) {
 }
 
 uint32_t SendCommandByIndex(const CommandArguments &arguments) {
-  if (arguments.pszRest == nullptr) return ZE_KEST_INVALID_ARGUMENT;
+  if (arguments.rest.Rest() == nullptr) return ZE_KEST_INVALID_ARGUMENT;
   const auto u32Length = static_cast<uint32_t>(ze_kest_Utility_Strlen(arguments.pszValue));
-  return CallBackByIndex(ze_kest_Utility_StrToInt(arguments.pszValue, u32Length), arguments.pszRest);
+  return CallBackByIndex(ze_kest_Utility_StrToInt(arguments.pszValue, u32Length), arguments.rest.Rest());
 }
 
 uint32_t SendCommandByText(const CommandArguments &arguments) {
-  char *pszText = arguments.pszRest;
-  const char *pszFilterName = ze_kest_Utility_Strsep(&pszText, ",");
+  const char *pszFilterName = arguments.rest.Next(",");
+  char *pszText = arguments.rest.Rest();
   if (pszText == nullptr) return ZE_KEST_INVALID_ARGUMENT;
   return _ZE_KEST_Debug_Cmd_TriggerCallback_Parse_By_Text(arguments.pszValue, pszFilterName, pszText);
 }

@@ -20,23 +20,26 @@ struct Fields {
   const char *pszSize;
 };
 
+constexpr struct {
+  const char *Fields::*ppszField;
+  const char *pszName;
+} kRequired[] = {
+    {&Fields::pszPipeline, "pszPipelineName"},
+    {&Fields::pszFilter, "pszFilterName"},
+    {&Fields::pszParameter, "pszParameterName"},
+    {&Fields::pszValue, "pszParameter"},
+};
+
 // False, after printing why, when a field is missing. The size is checked later.
-bool SplitFields(char *pszRest, Fields *pstFields) {
-  pstFields->pszPipeline = ze_kest_Utility_Strsep(&pszRest, ",");
-  pstFields->pszFilter = ze_kest_Utility_Strsep(&pszRest, ",");
-  pstFields->pszParameter = ze_kest_Utility_Strsep(&pszRest, ",");
-  pstFields->pszValue = ze_kest_Utility_Strsep(&pszRest, ",");
-  pstFields->pszSize = pszRest;
-  if (pstFields->pszPipeline == nullptr) {
-    KEST_PRINT_AS(kFunction, "%s pszPipelineName is NULL, format error\n", kFunction);
-  } else if (pstFields->pszFilter == nullptr) {
-    KEST_PRINT_AS(kFunction, "%s pszFilterName is NULL, format error\n", kFunction);
-  } else if (pstFields->pszParameter == nullptr) {
-    KEST_PRINT_AS(kFunction, "%s pszParameterName is NULL, format error\n", kFunction);
-  } else if (pstFields->pszValue == nullptr) {
-    KEST_PRINT_AS(kFunction, "%s pszParameter is NULL, format error\n", kFunction);
+bool SplitFields(CommandLine &line, Fields *pstFields) {
+  for (const auto &[ppszField, pszName] : kRequired) {
+    pstFields->*ppszField = line.Next(",");
+    if (pstFields->*ppszField != nullptr) continue;
+    KEST_PRINT_AS(kFunction, "%s %s is NULL, format error\n", kFunction, pszName);
+    return false;
   }
-  return pstFields->pszValue != nullptr;
+  pstFields->pszSize = line.Rest();
+  return true;
 }
 
 // False, after printing why, when a number is missing or out of range.
@@ -57,17 +60,17 @@ bool ReadNumbers(const Fields &fields, int32_t *ps32Value, uint32_t *pu32Size) {
 }  // namespace
 
 uint32_t _ZE_KEST_Debug_Cmd_SetParameter(const CommandArguments &arguments) {
-  char *pszCmd = arguments.pszRest;
-  KEST_PRINT("%s pszDup=%s\n", __func__, pszCmd);
-  const char *pszSub = ze_kest_Utility_Strsep(&pszCmd, "=");
-  KEST_REQUIRE(pszCmd != nullptr, "pszCmd is NULL, format error\n");
-  KEST_PRINT("%s pszSub=%s, pszCmd=%s\n", __func__, pszSub, pszCmd);
+  CommandLine &line = arguments.rest;
+  KEST_PRINT("%s pszDup=%s\n", __func__, line.Rest());
+  const char *pszSub = line.Next("=");
+  KEST_REQUIRE(line.Rest() != nullptr, "pszCmd is NULL, format error\n");
+  KEST_PRINT("%s pszSub=%s, pszCmd=%s\n", __func__, pszSub, line.Rest());
   if (ze_kest_Utility_Strcmp(pszSub, "kest_debug_set_parameter") != 0) return ZE_KEST_INVALID_ARGUMENT;
 
   Fields fields;
   int32_t s32Value = 0;
   uint32_t u32Size = 0;
-  if (!SplitFields(pszCmd, &fields) || !ReadNumbers(fields, &s32Value, &u32Size)) {
+  if (!SplitFields(line, &fields) || !ReadNumbers(fields, &s32Value, &u32Size)) {
     return ZE_KEST_INVALID_ARGUMENT;
   }
   KEST_PRINT("%s %s:%s set parameter %s %d %u\n", __func__, fields.pszPipeline, fields.pszFilter,

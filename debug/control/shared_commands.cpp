@@ -20,7 +20,7 @@ uint32_t PrintCurrentShm(const CommandArguments & /*arguments*/) {
 }
 
 uint32_t PresetForAll(const CommandArguments &arguments) {
-  return SetPresetCommand(arguments.pszRest);
+  return SetPresetCommand(arguments.rest.Rest());
 }
 
 uint32_t PresetOff(const CommandArguments & /*arguments*/) {

@@ -3,12 +3,10 @@
 
 #include <atomic>
 
-#include <pthread.h>
-
 #include "ze_kest/debug.h"
 
+#include "debug/base/base_init.h"
 #include "debug/base/debug_mutex.h"
-#include "debug/base/lock_owner.h"
 #include "debug/base/shared_settings.h"
 #include "debug/base/started.h"
 #include "debug/control/command_thread.h"
@@ -19,8 +17,6 @@
 #include "debug/datapath/sine_output.h"
 #include "debug/datapath/switches.h"
 #include "debug/log/log_file.h"
-#include "debug/requests/perf_target.h"
-#include "debug/requests/process_status.h"
 #include "debug/requests/requests.h"
 #include "debug/thread/test_threads.h"
 #include "debug/thread/thread_watch.h"
@@ -36,8 +32,6 @@ enum class Base : uint8_t { kFresh, kReady, kShutDown };
 
 constexpr int32_t kMonitorSleepTimeMs = 2000;
 
-pthread_mutex_t g_baseMutex = PTHREAD_MUTEX_INITIALIZER;
-LockOwner g_baseOwner;
 std::atomic<Base> g_base{Base::kFresh};
 int32_t g_s32MonitorSleepTimeMs = kMonitorSleepTimeMs;
 
@@ -59,10 +53,7 @@ void ResetInstrumentation() {
 
 void InitialiseBase() {
   Store(bKestAtraceEnable, uint8_t{0});
-  ResetPerfEventTarget();
-  ResetProcessStatusQuery();
   ResetRequests();
-  _ZE_KEST_Debug_MutexInit();
   _ZE_KEST_Debug_ShmInit();
   SetStarted(false);
   SetMonitorSleepTime(kMonitorSleepTimeMs);
@@ -75,16 +66,14 @@ void InitialiseBase() {
 }  // namespace
 
 void _ZE_KEST_Debug_Init() {
-  // A report made during the initialisation calls this again on the same thread, which g_baseOwner detects.
-  if (GetBase() != Base::kFresh || g_baseOwner.IsMine()) return;
-  pthread_mutex_lock(&g_baseMutex);
-  g_baseOwner.Take();
-  if (GetBase() == Base::kFresh) {
-    InitialiseBase();
-    SetBase(Base::kReady);
-  }
-  g_baseOwner.Drop();
-  pthread_mutex_unlock(&g_baseMutex);
+  // A report made during the initialisation calls this again on the same thread, which the mutex's owner
+  // tells.
+  if (GetBase() != Base::kFresh || g_baseMutex.owner.IsMine()) return;
+  _ZE_KEST_Debug_MutexInit();
+  const HoldingOwned holding(g_baseMutex);
+  if (GetBase() != Base::kFresh) return;
+  InitialiseBase();
+  SetBase(Base::kReady);
 }
 
 void SetMonitorSleepTime(int32_t s32Ms) {
@@ -106,9 +95,11 @@ uint32_t ze_kest_Debug_Init(void) {
   }
 
   kest::_ZE_KEST_Debug_SetMode(kest::kLogToFile, 1);
-  // Set before the thread starts: its report of a pipe that it cannot read must reach the log file.
+  // Reports of the creation come too early for the log file. The thread waits, so that its own reach it.
+  const kest::HoldingOwned starting(kest::g_startMutex);
+  const uint32_t u32Result = kest::_ZE_KEST_Debug_CreateThread(kest::kCommandThread);
   kest::SetStarted(true);
-  return kest::_ZE_KEST_Debug_CreateThread(kest::kCommandThread);
+  return u32Result;
 }
 
 uint32_t ze_kest_Debug_DeInit(void) {
@@ -120,6 +111,7 @@ uint32_t ze_kest_Debug_DeInit(void) {
 
   KEST_PRINT("Log to file(%d)\n", 0);
   kest::CloseLogFile();
+  kest::SetEnding(true);
   kest::_ZE_KEST_Debug_DestroyThread();
   // After the command thread has ended: its last line may have created a test thread.
   kest::EndTestThreads();
@@ -128,6 +120,7 @@ uint32_t ze_kest_Debug_DeInit(void) {
   kest::_ZE_KEST_Debug_ShmMutex_Unlock();
   kest::_ZE_KEST_Debug_LogMutex_Unlock();
   kest::SetStarted(false);
+  kest::SetEnding(false);
   kest::SetBase(kest::Base::kShutDown);
   // The last line from the pipe may have opened the log file again.
   kest::CloseLogFile();

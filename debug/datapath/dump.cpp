@@ -38,13 +38,13 @@ bool IsOutputWidthDumped(uint32_t u32Bits) {
   return u32Bits / 8 == 2 || u32Bits / 8 == 4;
 }
 
-constexpr DumpSide kInput = {
+constexpr DumpSide kInputSide = {
     "_ZE_KEST_Debug_DumpInput",         "DumpIn", _stKestDumpInput,
     &ZE_KEST_Filter_s::apstInPort,      2,        &ZE_KEST_PcmBuffer_s::sztPcmReadSize,
     &ZE_KEST_DataBuffer_s::sztReadSize, false,    IsInputWidthDumped,
 };
 
-constexpr DumpSide kOutput = {
+constexpr DumpSide kOutputSide = {
     "_ZE_KEST_Debug_DumpOutput",         "DumpOut", _stKestDumpOutput,
     &ZE_KEST_Filter_s::apstOutPort,      1,         &ZE_KEST_PcmBuffer_s::sztPcmWriteSize,
     &ZE_KEST_DataBuffer_s::sztWriteSize, true,      IsOutputWidthDumped,
@@ -79,16 +79,16 @@ uint32_t DumpedWidth(const DumpedPort &port, uint32_t u32Bits) {
   return kFallbackWidth;
 }
 
-void DumpGroup(const DumpedPort &port, const ZE_KEST_PcmBuffer_s &pcm, uint32_t u32Group,
+void DumpGroup(const DumpedPort &port, const ZE_KEST_PcmBuffer_s &stPcm, uint32_t u32Group,
                const Frames &frames, uint8_t *pu8Scratch) {
-  const uint32_t u32Channels = PlaneCount(pcm, u32Group, frames.u32Width);
+  const uint32_t u32Channels = PlaneCount(stPcm, u32Group, frames.u32Width);
   if (u32Channels == 0) return;
   const FileName file = port.File(kPcmSuffixes[u32Group]);
   uint32_t sztChunk = 0;
   for (uint32_t sztDone = 0; sztDone < frames.sztCount; sztDone += sztChunk) {
     sztChunk = std::min(frames.sztCount - sztDone, kChunkFrames);
-    const uint32_t u32Advance = WrapOnce(frames.u32Advance + sztDone, pcm.sztPcmRingSamples);
-    ze_kest_Utility_ConvertNonInterleaveToInterleave(pu8Scratch, &pcm, u32Group, u32Channels, u32Advance,
+    const uint32_t u32Advance = WrapOnce(frames.u32Advance + sztDone, stPcm.sztPcmRingSamples);
+    ze_kest_Utility_ConvertNonInterleaveToInterleave(pu8Scratch, &stPcm, u32Group, u32Channels, u32Advance,
                                                      sztChunk, frames.u32Width);
     ze_kest_Utility_DumpBuffer(KEST_DEBUG_DIR, file.c_str(), pu8Scratch,
                                size_t{u32Channels} * frames.u32Width * sztChunk);
@@ -96,17 +96,17 @@ void DumpGroup(const DumpedPort &port, const ZE_KEST_PcmBuffer_s &pcm, uint32_t 
 }
 
 // False when out of memory, which ends the port's dump in this cycle.
-bool DumpPcm(const DumpedPort &port, const ZE_KEST_PcmBuffer_s &pcm) {
-  const uint32_t sztSize = pcm.*port.side.psztPcmSize;
-  const uint32_t u32Advance = port.side.bAfterLevel ? pcm.sztPcmLevel : 0;
-  if (sztSize == 0 || sztSize > pcm.sztPcmRingSamples) return true;
-  if (!RingPosition(pcm.sztPcmRingSamples, pcm.sztPcmReadOffset, u32Advance)) return true;
+bool DumpPcm(const DumpedPort &port, const ZE_KEST_PcmBuffer_s &stPcm) {
+  const uint32_t sztSize = stPcm.*port.side.psztPcmSize;
+  const uint32_t u32Advance = port.side.bAfterLevel ? stPcm.sztPcmLevel : 0;
+  if (sztSize == 0 || sztSize > stPcm.sztPcmRingSamples) return true;
+  if (!RingPosition(stPcm.sztPcmRingSamples, stPcm.sztPcmReadOffset, u32Advance)) return true;
   const auto scratch = Allocate<uint8_t>(kScratchBytes);
   if (scratch == nullptr) return false;
   memset(scratch.get(), 0, kScratchBytes);
-  const Frames frames = {u32Advance, sztSize, DumpedWidth(port, pcm.stPcmInfo.u32BitWidth)};
+  const Frames frames = {u32Advance, sztSize, DumpedWidth(port, stPcm.stPcmInfo.u32BitWidth)};
   for (uint32_t u32Group = 0; u32Group < ZE_KEST_PCM_GROUPS; ++u32Group) {
-    DumpGroup(port, pcm, u32Group, frames, scratch.get());
+    DumpGroup(port, stPcm, u32Group, frames, scratch.get());
   }
   return true;
 }
@@ -141,7 +141,7 @@ void DumpFilter(const DumpSide &side, const ZE_KEST_Filter_s &filter) {
 
 uint32_t _ZE_KEST_Debug_Dump(const ZE_KEST_Filter_s *pstFilter, uint32_t u32Kind) {
   KEST_REQUIRE_PIPELINE(pstFilter);
-  const DumpSide &side = u32Kind == kInputDump ? kInput : kOutput;
+  const DumpSide &side = u32Kind == kInputDump ? kInputSide : kOutputSide;
   if (IsSelected(side.selection, *pstFilter)) DumpFilter(side, *pstFilter);
   return ZE_KEST_OK;
 }

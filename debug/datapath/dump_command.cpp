@@ -2,6 +2,7 @@
 #include "debug/datapath/dump.h"
 #include "debug/datapath/dump_selections.h"
 #include "debug/datapath/keyword_commands.h"
+#include "utility/core/report.h"
 
 namespace kest {
 
@@ -12,90 +13,78 @@ namespace {
 
 constexpr const char *kFunction = "_ZE_KEST_Debug_Cmd_DumpIo";
 
-// Reports a change of a selection: its stored names and, where the text has it, the number of its run.
-using Confirmation = void (*)(uint32_t u32Index, const char *pszPipelineName, const char *pszFilterName);
+// The sides of a filter that a command is for, as bits.
+enum Sides : uint32_t { kInputSide = 1, kOutputSide = 2, kBothSides = kInputSide | kOutputSide };
 
-// One side of the dump and the reports of its commands.
-struct DumpTarget {
+struct SelectedSide {
+  Sides eSide;
+  const char *pszName;
   FilterSelection &selection;
-  Confirmation pfnSelected;
-  Confirmation pfnEnabled;
-  Confirmation pfnDisabled;
 };
 
-constexpr DumpTarget kInput = {
-    _stKestDumpInput,
-    [](uint32_t, const char *pszPipelineName, const char *pszFilterName) {
-      KEST_PRINT_AS(kFunction, "%s dump input pipeline:%s filter:%s\n", kFunction, pszPipelineName,
-                    pszFilterName);
-    },
-    [](uint32_t u32Index, const char *pszPipelineName, const char *pszFilterName) {
-      KEST_PRINT_AS(kFunction, "%s dump input enable %u %s:%s\n", kFunction, u32Index, pszPipelineName,
-                    pszFilterName);
-    },
-    [](uint32_t, const char *pszPipelineName, const char *pszFilterName) {
-      KEST_PRINT_AS(kFunction, "%s dump input disable %s:%s\n", kFunction, pszPipelineName, pszFilterName);
-    },
-};
+constexpr SelectedSide kSides[] = {{kInputSide, "input", _stKestDumpInput},
+                                   {kOutputSide, "output", _stKestDumpOutput}};
 
-constexpr DumpTarget kOutput = {
-    _stKestDumpOutput,
-    [](uint32_t, const char *pszPipelineName, const char *pszFilterName) {
-      KEST_PRINT_AS(kFunction, "%s dump output pipeline:%s filter:%s\n", kFunction, pszPipelineName,
-                    pszFilterName);
-    },
-    [](uint32_t u32Index, const char *pszPipelineName, const char *pszFilterName) {
-      KEST_PRINT_AS(kFunction, "%s dump output enable %u %s:%s\n", kFunction, u32Index, pszPipelineName,
-                    pszFilterName);
-    },
-    [](uint32_t, const char *pszPipelineName, const char *pszFilterName) {
-      KEST_PRINT_AS(kFunction, "%s dump output disable %s:%s\n", kFunction, pszPipelineName, pszFilterName);
-    },
-};
-
-void Confirm(const DumpTarget &target, Confirmation pfnConfirmation) {
-  const FilterNamesCopy names(target.selection);
-  pfnConfirmation(Load(target.selection.u32DumpIndex), names.pipeline.c_str(), names.filter.c_str());
+template <typename Action>
+uint32_t ForEachSide(uint32_t u32Sides, Action &&action) {
+  for (const SelectedSide &side : kSides) {
+    if ((u32Sides & side.eSide) != 0) action(side);
+  }
+  return ZE_KEST_OK;
 }
 
-void Enable(const DumpTarget &target) {
-  SwitchOn(target.selection.eSwitch);
-  Confirm(target, target.pfnEnabled);
+uint32_t SelectDumpedFilter(const CommandArguments &arguments) {
+  const char *pszPipelineName = NextOfSeveral(kFunction, arguments.rest);
+  if (pszPipelineName == nullptr) return ZE_KEST_INVALID_ARGUMENT;
+  const char *pszFilterName = arguments.rest.Rest();
+  return ForEachSide(arguments.u32Constant, [=](const SelectedSide &side) {
+    StoreNames(kFunction, side.selection, pszPipelineName, pszFilterName);
+    const FilterNamesCopy names(side.selection);
+    KEST_PRINT_AS(kFunction, "%s dump %s pipeline:%s filter:%s\n", kFunction, side.pszName,
+                  names.pipeline.c_str(), names.filter.c_str());
+  });
+}
+
+uint32_t EnableDump(const CommandArguments &arguments) {
+  return ForEachSide(arguments.u32Constant, [](const SelectedSide &side) {
+    SwitchOn(side.selection.eSwitch);
+    const FilterNamesCopy names(side.selection);
+    KEST_PRINT_AS(kFunction, "%s dump %s enable %u %s:%s\n", kFunction, side.pszName,
+                  Load(side.selection.u32DumpIndex), names.pipeline.c_str(), names.filter.c_str());
+  });
 }
 
 // Every off begins a new run with new files, even when the dump was off already. An on after an on continues
 // the same files.
-void Disable(const DumpTarget &target) {
-  SwitchOff(target.selection.eSwitch);
-  Store(target.selection.u32DumpIndex, Load(target.selection.u32DumpIndex) + 1);
-  Confirm(target, target.pfnDisabled);
+uint32_t DisableDump(const CommandArguments &arguments) {
+  return ForEachSide(arguments.u32Constant, [](const SelectedSide &side) {
+    SwitchOff(side.selection.eSwitch);
+    Store(side.selection.u32DumpIndex, Load(side.selection.u32DumpIndex) + 1);
+    const FilterNamesCopy names(side.selection);
+    KEST_PRINT_AS(kFunction, "%s dump %s disable %s:%s\n", kFunction, side.pszName, names.pipeline.c_str(),
+                  names.filter.c_str());
+  });
 }
 
-template <const DumpTarget &...kTargets>
-uint32_t SetNames(CommandLine &value) {
-  const char *pszPipelineName = NextOfSeveral(kFunction, value);
-  if (pszPipelineName == nullptr) return ZE_KEST_INVALID_ARGUMENT;
-  (StoreNames(kFunction, kTargets.selection, pszPipelineName, value.Rest()), ...);
-  (Confirm(kTargets, kTargets.pfnSelected), ...);
-  return ZE_KEST_OK;
-}
-
-template <const DumpTarget &...kTargets>
-uint32_t SwitchDump(CommandLine &value) {
-  return Switch(
-      value, [] { (Enable(kTargets), ...); }, [] { (Disable(kTargets), ...); });
-}
-
-constexpr KeywordCommand kCommands[] = {
-    {"kest_dump_input_filter", SetNames<kInput>},       {"kest_dump_output_filter", SetNames<kOutput>},
-    {"kest_dump_filter_io", SetNames<kInput, kOutput>}, {"kest_dump_input", SwitchDump<kInput>},
-    {"kest_dump_output", SwitchDump<kOutput>},          {"kest_dump_io", SwitchDump<kInput, kOutput>},
+constexpr Command kCommands[] = {
+    {"kest_dump_input_filter", kNoValue, nullptr, nullptr, SelectDumpedFilter, kInputSide},
+    {"kest_dump_output_filter", kNoValue, nullptr, nullptr, SelectDumpedFilter, kOutputSide},
+    {"kest_dump_filter_io", kNoValue, nullptr, nullptr, SelectDumpedFilter, kBothSides},
+    {"kest_dump_input", "on", nullptr, nullptr, EnableDump, kInputSide},
+    {"kest_dump_input", "off", nullptr, nullptr, DisableDump, kInputSide},
+    {"kest_dump_input", kNoValue, nullptr, nullptr, TakeAnyway, 0},
+    {"kest_dump_output", "on", nullptr, nullptr, EnableDump, kOutputSide},
+    {"kest_dump_output", "off", nullptr, nullptr, DisableDump, kOutputSide},
+    {"kest_dump_output", kNoValue, nullptr, nullptr, TakeAnyway, 0},
+    {"kest_dump_io", "on", nullptr, nullptr, EnableDump, kBothSides},
+    {"kest_dump_io", "off", nullptr, nullptr, DisableDump, kBothSides},
+    {"kest_dump_io", kNoValue, nullptr, nullptr, TakeAnyway, 0},
 };
 
 }  // namespace
 
 uint32_t _ZE_KEST_Debug_Cmd_DumpIo(const char *pszLine) {
-  return RunKeyword(kFunction, kCommands, pszLine);
+  return RunKeyword(kFunction, CommandTable(kCommands), pszLine);
 }
 
 void ResetDumps() {

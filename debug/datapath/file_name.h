@@ -1,14 +1,17 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <algorithm>
 #include <cstdarg>
 #include <cstdio>
+#include <cstring>
 
 #include "utility/core/report.h"
 
 namespace kest {
 
-// A formatted file name, cut at 255 characters.
+// A formatted file name, cut at 255 characters. Names of filters may hold "/", which would lead out of the
+// debug directory: the file name has "_" in its place.
 class FileName {
  public:
   // A failure is reported under the function's name and leaves the name empty.
@@ -17,7 +20,10 @@ class FileName {
     va_start(arguments, pszFormat);
     const bool bFormatted = vsnprintf(sz_, sizeof(sz_), pszFormat, arguments) >= 0;
     va_end(arguments);
-    if (bFormatted) return;
+    if (bFormatted) {
+      std::replace(sz_, sz_ + strlen(sz_), '/', '_');
+      return;
+    }
     sz_[0] = '\0';
     KEST_ERR_AS(pszFunction, "Error! Fail to snprintf()!\n");
   }

@@ -8,45 +8,51 @@
 #include "debug/datapath/sine_output.h"
 #include "debug/registry/registry.h"
 #include "utility/core/begins_with.h"
+#include "utility/core/report.h"
 
 namespace kest {
 namespace {
 
 constexpr const char *kFunction = "_ZE_KEST_Debug_Cmd_DebugIo";
 
-uint32_t SelectSineFilter(CommandLine &value) {
-  const char *pszPipelineName = NextOfSeveral(kFunction, value);
+uint32_t SelectSineFilter(const CommandArguments &arguments) {
+  const char *pszPipelineName = NextOfSeveral(kFunction, arguments.rest);
   if (pszPipelineName == nullptr) return ZE_KEST_INVALID_ARGUMENT;
-  StoreNames(kFunction, _stKestSineSelection, pszPipelineName, value.Rest());
+  StoreNames(kFunction, _stKestSineSelection, pszPipelineName, arguments.rest.Rest());
   const FilterNamesCopy names(_stKestSineSelection);
   KEST_INFO_AS(kFunction, "%s output sine wave pipeline:%s filter:%s\n", kFunction, names.pipeline.c_str(),
                names.filter.c_str());
   return ZE_KEST_OK;
 }
 
-void EnableSine() {
+uint32_t ReportSine(const char *pszChange) {
+  const FilterNamesCopy names(_stKestSineSelection);
+  KEST_INFO_AS(kFunction, "%s output sine wave %s %s:%s\n", kFunction, pszChange, names.pipeline.c_str(),
+               names.filter.c_str());
+  return ZE_KEST_OK;
+}
+
+uint32_t EnableSine(const CommandArguments & /*arguments*/) {
   RestartSine();
   SwitchOn(kOutputSineWave);
-  const FilterNamesCopy names(_stKestSineSelection);
-  KEST_INFO_AS(kFunction, "%s output sine wave enable %s:%s\n", kFunction, names.pipeline.c_str(),
-               names.filter.c_str());
+  return ReportSine("enable");
 }
 
-void DisableSine() {
+uint32_t DisableSine(const CommandArguments & /*arguments*/) {
   SwitchOff(kOutputSineWave);
-  const FilterNamesCopy names(_stKestSineSelection);
-  KEST_INFO_AS(kFunction, "%s output sine wave disable %s:%s\n", kFunction, names.pipeline.c_str(),
-               names.filter.c_str());
+  return ReportSine("disable");
 }
 
-void EnablePortLines() {
+uint32_t EnablePortLines(const CommandArguments & /*arguments*/) {
   SwitchOn(kPrintFilterInfo);
   KEST_INFO_AS(kFunction, "%s print filter enable\n", kFunction);
+  return ZE_KEST_OK;
 }
 
-void DisablePortLines() {
+uint32_t DisablePortLines(const CommandArguments & /*arguments*/) {
   SwitchOff(kPrintFilterInfo);
   KEST_INFO_AS(kFunction, "%s print filter disable\n", kFunction);
+  return ZE_KEST_OK;
 }
 
 struct LevelWord {
@@ -80,25 +86,28 @@ void _ZE_KEST_Debug_SetFilterDebugLevel(const char *pszFilterName, uint32_t u32L
   }
 }
 
-uint32_t SetFilterLevel(CommandLine &value) {
-  const char *pszFilterName = NextOfSeveral(kFunction, value);
+uint32_t SetFilterLevel(const CommandArguments &arguments) {
+  const char *pszFilterName = NextOfSeveral(kFunction, arguments.rest);
   if (pszFilterName == nullptr) return ZE_KEST_INVALID_ARGUMENT;
-  _ZE_KEST_Debug_SetFilterDebugLevel(pszFilterName, ReportedLevel(pszFilterName, value.Rest()));
+  _ZE_KEST_Debug_SetFilterDebugLevel(pszFilterName, ReportedLevel(pszFilterName, arguments.rest.Rest()));
   return ZE_KEST_OK;
 }
 
-constexpr KeywordCommand kCommands[] = {
-    {"kest_output_sinewave_filter", SelectSineFilter},
-    {"kest_output_sinewave", [](CommandLine &value) { return Switch(value, EnableSine, DisableSine); }},
-    {"kest_print_filter_info",
-     [](CommandLine &value) { return Switch(value, EnablePortLines, DisablePortLines); }},
-    {"kest_filter_debug_level", SetFilterLevel},
+constexpr Command kCommands[] = {
+    {"kest_output_sinewave_filter", kNoValue, nullptr, nullptr, SelectSineFilter, 0},
+    {"kest_output_sinewave", "on", nullptr, nullptr, EnableSine, 0},
+    {"kest_output_sinewave", "off", nullptr, nullptr, DisableSine, 0},
+    {"kest_output_sinewave", kNoValue, nullptr, nullptr, TakeAnyway, 0},
+    {"kest_print_filter_info", "on", nullptr, nullptr, EnablePortLines, 0},
+    {"kest_print_filter_info", "off", nullptr, nullptr, DisablePortLines, 0},
+    {"kest_print_filter_info", kNoValue, nullptr, nullptr, TakeAnyway, 0},
+    {"kest_filter_debug_level", kNoValue, nullptr, nullptr, SetFilterLevel, 0},
 };
 
 }  // namespace
 
 uint32_t _ZE_KEST_Debug_Cmd_DebugIo(const char *pszLine) {
-  return RunKeyword(kFunction, kCommands, pszLine);
+  return RunKeyword(kFunction, CommandTable(kCommands), pszLine);
 }
 
 }  // namespace kest

@@ -92,6 +92,14 @@ void TraceWatched(const IoEvent &event) {
 
 }  // namespace
 
+uint32_t WatchCount() {
+  const HoldingDebug holding;
+  uint32_t u32Count = 0;
+  for (const FilterIoNode *pst = pstFilterIoList; pst != nullptr; pst = pst->pstNext)
+    ++u32Count;
+  return u32Count;
+}
+
 void _ZE_KEST_Debug_AddFilterIo(const FilterIoEntry &entry) {
   Owned<FilterIoNode> node = Allocate<FilterIoNode>();
   Owned<FilterIoEntry> copy = Allocate<FilterIoEntry>();

@@ -16,6 +16,12 @@ struct FilterIoEntry {
   char szFile[128];
 };
 
+// Every watch has an open file, and every event of a cycle is compared with all of them.
+constexpr uint32_t kMaxWatches = 16;
+
+// The entries of the watch list.
+uint32_t WatchCount();
+
 // Appends a copy to the list, which takes over the entry's file. Out of memory, it closes the file.
 void _ZE_KEST_Debug_AddFilterIo(const FilterIoEntry &entry);
 

@@ -4,6 +4,7 @@
 #include "debug/datapath/keyword_commands.h"
 #include "debug/datapath/latency.h"
 #include "debug/datapath/latency_state.h"
+#include "utility/core/report.h"
 
 namespace kest {
 
@@ -13,39 +14,36 @@ namespace {
 
 constexpr const char *kFunction = "_ZE_KEST_Debug_Cmd_MeasureLatency";
 
-// False, after a report, when one of the two names is missing.
-bool TakeFilter(FilterNames &stSide, CommandLine &value) {
-  const char *pszPipelineName = NextOfSeveral(kFunction, value);
-  if (pszPipelineName == nullptr) return false;
-  StoreNames(kFunction, stSide, pszPipelineName, value.Rest());
-  return true;
-}
+// One end of the measurement.
+struct End {
+  FilterNames &names;
+  const char *pszName;
+};
 
-uint32_t SetStart(CommandLine &value) {
-  if (!TakeFilter(_stKestLatency.stStart, value)) return ZE_KEST_INVALID_ARGUMENT;
-  const LatencyNames names;
-  KEST_INFO_AS(kFunction, "%s latency start pipeline:%s filter:%s\n", kFunction, names.start.pipeline.c_str(),
-               names.start.filter.c_str());
-  return ZE_KEST_OK;
-}
+enum EndIndex : uint32_t { kStart, kEnd };
 
-uint32_t SetEnd(CommandLine &value) {
-  if (!TakeFilter(_stKestLatency.stEnd, value)) return ZE_KEST_INVALID_ARGUMENT;
-  const LatencyNames names;
-  KEST_INFO_AS(kFunction, "%s latency end pipeline:%s filter:%s\n", kFunction, names.end.pipeline.c_str(),
-               names.end.filter.c_str());
+constexpr End kEnds[] = {{_stKestLatency.stStart, "start"}, {_stKestLatency.stEnd, "end"}};
+
+uint32_t SelectEnd(const CommandArguments &arguments) {
+  const End &end = kEnds[arguments.u32Constant];
+  const char *pszPipelineName = NextOfSeveral(kFunction, arguments.rest);
+  if (pszPipelineName == nullptr) return ZE_KEST_INVALID_ARGUMENT;
+  StoreNames(kFunction, end.names, pszPipelineName, arguments.rest.Rest());
+  const FilterNamesCopy names(end.names);
+  KEST_INFO_AS(kFunction, "%s latency %s pipeline:%s filter:%s\n", kFunction, end.pszName,
+               names.pipeline.c_str(), names.filter.c_str());
   return ZE_KEST_OK;
 }
 
 // Changes nothing unless all four names are given.
-uint32_t SetBoth(CommandLine &value) {
+uint32_t SelectBothEnds(const CommandArguments &arguments) {
   const char *apszNames[3];
   for (const char *&pszName : apszNames) {
-    pszName = NextOfSeveral(kFunction, value);
+    pszName = NextOfSeveral(kFunction, arguments.rest);
     if (pszName == nullptr) return ZE_KEST_INVALID_ARGUMENT;
   }
   StoreNames(kFunction, _stKestLatency.stStart, apszNames[0], apszNames[1]);
-  StoreNames(kFunction, _stKestLatency.stEnd, apszNames[2], value.Rest());
+  StoreNames(kFunction, _stKestLatency.stEnd, apszNames[2], arguments.rest.Rest());
   const LatencyNames names;
   KEST_PRINT_AS(kFunction, "%s latency %s:%s - %s:%s\n", kFunction, names.start.pipeline.c_str(),
                 names.start.filter.c_str(), names.end.pipeline.c_str(), names.end.filter.c_str());
@@ -68,16 +66,17 @@ void ClearResult() {
 }
 
 // Does not restart a measurement that has already found its burst: that takes an off first.
-void Enable() {
+uint32_t StartMeasuring(const CommandArguments & /*arguments*/) {
   ClearSilentCycles();
   SwitchOn(kMeasureLatency);
   const LatencyNames names;
   KEST_INFO_AS(kFunction, "%s latency measure enable %u %s:%s -> %s:%s\n", kFunction,
                Load(_stKestLatency.u32MeasureIndex), names.start.pipeline.c_str(), names.start.filter.c_str(),
                names.end.pipeline.c_str(), names.end.filter.c_str());
+  return ZE_KEST_OK;
 }
 
-void Disable() {
+uint32_t StopMeasuring(const CommandArguments & /*arguments*/) {
   SwitchOff(kMeasureLatency);
   ClearResult();
   Store(_stKestLatency.u32MeasureIndex, Load(_stKestLatency.u32MeasureIndex) + 1);
@@ -85,23 +84,22 @@ void Disable() {
   KEST_INFO_AS(kFunction, "%s latency measure disable %s:%s -> %s:%s\n", kFunction,
                names.start.pipeline.c_str(), names.start.filter.c_str(), names.end.pipeline.c_str(),
                names.end.filter.c_str());
+  return ZE_KEST_OK;
 }
 
-uint32_t SwitchLatency(CommandLine &value) {
-  return Switch(value, Enable, Disable);
-}
-
-constexpr KeywordCommand kCommands[] = {
-    {"kest_latency_start_filter", SetStart},
-    {"kest_latency_end_filter", SetEnd},
-    {"kest_latency_config", SetBoth},
-    {"kest_latency", SwitchLatency},
+constexpr Command kCommands[] = {
+    {"kest_latency_start_filter", kNoValue, nullptr, nullptr, SelectEnd, kStart},
+    {"kest_latency_end_filter", kNoValue, nullptr, nullptr, SelectEnd, kEnd},
+    {"kest_latency_config", kNoValue, nullptr, nullptr, SelectBothEnds, 0},
+    {"kest_latency", "on", nullptr, nullptr, StartMeasuring, 0},
+    {"kest_latency", "off", nullptr, nullptr, StopMeasuring, 0},
+    {"kest_latency", kNoValue, nullptr, nullptr, TakeAnyway, 0},
 };
 
 }  // namespace
 
 uint32_t _ZE_KEST_Debug_Cmd_MeasureLatency(const char *pszLine) {
-  return RunKeyword(kFunction, kCommands, pszLine);
+  return RunKeyword(kFunction, CommandTable(kCommands), pszLine);
 }
 
 void ResetLatency() {

@@ -19,43 +19,43 @@ constexpr const char *kFunction = "_ZE_KEST_Debug_ChangeInputSignal";
 struct Input {
   const ZE_KEST_Filter_s &filter;
   uint32_t u32Slot;
-  const ZE_KEST_PcmBuffer_s &pcm;
+  const ZE_KEST_PcmBuffer_s &stPcm;
 };
 
 template <typename Action>
-void ForEachPlane(const ZE_KEST_PcmBuffer_s &pcm, Action &&action) {
+void ForEachPlane(const ZE_KEST_PcmBuffer_s &stPcm, Action &&action) {
   for (uint32_t u32Group = 0; u32Group < ZE_KEST_PCM_GROUPS; ++u32Group) {
-    const uint32_t u32Planes = PlaneCount(pcm, u32Group, BytesPerSample(pcm));
+    const uint32_t u32Planes = PlaneCount(stPcm, u32Group, BytesPerSample(stPcm));
     for (uint32_t u32Plane = 0; u32Plane < u32Planes; ++u32Plane)
-      action(SlotRing(pcm, u32Group, u32Plane));
+      action(SlotRing(stPcm, u32Group, u32Plane));
   }
 }
 
-void Silence(const ZE_KEST_PcmBuffer_s &pcm) {
-  const size_t sztWidth = BytesPerSample(pcm);
-  const uint32_t sztToEnd = std::min(pcm.sztPcmLevel, pcm.sztPcmRingSamples - pcm.sztPcmReadOffset);
-  ForEachPlane(pcm, [&pcm, sztWidth, sztToEnd](uint8_t *pu8Plane) {
-    memset(pu8Plane + pcm.sztPcmReadOffset * sztWidth, 0, sztToEnd * sztWidth);
-    memset(pu8Plane, 0, (pcm.sztPcmLevel - sztToEnd) * sztWidth);
+void Silence(const ZE_KEST_PcmBuffer_s &stPcm) {
+  const size_t sztWidth = BytesPerSample(stPcm);
+  const uint32_t sztToEnd = std::min(stPcm.sztPcmLevel, stPcm.sztPcmRingSamples - stPcm.sztPcmReadOffset);
+  ForEachPlane(stPcm, [&stPcm, sztWidth, sztToEnd](uint8_t *pu8Plane) {
+    memset(pu8Plane + stPcm.sztPcmReadOffset * sztWidth, 0, sztToEnd * sztWidth);
+    memset(pu8Plane, 0, (stPcm.sztPcmLevel - sztToEnd) * sztWidth);
   });
 }
 
 // Copies the bytes of the 32-bit table unchanged, whatever the width of the port's samples.
-void WriteBurst(const ZE_KEST_PcmBuffer_s &pcm, uint32_t sztSamples) {
-  const uint32_t u32Width = BytesPerSample(pcm);
+void WriteBurst(const ZE_KEST_PcmBuffer_s &stPcm, uint32_t sztSamples) {
+  const uint32_t u32Width = BytesPerSample(stPcm);
   const uint64_t u64Bytes =
       std::min<uint64_t>(uint64_t{sztSamples} * u32Width, sizeof(_as32KestSine1K48Mono));
-  ForEachPlane(pcm, [&pcm, u32Width, u64Bytes](uint8_t *pu8Plane) {
+  ForEachPlane(stPcm, [&stPcm, u32Width, u64Bytes](uint8_t *pu8Plane) {
     ze_kest_Utility_WriteDataToNonInterleaveRingBuffer(
-        pu8Plane, pu8Plane + size_t{pcm.sztPcmReadOffset} * u32Width, pcm.sztPcmRingSamples * u32Width,
+        pu8Plane, pu8Plane + size_t{stPcm.sztPcmReadOffset} * u32Width, stPcm.sztPcmRingSamples * u32Width,
         reinterpret_cast<const uint8_t *>(_as32KestSine1K48Mono), u64Bytes, 1, u32Width);
   });
 }
 
 void PrintFilterLevel(const char *pszFunction, const ZE_KEST_DebugInfo_s &info,
-                      const ZE_KEST_PcmBuffer_s &pcm) {
-  const uint32_t sztLevel = Load(pcm.sztPcmLevel);
-  const uint32_t u32Rate = Load(pcm.stPcmInfo.u32SampleRate);
+                      const ZE_KEST_PcmBuffer_s &stPcm) {
+  const uint32_t sztLevel = Load(stPcm.sztPcmLevel);
+  const uint32_t u32Rate = Load(stPcm.stPcmInfo.u32SampleRate);
   const uint64_t u64Ms = uint64_t{sztLevel} * 1000 / (u32Rate == 0 ? kDefaultSampleRate : u32Rate);
   KEST_PRINT_AS(pszFunction, "[latency] p:%-20s f:%-15s outLvl:%-10zu, %-4llu ms\n", info.szName,
                 info.pstFilter->szName, size_t{sztLevel}, static_cast<unsigned long long>(u64Ms));
@@ -73,15 +73,15 @@ void _ZE_KEST_Debug_PrintBufferLevel() {
 void InsertBurst(const Input &input) {
   const char *pszPipelineName = input.filter.pstParentPipeline->szName;
   const char *pszFilterName = input.filter.szName;
-  const uint32_t sztSamples = std::min<uint32_t>(input.pcm.sztPcmLevel, ZE_KEST_SINE_SAMPLES);
-  WriteBurst(input.pcm, sztSamples);
+  const uint32_t sztSamples = std::min<uint32_t>(input.stPcm.sztPcmLevel, ZE_KEST_SINE_SAMPLES);
+  WriteBurst(input.stPcm, sztSamples);
   if (sztSamples < ZE_KEST_SINE_SAMPLES) {
     KEST_PRINT_AS(kFunction, "[latency] %s:%s input %u 48k sine waveonly %u not 48 samples)\n",
                   pszPipelineName, pszFilterName, input.u32Slot, sztSamples);
   }
   Store(_stKestLatency.u64StartTime, MonotonicUs());
   KEST_PRINT_AS(kFunction, "[latency] insert %s:%s input %u48k sine wave pts:%llu \n", pszPipelineName,
-                pszFilterName, input.u32Slot, static_cast<unsigned long long>(input.pcm.s64PcmPts));
+                pszFilterName, input.u32Slot, static_cast<unsigned long long>(input.stPcm.s64PcmPts));
   _ZE_KEST_Debug_PrintBufferLevel();
   Mark(_stKestLatency.bInserted);
 }
@@ -90,15 +90,15 @@ void ChangeInput(const Input &input) {
   uint32_t &u32Cycles = _stKestLatency.au32SilentCycles[input.u32Slot];
   const uint32_t u32Served = Load(u32Cycles);
   if (u32Served > kSilentCycles) return;
-  Silence(input.pcm);
+  Silence(input.stPcm);
   if (u32Served == kSilentCycles) InsertBurst(input);
   Store(u32Cycles, u32Served + 1);
 }
 
 bool HasInput(const ZE_KEST_Port_s &port) {
-  const ZE_KEST_PcmBuffer_s &pcm = port.stPcm;
-  return port.bConnected != 0 && pcm.sztPcmLevel != 0 &&
-         RingPosition(pcm.sztPcmRingSamples, pcm.sztPcmReadOffset, pcm.sztPcmLevel);
+  const ZE_KEST_PcmBuffer_s &stPcm = port.stPcm;
+  return port.bConnected != 0 && stPcm.sztPcmLevel != 0 &&
+         RingPosition(stPcm.sztPcmRingSamples, stPcm.sztPcmReadOffset, stPcm.sztPcmLevel);
 }
 
 // Out of line, so that a cycle without a measurement stays short.

@@ -19,12 +19,16 @@ constexpr uint32_t kDefaultBits = 32;
 // What the end filter wrote in this cycle. Only channel 0 of group 0 is examined.
 struct Output {
   const ZE_KEST_Filter_s &filter;
-  const ZE_KEST_PcmBuffer_s &pcm;
+  const ZE_KEST_PcmBuffer_s &stPcm;
   uint32_t u32Position;  // of its first sample in the ring
 
-  [[nodiscard]] const uint8_t *Base() const { return pcm.apu8PcmGroupBuf[0]; }
-  [[nodiscard]] size_t RingBytes(uint32_t u32Width) const { return size_t{pcm.sztPcmRingSamples} * u32Width; }
-  [[nodiscard]] size_t CycleBytes(uint32_t u32Width) const { return size_t{pcm.sztPcmWriteSize} * u32Width; }
+  [[nodiscard]] const uint8_t *Base() const { return stPcm.apu8PcmGroupBuf[0]; }
+  [[nodiscard]] size_t RingBytes(uint32_t u32Width) const {
+    return size_t{stPcm.sztPcmRingSamples} * u32Width;
+  }
+  [[nodiscard]] size_t CycleBytes(uint32_t u32Width) const {
+    return size_t{stPcm.sztPcmWriteSize} * u32Width;
+  }
 };
 
 struct Hit {
@@ -36,12 +40,12 @@ struct Hit {
 std::optional<Output> OutputOf(const ZE_KEST_Filter_s &filter) {
   const ZE_KEST_Port_s *pstPort = filter.apstOutPort[0];
   if (pstPort == nullptr || pstPort->stPcm.apu8PcmGroupBuf[0] == nullptr) return std::nullopt;
-  const ZE_KEST_PcmBuffer_s &pcm = pstPort->stPcm;
-  const auto position = RingPosition(pcm.sztPcmRingSamples, pcm.sztPcmReadOffset, pcm.sztPcmLevel);
-  if (!position || pcm.sztPcmWriteSize == 0 || pcm.sztPcmWriteSize > pcm.sztPcmRingSamples) {
+  const ZE_KEST_PcmBuffer_s &stPcm = pstPort->stPcm;
+  const auto position = RingPosition(stPcm.sztPcmRingSamples, stPcm.sztPcmReadOffset, stPcm.sztPcmLevel);
+  if (!position || stPcm.sztPcmWriteSize == 0 || stPcm.sztPcmWriteSize > stPcm.sztPcmRingSamples) {
     return std::nullopt;
   }
-  return Output{filter, pcm, *position};
+  return Output{filter, stPcm, *position};
 }
 
 int32_t WordAt(const uint8_t *pu8) {
@@ -60,7 +64,7 @@ bool IsLoud(int32_t s32Sample) {
 // it goes on at the start at once. The first position of a cycle follows the same rule.
 std::optional<Hit> FindBurst(const Output &output, uint32_t u32Width) {
   const size_t sztRing = output.RingBytes(u32Width);
-  const uint64_t u64Storage = GroupBytes(output.pcm, 0, u32Width);
+  const uint64_t u64Storage = GroupBytes(output.stPcm, 0, u32Width);
   if (sztRing > u64Storage || u64Storage < kWordBytes) return std::nullopt;
   const auto wrap = [sztRing, u64Storage](size_t sztPosition) {
     return sztPosition > sztRing || sztPosition + kWordBytes > u64Storage ? 0 : sztPosition;
@@ -98,7 +102,7 @@ unsigned long long RealLatencyMs(uint32_t u32TotalBytes, const ZE_KEST_PcmInfo_s
 void PrintHit(const Output &output, const Hit &hit) {
   const char *pszPipelineName = output.filter.pstParentPipeline->szName;
   const char *pszFilterName = output.filter.szName;
-  const ZE_KEST_PcmInfo_s stFormat = ChannelFormat(output.pcm.stPcmInfo);
+  const ZE_KEST_PcmInfo_s stFormat = ChannelFormat(output.stPcm.stPcmInfo);
   const uint32_t u32TotalBytes = Load(_stKestLatency.u32TotalBytes);
   KEST_PRINT_AS(kFunction, "[latency]%s:%s ch:%u sr:%u bits:%u\n", pszPipelineName, pszFilterName,
                 stFormat.u32TotalChannels, stFormat.u32SampleRate, stFormat.u32BitWidth);
@@ -131,13 +135,13 @@ void Append(const Output &output, const char *pszPrefix, const uint8_t *pu8From,
 
 void Search(const Output &output) {
   if (!IsMarked(_stKestLatency.bInserted) || IsMarked(_stKestLatency.bFound)) return;
-  const ZE_KEST_PcmBuffer_s &pcm = output.pcm;
-  const uint32_t u32Width = BytesPerSample(pcm);
+  const ZE_KEST_PcmBuffer_s &stPcm = output.stPcm;
+  const uint32_t u32Width = BytesPerSample(stPcm);
   KEST_PRINT_AS(kFunction, "%p %p %p %u %zu %zu %u\n",
                 static_cast<const void *>(output.Base() + size_t{output.u32Position} * u32Width),
                 static_cast<const void *>(output.Base()),
-                static_cast<const void *>(output.Base() + output.RingBytes(u32Width)), pcm.sztPcmReadOffset,
-                size_t{pcm.sztPcmRingSamples}, size_t{pcm.sztPcmLevel}, u32Width);
+                static_cast<const void *>(output.Base() + output.RingBytes(u32Width)), stPcm.sztPcmReadOffset,
+                size_t{stPcm.sztPcmRingSamples}, size_t{stPcm.sztPcmLevel}, u32Width);
   const std::optional<Hit> hit = FindBurst(output, u32Width);
   const size_t sztScanned = hit ? hit->sztOffset : output.CycleBytes(u32Width);
   Store(_stKestLatency.u32TotalBytes, Load(_stKestLatency.u32TotalBytes) + static_cast<uint32_t>(sztScanned));
@@ -152,7 +156,7 @@ void Search(const Output &output) {
 // Deliberate: dumps all that the filter wrote as 4-byte samples, whatever their width. Does nothing when the
 // storage is too small for a ring of such samples.
 void DumpOutput(const Output &output) {
-  if (output.RingBytes(kWordBytes) > GroupBytes(output.pcm, 0, kWordBytes)) return;
+  if (output.RingBytes(kWordBytes) > GroupBytes(output.stPcm, 0, kWordBytes)) return;
   Append(output, "Out", output.Base() + size_t{output.u32Position} * kWordBytes, kWordBytes,
          output.CycleBytes(kWordBytes));
 }

@@ -16,18 +16,19 @@ namespace kest {
 
 // Bytes of a group's storage: the framework's allocation size or, without one, planes for all channels of the
 // group. Their samples have the port's width, or u32DefaultWidth bytes when the port has none.
-inline uint64_t GroupBytes(const ZE_KEST_PcmBuffer_s &pcm, uint32_t u32Group, uint32_t u32DefaultWidth) {
-  if (pcm.asztPcmAllocSize[u32Group] != 0) return pcm.asztPcmAllocSize[u32Group];
-  const uint32_t u32Width = pcm.stPcmInfo.u32BitWidth == 0 ? u32DefaultWidth : BytesPerSample(pcm);
+inline uint64_t GroupBytes(const ZE_KEST_PcmBuffer_s &stPcm, uint32_t u32Group, uint32_t u32DefaultWidth) {
+  if (stPcm.asztPcmAllocSize[u32Group] != 0) return stPcm.asztPcmAllocSize[u32Group];
+  const uint32_t u32Width = stPcm.stPcmInfo.u32BitWidth == 0 ? u32DefaultWidth : BytesPerSample(stPcm);
   constexpr uint32_t kWidestSample = sizeof(int32_t);
-  return uint64_t{sztPcmGroupChNumber[u32Group]} * pcm.sztPcmRingSamples * std::min(u32Width, kWidestSample);
+  return uint64_t{sztPcmGroupChNumber[u32Group]} * stPcm.sztPcmRingSamples *
+         std::min(u32Width, kWidestSample);
 }
 
 // How many of the group's planes fit into its storage when a sample has u32Width bytes; 0 without storage.
-inline uint32_t PlaneCount(const ZE_KEST_PcmBuffer_s &pcm, uint32_t u32Group, uint32_t u32Width) {
-  const uint64_t u64PlaneBytes = uint64_t{pcm.sztPcmRingSamples} * u32Width;
-  if (pcm.apu8PcmGroupBuf[u32Group] == nullptr || u64PlaneBytes == 0) return 0;
-  const uint64_t u64Planes = GroupBytes(pcm, u32Group, u32Width) / u64PlaneBytes;
+inline uint32_t PlaneCount(const ZE_KEST_PcmBuffer_s &stPcm, uint32_t u32Group, uint32_t u32Width) {
+  const uint64_t u64PlaneBytes = uint64_t{stPcm.sztPcmRingSamples} * u32Width;
+  if (stPcm.apu8PcmGroupBuf[u32Group] == nullptr || u64PlaneBytes == 0) return 0;
+  const uint64_t u64Planes = GroupBytes(stPcm, u32Group, u32Width) / u64PlaneBytes;
   return static_cast<uint32_t>(std::min<uint64_t>(u64Planes, sztPcmGroupChNumber[u32Group]));
 }
 

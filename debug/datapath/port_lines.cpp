@@ -27,14 +27,14 @@ struct PortLevels {
 };
 
 PortLevels PcmLevels(const ZE_KEST_Port_s &port) {
-  const ZE_KEST_PcmBuffer_s &pcm = port.stPcm;
-  return {{pcm.u64PcmReadCount, pcm.u64PcmXrunCount, pcm.u64PcmPassCount, pcm.u64PcmSkipCount},
-          pcm.sztPcmLevel,
-          pcm.sztPcmSpace,
-          pcm.sztPcmRingSamples,
-          pcm.sztPcmReadSize,
-          pcm.sztPcmWriteSize,
-          pcm.s64PcmPts};
+  const ZE_KEST_PcmBuffer_s &stPcm = port.stPcm;
+  return {{stPcm.u64PcmReadCount, stPcm.u64PcmXrunCount, stPcm.u64PcmPassCount, stPcm.u64PcmSkipCount},
+          stPcm.sztPcmLevel,
+          stPcm.sztPcmSpace,
+          stPcm.sztPcmRingSamples,
+          stPcm.sztPcmReadSize,
+          stPcm.sztPcmWriteSize,
+          stPcm.s64PcmPts};
 }
 
 PortLevels RingLevels(const ZE_KEST_DataBuffer_s &ring) {

@@ -27,16 +27,16 @@ int16_t NextSample(uint32_t &u32Pos) {
 
 // Deliberate: the level and the write size count samples but are used as bytes here, and the interleaved
 // frames do not wrap round the ring. They stop at the end of the group's storage.
-void WriteSine(const ZE_KEST_PcmBuffer_s &pcm, uint32_t u32Channels) {
-  const uint64_t u64End = GroupBytes(pcm, 0, kSampleBytes);
-  const uint64_t u64Stop = std::min(u64End, uint64_t{pcm.sztPcmLevel} + pcm.sztPcmWriteSize);
+void WriteSine(const ZE_KEST_PcmBuffer_s &stPcm, uint32_t u32Channels) {
+  const uint64_t u64End = GroupBytes(stPcm, 0, kSampleBytes);
+  const uint64_t u64Stop = std::min(u64End, uint64_t{stPcm.sztPcmLevel} + stPcm.sztPcmWriteSize);
   const uint64_t u64FrameBytes = uint64_t{u32Channels} * kSampleBytes;
   uint32_t u32Pos = Load(u32SineWavePos);
-  for (uint64_t u64Frame = pcm.sztPcmLevel; u64Frame < u64Stop; u64Frame += u64FrameBytes) {
+  for (uint64_t u64Frame = stPcm.sztPcmLevel; u64Frame < u64Stop; u64Frame += u64FrameBytes) {
     const int16_t s16Sample = NextSample(u32Pos);
     const uint64_t u64FrameEnd = std::min(u64Frame + u64FrameBytes, u64End);
     for (uint64_t u64At = u64Frame; u64At + kSampleBytes <= u64FrameEnd; u64At += kSampleBytes)
-      memcpy(pcm.apu8PcmGroupBuf[0] + u64At, &s16Sample, kSampleBytes);
+      memcpy(stPcm.apu8PcmGroupBuf[0] + u64At, &s16Sample, kSampleBytes);
   }
   Store(u32SineWavePos, u32Pos);
 }

@@ -4,39 +4,33 @@
 
 #include "ze_kest/debug.h"
 
+#include "debug/base/base_init.h"
 #include "debug/base/debug_mutex.h"
 #include "debug/base/inside_log.h"
 #include "debug/base/started.h"
-#include "debug/control/startup.h"
+#include "debug/log/console.h"
 #include "debug/log/log_file.h"
 #include "debug/log/log_line.h"
+#include "debug/log/lost_lines.h"
 #include "debug/thread/thread_watch.h"
 #include "utility/core/report.h"
 
 namespace {
-
-bool g_bCut = false;  // the last line in the file was cut short; guarded by the log mutex
 
 void ReportFailures(const char *pszFunction, bool bFormatted, bool bFlushed) {
   if (!bFormatted) KEST_ERR_AS(pszFunction, "Error! Fail to vfprintf()!\n");
   if (!bFlushed) KEST_ERR_AS(pszFunction, "Error! Fail to fflush()!\n");
 }
 
-// A line that a full device cut short stays cut, but the next line begins on a line of its own.
-bool WriteLine(FILE *pFile, const kest::LogLine &line) {
-  const ssize_t s32Written = line.WriteTo(fileno(pFile));
-  const bool bWhole = s32Written == static_cast<ssize_t>(line.Length());
-  if (s32Written > 0) g_bCut = !bWhole;
-  return bWhole;
-}
-
 __attribute__((format(printf, 3, 0))) void LogToFile(FILE *pFile, unsigned int u32Level,
                                                      const char *pszFormat, va_list arguments) {
   kest::LogLine line;
-  bool bFormatted = !g_bCut || line.Append("\n");
+  const kest::LostLines::Claim claim = kest::LostFromLog();
+  bool bFormatted = kest::LostLines::Begin(line, claim);
   kest::_ZE_KEST_Debug_LogPrefix(line, u32Level);
   bFormatted = line.AppendList(pszFormat, arguments) && bFormatted;
-  ReportFailures("ze_kest_Debug_Log", bFormatted, WriteLine(pFile, line));
+  const bool bWritten = kest::g_logLosses.Settle(claim, line, line.WriteTo(fileno(pFile)));
+  ReportFailures("ze_kest_Debug_Log", bFormatted, bWritten);
 }
 
 __attribute__((format(printf, 2, 0))) void LogMessage(unsigned int u32Level, const char *pszFormat,
@@ -44,7 +38,7 @@ __attribute__((format(printf, 2, 0))) void LogMessage(unsigned int u32Level, con
   if (kest::IsLogToConsole()) {
     va_list copy;
     va_copy(copy, arguments);
-    vprintf(pszFormat, copy);
+    kest::LogToConsole(pszFormat, copy);
     va_end(copy);
   }
 

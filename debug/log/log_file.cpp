@@ -1,16 +1,22 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "debug/log/log_file.h"
 
+#include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include "ze_kest/utility.h"
 
 #include "debug/base/debug_mutex.h"
 #include "debug/base/inside_log.h"
 #include "utility/core/debug_dir.h"
+#include "utility/core/guarded_open.h"
 #include "utility/core/report.h"
 
 namespace kest {
+
+LostLines g_logLosses;
+
 namespace {
 
 constexpr const char *kLogPath = KEST_DEBUG_PATH("KestLog.txt");
@@ -36,16 +42,17 @@ void CloseLog() {
 }
 
 bool OpenLog() {
-  if (g_pFile == nullptr) g_pFile = ze_kest_Utility_FileOpen(kLogPath, "ab+");
+  if (g_pFile == nullptr) g_pFile = OpenSink(kLogPath, O_APPEND);
   return g_pFile != nullptr;
 }
 
 // Closes and empties the file.
 bool EmptyLog() {
   CloseLog();
-  FILE *pFile = ze_kest_Utility_FileOpen(kLogPath, "wb+");
+  FILE *pFile = OpenSink(kLogPath, O_TRUNC);
   if (pFile == nullptr) return false;
   ze_kest_Utility_FileClose(pFile);
+  g_logLosses.Take();  // a restart throws old lines away, whether they were written or lost
   Store(g_s32RestartCount, g_s32RestartCount + 1);
   return true;
 }
@@ -55,6 +62,14 @@ bool IsLogTooLong() {
   return fstat(fileno(g_pFile), &stFile) == 0 && stFile.st_size > Load(g_s32LogSizeMax);
 }
 
+// False for an empty file.
+bool EndsInMidLine(int s32Fd) {
+  struct stat stFile = {};
+  char cLast = '\n';
+  if (fstat(s32Fd, &stFile) != 0 || stFile.st_size == 0) return false;
+  return pread(s32Fd, &cLast, 1, stFile.st_size - 1) == 1 && cLast != '\n';
+}
+
 bool OpenOrCloseLog(int bOn) {
   const HoldingFile holding;
   if (bOn != 0) return OpenLog();
@@ -62,6 +77,7 @@ bool OpenOrCloseLog(int bOn) {
   return true;
 }
 
+// With the switch's mutex held.
 uint32_t SetLogToFile(int bOn) {
   constexpr const char *kFunction = "_ZE_KEST_Debug_SetMode";
   Store(g_bToFile, static_cast<uint8_t>(bOn != 0));
@@ -71,8 +87,11 @@ uint32_t SetLogToFile(int bOn) {
   return ZE_KEST_FAILED;
 }
 
-// Reads the switch, turns it off and empties the file in one step, so that another restart cannot come in
-// between.
+uint32_t SwitchLogToFile(int bOn) {
+  const HoldingOwned holding(g_logSwitchMutex);
+  return SetLogToFile(bOn);
+}
+
 bool SwitchOffAndEmptyLog(int *pbWasOn) {
   const HoldingFile holding;
   *pbWasOn = Load(g_bToFile);
@@ -89,7 +108,7 @@ uint32_t _ZE_KEST_Debug_SetMode(unsigned int eMode, int bOn) {
       KEST_PRINT("Log to console(%d)\n", bOn);
       return ZE_KEST_OK;
     case kLogToFile:
-      return SetLogToFile(bOn);
+      return SwitchLogToFile(bOn);
     default:
       KEST_ERR("Err! eMode(%d) not found\n", static_cast<int>(eMode));
       return ZE_KEST_OK;
@@ -97,13 +116,20 @@ uint32_t _ZE_KEST_Debug_SetMode(unsigned int eMode, int bOn) {
 }
 
 uint32_t _ZE_KEST_Debug_LogRestart() {
+  const HoldingOwned holding(g_logSwitchMutex);
   KEST_PRINT("Log to file(%d)\n", 0);
   int bWasOn = 0;
   if (!SwitchOffAndEmptyLog(&bWasOn)) {
     KEST_ERR("Err! fopen failed!\n");
     return ZE_KEST_FAILED;
   }
-  return _ZE_KEST_Debug_SetMode(kLogToFile, bWasOn);
+  return SetLogToFile(bWasOn);
+}
+
+LostLines::Claim LostFromLog() {
+  LostLines::Claim claim = g_logLosses.Take();
+  claim.bInMidLine = claim.bInMidLine && EndsInMidLine(fileno(g_pFile));
+  return claim;
 }
 
 void SetLogSizeMax(int32_t s32Bytes) {
@@ -127,6 +153,11 @@ void CloseLogFile() {
   const HoldingFile holding;
   Store(g_bToFile, uint8_t{0});
   CloseLog();
+}
+
+void LimitLogFile() {
+  const HoldingFile holding;
+  if (g_pFile != nullptr && IsLogTooLong() && EmptyLog()) OpenLog();
 }
 
 FILE *NextLogFile() {

@@ -8,9 +8,9 @@
 #include <cstdint>
 #include <cstdio>
 
-namespace kest {
+#include "debug/log/lost_lines.h"
 
-class LogLine;
+namespace kest {
 
 enum LogMode : unsigned int { kLogToConsole = 0, kLogToFile = 1 };
 
@@ -34,9 +34,18 @@ void ResetLogSinks();
 // Switches file logging off and closes the file.
 void CloseLogFile();
 
+// Restarts a file that has grown too long without waiting for the 1000th message. For commands that print
+// long lines.
+void LimitLogFile();
+
 // With the mutex held: counts one message, restarts a file that has grown too long, and returns the file to
 // write to, NULL when there is none.
 FILE *NextLogFile();
+
+// The lines that the file did not take, guarded by the mutex; and, with it held, what the next line has to
+// make good of them: it begins on a line of its own unless the file was emptied since.
+extern LostLines g_logLosses;
+LostLines::Claim LostFromLog();
 
 // With the mutex held: begins the line with its prefix. PRINT lines have none.
 void _ZE_KEST_Debug_LogPrefix(LogLine &line, unsigned int u32Level);

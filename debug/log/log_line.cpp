@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <utility>
 
+#include <sys/socket.h>
 #include <unistd.h>
 
 namespace kest {
@@ -51,6 +52,10 @@ ssize_t LogLine::WriteTo(int s32Fd) const {
     s32Written = write(s32Fd, pcText_, sztLength_);
   } while (s32Written < 0 && errno == EINTR);
   return s32Written;
+}
+
+ssize_t LogLine::SendTo(int s32Socket) const {
+  return send(s32Socket, pcText_, sztLength_, MSG_DONTWAIT | MSG_NOSIGNAL);
 }
 
 }  // namespace kest

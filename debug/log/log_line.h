@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// One line of the log file, written in a single write whatever its length: several processes append to the
+// One line of a log, of any length. A sink gets it in a single write: several processes append to the log
 // file, and only that keeps their lines apart.
 #pragma once
 
@@ -36,7 +36,15 @@ class LogLine {
 
   // Returns the number of bytes written, negative on failure.
   [[nodiscard]] ssize_t WriteTo(int s32Fd) const;
+  // The same for a socket, without waiting.
+  [[nodiscard]] ssize_t SendTo(int s32Socket) const;
   [[nodiscard]] size_t Length() const { return sztLength_; }
+
+  // What has been appended so far, terminated. Valid until the next call.
+  [[nodiscard]] const char *c_str() {
+    pcText_[sztLength_] = '\0';
+    return pcText_;
+  }
 
  private:
   static constexpr size_t kUsualSize = 1024;

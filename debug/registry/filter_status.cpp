@@ -30,8 +30,8 @@ Counter XrunsOf(const ZE_KEST_Port_s *pstPort) {
   return CounterOf(pstPort, &ZE_KEST_PcmBuffer_s::u64PcmXrunCount);
 }
 
-// Each value is read before the line that prints it: the print evaluates its arguments twice, and a failing
-// read is to be reported once, ahead of the line.
+// Each value is read before the line that prints it: a failing read is reported ahead of the line, and the
+// arguments of a call have no order.
 void _ZE_KEST_Debug_PrintDecoderInfo(ZE_KEST_Filter_s &filter) {
   const char *const pszFunction = __func__;
   const auto query = [&](const char *pszName) { return Query<uint32_t>(pszFunction, filter, pszName); };

@@ -70,15 +70,15 @@ void PrintPipelineConnections() {
 // Prints a line on what a port's buffers hold. Returns their size in bytes.
 uint64_t PrintPort(const ZE_KEST_DebugInfo_s &info, const char *pszSide, uint32_t u32Port,
                    const ZE_KEST_Port_s &port) {
-  const ZE_KEST_PcmBuffer_s &pcm = port.stPcm;
-  const size_t aszt[] = {Size(pcm.asztPcmAllocSize[0]), Size(pcm.asztPcmAllocSize[1]),
-                         Size(pcm.asztPcmAllocSize[2])};
+  const ZE_KEST_PcmBuffer_s &stPcm = port.stPcm;
+  const size_t aszt[] = {Size(stPcm.asztPcmAllocSize[0]), Size(stPcm.asztPcmAllocSize[1]),
+                         Size(stPcm.asztPcmAllocSize[2])};
   const size_t sztMeta = Size(port.stMeta.sztSize);
   const size_t sztRaw = Size(port.stRaw.sztSize);
   KEST_PRINT_AS(kFunction, "%s %s %s %u %zu/%zu(%zu %zu %zu) %zu/%zu %zu/%zu (%s)\n", info.szName,
-                info.pstFilter->szName, pszSide, u32Port, Size(pcm.sztPcmLevel), Size(pcm.sztPcmRingSamples),
-                aszt[0], aszt[1], aszt[2], Size(port.stMeta.sztLevel), sztMeta, Size(port.stRaw.sztLevel),
-                sztRaw, Load(port.bConnected) != 0 ? "o" : "x");
+                info.pstFilter->szName, pszSide, u32Port, Size(stPcm.sztPcmLevel),
+                Size(stPcm.sztPcmRingSamples), aszt[0], aszt[1], aszt[2], Size(port.stMeta.sztLevel), sztMeta,
+                Size(port.stRaw.sztLevel), sztRaw, Load(port.bConnected) != 0 ? "o" : "x");
   return uint64_t{aszt[0]} + aszt[1] + aszt[2] + sztMeta + sztRaw;
 }
 

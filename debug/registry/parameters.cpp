@@ -46,7 +46,7 @@ void _ZE_KEST_Debug_SetFilterParameter(const char *pszPipelineName, const char *
 }
 
 void _ZE_KEST_Debug_PrintSupportedParameterList() {
-  const ZE_KEST_SupportedParameter_s *pst = LoadPublished(_pstKestSupportedParameterList);
+  const ZE_KEST_SupportedParameter_s *pst = LoadAcquire(_pstKestSupportedParameterList);
   for (; pst != nullptr; pst = pst->pstNext) {
     KEST_PRINT("'%s', '%s', '%zu'\n", pst->szName, pst->szDescription, pst->sztSize);
   }
@@ -55,7 +55,7 @@ void _ZE_KEST_Debug_PrintSupportedParameterList() {
 }  // namespace kest
 
 void ze_kest_Debug_SetSupportedParameterList(const ZE_KEST_SupportedParameter_s *pstHead) {
-  kest::Publish(kest::_pstKestSupportedParameterList, pstHead);
+  kest::StoreRelease(kest::_pstKestSupportedParameterList, pstHead);
 }
 
 // No parameter can be read here; the function only checks its arguments.

@@ -1,28 +1,20 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "debug/thread/test_threads.h"
 
+#include "debug/base/debug_mutex.h"
 #include "debug/thread/signal_test.h"
 #include "debug/thread/tid_test.h"
 
 namespace kest {
 namespace {
 
-pthread_mutex_t g_mutex = PTHREAD_MUTEX_INITIALIZER;
-bool g_bLayerIsUp = false;
-
 // Commands may come from any thread, even during a shut-down. Nothing may be reported under the mutex while
 // the layer is down: the report may start the base initialisation, which takes this mutex.
-class HoldingTestThreads {
- public:
-  HoldingTestThreads() { pthread_mutex_lock(&g_mutex); }
-  ~HoldingTestThreads() { pthread_mutex_unlock(&g_mutex); }
-  HoldingTestThreads(const HoldingTestThreads &) = delete;
-  HoldingTestThreads &operator=(const HoldingTestThreads &) = delete;
-};
+bool g_bLayerIsUp = false;  // guarded by g_testThreadsMutex
 
 uint32_t Create(DebugThread &thread) {
   {
-    const HoldingTestThreads holding;
+    const HoldingOwned holding(g_testThreadsMutex);
     if (g_bLayerIsUp) return CreateDebugThread(thread);
   }
   KEST_ERR_AS("_ZE_KEST_Debug_CreateThread", "Err! Not initialized yet!\n");
@@ -40,14 +32,14 @@ uint32_t CreateSignalTestThread() {
 }
 
 void ResetTestThreads() {
-  const HoldingTestThreads holding;
+  const HoldingOwned holding(g_testThreadsMutex);
   ResetTidTest();
   ResetSignalTest();
   g_bLayerIsUp = true;
 }
 
 void EndTestThreads() {
-  const HoldingTestThreads holding;
+  const HoldingOwned holding(g_testThreadsMutex);
   g_bLayerIsUp = false;
   StopTidTest();
   StopSignalTest();

@@ -1,89 +1,100 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "debug/thread/thread_commands.h"
+#include "ze_kest/result.h"
 
-#include "debug/control/create_thread.h"
+#include "debug/base/command.h"
 #include "debug/thread/signal_test.h"
+#include "debug/thread/test_threads.h"
 #include "debug/thread/thread_watch.h"
-#include "utility/core/command_line.h"
-#include "utility/core/report.h"
+#include "utility/core/missing_text.h"
 
 namespace kest {
 namespace {
 
-constexpr const char *kKeywordEnd = " =";
+constexpr const char *kWatchCurrentTids = "_ZE_KEST_Debug_Cmd_WatchCurrentTids";
+constexpr const char *kWatchTid = "_ZE_KEST_Debug_Cmd_WatchTid";
+constexpr const char *kPthreadSignal = "_ZE_KEST_Debug_Cmd_PthreadSignal";
 
-bool Is(const char *psz, const char *pszExpected) {
-  return ze_kest_Utility_Strcmp(psz, pszExpected) == 0;
+uint32_t LogEveryThread(const CommandArguments & /*arguments*/) {
+  WatchEveryThread();
+  return ZE_KEST_OK;
+}
+
+uint32_t SilenceRegisteredThreads(const CommandArguments & /*arguments*/) {
+  DisableRegisteredThreads();
+  PrintDisabledThreads(kWatchCurrentTids);
+  return ZE_KEST_OK;
 }
 
 // Deliberate: a line without any id also empties the list, although it counts as not taken.
-uint32_t WatchThreads(CommandLine &line) {
+uint32_t WatchThreads(const CommandArguments &arguments) {
   uint32_t u32Result = ZE_KEST_INVALID_ARGUMENT;
   ClearWatchedThreads();
-  while (const char *pszTid = line.Next(",")) {
+  while (const char *pszTid = arguments.rest.Next(",")) {
     if (IsEmpty(pszTid)) continue;
     WatchThread(ze_kest_Utility_StrToInt(pszTid, static_cast<uint32_t>(ze_kest_Utility_Strlen(pszTid))));
     u32Result = ZE_KEST_OK;
   }
+  PrintWatchedThreads(kWatchTid);
+  PrintDisabledThreads(kWatchTid);
   return u32Result;
+}
+
+uint32_t StartTidTest(const CommandArguments & /*arguments*/) {
+  return CreateTidTestThread();
+}
+
+uint32_t StartSignalTest(const CommandArguments & /*arguments*/) {
+  return CreateSignalTestThread();
+}
+
+uint32_t RunSignalTest(const CommandArguments & /*arguments*/) {
+  LetSignalTestRun(kPthreadSignal);
+  return ZE_KEST_OK;
+}
+
+uint32_t PauseSignalTest(const CommandArguments & /*arguments*/) {
+  LetSignalTestWait();
+  return ZE_KEST_OK;
+}
+
+constexpr Command kCurrentTidsCommands[] = {
+    {"kest_debug_watch_current_tids", "on", nullptr, "kest_debug_watch_current_tids=on\n", LogEveryThread, 0},
+    {"kest_debug_watch_current_tids", "off", nullptr, "kest_debug_watch_current_tids=off\n",
+     SilenceRegisteredThreads, 0},
+};
+
+constexpr Command kTidCommands[] = {
+    {"kest_debug_watch_tid", kNoValue, nullptr, nullptr, WatchThreads, 0},
+    // Deliberate: it confirms under the other keyword.
+    {"kest_debug_watch", "create_test", nullptr, "kest_debug_watch_tid=create_test\n", StartTidTest, 0},
+};
+
+constexpr Command kSignalCommands[] = {
+    // Deliberate: the reply includes the shell's "echo".
+    {"kest_pthread_signal", "create_test", nullptr, "echo kest_pthread_signal=create_test\n", StartSignalTest,
+     0},
+    {"kest_pthread_signal_test", "run", nullptr, "kest_pthread_signal_test=run\n", RunSignalTest, 0},
+    {"kest_pthread_signal_test", "wait", nullptr, "kest_pthread_signal_test=wait\n", PauseSignalTest, 0},
+};
+
+uint32_t RunThreadCommand(const char *pszFunction, const CommandTable &commands, const char *pszLine) {
+  CommandLine line(pszLine);
+  const char *pszKeyword = line.Next(" =");
+  return RunFirst(commands, pszFunction, pszKeyword, line);
 }
 
 }  // namespace
 
 uint32_t _ZE_KEST_Debug_Cmd_WatchCurrentTids(const char *pszLine) {
-  CommandLine line(pszLine);
-  if (!Is(line.Next(kKeywordEnd), "kest_debug_watch_current_tids")) return ZE_KEST_INVALID_ARGUMENT;
-  if (Is(line.Rest(), "on")) {
-    KEST_PRINT("kest_debug_watch_current_tids=on\n");
-    WatchEveryThread();
-    return ZE_KEST_OK;
-  }
-  if (Is(line.Rest(), "off")) {
-    KEST_PRINT("kest_debug_watch_current_tids=off\n");
-    DisableRegisteredThreads();
-    PrintDisabledThreads(__func__);
-    return ZE_KEST_OK;
-  }
-  return ZE_KEST_INVALID_ARGUMENT;
+  return RunThreadCommand(kWatchCurrentTids, CommandTable(kCurrentTidsCommands), pszLine);
 }
 
 uint32_t _ZE_KEST_Debug_Cmd_WatchTid(const char *pszLine) {
-  CommandLine line(pszLine);
-  const char *pszKeyword = line.Next(kKeywordEnd);
-  if (Is(pszKeyword, "kest_debug_watch_tid")) {
-    const uint32_t u32Result = WatchThreads(line);
-    PrintWatchedThreads(__func__);
-    PrintDisabledThreads(__func__);
-    return u32Result;
-  }
-  if (Is(pszKeyword, "kest_debug_watch") && Is(line.Rest(), "create_test")) {
-    // Deliberate: it confirms under the other keyword.
-    KEST_PRINT("kest_debug_watch_tid=create_test\n");
-    return _ZE_KEST_Debug_CreateThread(kTidTestThread);
-  }
-  return ZE_KEST_INVALID_ARGUMENT;
+  return RunThreadCommand(kWatchTid, CommandTable(kTidCommands), pszLine);
 }
 
 uint32_t _ZE_KEST_Debug_Cmd_PthreadSignal(const char *pszLine) {
-  CommandLine line(pszLine);
-  const char *pszKeyword = line.Next(kKeywordEnd);
-  if (Is(pszKeyword, "kest_pthread_signal") && Is(line.Rest(), "create_test")) {
-    // Deliberate: the reply includes the shell's "echo".
-    KEST_PRINT("echo kest_pthread_signal=create_test\n");
-    return _ZE_KEST_Debug_CreateThread(kSignalTestThread);
-  }
-  if (!Is(pszKeyword, "kest_pthread_signal_test")) return ZE_KEST_INVALID_ARGUMENT;
-  if (Is(line.Rest(), "run")) {
-    KEST_PRINT("kest_pthread_signal_test=run\n");
-    LetSignalTestRun(__func__);
-    return ZE_KEST_OK;
-  }
-  if (Is(line.Rest(), "wait")) {
-    KEST_PRINT("kest_pthread_signal_test=wait\n");
-    LetSignalTestWait();
-    return ZE_KEST_OK;
-  }
-  return ZE_KEST_INVALID_ARGUMENT;
+  return RunThreadCommand(kPthreadSignal, CommandTable(kSignalCommands), pszLine);
 }
 
 }  // namespace kest

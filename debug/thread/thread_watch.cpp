@@ -59,8 +59,7 @@ void ClearWatchedThreads() {
 }
 
 void WatchThread(int32_t s32Tid) {
-  g_watched.Append(s32Tid);
-  if (IsDisabling()) g_disabled.Remove(s32Tid);
+  if (g_watched.Append(s32Tid) && IsDisabling()) g_disabled.Remove(s32Tid);
 }
 
 void PrintWatchedThreads(const char *pszFunction) {

@@ -17,7 +17,8 @@ void WatchEveryThread();
 void DisableRegisteredThreads();
 
 // The watch list: while it holds an id, only the threads on it are logged. After DisableRegisteredThreads the
-// disable list decides instead, and a thread added here is merely taken off that list.
+// disable list decides instead, and a thread added here is merely taken off that list. An id that finds the
+// watch list full is ignored altogether.
 void ClearWatchedThreads();
 void WatchThread(int32_t s32Tid);
 

@@ -13,12 +13,13 @@ class TidList {
  public:
   static constexpr uint32_t kMax = 24;
 
-  // Ignored when the list is full. 0 takes up a place but stands for no id.
-  void Append(int32_t s32Tid) {
+  // False, ignoring the id, when the list is full. 0 takes up a place but stands for no id.
+  bool Append(int32_t s32Tid) {
     const uint32_t u32Used = Load(u32Used_);
-    if (u32Used >= kMax) return;
+    if (u32Used >= kMax) return false;
     Store(as32Tid_[u32Used], s32Tid);
     Store(u32Used_, u32Used + 1);
+    return true;
   }
 
   void Remove(int32_t s32Tid) {

@@ -4,7 +4,12 @@
  *
  * A process that hosts pipelines calls ze_kest_Debug_Init once when it starts and ze_kest_Debug_DeInit when
  * it ends. In between, an engineer can control it from a shell through the named pipe "D" in the debug
- * directory; the log is written to "KestLog.txt" in the same directory. */
+ * directory; the log is written to "KestLog.txt" in the same directory.
+ *
+ * fork: a child has the parent's settings and registry and writes to the same log, under its own ids. It has
+ * no command thread and starts none: ze_kest_Debug_Init finds the layer up. It must not call
+ * ze_kest_Debug_DeInit, which would remove the shared settings of its parent. A process that forks to run an
+ * audio service of its own forks before ze_kest_Debug_Init and before anything is reported. */
 #ifndef ZE_KEST_DEBUG_H
 #define ZE_KEST_DEBUG_H
 
@@ -88,20 +93,52 @@ extern ZE_KEST_API uint32_t u32KestCalculateDataRateOutputPort;
  * command thread could not be created, in which case the layer is up nevertheless. If the debug directory is
  * missing, full or not writable, or if the pipe's path is taken by a file that is not a pipe, this is
  * reported and the layer works without whatever could not be set up. Call from one thread of the process
- * only. Not real-time safe. */
+ * only. Not real-time safe.
+ *
+ * Deliberate: when the shared settings' files are created, the process's umask becomes 077 and stays so. This
+ * may happen here or at the first message that the process logs. A host whose own files others may read sets
+ * its umask again afterwards. */
 ZE_KEST_API uint32_t ze_kest_Debug_Init(void);
 
 /* Stops the debug layer: closes the log file, ends the command thread and the test threads, and removes the
  * shared settings. Waits until one more line has come through the pipe, unless there is no pipe or it has
  * been removed or replaced. Returns ZE_KEST_OK, also when the layer is not up (reported at INFO level). Call
- * from the thread that calls ze_kest_Debug_Init. Not real-time safe. */
+ * from the thread that calls ze_kest_Debug_Init. Not real-time safe.
+ *
+ * A host that does not want to wait for an engineer writes the line itself, again and again until this
+ * returns, since another process may take a line (it answers an empty one like any that it does not know):
+ *
+ *   static void *WakePipe(void *pvDone) {
+ *     while (!atomic_load((atomic_bool *)pvDone)) {
+ *       const int s32Pipe = open("/mnt/vendor/tmp/kest/D", O_WRONLY | O_NONBLOCK);
+ *       if (s32Pipe >= 0) {
+ *         (void)!write(s32Pipe, "\n", 1);
+ *         close(s32Pipe);
+ *       }
+ *       usleep(10000);
+ *     }
+ *     return NULL;
+ *   }
+ *
+ *   void ShutDown(void) {
+ *     atomic_bool bDone = false;
+ *     pthread_t stThread;
+ *     pthread_create(&stThread, NULL, WakePipe, &bDone);
+ *     ze_kest_Debug_DeInit();
+ *     atomic_store(&bDone, true);
+ *     pthread_join(stThread, NULL);
+ *   }
+ *
+ * With signal(SIGPIPE, SIG_IGN): the reader may go between the open and the write. */
 ZE_KEST_API uint32_t ze_kest_Debug_DeInit(void);
 
 /* Writes one message to the console and to the log file, depending on which of them is switched on. Writes
  * nothing before ze_kest_Debug_Init, after ze_kest_Debug_DeInit, or from a thread that a command has excluded
  * from the log. u32Level: a level of result.h; it selects the prefix in the file (PRINT has none) but does
  * not filter. pszFormat: printf-like; the message ends in "\n".
- * Any thread. Takes a lock and writes a file, so not real-time safe. */
+ * Any thread, also in the child of a fork beside other threads (which has no command thread: there only
+ * ze_kest_Debug_DeInit and the commands of the test threads must not be used). Takes a lock and writes a
+ * file, so not real-time safe; a line that a sink cannot take at once is lost and counted in the next one. */
 ZE_KEST_API void ze_kest_Debug_Log(unsigned int u32Level, const char *pszFormat, ...) ZE_KEST_PRINTF(2, 3);
 
 /* Writes one message to a file of the caller and flushes it, with no prefix, size limit or lock.

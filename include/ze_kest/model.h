@@ -3,12 +3,21 @@
  * The records that a framework hands to the library: filters, their ports, and the rings of the ports.
  *
  * The framework owns every record and every ring. The library reads them, copies data through them and adds
- * to the sizes of the current cycle; it never allocates, frees or resizes one. At the end of a cycle the
- * framework releases the consumed data and commits the produced data, that is, it moves the read offsets,
- * levels and spaces.
+ * to the sizes of the current cycle; it never allocates, frees or resizes one.
  *
  * Units: PCM positions, levels and sizes are in samples per channel, those of metadata and raw data in bytes.
- */
+ *
+ * Who changes what in a cycle:
+ *
+ *   the filter reads and writes     through ze_kest/port.h; no field of a ring changes
+ *   the filter accounts for it      the Update functions add to the read sizes of inputs and to the write
+ *                                   sizes of outputs
+ *   the debug hook                  ze_kest_Debug_Filter looks at those sizes; they must still stand
+ *   the framework, every input      read offset += read size (around the end), level -= read size,
+ *                                   space += read size, read size = 0, time stamp
+ *   the framework, every output     level += write size, space -= write size, write size = 0
+ *
+ * So the framework clears the read and write sizes, and nobody else does. They are 0 when a cycle begins. */
 #ifndef ZE_KEST_MODEL_H
 #define ZE_KEST_MODEL_H
 
@@ -48,7 +57,10 @@ typedef uint32_t (*ZE_KEST_SetParameter)(ZE_KEST_Filter_s *pstFilter, const char
 typedef uint32_t (*ZE_KEST_GetParameter)(ZE_KEST_Filter_s *pstFilter, const char *pszParameterName,
                                          void *pData, uint32_t u32Size);
 
-/* PCM format of a port. */
+/* PCM format of a port.
+ * Outputs carry the format that their filter announces with ze_kest_Utility_UpdatePcmInfoToAllOutputPort and
+ * ze_kest_Utility_UpdatePcmGroupToAllOutputPort, before its first cycle and whenever the format changes. The
+ * framework gives an input the format of the output that feeds it. */
 typedef struct ZE_KEST_PcmInfo_s {
   uint32_t u32TotalChannels; /* channels over all groups */
   uint32_t u32SampleRate;    /* Hz */
@@ -56,20 +68,25 @@ typedef struct ZE_KEST_PcmInfo_s {
   uint32_t au32Reserved[2];
 } ZE_KEST_PcmInfo_s;
 
-/* One channel group of a port. */
+/* One channel group of a port. Mono is group 0 with one channel: {0, 1, {0, -1, -1, ...}}. */
 typedef struct ZE_KEST_PcmGroup_s {
   int32_t ePcmGroupType;    /* the group's own number (0, 1, 2); -1: the port does not carry the group */
   uint32_t u32ChannelCount; /* channel slots in use, 0 to 10 */
-  /* One entry per slot; -1: the slot carries no channel. Entries from u32ChannelCount on must be -1. */
+  /* One entry per slot; -1: the slot carries no channel. The library asks for nothing else; kest-player
+   * stores the global channel number, 0 to 21. Entries from u32ChannelCount on must be -1, because the reads
+   * of ze_kest/port.h look at the map and not at the count: they would read a ring that need not exist. */
   int32_t as32ChMap[ZE_KEST_PCM_GROUP_SLOTS];
 } ZE_KEST_PcmGroup_s;
 
-/* PCM of a port: one ring per channel, not interleaved; the rings of a group follow each other in memory. */
+/* PCM of a port: one ring per channel, not interleaved; the rings of a group follow each other in memory.
+ * The debug layer takes the storage of a group to have a ring for every channel that the group can have (2,
+ * 10, 10), also when the format has fewer, unless asztPcmAllocSize says less. */
 typedef struct ZE_KEST_PcmBuffer_s {
   uint8_t *apu8PcmGroupBuf[ZE_KEST_PCM_GROUPS]; /* storage of each group; NULL: the port has no such group.
                                                    Slot k begins k * sztPcmRingSamples samples after it */
   uint32_t sztPcmRingSamples;                   /* length of every ring, in samples; 0: no PCM on this port */
-  uint32_t asztPcmAllocSize[ZE_KEST_PCM_GROUPS]; /* bytes allocated for each group */
+  uint32_t asztPcmAllocSize[ZE_KEST_PCM_GROUPS]; /* bytes allocated for each group; 0: rings for all channels
+                                                    that the group can have */
   uint32_t sztPcmLevel;                          /* samples held in each ring */
   uint32_t sztPcmSpace;                          /* samples free in each ring */
   uint32_t sztPcmReadSize;                       /* samples consumed in this cycle (input ports) */
@@ -77,13 +94,14 @@ typedef struct ZE_KEST_PcmBuffer_s {
   uint32_t sztPcmTotalRead;                      /* running total of consumed samples; wraps */
   uint32_t sztPcmReadOffset;                     /* ring index of the oldest unread sample */
   uint32_t u32Reserved;
-  int64_t s64PcmPts;        /* time stamp of the data */
+  int64_t s64PcmPts;        /* time stamp of the oldest unread sample, in the framework's unit; the library
+                               only prints it. kest-player: microseconds since the port's first sample */
   uint64_t u64PcmReadCount; /* number of updates of the read size */
   uint64_t u64PcmXrunCount; /* underruns of an input port, overruns of an output port */
   uint64_t u64PcmPassCount; /* frames passed by an A/V sync filter */
   uint64_t u64PcmSkipCount; /* frames skipped by an A/V sync filter */
   ZE_KEST_PcmInfo_s stPcmInfo;
-  uint32_t u32PcmGroupNum; /* valid group records */
+  uint32_t u32PcmGroupNum; /* 3 once the group records are valid, 0 before */
   ZE_KEST_PcmGroup_s astPcmGroup[ZE_KEST_PCM_GROUPS];
 } ZE_KEST_PcmBuffer_s;
 
@@ -99,7 +117,7 @@ typedef struct ZE_KEST_DataBuffer_s {
   uint32_t sztTotalRead; /* running total of consumed bytes; wraps */
   uint32_t u32RawReserved;
   uint32_t sztReadOffset; /* offset of the oldest unread byte */
-  int64_t s64Pts;         /* time stamp of the data */
+  int64_t s64Pts;         /* time stamp of the oldest unread byte, like s64PcmPts */
   uint64_t au64Count[4];  /* [0]: read-size updates other than by 0; the rest belong to the framework */
 } ZE_KEST_DataBuffer_s;
 

@@ -6,7 +6,18 @@
  * Unless a comment says otherwise: a function returns a result code of result.h; a NULL argument is reported
  * at ERR level and answered with ZE_KEST_INVALID_ARGUMENT; outputs keep their values on failure. The
  * functions work on the calling filter's own ports, on the thread that runs the filter, take no lock,
- * allocate nothing and log nothing on success, so they are real-time safe. */
+ * allocate nothing and log nothing on success, so they are real-time safe.
+ *
+ * Where reads and writes begin (in the rings of model.h; all positions wrap):
+ *
+ *   PCM, metadata and raw input     read offset + read size. A second read in a cycle begins behind the first
+ *                                   once that is accounted for, else at the same place.
+ *   PCM output                      read offset + level. Deliberate: the write size does not count, so a
+ *                                   second write in a cycle overwrites the first.
+ *   metadata and raw output         read offset + level + write size, so writes that are accounted for follow
+ *                                   each other.
+ *   interleave and ring-to-ring     read offset + u32Advance: give the read size for an input and the level
+ *                                   for an output. */
 #ifndef ZE_KEST_PORT_H
 #define ZE_KEST_PORT_H
 
@@ -29,7 +40,8 @@ extern "C" {
  * it are skipped. Of the ports after it the connected ones count, and an empty one makes the size 0.
  * Output PCM: every port with a ring counts. Output metadata and raw: every connected port with a ring. Input
  * raw: every port with a ring.
- * PCM sizes are limited by the filter's sztMaxInPcmProcessSize and sztMaxOutPcmProcessSize. */
+ * PCM sizes are limited by the filter's sztMaxInPcmProcessSize and sztMaxOutPcmProcessSize. Deliberate: what
+ * this cycle has read or written is subtracted from metadata and raw sizes, not from PCM sizes. */
 ZE_KEST_API uint32_t ze_kest_Utility_CalculateInputPortPcmProcessSize(const ZE_KEST_Filter_s *pstFilter,
                                                                       uint32_t *psztProcessSize);
 ZE_KEST_API uint32_t ze_kest_Utility_CalculateOutputPortPcmProcessSize(const ZE_KEST_Filter_s *pstFilter,
@@ -141,8 +153,9 @@ ZE_KEST_API uint32_t ze_kest_Utility_Convert32BitPcmFromLow24BitTo16BitPcm(int16
  * wrapping once or when the group has no storage; at most the rest of the ring plus one lap is moved.
  * ZE_KEST_INVALID_ARGUMENT: a group above 2 or a NULL pointer (each reported), nothing is written. */
 
-/* u32ChNum: channels of a frame; 0, or more than the group's channels, counts as 2. u32BitWidth: bits of a
- * sample; 0 counts as 16. Both corrections are reported at INFO level. */
+/* u32ChNum: channels of a frame; 0, or more than the group can have (2, 10, 10), counts as 2. u32BitWidth:
+ * bits of a sample; 0 counts as 16. Both corrections are reported at INFO level. A sample has u32BitWidth / 8
+ * bytes, rounded down: 20 bits are taken as 16, and 24 always as packed. */
 ZE_KEST_API uint32_t ze_kest_Utility_ConvertInterleaveToNonInterleave(uint32_t u32ChNum, uint32_t u32BitWidth,
                                                                       const ZE_KEST_PcmBuffer_s *pstPcm,
                                                                       uint32_t ePcmGroupType,
@@ -183,6 +196,15 @@ ZE_KEST_API uint32_t ze_kest_Utility_CopyNonInterleavePcmBuffer(const ZE_KEST_Pc
  * same suffix (for port widths 16 and 32). Deliberate: with u32DstChNum 1 the port's bytes are copied
  * unconverted, so pvDst needs room for samples of the port's width.
  *
+ * Deliberate: a read that starts at channel 1 takes channel 0's samples for it. To get channel 1, the right
+ * of a stereo pair, start at channel 0, or use ze_kest_Utility_AnalyzeInputPort16BitPcmGroup:
+ *
+ *   u32FirstCh, u32LastCh   frame on a port with every channel
+ *   0, 1                    left, right
+ *   1, 1                    left
+ *   1, 3                    left, first of group 1, second of group 1
+ *   3, 3                    second of group 1
+ *
  * ZE_KEST_INVALID_ARGUMENT: a NULL pointer (reported), an empty channel range, more channels than
  * u32DstChNum, no such port. ZE_KEST_FAILED: u32LastCh is beyond the channels that can be read (reported);
  * the channels before that are written. Deliberate: from ports of 16 and 24 bits, and in the converting
@@ -200,6 +222,15 @@ ZE_KEST_API uint32_t ze_kest_Utility_ReadInputPortPcmBuffer_To24Le(const ZE_KEST
                                                                    uint32_t u32PortIdx, void *pvDst,
                                                                    uint32_t sztSamples, uint32_t u32FirstCh,
                                                                    uint32_t u32LastCh, uint32_t u32DstChNum);
+
+/* Metadata blocks that cannot be read: one without a payload, with a length beyond 32 bits, or whose header
+ * straddles the ring's end stops the two queries below, which count nothing from it on. A filter that
+ * forwards what they say then consumes no metadata any more: the ring stays full, and whoever fills it waits.
+ * If the length for 256 or more samples is 0 while the ring holds bytes, drop what it holds:
+ *
+ *   const ZE_KEST_DataBuffer_s *pstMeta = &pstFilter->apstInPort[u32PortIdx]->stMeta;
+ *   ze_kest_Utility_UpdateSpecificInputPortMetadataReadSize(
+ *       pstFilter, pstMeta->sztLevel - pstMeta->sztReadSize, u32PortIdx); */
 
 /* Stores the tag and the size in bytes (header included) of the next unread metadata block of a port. The
  * caller must know that the ring holds one. u32Unused is not read. ZE_KEST_INVALID_ARGUMENT without a report
@@ -222,8 +253,16 @@ ZE_KEST_API uint32_t ze_kest_Utility_QueryInputPortMetadataLen(const ZE_KEST_Fil
                                                                uint32_t *pu32LastBlockSize);
 
 /* Returns the number of metadata bytes that go with a step of sztSamples samples on input port 0, counted in
- * blocks as above and limited to u32MaxBytes, rounded down to a multiple of the last block's size.
- * *pu32Remainder: in, samples left over from the previous step; out, samples left over for the next one.
+ * blocks as above. The limit u32MaxBytes is first rounded down to a multiple of the last counted block's
+ * size; the sum is not rounded, so where blocks differ in size the limit may fall inside one:
+ *
+ *   blocks         u32MaxBytes   result
+ *   32, 32, 32     96            96
+ *   32, 32, 32     95            64
+ *   32, 40         60            40: the first block and 8 bytes of the second
+ *
+ * *pu32Remainder: in, samples left over from the previous step; out, samples left over for the next one. What
+ * the limit holds back is not part of it: the caller counts those blocks as still due.
  * Returns bytes, not a result code; 0 for NULL, which is not reported. */
 ZE_KEST_API uint32_t ze_kest_Utility_QueryInputMinMetaProcessSize(const ZE_KEST_Filter_s *pstFilter,
                                                                   uint32_t sztSamples, uint32_t u32MaxBytes,

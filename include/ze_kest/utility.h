@@ -166,7 +166,8 @@ ZE_KEST_API uint32_t ze_kest_utility_LkestCheckParentPipeline(void);
  * does not exist. Deliberate: creating a block leaves the process's umask at 077.
  * pszName: part of a file name; the path is cut to 127 characters.
  * ps32ShmFd, ps32LockFd, ppvAddr: out, the descriptors of the block and its lock file and the address; owned
- * by the caller until ze_kest_Utility_ShmFree. They must not be used after a failure.
+ * by the caller until ze_kest_Utility_ShmFree. They must not be used after a failure. Whoever shortens the
+ * file kills each process that touches the mapping then (SIGBUS); pread and pwrite on ps32ShmFd do not fault.
  * ZE_KEST_NOT_INITIALISED: a file could not be opened, created, sized (the disk is full) or mapped; a block
  * that had been opened is removed. ZE_KEST_NOTHING_TO_PROCESS: the path could not be formatted. */
 ZE_KEST_API uint32_t ze_kest_Utility_ShmAlloc(const char *pszName, int *ps32ShmFd, int *ps32LockFd,

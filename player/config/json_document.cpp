@@ -9,7 +9,7 @@
 
 #include "ze_kest/result.h"
 
-#include "player/player_error.h"
+#include "player/base/player_error.h"
 
 namespace kest::player {
 namespace {

@@ -5,7 +5,7 @@
 #include <charconv>
 #include <utility>
 
-#include "player/player_error.h"
+#include "player/base/player_error.h"
 
 namespace kest::player {
 namespace {

@@ -4,56 +4,59 @@
 #include <algorithm>
 #include <filesystem>
 #include <iterator>
+#include <optional>
 
 #include "ze_kest/model.h"
 
-#include "player/config/filter_settings.h"
+#include "player/config/filter_reader.h"
 #include "player/config/json_document.h"
-#include "player/filters/delay.h"
-#include "player/filters/lpcm.h"
-#include "player/filters/mixer.h"
-#include "player/filters/speaker_output.h"
-#include "player/filters/volume.h"
+#include "player/config/text_list.h"
 
 namespace kest::player {
 namespace {
 
 constexpr size_t kMaxName = ZE_KEST_NAME_SIZE - 1;
 
-// Between its first and last filter, a chain may have any number of Volume and Delay filters.
+// What a pipeline's chain may look like.
 struct Chain {
-  const FilterKind *first;
-  const FilterKind *last;  // nullptr: no particular one
-  const char *text;
+  const char *owner;
+  FilterPlace first;
+  std::optional<FilterPlace> last;
 };
 
-constexpr Chain kInputChain = {&Lpcm::kKind, nullptr,
-                               "an input is Lpcm, then any of Volume and Delay, in any order"};
-constexpr Chain kOutputChain = {
-    &Mixer::kKind, &SpeakerOutput::kKind,
-    "the output is Mixer, then any of Volume and Delay, in any order, then SpeakerOutput"};
-
-bool IsOptional(const FilterLayout &filter) {
-  return filter.kind == &Volume::kKind || filter.kind == &Delay::kKind;
-}
+constexpr Chain kInputChain = {"an input", FilterPlace::kInputStart, std::nullopt};
+constexpr Chain kOutputChain = {"the output", FilterPlace::kOutputStart, FilterPlace::kOutputEnd};
 
 bool Fits(const std::vector<FilterLayout> &filters, const Chain &chain) {
   auto begin = filters.begin();
   auto end = filters.end();
-  if (begin == end || begin++->kind != chain.first) return false;
-  if (chain.last != nullptr && (begin == end || (--end)->kind != chain.last)) return false;
-  return std::all_of(begin, end, IsOptional);
+  if (begin == end || begin++->kind->place != chain.first) return false;
+  if (chain.last && (begin == end || (--end)->kind->place != *chain.last)) return false;
+  return std::all_of(begin, end,
+                     [](const auto &filter) { return filter.kind->place == FilterPlace::kBetween; });
+}
+
+std::string KindsFor(FilterPlace place, const FilterKinds &kinds) {
+  FilterKinds fitting;
+  std::copy_if(kinds.begin(), kinds.end(), std::back_inserter(fitting),
+               [place](const FilterKind *kind) { return kind->place == place; });
+  return ListNames(
+      fitting, [](const auto *kind) { return kind->name; }, " and ");
+}
+
+std::string Describe(const Chain &chain, const FilterKinds &kinds) {
+  return std::string(chain.owner) + " is " + KindsFor(chain.first, kinds) + ", then any of " +
+         KindsFor(FilterPlace::kBetween, kinds) + ", in any order" +
+         (chain.last ? ", then " + KindsFor(*chain.last, kinds) : "");
 }
 
 std::string Names(const std::vector<FilterLayout> &filters) {
-  std::string names;
-  for (const FilterLayout &filter : filters) {
-    names += (names.empty() ? "" : ", ") + std::string(filter.kind->name);
-  }
+  const std::string names = ListNames(filters, [](const auto &filter) { return filter.kind->name; });
   return names.empty() ? "no filters" : names;
 }
 
-PipelineLayout ReadPipeline(const JsonValue &value, const std::filesystem::path &directory) {
+PipelineLayout ReadPipeline(const JsonValue &value, const FilterKinds &kinds,
+                            const std::filesystem::path &directory) {
   const std::string &name = value.Name();
   if (name.empty() || name.size() > kMaxName) {
     value.Fail("the name has " + std::to_string(name.size()) + " characters; 1 to " +
@@ -61,25 +64,23 @@ PipelineLayout ReadPipeline(const JsonValue &value, const std::filesystem::path 
   }
   PipelineLayout pipeline{name, {}};
   for (const JsonValue &member : value.Members()) {
-    FilterLayout filter = ReadFilter(member);
-    if (!filter.file.empty()) filter.file = directory / filter.file;
-    pipeline.filters.push_back(std::move(filter));
+    pipeline.filters.push_back(ReadFilter(member, kinds, directory));
   }
   const Chain &chain = name == kOutputPipeline ? kOutputChain : kInputChain;
   if (!Fits(pipeline.filters, chain)) {
-    value.Fail("has " + Names(pipeline.filters) + "; " + chain.text);
+    value.Fail("has " + Names(pipeline.filters) + "; " + Describe(chain, kinds));
   }
   return pipeline;
 }
 
 }  // namespace
 
-Layout ReadLayout(const std::string &path) {
+Layout ReadLayout(const std::string &path, const FilterKinds &kinds) {
   const JsonDocument document(path);
   const JsonValue root = document.Root();
   Layout layout;
   for (const JsonValue &member : root.Members()) {
-    PipelineLayout pipeline = ReadPipeline(member, std::filesystem::path(path).parent_path());
+    PipelineLayout pipeline = ReadPipeline(member, kinds, std::filesystem::path(path).parent_path());
     if (pipeline.name == kOutputPipeline) {
       layout.output = std::move(pipeline);
     } else {

@@ -5,12 +5,12 @@
 
 #include <string>
 
-#include "player/layout.h"
+#include "player/config/layout.h"
 
 namespace kest::player {
 
 // Relative paths in the file start at its directory. Throws a PlayerError that says where the file is wrong
 // and what is needed there.
-Layout ReadLayout(const std::string &path);
+Layout ReadLayout(const std::string &path, const FilterKinds &kinds);
 
 }  // namespace kest::player

@@ -5,6 +5,8 @@
 
 #include "ze_kest/utility.h"
 
+#include "player/filters/filter_material.h"
+#include "player/framework/filter_layout.h"
 #include "player/framework/parameter_rows.h"
 
 namespace kest::player {
@@ -14,10 +16,18 @@ constexpr Parameter kParameters[] = {
     Settable<uint32_t, &Delay::DelayMs, &Delay::SetDelayMs>("DelayTime", "of PCM, ms, 0 to 1000"),
     Fixed<uint32_t{0}>("RawDelayTime", "of compressed data, which it has none of"),
 };
+constexpr Setting kSettings[] = {
+    {Delay::kDelaySetting, WholeNumberRange{0, static_cast<int>(Delay::kMaxDelayMs)}}};
+
+std::unique_ptr<Filter> Make(const FilterLayout &layout, const FilterMaterial &material) {
+  auto delay = std::make_unique<Delay>(material.format);
+  delay->SetDelayMs(static_cast<uint32_t>(layout.WholeNumber(Delay::kDelaySetting)));
+  return delay;
+}
 
 }  // namespace
 
-const FilterKind Delay::kKind = {"Delay", kParameters, {}};
+const FilterKind Delay::kKind = {"Delay", FilterPlace::kBetween, Make, kSettings, kParameters, {}};
 
 Delay::Delay(const PcmFormat &format)
     : Filter(kKind, format), line_(format, MsToFrames(kMaxDelayMs) + kCycleFrames) {}

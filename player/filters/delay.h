@@ -12,6 +12,7 @@ namespace kest::player {
 class Delay : public Filter {
  public:
   static constexpr uint32_t kMaxDelayMs = 1000;
+  static constexpr const char *kDelaySetting = "delay_ms";
 
   static const FilterKind kKind;
 

@@ -3,6 +3,7 @@
 
 #include "ze_kest/utility.h"
 
+#include "player/filters/filter_material.h"
 #include "player/framework/parameter_rows.h"
 
 namespace kest::player {
@@ -26,10 +27,16 @@ constexpr Parameter kParameters[] = {
     Fixed<uint32_t{0}>("DolbyTb11Enable", "1 is on"),
     Fixed<kOtherSignal>("RfSignalType", "0 Dvb, 1 Atsc, 2 Dtmb, 3 others"),
 };
+constexpr Setting kSettings[] = {{Lpcm::kFileSetting, FileNameRange{}}};
+
+// The file is open already: the format of the run depends on it.
+std::unique_ptr<Filter> Make(const FilterLayout & /*layout*/, const FilterMaterial &material) {
+  return std::make_unique<Lpcm>(material.format, std::move(material.reader), material.source, material.loop);
+}
 
 }  // namespace
 
-const FilterKind Lpcm::kKind = {"Lpcm", kParameters, {}};
+const FilterKind Lpcm::kKind = {"Lpcm", FilterPlace::kInputStart, Make, kSettings, kParameters, {}};
 
 Lpcm::Lpcm(const PcmFormat &format, AudioReader reader, uint32_t source, bool loop)
     : Filter(kKind, format), reader_(std::move(reader)), loop_(loop) {

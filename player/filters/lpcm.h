@@ -4,7 +4,7 @@
 
 #include <atomic>
 
-#include "player/audio_reader.h"
+#include "player/audio/audio_reader.h"
 #include "player/framework/filter.h"
 #include "player/framework/metadata_block.h"
 
@@ -13,6 +13,7 @@ namespace kest::player {
 class Lpcm : public Filter {
  public:
   static const FilterKind kKind;
+  static constexpr const char *kFileSetting = "file";
 
   // source: number of the input, stored in its metadata; loop: start over at the end of the file.
   Lpcm(const PcmFormat &format, AudioReader reader, uint32_t source, bool loop);

@@ -5,11 +5,20 @@
 
 #include "ze_kest/utility.h"
 
+#include "player/filters/filter_material.h"
 #include "player/framework/saturate.h"
 
 namespace kest::player {
 
-const FilterKind Mixer::kKind = {"Mixer", {}, {}};
+namespace {
+
+std::unique_ptr<Filter> Make(const FilterLayout & /*layout*/, const FilterMaterial &material) {
+  return std::make_unique<Mixer>(material.format);
+}
+
+}  // namespace
+
+const FilterKind Mixer::kKind = {"Mixer", FilterPlace::kOutputStart, Make, {}, {}, {}};
 
 void Mixer::Process() {
   const uint32_t frames = FramesToProcess();

@@ -5,9 +5,24 @@
 
 #include "ze_kest/utility.h"
 
+#include "player/filters/filter_material.h"
+#include "player/framework/filter_layout.h"
+
 namespace kest::player {
 
-const FilterKind SpeakerOutput::kKind = {"SpeakerOutput", {}, {}};
+namespace {
+
+constexpr Setting kSettings[] = {{SpeakerOutput::kFileSetting, FileNameRange{}}};
+
+std::unique_ptr<Filter> Make(const FilterLayout &layout, const FilterMaterial &material) {
+  AudioWriter writer(layout.FileName(SpeakerOutput::kFileSetting), material.reader);
+  return std::make_unique<SpeakerOutput>(material.format, std::move(writer), material.frameLimit,
+                                         material.realTime);
+}
+
+}  // namespace
+
+const FilterKind SpeakerOutput::kKind = {"SpeakerOutput", FilterPlace::kOutputEnd, Make, kSettings, {}, {}};
 
 SpeakerOutput::SpeakerOutput(const PcmFormat &format, AudioWriter writer, uint64_t frameLimit, bool realTime)
     : Filter(kKind, format), writer_(std::move(writer)), frameLimit_(frameLimit) {

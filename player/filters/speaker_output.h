@@ -5,7 +5,7 @@
 #include <atomic>
 #include <optional>
 
-#include "player/audio_writer.h"
+#include "player/audio/audio_writer.h"
 #include "player/filters/metadata_counter.h"
 #include "player/filters/playback_clock.h"
 #include "player/framework/filter.h"
@@ -15,7 +15,7 @@ namespace kest::player {
 class SpeakerOutput : public Filter {
  public:
   static const FilterKind kKind;
-  static constexpr uint64_t kNoLimit = UINT64_MAX;
+  static constexpr const char *kFileSetting = "file";
 
   // frameLimit: number of frames after which the output ends.
   SpeakerOutput(const PcmFormat &format, AudioWriter writer, uint64_t frameLimit, bool realTime);

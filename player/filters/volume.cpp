@@ -5,6 +5,8 @@
 
 #include "ze_kest/utility.h"
 
+#include "player/filters/filter_material.h"
+#include "player/framework/filter_layout.h"
 #include "player/framework/parameter_rows.h"
 #include "player/framework/saturate.h"
 
@@ -40,11 +42,19 @@ constexpr Parameter kParameters[] = {
     Settable<int32_t, &Volume::GainDb, &Volume::SetGainDb>("Gain", "dB, -144 to 53"),
     Settable<uint32_t, &Volume::Mute, &Volume::SetMute>("Mute", "1 is silence"),
 };
+constexpr Setting kSettings[] = {
+    {Volume::kGainSetting, WholeNumberRange{Volume::kMinGainDb, Volume::kMaxGainDb}}};
 constexpr FilterCommand kCommands[] = {{"mute=on", SwitchMute<true>}, {"mute=off", SwitchMute<false>}};
+
+std::unique_ptr<Filter> Make(const FilterLayout &layout, const FilterMaterial &material) {
+  auto volume = std::make_unique<Volume>(material.format);
+  volume->SetGainDb(layout.WholeNumber(Volume::kGainSetting));
+  return volume;
+}
 
 }  // namespace
 
-const FilterKind Volume::kKind = {"Volume", kParameters, kCommands};
+const FilterKind Volume::kKind = {"Volume", FilterPlace::kBetween, Make, kSettings, kParameters, kCommands};
 
 void Volume::SetGainDb(int gainDb) {
   gainDb_ = std::clamp(gainDb, kMinGainDb, kMaxGainDb);

@@ -13,6 +13,7 @@ class Volume : public Filter {
   // The maximum is what the fixed-point gain can hold; below the minimum nothing is left of a sample.
   static constexpr int kMinGainDb = -144;
   static constexpr int kMaxGainDb = 53;
+  static constexpr const char *kGainSetting = "gain_db";
 
   static const FilterKind kKind;
 

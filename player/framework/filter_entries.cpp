@@ -7,7 +7,7 @@
 #include "ze_kest/debug.h"
 
 #include "player/framework/filter.h"
-#include "player/framework/published.h"
+#include "player/framework/relaxed.h"
 
 namespace kest::player {
 namespace {
@@ -24,8 +24,8 @@ const Parameter *FindParameter(const Filter &filter, const char *name, const voi
 void LogPort(const ZE_KEST_Filter_s &record, const char *side, uint32_t number, const ZE_KEST_Port_s &port) {
   ze_kest_Debug_Log(ZE_KEST_LEVEL_PRINT, "%s %s %s %u: %u/%u frames, %u/%u bytes of metadata\n",
                     record.pstParentPipeline->szName, record.szName, side, number,
-                    Published(port.stPcm.sztPcmLevel), port.stPcm.sztPcmRingSamples,
-                    Published(port.stMeta.sztLevel), port.stMeta.sztSize);
+                    LoadRelaxed(port.stPcm.sztPcmLevel), port.stPcm.sztPcmRingSamples,
+                    LoadRelaxed(port.stMeta.sztLevel), port.stMeta.sztSize);
 }
 
 void LogState(Filter &filter) {

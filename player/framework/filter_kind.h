@@ -1,17 +1,43 @@
 // SPDX-License-Identifier: Apache-2.0
-// A kind of filter, and what can be asked of one from a shell.
+// A kind of filter: what a layout can say about one, how one is made, and what can be asked of one from a
+// shell.
 //
-// Everything here is called on the command thread while the filter runs on its own thread: values are
-// exchanged through atomics only, and nothing blocks.
+// Parameters and commands are called on the command thread while the filter runs on its own thread: values
+// are exchanged through atomics only, and nothing blocks.
 #pragma once
 
 #include <cstdint>
+#include <memory>
+#include <variant>
 
 #include "player/framework/table.h"
 
 namespace kest::player {
 
 class Filter;
+struct FilterLayout;
+struct FilterMaterial;
+
+// Where a filter may stand in a chain.
+enum class FilterPlace {
+  kInputStart,   // the first one of an input
+  kOutputStart,  // the first one of the output
+  kOutputEnd,    // the last one of the output
+  kBetween       // any number of them, in any order, behind the first one
+};
+
+// A mandatory setting: nothing can be played without the file.
+struct FileNameRange {};
+
+struct WholeNumberRange {
+  int min;
+  int max;
+};
+
+struct Setting {
+  const char *key;
+  std::variant<FileNameRange, WholeNumberRange> range;
+};
 
 struct Parameter {
   const char *name;
@@ -28,6 +54,10 @@ struct FilterCommand {
 
 struct FilterKind {
   const char *name;
+  FilterPlace place;
+  // Throws PlayerError when a file is needed and cannot be created. layout.kind is this kind.
+  std::unique_ptr<Filter> (*make)(const FilterLayout &layout, const FilterMaterial &material);
+  Table<Setting> settings;
   Table<Parameter> parameters;
   Table<FilterCommand> commands;  // in addition to those that every kind has
 };

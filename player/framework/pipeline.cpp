@@ -8,8 +8,8 @@
 #include "ze_kest/utility.h"
 
 #include "player/framework/cycle_trace.h"
-#include "player/framework/published.h"
 #include "player/framework/registration.h"
+#include "player/framework/relaxed.h"
 
 namespace kest::player {
 namespace {
@@ -169,7 +169,7 @@ void Pipeline::LeaveLinks() {
 }
 
 void Pipeline::SetState(uint32_t state) {
-  Publish(record_.u32State, state);
+  StoreRelaxed(record_.u32State, state);
 }
 
 }  // namespace kest::player

@@ -6,7 +6,7 @@
 #include "ze_kest/utility.h"
 
 #include "player/framework/metadata_block.h"
-#include "player/framework/published.h"
+#include "player/framework/relaxed.h"
 
 namespace kest::player {
 namespace {
@@ -56,40 +56,42 @@ void PortStorage::LayOutMetadata(uint32_t blocks) {
 
 void PortStorage::CommitWritten() {
   ZE_KEST_PcmBuffer_s &pcm = record_.stPcm;
-  Publish(pcm.sztPcmLevel, pcm.sztPcmLevel + pcm.sztPcmWriteSize);
-  Publish(pcm.sztPcmSpace, pcm.sztPcmSpace - pcm.sztPcmWriteSize);
-  Publish(pcm.sztPcmWriteSize, 0u);
+  StoreRelaxed(pcm.sztPcmLevel, pcm.sztPcmLevel + pcm.sztPcmWriteSize);
+  StoreRelaxed(pcm.sztPcmSpace, pcm.sztPcmSpace - pcm.sztPcmWriteSize);
+  StoreRelaxed(pcm.sztPcmWriteSize, 0u);
 
   ZE_KEST_DataBuffer_s &metadata = record_.stMeta;
-  Publish(metadata.sztLevel, metadata.sztLevel + metadata.sztWriteSize);
-  Publish(metadata.sztSpace, metadata.sztSpace - metadata.sztWriteSize);
-  Publish(metadata.sztWriteSize, 0u);
+  StoreRelaxed(metadata.sztLevel, metadata.sztLevel + metadata.sztWriteSize);
+  StoreRelaxed(metadata.sztSpace, metadata.sztSpace - metadata.sztWriteSize);
+  StoreRelaxed(metadata.sztWriteSize, 0u);
 }
 
 void PortStorage::ReleaseRead() {
   ZE_KEST_PcmBuffer_s &pcm = record_.stPcm;
   releasedFrames_ += pcm.sztPcmReadSize;
-  Publish(pcm.sztPcmReadOffset, Advance(pcm.sztPcmReadOffset, pcm.sztPcmReadSize, pcm.sztPcmRingSamples));
-  Publish(pcm.sztPcmLevel, pcm.sztPcmLevel - pcm.sztPcmReadSize);
-  Publish(pcm.sztPcmSpace, pcm.sztPcmSpace + pcm.sztPcmReadSize);
-  Publish(pcm.sztPcmReadSize, 0u);
-  Publish(pcm.s64PcmPts, FramesToUs(releasedFrames_, format_.sampleRate));
+  StoreRelaxed(pcm.sztPcmReadOffset,
+               Advance(pcm.sztPcmReadOffset, pcm.sztPcmReadSize, pcm.sztPcmRingSamples));
+  StoreRelaxed(pcm.sztPcmLevel, pcm.sztPcmLevel - pcm.sztPcmReadSize);
+  StoreRelaxed(pcm.sztPcmSpace, pcm.sztPcmSpace + pcm.sztPcmReadSize);
+  StoreRelaxed(pcm.sztPcmReadSize, 0u);
+  StoreRelaxed(pcm.s64PcmPts, FramesToUs(releasedFrames_, format_.sampleRate));
 
   ZE_KEST_DataBuffer_s &metadata = record_.stMeta;
   releasedBlocks_ += metadata.sztReadSize / kMetadataBlockBytes;
-  Publish(metadata.sztReadOffset, Advance(metadata.sztReadOffset, metadata.sztReadSize, metadata.sztSize));
-  Publish(metadata.sztLevel, metadata.sztLevel - metadata.sztReadSize);
-  Publish(metadata.sztSpace, metadata.sztSpace + metadata.sztReadSize);
-  Publish(metadata.sztReadSize, 0u);
-  Publish(metadata.s64Pts, FramesToUs(releasedBlocks_ * ZE_KEST_METADATA_SAMPLES, format_.sampleRate));
+  StoreRelaxed(metadata.sztReadOffset,
+               Advance(metadata.sztReadOffset, metadata.sztReadSize, metadata.sztSize));
+  StoreRelaxed(metadata.sztLevel, metadata.sztLevel - metadata.sztReadSize);
+  StoreRelaxed(metadata.sztSpace, metadata.sztSpace + metadata.sztReadSize);
+  StoreRelaxed(metadata.sztReadSize, 0u);
+  StoreRelaxed(metadata.s64Pts, FramesToUs(releasedBlocks_ * ZE_KEST_METADATA_SAMPLES, format_.sampleRate));
 }
 
 void PortStorage::Disconnect() {
-  Publish(record_.bConnected, 0u);
+  StoreRelaxed(record_.bConnected, 0u);
 }
 
 void PortStorage::CountXrun() {
-  Publish(record_.stPcm.u64PcmXrunCount, record_.stPcm.u64PcmXrunCount + 1);
+  StoreRelaxed(record_.stPcm.u64PcmXrunCount, record_.stPcm.u64PcmXrunCount + 1);
 }
 
 bool PortStorage::MoveInto(PortStorage &to) {

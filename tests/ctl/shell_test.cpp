@@ -103,6 +103,7 @@ TEST_F(Shell, RunsTheLinesOfItsInputAndTellsTheFirstFailure) {
   EXPECT_THAT(shell.err, HasSubstr("it has Gain, Mute"));
   EXPECT_THAT(shell.err, HasSubstr("there is no command \"nonsense\""));
   EXPECT_THAT(shell.err, HasSubstr("this is the shell"));
+  EXPECT_THAT(shell.err, HasSubstr("3 of 7 lines failed"));
   EXPECT_EQ(6, shell.exitCode);
 }
 

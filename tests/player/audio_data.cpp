@@ -73,10 +73,10 @@ AudioData WriteNoise(const std::string &path, int channels, int format, size_t f
   return audio;
 }
 
-void WriteFloats(const std::string &path, const std::vector<double> &mono) {
-  const File file = Create(path, 1, 48000, SF_FORMAT_WAV | SF_FORMAT_FLOAT);
-  const auto count = static_cast<sf_count_t>(mono.size());
-  EXPECT_EQ(count, sf_write_double(file.get(), mono.data(), count));
+void WriteFloats(const std::string &path, const std::vector<double> &samples, int channels) {
+  const File file = Create(path, channels, 48000, SF_FORMAT_WAV | SF_FORMAT_FLOAT);
+  const auto count = static_cast<sf_count_t>(samples.size());
+  EXPECT_EQ(count, sf_write_double(file.get(), samples.data(), count));
 }
 
 void Damage(const std::string &path, std::streamoff position) {

@@ -39,7 +39,7 @@ Samples Looped(const Samples &samples, size_t count);
 void WriteAudio(const std::string &path, const AudioData &audio);
 // Writes noise, and gives it.
 AudioData WriteNoise(const std::string &path, int channels, int format, size_t frames, uint32_t seed = 1);
-void WriteFloats(const std::string &path, const std::vector<double> &mono);
+void WriteFloats(const std::string &path, const std::vector<double> &samples, int channels = 1);
 
 // Zeroes 1000 bytes of a file.
 void Damage(const std::string &path, std::streamoff position);

@@ -6,8 +6,8 @@
 #include <android/log.h>
 #include <unistd.h>
 
+#include "player/base/player_error.h"
 #include "player/config/layout_reader.h"
-#include "player/player_error.h"
 #include "tests/player/player_test.h"
 
 namespace kest::test {
@@ -37,7 +37,7 @@ class Config : public PlayerTest {
   // What is said about the file, without its name.
   [[nodiscard]] std::string Complaint() const {
     try {
-      static_cast<void>(player::ReadLayout(path_));
+      static_cast<void>(player::ReadLayout(path_, player::BuiltInKinds()));
     } catch (const player::PlayerError &error) {
       const std::string text = error.what();
       const size_t name = text.find(path_);
@@ -90,11 +90,11 @@ TEST_F(Config, AnInputHasItsOwnSettings) {
 }
 
 TEST_F(Config, TheExampleIsValid) {
-  const player::Layout layout = player::ReadLayout(KEST_PLAYER_EXAMPLE);
+  const player::Layout layout = player::ReadLayout(KEST_PLAYER_EXAMPLE, player::BuiltInKinds());
   ASSERT_EQ(2u, layout.inputs.size());
-  EXPECT_EQ("/usr/share/sounds/alsa/Front_Left.wav", layout.inputs[0].filters.front().file);
-  EXPECT_EQ(-6, layout.inputs[0].filters.back().gainDb);
-  EXPECT_EQ(500, layout.inputs[1].filters.back().delayMs);
+  EXPECT_EQ("/usr/share/sounds/alsa/Front_Left.wav", layout.inputs[0].filters.front().FileName("file"));
+  EXPECT_EQ(-6, layout.inputs[0].filters.back().WholeNumber("gain_db"));
+  EXPECT_EQ(500, layout.inputs[1].filters.back().WholeNumber("delay_ms"));
 }
 
 TEST_F(Config, AFaultIsSaidWithItsPlaceAndWhatIsAllowed) {
@@ -131,6 +131,11 @@ TEST_F(Config, AFaultIsSaidWithItsPlaceAndWhatIsAllowed) {
        "x: A: Volume: gain_db is 54; a whole number from -144 to 53 is needed"},
       {R"({"A": {"Volume": {"gain_db": 1.5}}})",
        "x: A: Volume: gain_db is 1.5; a whole number from -144 to 53 is needed"},
+      {R"({"A": {)" + input + R"(, "Volume": {"gain_db": -144}, "Delay": {"delay_ms": 0}},
+            ")" +
+           longName.substr(1) + R"(": {)" + input +
+           R"(, "Volume": {"gain_db": 53}, "Delay": {"delay_ms": 1000}}, )" + output + "}",
+       "nothing"},
       {R"({"A": {"Delay": {"delay_ms": -1}}})",
        "x: A: Delay: delay_ms is -1; a whole number from 0 to 1000 is needed"},
       {R"({"A": {"Delay": {"delay_ms": {}}}})",

@@ -14,7 +14,6 @@ using PlayerEnding = PlayerTest;
 
 TEST_F(PlayerEnding, ASignalEndsARealTimeRunWithAReadableFile) {
   const AudioData recording = ReadAudio(kRecording);
-  signal(SIGHUP, SIG_DFL);  // nohup's children would ignore it
   for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
     std::filesystem::remove(out_);
     PlayerProcess player({kRecording, "-o", out_, "--loop"});
@@ -27,6 +26,22 @@ TEST_F(PlayerEnding, ASignalEndsARealTimeRunWithAReadableFile) {
     ASSERT_GT(output.Frames(), 4000u);
     EXPECT_TRUE(Looped(recording.samples, output.samples.size()) == output.samples);
   }
+}
+
+TEST_F(PlayerEnding, ComesNeitherFromAHangUpUnderNohupNorFromAWriteThatFails) {
+  PlayerProcess player({kRecording, "-o", out_, "--loop"}, "trap '' HUP; umask 027; exec <&- >&- 2>&-");
+  ASSERT_TRUE(PlayOn(player, 5000));
+  for (const int signal : {SIGHUP, SIGPIPE, SIGXFSZ}) {
+    player.Signal(signal);
+    ASSERT_TRUE(PlayOn(player, 5000)) << signal;
+  }
+  for (const char *fd : {"0", "1", "2"}) {
+    const std::string link = "/proc/" + std::to_string(player.Pid()) + "/fd/" + fd;
+    EXPECT_EQ("/dev/null", std::filesystem::read_symlink(link)) << "closed at the start: " << fd;
+  }
+  EXPECT_EQ(std::filesystem::perms{0640}, std::filesystem::status(out_).permissions());
+  player.Signal(SIGTERM);
+  EXPECT_EQ(0, player.Wait().exitCode);
 }
 
 TEST_F(PlayerEnding, ComesAlsoWhenAnotherReaderTakesItsLines) {

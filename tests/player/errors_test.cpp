@@ -8,6 +8,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "player/audio/audio_writer.h"
+#include "player/base/player_error.h"
 #include "tests/player/player_test.h"
 
 namespace kest::test {
@@ -33,6 +35,12 @@ TEST_F(PlayerErrors, InputsThatCannotBePlayedLeaveTheOutputAlone) {
   slower.sampleRate = 44100;
   WriteAudio(Path("slower.wav"), slower);
 
+  for (const int rate : {3999, 768001}) {
+    slower.sampleRate = rate;
+    WriteAudio(Path("rate.wav"), slower);
+    ExpectError({Path("rate.wav"), "-o", out_},
+                HasSubstr("unsupported sample rate of " + std::to_string(rate) + " Hz"));
+  }
   ExpectError({Path("missing.wav"), "-o", out_}, HasSubstr("/missing.wav: No such file"));
   ExpectError({Path(""), "-o", out_}, HasSubstr("is not a regular file"));
   ExpectError({Path("text.wav"), "-o", out_}, HasSubstr("/text.wav is not an audio file"));
@@ -41,10 +49,29 @@ TEST_F(PlayerErrors, InputsThatCannotBePlayedLeaveTheOutputAlone) {
   ExpectError({Path("stereo.wav"), Path("slower.wav"), "-o", out_},
               AllOf(HasSubstr("inputs differ"), HasSubstr("44100 Hz")));
   ExpectError({kRecording, Path("stereo.wav"), "-o", out_}, HasSubstr("inputs differ"));
+
+  WriteAudio(Path("once.au"), Noise(1, SF_FORMAT_AU | SF_FORMAT_G721_32, 1000));
+  ExpectError({Path("once.au"), "-o", out_, "--loop", "--seconds", "1"}, HasSubstr("cannot loop over "));
   EXPECT_NE(0, access(out_.c_str(), F_OK));
 }
 
-TEST_F(PlayerErrors, AnInputIsNeverOverwritten) {
+// A file that the debug layer has not made yet is refused by its name.
+TEST_F(PlayerErrors, WhatTheRunNeedsIsNeverOverwritten) {
+  const std::string config = R"({"In": {"Lpcm": {"file": ")" + std::string(kRecording) +
+                             R"("}}, "SpeakerOutput": {"Mixer": {}, "SpeakerOutput": {"file": "out.wav"}}})";
+  WriteFile(Path("x.json"), config);
+  ASSERT_EQ(0, link(Path("x.json").c_str(), out_.c_str()));
+  ExpectError({"--config", Path("x.json")}, HasSubstr(out_ + " is the configuration file"));
+  EXPECT_EQ(config, ReadFile(out_));
+
+  for (const char *name : {"D", "KestLog.txt", "shm_global", "DumpInAB0_0_dmx.pcm"}) {
+    const std::string file = KEST_DEBUG_DIR + std::string(name);
+    ExpectError({kRecording, "-o", file}, HasSubstr(file + " is a file of the debug layer"));
+    if (!std::filesystem::exists(file)) WriteFile(file, name);
+    std::filesystem::remove(out_);
+    std::filesystem::create_hard_link(file, out_);
+    ExpectError({kRecording, "-o", out_}, HasSubstr(out_ + " is a file of the debug layer"));
+  }
   const AudioData input = WriteNoise(Path("in.wav"), 2, kWav16, 1000);
   ASSERT_EQ(0, symlink(Path("in.wav").c_str(), Path("same.wav").c_str()));
   ExpectError({kRecording, "-o", Path("missing/out.wav")},
@@ -55,11 +82,35 @@ TEST_F(PlayerErrors, AnInputIsNeverOverwritten) {
   EXPECT_TRUE(input.samples == ReadAudio(Path("in.wav")).samples);
 }
 
-TEST_F(PlayerErrors, ADamagedInputIsPlayedAsFarAsItGoes) {
+TEST_F(PlayerErrors, ADamagedOrShortenedInputIsPlayedAsFarAsItGoes) {
   WriteAudio(Path("in.flac"), Noise(2, SF_FORMAT_FLAC | SF_FORMAT_PCM_16, 50000));
   Damage(Path("in.flac"), 100000);
   ExpectError({Path("in.flac"), "-o", out_}, HasSubstr("/in.flac is damaged"));
   EXPECT_GT(ReadAudio(out_).Frames(), 4000u);
+
+  AudioData input = WriteNoise(Path("in.wav"), 2, kWav16, 48000);
+  PlayerProcess player({Path("in.wav"), "-o", out_});
+  ASSERT_TRUE(PlayOn(player, 5000));
+  std::filesystem::resize_file(Path("in.wav"), 100000);
+  const PlayerResult result = player.Wait();
+  EXPECT_EQ(1, result.exitCode);
+  EXPECT_EQ("kest-player: " + Path("in.wav") + " became shorter while it was played\n", result.err);
+}
+
+TEST_F(PlayerErrors, AnOutputThatBecomesTooLargeIsReported) {
+  const PlayerResult limited = PlayFast({kRecording, "-o", out_}, "ulimit -f 64");
+  EXPECT_EQ(1, limited.exitCode);
+  EXPECT_THAT(limited.err, AllOf(HasSubstr("cannot write " + out_), HasSubstr("File too large")));
+
+  WriteAudio(Path("in.wav"), Noise(2, kWav16, 1));
+  player::AudioWriter writer(out_, player::AudioReader(Path("in.wav")));
+  constexpr uint32_t kMostFrames = (UINT32_MAX - 4096) / 4;
+  try {
+    writer.Write(static_cast<const int16_t *>(nullptr), kMostFrames + 1);
+    ADD_FAILURE() << "more than 4 GiB";
+  } catch (const player::PlayerError &error) {
+    EXPECT_THAT(error.what(), HasSubstr("a WAV file holds at most 4 GiB"));
+  }
 }
 
 TEST_F(PlayerErrors, AFullDiskIsReported) {
@@ -73,8 +124,9 @@ TEST_F(PlayerErrors, AFullDiskIsReported) {
 
 TEST_F(PlayerErrors, AWrongCommandLineHasItsOwnExitCode) {
   std::vector<Texts> commandLines = {{}, {kRecording}, {"-o", out_}};
-  for (const char *options : {"--loud", "--gain-db 54", "--delay-ms 1001", "--seconds 0", "--seconds nan",
-                              "--fast --loop", kNineInputs}) {
+  for (const char *options :
+       {"--loud", "--gain-db 54", "--gain-db -145", "--delay-ms 1001", "--seconds 0", "--seconds 0.0009",
+        "--seconds 1000000001", "--seconds nan", "--fast --loop", kNineInputs}) {
     std::istringstream words(options);
     commandLines.push_back({kRecording, "-o", out_});
     commandLines.back().insert(commandLines.back().end(), std::istream_iterator<std::string>(words), {});

@@ -4,8 +4,8 @@
 
 #include <dlfcn.h>
 
-#include "player/layout.h"
-#include "player/playback.h"
+#include "player/config/layout.h"
+#include "player/session/playback.h"
 #include "tests/player/player_test.h"
 
 namespace kest::test {
@@ -49,9 +49,9 @@ char *ze_kest_Utility_Strdup(const char *psz) {
   return IsRefused() ? nullptr : pfn(psz);
 }
 
-FILE *ze_kest_Utility_FileOpen(const char *pszPath, const char *pszMode) {
-  static const auto pfn = Next<decltype(ze_kest_Utility_FileOpen)>(__func__);
-  return IsRefused() ? nullptr : pfn(pszPath, pszMode);
+FILE *fdopen(int s32Fd, const char *pszMode) noexcept {
+  static const auto pfn = Next<FILE *(int, const char *)>(__func__);
+  return IsRefused() ? nullptr : pfn(s32Fd, pszMode);
 }
 
 namespace kest::test {
@@ -84,7 +84,7 @@ TEST_F(PlayerTest, TheSoundIsRightWhateverMemoryTheInstrumentsAreRefused) {
     g_u32Seed = u32Seed;
     g_bScarce = true;
     {
-      player::Playback playback(player::MakeLayout(options), options);
+      player::Playback playback(player::MakeLayout(options, player::BuiltInKinds()), options);
       playback.Start();
       while (!playback.HasEnded()) {
         for (const char *pszLine : kQuestions)

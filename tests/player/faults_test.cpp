@@ -39,8 +39,10 @@ class PlayerFaults : public PlayerTest {
     const PlayerResult result = player.Wait();
     EXPECT_EQ(0, result.exitCode) << result.err;
     EXPECT_TRUE(input_.samples == ReadAudio(out_).samples);
+    said_ = result.err;
   }
 
+  std::string said_;  // on stderr, by the last run
   const AudioData input_ = Noise(2, kWav16, 48000);
 };
 
@@ -94,10 +96,17 @@ TEST_F(PlayerFaults, WhatIsNoPipeAtTheStartOrAReadOnlyDiskLeavesTheSoundAlone) {
   WriteFile(kPipe, typed);
   PlayThrough([](const PlayerProcess &) {});
   EXPECT_EQ(typed, ReadFile(kPipe));
+  EXPECT_THAT(said_, HasSubstr(std::string(kPipe) + " is no pipe, no commands are read"));
   EXPECT_THAT(ReadFile(kLogFile), HasSubstr("D is no pipe, no commands are read"));
   if (!MayMount()) GTEST_SKIP() << "needs a mount namespace";
-  const Disk disk(MS_RDONLY, "");
-  PlayThrough([](const PlayerProcess &) {});
+  const std::tuple<unsigned long, const char *, const char *> disks[] = {
+      {MS_RDONLY, "", "there will be no log and no command pipe"},
+      {0, "nr_inodes=1", "cannot make the pipe"}};
+  for (const auto &[flags, pszOptions, pszSaid] : disks) {
+    const Disk disk(flags, pszOptions);
+    PlayThrough([](const PlayerProcess &) {});
+    EXPECT_THAT(said_, HasSubstr(pszSaid));
+  }
 }
 
 }  // namespace

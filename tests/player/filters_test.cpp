@@ -1,11 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 // What filters do when they are changed while they run, and when their output is full.
+#include <chrono>
+#include <thread>
 
 #include "ze_kest/result.h"
 
 #include "player/filters/delay.h"
 #include "player/filters/lpcm.h"
 #include "player/filters/metadata_counter.h"
+#include "player/filters/playback_clock.h"
 #include "player/filters/volume.h"
 #include "player/framework/filter_entries.h"
 #include "tests/player/player_test.h"
@@ -98,6 +101,7 @@ TEST(Delay, ChangesWhileItRuns) {
   EXPECT_EQ(SilenceThenNumbers(480, 289, 4 * kCycle), bench.Run(4));
   delay.SetDelayMs(5);  // 544 more have come out, 720 are skipped
   EXPECT_EQ(SilenceThenNumbers(0, 1553, 2 * kCycle), bench.Run(2));
+  EXPECT_EQ(2064 / kCycle, bench.Metadata().Blocks()) << "metadata stays with its frames";
   EXPECT_EQ(SilenceThenNumbers(0, 2065, 240), bench.Run(2, true));
   EXPECT_TRUE(delay.Ended());
   EXPECT_EQ(bench.BlocksWritten(), bench.Metadata().Blocks());
@@ -114,6 +118,9 @@ TEST(Delay, DropsALongDelayWithoutLosingMetadata) {
   EXPECT_EQ(SilenceThenNumbers(0, 200 * 256 + 1, 100 * kCycle), bench.Run(100));
   EXPECT_EQ(bench.BlocksWritten(), bench.Metadata().Blocks());
   EXPECT_EQ(0u, bench.Metadata().OutOfOrder());
+
+  delay.SetDelayMs(10);
+  EXPECT_EQ(SilenceThenNumbers(480, 300 * 256 + 1, 4 * kCycle), bench.Run(4)) << "where sound was before";
 }
 
 TEST(Filter, CountsAnOutputWithoutRoomAndKeepsItsInput) {
@@ -128,6 +135,22 @@ TEST(Filter, CountsAnOutputWithoutRoomAndKeepsItsInput) {
   volume.RunCycle(false);
   EXPECT_EQ(1u, bench.OutputPcm().u64PcmXrunCount);
   EXPECT_EQ(SilenceThenNumbers(0, 1, 4 * kCycle), bench.Run(2, true));
+}
+
+// Noise of the machine can only make the times longer.
+TEST(PlaybackClock, HoldsBackWhatIsEarlyAndStartsOverWhenItIsLate) {
+  using Clock = std::chrono::steady_clock;
+  constexpr std::chrono::milliseconds kTenMs{10};
+  PlaybackClock clock(48000);
+  const Clock::time_point start = Clock::now();
+  for (int cycle = 0; cycle < 10; ++cycle)
+    clock.WaitFor(480);
+  EXPECT_LE(9 * kTenMs, Clock::now() - start);
+  std::this_thread::sleep_for(3 * kTenMs);
+  const Clock::time_point late = Clock::now();
+  EXPECT_FALSE(clock.WaitFor(480));
+  clock.WaitFor(480);
+  EXPECT_LE(kTenMs, Clock::now() - late);
 }
 
 template <typename Value>

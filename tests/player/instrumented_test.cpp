@@ -6,9 +6,9 @@
 
 #include <unistd.h>
 
+#include "player/config/layout.h"
 #include "player/framework/metadata_block.h"
-#include "player/layout.h"
-#include "player/playback.h"
+#include "player/session/playback.h"
 #include "tests/player/player_test.h"
 #include "tests/support/disk.h"
 
@@ -45,7 +45,7 @@ class Instrumented : public PlayerTest {
     return options;
   }
   Samples Played(const Options &options) {
-    Playback playback(player::MakeLayout(options), options);
+    Playback playback(player::MakeLayout(options, player::BuiltInKinds()), options);
     playback.Start();
     playback.Finish();
     return ReadAudio(out_).samples;
@@ -150,7 +150,7 @@ TEST_F(Instrumented, EveryInstrumentMayComeAndGoWhileThePipelinesRun) {
       "kest_debug_list=status;kest_debug_set_parameter=Decoder_13,Volume,Gain,-1,4;"
       "kest_debug_watch_current_tids=off;kest_debug_watch_current_tids=on",
       ';');
-  Playback playback(player::MakeLayout(options), options);
+  Playback playback(player::MakeLayout(options, player::BuiltInKinds()), options);
   playback.Start();
   for (uint32_t random = 1; !playback.HasEnded(); random = random * 1664525 + 1013904223) {
     ze_kest_Debug_SetParameter(lines[(random >> 16) % lines.size()].c_str());
@@ -188,7 +188,7 @@ TEST_F(Instrumented, ADumpThatCannotBeWrittenIsReportedAndTheSoundIsWhole) {
 // An engineer's session: what is typed into the pipe takes hold in the running pipelines.
 TEST_F(PlayerTest, CommandsInThePipeSwitchTheInstrumentsOfARunningPlayer) {
   const AudioData input = WriteNoise(Path("in.wav"), 2, kWav16, 50000);
-  PlayerProcess player({Path("in.wav"), "--loop", "-o", out_});
+  PlayerProcess player({Path("in.wav"), "--loop", "-o", out_, "--wide"});
   ASSERT_TRUE(PlayOn(player, 10000)) << player.Wait().err;
   Ask("kest_dump_input_filter=SpeakerOutput,Mixer");
   EXPECT_THAT(Ask("kest_dump_input=on"), HasSubstr("dump input enable 0 SpeakerOutput:Mixer\n"));
@@ -205,7 +205,7 @@ TEST_F(PlayerTest, CommandsInThePipeSwitchTheInstrumentsOfARunningPlayer) {
 
   // Where the dump begins is up to the moment of the command; from there on it is the looped input.
   const std::string dump = Dump("DumpInSpeakerOutputMixer0_0_dmx.pcm");
-  std::string looped = InPorts(input.samples, 2);
+  std::string looped = InPorts(input.samples, 4);
   looped += looped + looped;
   EXPECT_GT(dump.size(), 50000u);
   EXPECT_NE(std::string::npos, looped.find(dump));

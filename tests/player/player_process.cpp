@@ -17,8 +17,10 @@ namespace kest::test {
 namespace {
 
 // The player, behind its emulator where the target is not the host.
-std::vector<std::string> CommandLine(const std::vector<std::string> &arguments) {
+std::vector<std::string> CommandLine(const std::vector<std::string> &arguments,
+                                     const std::string &preparation) {
   std::vector<std::string> words;
+  if (!preparation.empty()) words = {"sh", "-c", preparation + "; exec \"$0\" \"$@\""};
   std::istringstream command(KEST_PLAYER_COMMAND);
   for (std::string word; std::getline(command, word, '|');)
     words.push_back(word);
@@ -37,20 +39,27 @@ pid_t Spawn(const std::vector<std::string> &words, const std::string &outPath, c
   posix_spawn_file_actions_init(&actions);
   posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, outPath.c_str(), kFlags, 0600);
   posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, errPath.c_str(), kFlags, 0600);
+  posix_spawnattr_t attributes;
+  posix_spawnattr_init(&attributes);
+  sigset_t all;
+  sigfillset(&all);
+  posix_spawnattr_setsigdefault(&attributes, &all);  // this process and nohup ignore some
+  posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGDEF);
   pid_t pid = -1;
-  const int result = posix_spawnp(&pid, argv[0], &actions, nullptr, argv.data(), environ);
+  const int result = posix_spawnp(&pid, argv[0], &actions, &attributes, argv.data(), environ);
+  posix_spawnattr_destroy(&attributes);
   posix_spawn_file_actions_destroy(&actions);
   return result == 0 ? pid : -1;
 }
 
 }  // namespace
 
-PlayerProcess::PlayerProcess(const std::vector<std::string> &arguments) {
+PlayerProcess::PlayerProcess(const std::vector<std::string> &arguments, const std::string &preparation) {
   static int count = 0;
   const std::string stem = PlayerTest::Path("player" + std::to_string(++count));
   outPath_ = stem + ".out";
   errPath_ = stem + ".err";
-  pid_ = Spawn(CommandLine(arguments), outPath_, errPath_);
+  pid_ = Spawn(CommandLine(arguments, preparation), outPath_, errPath_);
 }
 
 PlayerProcess::~PlayerProcess() {
@@ -75,9 +84,9 @@ PlayerResult PlayerProcess::Wait() {
   return {exitCode, ReadFile(outPath_), ReadFile(errPath_)};
 }
 
-PlayerResult PlayFast(std::vector<std::string> arguments) {
+PlayerResult PlayFast(std::vector<std::string> arguments, const std::string &preparation) {
   arguments.emplace_back("--fast");
-  return PlayerProcess(arguments).Wait();
+  return PlayerProcess(arguments, preparation).Wait();
 }
 
 bool WaitWhilePlaying(PlayerProcess &player, const std::function<bool()> &condition) {

@@ -18,7 +18,8 @@ struct PlayerResult {
 
 class PlayerProcess {
  public:
-  explicit PlayerProcess(const std::vector<std::string> &arguments);
+  // preparation: shell commands that come before the player in its process.
+  explicit PlayerProcess(const std::vector<std::string> &arguments, const std::string &preparation = "");
   ~PlayerProcess();
   PlayerProcess(const PlayerProcess &) = delete;
   PlayerProcess &operator=(const PlayerProcess &) = delete;
@@ -37,7 +38,7 @@ class PlayerProcess {
 };
 
 // Plays as fast as possible, to the end.
-PlayerResult PlayFast(std::vector<std::string> arguments);
+PlayerResult PlayFast(std::vector<std::string> arguments, const std::string &preparation = "");
 
 // Waits until the condition holds or the player has ended; false when it has ended first.
 bool WaitWhilePlaying(PlayerProcess &player, const std::function<bool()> &condition);

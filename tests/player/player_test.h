@@ -4,7 +4,7 @@
 
 #include <filesystem>
 
-#include "player/options.h"
+#include "player/config/options.h"
 #include "tests/player/audio_data.h"
 #include "tests/player/player_process.h"
 #include "tests/support/library_test.h"

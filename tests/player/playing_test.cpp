@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // What the player makes of its inputs.
 #include <algorithm>
+#include <chrono>
 #include <cmath>
 
 #include "tests/player/player_test.h"
@@ -57,6 +58,13 @@ TEST_F(Player, FloatingPointInputsSaturateAtFullScale) {
   EXPECT_EQ(SF_FORMAT_PCM_32, output.format & SF_FORMAT_SUBMASK);
   EXPECT_THAT(output.samples,
               ElementsAre(0, 1 << 30, -(1 << 29), INT32_MAX, INT32_MAX, INT32_MIN, INT32_MIN, 0));
+
+  const AudioData noise = Noise(7, kWav24, 1000);
+  std::vector<double> floats(noise.samples.begin(), noise.samples.end());
+  for (double &sample : floats)
+    sample /= 2147483648.0;
+  WriteFloats(Path("in.wav"), floats, 7);
+  EXPECT_TRUE(noise.samples == Played({Path("in.wav")}).samples) << "several chunks";
 }
 
 TEST_F(Player, InputsOfDifferentLengthAndWidthMixToTheSaturatedSum) {
@@ -119,6 +127,19 @@ TEST_F(Player, SecondsCutTheOutputAndLoopFillsIt) {
               Played({Path("in.wav"), "--seconds", "0.5", "--loop"}).samples);
   WriteAudio(Path("in.wav"), Noise(2, kWav16, 0));
   EXPECT_EQ(0u, Played({Path("in.wav"), "--loop", "--seconds", "1"}).Frames()) << "nothing to repeat";
+}
+
+// Noise of the machine can only make the run longer.
+TEST_F(Player, PlaysInRealTimeAndShowsTheLogWhenAsked) {
+  const AudioData input = WriteNoise(Path("in.wav"), 1, kWav16, 24000);
+  const auto start = std::chrono::steady_clock::now();
+  const PlayerResult result = PlayerProcess({Path("in.wav"), "-o", out_, "--logcat"}).Wait();
+  EXPECT_LE(std::chrono::milliseconds(450), std::chrono::steady_clock::now() - start);
+  EXPECT_EQ(0, result.exitCode);
+  EXPECT_THAT(result.err, StartsWith("I <KEST> <PRINT>"));
+  EXPECT_TRUE(input.samples == ReadAudio(out_).samples);
+  for (const auto &file : std::filesystem::directory_iterator(KEST_DEBUG_DIR))
+    EXPECT_THAT(file.path().filename(), MatchesRegex("D|KestLog.txt|shm_.*"));
 }
 
 TEST_F(Player, PlaysWithoutADebugDirectoryAndSaysHowToHaveOne) {

@@ -6,8 +6,8 @@
 
 #include <android/log.h>
 
-#include "player/layout.h"
-#include "player/playback.h"
+#include "player/config/layout.h"
+#include "player/session/playback.h"
 #include "tests/player/player_test.h"
 
 namespace kest::player {
@@ -19,8 +19,9 @@ bool Takes(const char *command) {
   return ze_kest_Debug_SetParameter(command) == ZE_KEST_OK;
 }
 
+// Asks the last filter that is registered.
 bool IsPlaying() {
-  return Takes("kest_debug_send_cmd_by_text=SpeakerOutput,Mixer,state");
+  return Takes("kest_debug_send_cmd_by_text=Decoder_14,Volume,state");
 }
 
 // An empty registry has nothing to release.
@@ -43,7 +44,7 @@ class PlaybackRegistration : public test::PlayerTest {
     return options;
   }
 
-  const Layout layout_ = MakeLayout(Fast());
+  const Layout layout_ = MakeLayout(Fast(), BuiltInKinds());
 
  private:
   test::DebugLayer debugLayer_;

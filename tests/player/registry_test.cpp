@@ -82,6 +82,10 @@ TEST_F(PlayerRegistry, TheStatusShowsTheFiltersValuesAndTheirParameters) {
   EXPECT_THAT(status, ContainsRegex("p:SpeakerOutput f:Mixer in\\[0\\] underrun:[0-9]+ \n"));
   EXPECT_THAT(status, ContainsRegex("p:SpeakerOutput f:SpeakerOutput in\\[0\\] underrun:[0-9]+ \n"));
   EXPECT_THAT(status, HasSubstr("Decoder_13\n -> (0)SpeakerOutput\n"));
+  EXPECT_THAT(status, HasSubstr("[Cap] dd:0, ddp:0(atmos:0), dts:0, aac:0, mat(truhd):0, dtshd:0\n"));
+  for (const char *value :
+       {"Vol : 0x60, 0x460 (", "drcMode : 0 (", "dmxMode : 1 (", "tb11 : 0 (", "rfSignalType : 3 ("})
+    EXPECT_THAT(status, HasSubstr(value));
   EXPECT_THAT(status, Not(HasSubstr("Error")));
 
   unsigned int blocksDecoded = 0;
@@ -127,6 +131,8 @@ TEST_F(PlayerRegistry, CommandsReachOneFilterAndRefusalsAreReported) {
   constexpr const char *kRefused = "SetParameter failed(0x8)!";
   Start({kRecording, "--loop"});
   Ask("kest_log_level=err");
+  EXPECT_TRUE(PlayOn(*player_, 20000));
+  EXPECT_THAT(ReadFile(kLogFile), Not(HasSubstr("pszDup=\n"))) << "nobody typed an empty line";
   const std::string state = Ask("kest_debug_send_cmd=1,state");
   EXPECT_THAT(state, ContainsRegex("\nSpeakerOutput Mixer in 0: [0-9]+/1024 frames, [0-9]+/192 bytes of"));
   EXPECT_THAT(state, ContainsRegex("\nSpeakerOutput Mixer out 0: [0-9]+/1024 frames"));

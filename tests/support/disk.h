@@ -1,14 +1,34 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <csignal>
 #include <filesystem>
 
 #include <gtest/gtest.h>
 #include <sys/mount.h>
+#include <sys/resource.h>
 
 #include "tests/support/debug_layer.h"
 
 namespace kest::test {
+
+// While it lives, a write that begins beyond this many bytes of a file fails, and one that would end there is
+// cut.
+class FileSizeLimit {
+ public:
+  explicit FileSizeLimit(rlim_t bytes) {
+    signal(SIGXFSZ, SIG_IGN);
+    getrlimit(RLIMIT_FSIZE, &stBefore_);
+    const struct rlimit stLimit = {bytes, stBefore_.rlim_max};
+    EXPECT_EQ(0, setrlimit(RLIMIT_FSIZE, &stLimit));
+  }
+  ~FileSizeLimit() { setrlimit(RLIMIT_FSIZE, &stBefore_); }
+  FileSizeLimit(const FileSizeLimit &) = delete;
+  FileSizeLimit &operator=(const FileSizeLimit &) = delete;
+
+ private:
+  struct rlimit stBefore_ = {};
+};
 
 // A disk of its own over the debug directory, for a test that may mount.
 class Disk {

@@ -97,6 +97,7 @@ KEST_REQUEST(void *, malloc, (size_t szt), (szt))
 KEST_REQUEST(void *, calloc, (size_t sztCount, size_t szt), (sztCount, szt))
 KEST_REQUEST(char *, strdup, (const char *psz), (psz))
 KEST_REQUEST(FILE *, fopen, (const char *pszPath, const char *pszMode), (pszPath, pszMode))
+KEST_REQUEST(FILE *, fdopen, (int s32Fd, const char *pszMode), (s32Fd, pszMode))
 
 void *__real_realloc(void *pv, size_t szt);
 void *__wrap_realloc(void *pv, size_t szt) {

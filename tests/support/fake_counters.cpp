@@ -86,7 +86,7 @@ extern "C" {
 
 long __real_syscall(long s32Number, ...);
 int __real_ioctl(int s32Fd, unsigned long u32Request, ...);
-uint64_t __real__ZN4kest11MonotonicUsEv();
+int __real_clock_gettime(clockid_t eClock, struct timespec *pstNow);
 
 long __wrap_syscall(long s32Number, ...) {
   std::array<long, 6> a{};
@@ -115,9 +115,12 @@ int __wrap_ioctl(int s32Fd, unsigned long u32Request, ...) {
   return FakeCounters::pCurrent.load()->Control(s32Fd, u32Request, pvArgument);
 }
 
-uint64_t __wrap__ZN4kest11MonotonicUsEv() {
+int __wrap_clock_gettime(clockid_t eClock, struct timespec *pstNow) {
   const FakeCounters *pFake = FakeCounters::pCurrent;
-  return pFake != nullptr ? pFake->u64NowUs : __real__ZN4kest11MonotonicUsEv();
+  if (pFake == nullptr || eClock != CLOCK_MONOTONIC) return __real_clock_gettime(eClock, pstNow);
+  pstNow->tv_sec = static_cast<time_t>(pFake->u64NowUs / 1000000);
+  pstNow->tv_nsec = static_cast<long>(pFake->u64NowUs % 1000000 * 1000);
+  return 0;
 }
 
 }  // extern "C"

@@ -32,7 +32,7 @@ class Pages {
   [[nodiscard]] size_t Changed() const {
     size_t sztChanged = 0;
     for (size_t i = 0; i < before_.size(); ++i)
-      sztChanged += pu8Data_[i] != before_[i] ? 1 : 0;
+      sztChanged += size_t{pu8Data_[i] != before_[i]};
     return sztChanged;
   }
 

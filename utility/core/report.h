@@ -1,15 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 // Reports: every failure goes to both the Android log and the library's own log.
 //
-// The level is tested first. The arguments are evaluated only if it passes, and then twice, so they must have
-// no side effects. Each text is written out in full where it is used, including "\n", so that grep finds it.
-// The _AS forms take a function name, for places where __func__ is the wrong one: in a template that serves
-// several functions of the interface, or for a named sub-step.
+// The level is tested first, and the arguments are evaluated only behind it, once. The text is formatted once
+// too, so both logs show the same, even of a name that another thread is changing. The telling half of each
+// text stands whole where it is used, so that grep finds it. The _AS forms take a function name, for
+// places where __func__ is the wrong one: in a template that serves several functions of the interface, or
+// for a named sub-step.
 #pragma once
 
 #include <cerrno>
-
-#include <android/log.h>
 
 #include "ze_kest/debug.h"
 #include "ze_kest/result.h"
@@ -17,42 +16,32 @@
 #include "utility/core/error_text.h"
 #include "utility/core/shared_value.h"
 
-#define KEST_LOG_TAG "<KEST>"
-
-#define KEST_REPORT_(level, priority, label, function, text, ...)                              \
-  do {                                                                                         \
-    if (kest::LevelIsOn(level)) {                                                              \
-      __android_log_print(priority, KEST_LOG_TAG, label "%s[%-4d]: " text, function, __LINE__, \
-                          ##__VA_ARGS__);                                                      \
-      ze_kest_Debug_Log(level, "%s[%-4d]: " text, function, __LINE__, ##__VA_ARGS__);          \
-    }                                                                                          \
+#define KEST_REPORT_(level, function, text, ...)                    \
+  do {                                                              \
+    if (kest::LevelIsOn(level)) {                                   \
+      kest::Report(level, function, __LINE__, text, ##__VA_ARGS__); \
+    }                                                               \
   } while (false)
 
-#define KEST_ERR_AS(function, text, ...) \
-  KEST_REPORT_(ZE_KEST_LEVEL_ERR, ANDROID_LOG_ERROR, "<ERR>", function, text, ##__VA_ARGS__)
-#define KEST_WRN_AS(function, text, ...) \
-  KEST_REPORT_(ZE_KEST_LEVEL_WRN, ANDROID_LOG_WARN, "<WRN>", function, text, ##__VA_ARGS__)
-#define KEST_INFO_AS(function, text, ...) \
-  KEST_REPORT_(ZE_KEST_LEVEL_INFO, ANDROID_LOG_INFO, "<INFO>", function, text, ##__VA_ARGS__)
+#define KEST_ERR_AS(function, text, ...) KEST_REPORT_(ZE_KEST_LEVEL_ERR, function, text, ##__VA_ARGS__)
+#define KEST_WRN_AS(function, text, ...) KEST_REPORT_(ZE_KEST_LEVEL_WRN, function, text, ##__VA_ARGS__)
+#define KEST_INFO_AS(function, text, ...) KEST_REPORT_(ZE_KEST_LEVEL_INFO, function, text, ##__VA_ARGS__)
 
 // Output the user asked for: never gated, and the library's own log shows it without function name and line.
-#define KEST_PRINT_AS(function, text, ...)                                                            \
-  do {                                                                                                \
-    __android_log_print(ANDROID_LOG_INFO, KEST_LOG_TAG, "<PRINT>%s[%-4d]: " text, function, __LINE__, \
-                        ##__VA_ARGS__);                                                               \
-    ze_kest_Debug_Log(ZE_KEST_LEVEL_PRINT, text, ##__VA_ARGS__);                                      \
-  } while (false)
+#define KEST_PRINT_AS(function, text, ...) \
+  kest::Report(ZE_KEST_LEVEL_PRINT, function, __LINE__, text, ##__VA_ARGS__)
 
 #define KEST_ERR(text, ...) KEST_ERR_AS(__func__, text, ##__VA_ARGS__)
 #define KEST_WRN(text, ...) KEST_WRN_AS(__func__, text, ##__VA_ARGS__)
 #define KEST_INFO(text, ...) KEST_INFO_AS(__func__, text, ##__VA_ARGS__)
 #define KEST_PRINT(text, ...) KEST_PRINT_AS(__func__, text, ##__VA_ARGS__)
 
-// If the condition does not hold, reports the text at ERR level and returns result from the function.
+// If the condition does not hold, reports the plain text at ERR level and returns result from the function. A
+// text has nothing to evaluate, so its level is tested out of line.
 #define KEST_REQUIRE_OR_AS(function, condition, result, text) \
   do {                                                        \
     if (!(condition)) {                                       \
-      KEST_ERR_AS(function, text);                            \
+      kest::ReportRefusal(function, __LINE__, text);          \
       return result;                                          \
     }                                                         \
   } while (false)
@@ -63,15 +52,8 @@
 
 // Makes a thread call and, if it fails, reports it together with its source text. Yields the result of the
 // call.
-#define KEST_THREAD_CALL_(function, call, text)                                                           \
-  ([](const char *pszFunction, int s32Result) {                                                           \
-    if (kest::IsThreadCallFailure(s32Result)) {                                                           \
-      KEST_WRN_AS(pszFunction, "%s error:%d,%s \n", text, s32Result, kest::ErrorText(s32Result).c_str()); \
-    }                                                                                                     \
-    return s32Result;                                                                                     \
-  }(function, (call)))
-#define KEST_THREAD_CALL_AS(function, call) KEST_THREAD_CALL_(function, call, #call)
-#define KEST_THREAD_CALL(call) KEST_THREAD_CALL_(__func__, call, #call)
+#define KEST_THREAD_CALL_AS(function, call) kest::CheckThreadCall(function, __LINE__, #call, (call))
+#define KEST_THREAD_CALL(call) KEST_THREAD_CALL_AS(__func__, call)
 
 namespace kest {
 
@@ -79,9 +61,19 @@ inline bool LevelIsOn(uint32_t u32Level) {
   return Load(u32KestDebugLevel) >= u32Level;
 }
 
+// Makes a report whose level has been found to be on. The macros above call it; it lies with the log, where
+// reports end. Callable from any thread. Not real-time safe.
+[[gnu::cold]] void Report(uint32_t u32Level, const char *pszFunction, int s32Line, const char *pszFormat, ...)
+    ZE_KEST_PRINTF(4, 5);
+
+// Report a refused argument at ERR level, and a failed thread call at WRN level, if that level is on.
+[[gnu::cold]] void ReportRefusal(const char *pszFunction, int s32Line, const char *pszText);
+[[gnu::cold]] void ReportThreadCall(const char *pszFunction, int s32Line, const char *pszCall, int s32Result);
+
 // A wait that reaches its deadline has not failed.
-inline bool IsThreadCallFailure(int s32Result) {
-  return s32Result != 0 && s32Result != ETIMEDOUT;
+inline int CheckThreadCall(const char *pszFunction, int s32Line, const char *pszCall, int s32Result) {
+  if (s32Result != 0 && s32Result != ETIMEDOUT) ReportThreadCall(pszFunction, s32Line, pszCall, s32Result);
+  return s32Result;
 }
 
 }  // namespace kest

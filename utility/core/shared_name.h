@@ -5,7 +5,6 @@
 
 #include "ze_kest/model.h"
 
-#include "utility/core/command_line.h"
 #include "utility/core/report.h"
 #include "utility/core/shared_value.h"
 #include "utility/core/text_field.h"
@@ -24,13 +23,6 @@ inline void StoreName(const char *pszFunction, NameField &szField, const char *p
   }
   for (size_t i = 0; i < ZE_KEST_NAME_SIZE; ++i)
     Store(szField[i], szCut[i]);
-}
-
-// The same for a part of a command line. False for a missing or empty part, which keeps the previous name.
-inline bool TakeName(const char *pszFunction, NameField &szField, const char *pszPart) {
-  if (IsEmpty(pszPart)) return false;
-  StoreName(pszFunction, szField, pszPart);
-  return true;
 }
 
 inline void ClearName(NameField &szField) {

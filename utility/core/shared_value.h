@@ -17,12 +17,12 @@ void Store(T &value, T newValue) {
 
 // For a pointer to data that the writer filled in before: a reader that sees the pointer also sees the data.
 template <typename T>
-T *LoadPublished(T *const &pointer) {
+T *LoadAcquire(T *const &pointer) {
   return __atomic_load_n(&pointer, __ATOMIC_ACQUIRE);
 }
 
 template <typename T>
-void Publish(T *&pointer, T *newPointer) {
+void StoreRelease(T *&pointer, T *newPointer) {
   __atomic_store_n(&pointer, newPointer, __ATOMIC_RELEASE);
 }
 

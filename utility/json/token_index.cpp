@@ -52,24 +52,35 @@ uint32_t ze_kest_Utility_Jsmn_Destroy(ZE_KEST_Jsmn_s *pstJsmn) {
 }
 
 uint32_t ze_kest_Utility_Jsmn_FillUpTokenInfo(ZE_KEST_Jsmn_s *pstJsmn) {
-  if (!kest::HasTokenArray(__func__, pstJsmn)) return ZE_KEST_INVALID_ARGUMENT;
-  KEST_REQUIRE(pstJsmn->pszStringData != nullptr, "pstJsmn->pszStringData is NULL.\n");
-  KEST_REQUIRE(pstJsmn->sztStringDataSize != 0, "Invalid parameter: pstJsmn->sztStringDataSize!\n");
+  return kest::FillUpTokenInfo(pstJsmn, nullptr);
+}
 
-  int32_t s32Tokens = kest::Tokenize(*pstJsmn);
-  for (; s32Tokens == kest::kNoRoom; s32Tokens = kest::Tokenize(*pstJsmn)) {
+namespace kest {
+
+uint32_t FillUpTokenInfo(ZE_KEST_Jsmn_s *pstJsmn, IsToGiveUp pfnIsToGiveUp) {
+  constexpr const char *kFunction = "ze_kest_Utility_Jsmn_FillUpTokenInfo";
+  if (!HasTokenArray(kFunction, pstJsmn)) return ZE_KEST_INVALID_ARGUMENT;
+  KEST_REQUIRE_AS(kFunction, pstJsmn->pszStringData != nullptr, "pstJsmn->pszStringData is NULL.\n");
+  KEST_REQUIRE_AS(kFunction, pstJsmn->sztStringDataSize != 0,
+                  "Invalid parameter: pstJsmn->sztStringDataSize!\n");
+
+  int32_t s32Tokens = Tokenize(*pstJsmn, pfnIsToGiveUp);
+  for (; s32Tokens == kNoRoom; s32Tokens = Tokenize(*pstJsmn, pfnIsToGiveUp)) {
     const size_t sztSize = pstJsmn->sztTokenInfoSize + kArrayStep;
     if (!ResizeTokenArray(*pstJsmn, sztSize)) {
-      KEST_ERR("Error (0x%08X)! Fail to allocate %zu bytes of memory to pstTokenInfoTmp!\n",
-               ZE_KEST_OUT_OF_MEMORY, sztSize);
+      KEST_ERR_AS(kFunction, "Error (0x%08X)! Fail to allocate %zu bytes of memory to pstTokenInfoTmp!\n",
+                  ZE_KEST_OUT_OF_MEMORY, sztSize);
       return ZE_KEST_OUT_OF_MEMORY;
     }
   }
   if (s32Tokens <= 0) {
     FreeTokenArray(*pstJsmn);
-    KEST_ERR("Error (0x%08X)! Fail to fill up token info with error %d!\n", ZE_KEST_FAILED, s32Tokens);
+    KEST_ERR_AS(kFunction, "Error (0x%08X)! Fail to fill up token info with error %d!\n", ZE_KEST_FAILED,
+                s32Tokens);
     return ZE_KEST_FAILED;
   }
   pstJsmn->u32TotalTokenCounter = static_cast<uint32_t>(s32Tokens);
   return ZE_KEST_OK;
 }
+
+}  // namespace kest

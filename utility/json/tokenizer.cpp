@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstring>
 
 #define JSMN_STATIC
 #include <jsmn.h>
@@ -31,18 +32,42 @@ static_assert(int{JSMN_ERROR_NOMEM} == kNoRoom && int{JSMN_ERROR_INVAL} == kMalf
 // The token offsets are 32-bit signed.
 constexpr size_t kLongestText = INT32_MAX;
 
-}  // namespace
+constexpr size_t kPart = 1024;  // characters between two questions whether to give up
 
-int32_t Tokenize(ZE_KEST_Jsmn_s &stJsmn) {
+// Reads on, as if the text ended there.
+int32_t ReadUpTo(ZE_KEST_Jsmn_s &stJsmn, size_t sztEnd) {
   jsmn_parser stParser = {stJsmn.pos, stJsmn.toknext, stJsmn.toksuper};
   const int32_t s32Result =
-      jsmn_parse(&stParser, stJsmn.pszStringData, std::min(stJsmn.sztStringDataSize, kLongestText),
-                 reinterpret_cast<jsmntok_t *>(stJsmn.pstTokenInfo),
+      jsmn_parse(&stParser, stJsmn.pszStringData, sztEnd, reinterpret_cast<jsmntok_t *>(stJsmn.pstTokenInfo),
                  static_cast<uint32_t>(stJsmn.sztTokenInfoSize / sizeof(jsmntok_t)));
   stJsmn.pos = stParser.pos;
   stJsmn.toknext = stParser.toknext;
   stJsmn.toksuper = stParser.toksuper;
   return s32Result;
+}
+
+// Where reading may stop and go on later: behind a character that ends a primitive. In a string, jsmn goes
+// back to its start.
+size_t EndOfPart(const char *pszText, size_t sztFrom, size_t sztText) {
+  size_t sztEnd = sztFrom;
+  while (sztEnd < sztText && strchr("\t\r\n ,]}:", pszText[sztEnd - 1]) == nullptr)
+    ++sztEnd;
+  return sztEnd;
+}
+
+}  // namespace
+
+int32_t Tokenize(ZE_KEST_Jsmn_s &stJsmn, IsToGiveUp pfnIsToGiveUp) {
+  const size_t sztText = std::min(stJsmn.sztStringDataSize, kLongestText);
+  if (pfnIsToGiveUp == nullptr) return ReadUpTo(stJsmn, sztText);
+  for (size_t sztEnd = stJsmn.pos + kPart; sztEnd < sztText; sztEnd += kPart) {
+    sztEnd = EndOfPart(stJsmn.pszStringData, sztEnd, sztText);
+    const int32_t s32Result = ReadUpTo(stJsmn, sztEnd);
+    if (s32Result == kMalformed) return s32Result;
+    if (pfnIsToGiveUp(stJsmn)) return kGivenUp;
+    if (s32Result == kNoRoom) return s32Result;
+  }
+  return ReadUpTo(stJsmn, sztText);
 }
 
 }  // namespace kest

@@ -1,7 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 // The blocks are written in assembly. Between a structured load and a structured store, a plane of bytes can
 // be moved merely by naming its register in a different position; with intrinsics the compiler copies the
-// registers instead and needs twice as many instructions. Byte-wise accesses work at any address.
+// registers instead, and computes addresses that post-increment gives for nothing. Byte-wise accesses work at
+// any address.
+//
+// Instructions per block and its loop, here and as g++ 12.2 compiles the same block from intrinsics:
+//   16 to 24: 6, else 10     24 to 16: 5, else 9      24 to 32: 7, else 14
+//   16 to 32: 9, else 18     32 to 16: 9, else 20     24 in 32 to 32: 10, else 22
 #if defined(__arm__) && defined(__ARM_NEON)
 
 #include "utility/pcm/width_kernels.h"

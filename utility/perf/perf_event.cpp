@@ -10,6 +10,7 @@
 
 #include "ze_kest/performance.h"
 
+#include "utility/core/guarded_open.h"
 #include "utility/core/owned_memory.h"
 #include "utility/core/report.h"
 
@@ -51,9 +52,9 @@ perf_event_attr Attributes(uint32_t u32Event) {
 bool OpenEvent(ZE_KEST_PerfEvent_s &stPerfEvent, uint32_t u32Event) {
   perf_event_attr stAttr = Attributes(u32Event);
   const int s32GroupFd = u32Event == kLeader ? -1 : stPerfEvent.as32Fd[kLeader];
-  const long s32Fd = syscall(__NR_perf_event_open, &stAttr, 0, -1, s32GroupFd, 0UL);
-  stPerfEvent.as32Fd[u32Event] = static_cast<int32_t>(s32Fd);
-  if (s32Fd == -1) return false;
+  const auto s32Fd = static_cast<int>(syscall(__NR_perf_event_open, &stAttr, 0, -1, s32GroupFd, 0UL));
+  stPerfEvent.as32Fd[u32Event] = kest::AboveStandard(s32Fd);
+  if (stPerfEvent.as32Fd[u32Event] == -1) return false;
   ioctl(stPerfEvent.as32Fd[u32Event], PERF_EVENT_IOC_ID, &stPerfEvent.au64Id[u32Event]);
   return true;
 }

@@ -28,8 +28,7 @@ bool ReadAndClose(ZE_KEST_PerfEvent_s &stPerfEvent) {
          ze_kest_Utility_PerfEvent_Close(&stPerfEvent) == ZE_KEST_OK;
 }
 
-template <typename Measured>
-uint32_t StartCycle(const char *pszFunction, const Measured &measured, Measure &stMeasure) {
+uint32_t StartCycle(const char *pszFunction, const kest::Measured &measured, Measure &stMeasure) {
   if (!OpenAndEnable(stMeasure.stPerfEvent)) return ZE_KEST_NOT_INITIALISED;
   stMeasure.u64StartTime = kest::MonotonicUs();
   if (stMeasure.u64FirstStartTime == 0) {
@@ -39,8 +38,7 @@ uint32_t StartCycle(const char *pszFunction, const Measured &measured, Measure &
   return ZE_KEST_OK;
 }
 
-template <typename Measured>
-uint32_t StopCycle(const char *pszFunction, const Measured &measured, Measure &stMeasure) {
+uint32_t StopCycle(const char *pszFunction, const kest::Measured &measured, Measure &stMeasure) {
   stMeasure.u64StopTime = kest::MonotonicUs();
   if (!ReadAndClose(stMeasure.stPerfEvent)) return ZE_KEST_NOT_INITIALISED;
   const bool bForward = stMeasure.u64StopTime >= stMeasure.u64StartTime;
@@ -64,8 +62,7 @@ void Clear(Measure &stMeasure) {
   stMeasure = {};
 }
 
-template <typename Measured>
-uint32_t StartTarget(const char *pszFunction, const Measured &measured, Measure &stMeasure) {
+uint32_t StartTarget(const char *pszFunction, const kest::Measured &measured, Measure &stMeasure) {
   const uint32_t u32Target = kest::Load(u32KestPerfEventTarget);
   if (measured.IsTarget(u32Target)) return StartCycle(pszFunction, measured, stMeasure);
   if (!IsLeftOver(u32Target, stMeasure)) return ZE_KEST_OK;
@@ -74,8 +71,7 @@ uint32_t StartTarget(const char *pszFunction, const Measured &measured, Measure 
   return ZE_KEST_OK;
 }
 
-template <typename Measured>
-uint32_t StopTarget(const char *pszFunction, const Measured &measured, Measure &stMeasure) {
+uint32_t StopTarget(const char *pszFunction, const kest::Measured &measured, Measure &stMeasure) {
   const uint32_t u32Target = kest::Load(u32KestPerfEventTarget);
   if (measured.IsTarget(u32Target)) return StopCycle(pszFunction, measured, stMeasure);
   measured.PrintCommand(pszFunction, u32Target);
@@ -84,35 +80,34 @@ uint32_t StopTarget(const char *pszFunction, const Measured &measured, Measure &
   return ZE_KEST_OK;
 }
 
-template <typename Measured>
-using Operation = uint32_t (*)(const char *pszFunction, const Measured &measured, Measure &stMeasure);
+using Operation = uint32_t (*)(const char *pszFunction, const kest::Measured &measured, Measure &stMeasure);
 
-uint32_t OnPipeline(const char *pszFunction, Operation<kest::MeasuredPipeline> pfnOperation,
-                    const char *pszPipelineName, Measure *pstMeasure) {
+uint32_t OnPipeline(const char *pszFunction, Operation pfnOperation, const char *pszPipelineName,
+                    Measure *pstMeasure) {
   KEST_REQUIRE_OR_AS(pszFunction, pszPipelineName != nullptr, ZE_KEST_MISSING_ARGUMENT,
                      "pszPipelineName is NULL.\n");
   KEST_REQUIRE_OR_AS(pszFunction, pstMeasure != nullptr, ZE_KEST_MISSING_ARGUMENT,
                      "pstPerformanceMeasure is NULL.\n");
-  return pfnOperation(pszFunction, kest::MeasuredPipeline(pszPipelineName), *pstMeasure);
+  return pfnOperation(pszFunction, kest::Measured(pszPipelineName), *pstMeasure);
 }
 
-uint32_t OnFilter(const char *pszFunction, Operation<kest::MeasuredFilter> pfnOperation,
-                  const char *pszPipelineName, const char *pszFilterName, Measure *pstMeasure) {
+uint32_t OnFilter(const char *pszFunction, Operation pfnOperation, const char *pszPipelineName,
+                  const char *pszFilterName, Measure *pstMeasure) {
   KEST_REQUIRE_OR_AS(pszFunction, pszPipelineName != nullptr, ZE_KEST_MISSING_ARGUMENT,
                      "pszPipelineName is NULL.\n");
   KEST_REQUIRE_OR_AS(pszFunction, pszFilterName != nullptr, ZE_KEST_MISSING_ARGUMENT,
                      "pszFilterName is NULL.\n");
   KEST_REQUIRE_OR_AS(pszFunction, pstMeasure != nullptr, ZE_KEST_MISSING_ARGUMENT,
                      "pstPerformanceMeasure is NULL.\n");
-  return pfnOperation(pszFunction, kest::MeasuredFilter(pszPipelineName, pszFilterName), *pstMeasure);
+  return pfnOperation(pszFunction, kest::Measured(pszPipelineName, pszFilterName), *pstMeasure);
 }
 
-uint32_t OnSection(const char *pszFunction, Operation<kest::MeasuredSection> pfnOperation,
-                   const ZE_KEST_Filter_s *pstFilter, Measure *pstMeasure, const char *pszTag) {
+uint32_t OnSection(const char *pszFunction, Operation pfnOperation, const ZE_KEST_Filter_s *pstFilter,
+                   Measure *pstMeasure, const char *pszTag) {
   KEST_REQUIRE_OR_AS(pszFunction, pstFilter != nullptr, ZE_KEST_MISSING_ARGUMENT, "pstFilter is NULL.\n");
   KEST_REQUIRE_OR_AS(pszFunction, pstMeasure != nullptr, ZE_KEST_MISSING_ARGUMENT,
                      "pstPerformanceMeasure is NULL.\n");
-  const kest::MeasuredSection section(kest::PipelineName(*pstFilter), pstFilter->szName, pszTag);
+  const kest::Measured section(kest::PipelineName(*pstFilter), pstFilter->szName, pszTag);
   return pfnOperation(pszFunction, section, *pstMeasure);
 }
 

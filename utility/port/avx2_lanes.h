@@ -37,10 +37,10 @@ KEST_LANES __m128i SecondLane(__m256i v) {
 }
 
 // The bytes of the second lane are sztLane after those of the first.
-KEST_LANES __m256i Load(const uint8_t *pu8, size_t sztLane) {
+KEST_LANES __m256i LoadLanes(const uint8_t *pu8, size_t sztLane) {
   return _mm256_inserti128_si256(_mm256_castsi128_si256(LoadLane(pu8)), LoadLane(pu8 + sztLane), 1);
 }
-KEST_LANES void Store(uint8_t *pu8, size_t sztLane, __m256i v) {
+KEST_LANES void StoreLanes(uint8_t *pu8, size_t sztLane, __m256i v) {
   StoreLane(pu8, FirstLane(v));
   StoreLane(pu8 + sztLane, SecondLane(v));
 }
@@ -57,25 +57,25 @@ KEST_LANES __m256i Shuffle32(__m256i a, __m256i b) {
 
 // In each lane, 16 bytes of a channel's samples, converted to the format of the linear buffer.
 template <typename Kernel>
-KEST_LANES __m256i Row(const uint8_t *pu8, size_t sztLane) {
+KEST_LANES __m256i ReadRow(const uint8_t *pu8, size_t sztLane) {
   constexpr int kShift = Kernel::kShiftBits;
   if constexpr (kShift == 0) {
-    return Load(pu8, sztLane);
+    return LoadLanes(pu8, sztLane);
   } else if constexpr (Kernel::kLinearBytes == 2) {
-    return _mm256_packs_epi32(_mm256_srai_epi32(Load(pu8, sztLane), -kShift),
-                              _mm256_srai_epi32(Load(pu8 + 16, sztLane), -kShift));
+    return _mm256_packs_epi32(_mm256_srai_epi32(LoadLanes(pu8, sztLane), -kShift),
+                              _mm256_srai_epi32(LoadLanes(pu8 + 16, sztLane), -kShift));
   } else if constexpr (Kernel::kRingBytes == 2) {
     return _mm256_slli_epi32(
         _mm256_cvtepu16_epi32(_mm_unpacklo_epi64(LoadHalf(pu8), LoadHalf(pu8 + sztLane))), kShift);
   } else {
-    return _mm256_srli_epi32(Load(pu8, sztLane), -kShift);
+    return _mm256_srli_epi32(LoadLanes(pu8, sztLane), -kShift);
   }
 }
 
 // For one channel: the second lane continues where the first one ends.
 template <typename Kernel>
-KEST_LANES __m256i Row(const uint8_t *pu8) {
-  return Row<Kernel>(pu8, 16 / Kernel::kLinearBytes * Kernel::kRingBytes);
+KEST_LANES __m256i ReadRow(const uint8_t *pu8) {
+  return ReadRow<Kernel>(pu8, 16 / Kernel::kLinearBytes * Kernel::kRingBytes);
 }
 
 template <uint32_t kCount>

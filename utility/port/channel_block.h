@@ -12,6 +12,7 @@
 #include "utility/port/frame_tile_avx2.h"
 #include "utility/port/frame_tile_neon.h"
 #include "utility/port/packed_tile_avx2.h"
+#include "utility/port/packed_tile_neon.h"
 #include "utility/port/ring_plan.h"
 
 namespace kest {
@@ -28,9 +29,9 @@ struct ChannelBlock {
 // Few enough that the frames are still in the cache when the next strip of channels is moved.
 inline constexpr size_t kFramesAtOnce = 256;
 
-// Moves sample by sample. The tiles must give the same result.
+// The tiles must give the same result.
 template <typename Kernel>
-void MoveChannel(FramePlace<Kernel> stPlace, size_t sztFrames) {
+void MoveSampleBySample(FramePlace<Kernel> stPlace, size_t sztFrames) {
   for (; sztFrames != 0; --sztFrames) {
     Kernel::Move(stPlace.pu8Ring, stPlace.pu8Linear);
     stPlace.Skip(1);
@@ -56,7 +57,7 @@ void MoveStrip(const FramePlace<Kernel> &stPlace, size_t sztFrames) {
     if (sztFrames >= Tile::kFrames) return MoveTiles<Tile>(stPlace, sztFrames);
   }
   for (uint32_t u32Channel = 0; u32Channel < kChannels; ++u32Channel)
-    MoveChannel(stPlace.Channel(u32Channel), sztFrames);
+    MoveSampleBySample(stPlace.Channel(u32Channel), sztFrames);
 }
 
 // Moves the channels in strips of kMost channels, then the rest in ever narrower ones.
@@ -103,7 +104,7 @@ template <typename Kernel>
 void MoveFrames(const FramePlace<Kernel> &stPlace, uint32_t u32Channels, size_t sztFrames) {
   if (TilesRun()) return MoveWithTiles(stPlace, u32Channels, sztFrames);
   for (uint32_t u32Channel = 0; u32Channel < u32Channels; ++u32Channel)
-    MoveChannel(stPlace.Channel(u32Channel), sztFrames);
+    MoveSampleBySample(stPlace.Channel(u32Channel), sztFrames);
 }
 
 // Returns the linear position after the segment, where the frames of the next segment begin.

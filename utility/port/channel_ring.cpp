@@ -28,7 +28,7 @@ void CopyBytes(uint8_t *pu8Ring, const uint8_t *pu8Linear, size_t sztBytes) {
 
 // Fast path, inlined to save instructions: a contiguous transfer that does not wrap is a plain copy.
 template <typename Ring, typename Linear>
-__attribute__((always_inline)) inline uint32_t MoveChannel(
+__attribute__((always_inline)) inline uint32_t MoveRingData(
     const kest::MoverTable<kest::Mover<Ring, Linear>> &stTable, Ring *pu8RingBuf, Ring *pu8Pos,
     uint32_t sztRingSize, Linear *pu8Data, uint64_t u64Bytes, uint32_t u32Stride,
     uint32_t u32BytesPerSample) {
@@ -47,16 +47,16 @@ uint32_t ze_kest_Utility_WriteDataToNonInterleaveRingBuffer(uint8_t *pu8RingBuf,
                                                             uint32_t sztRingSize, const uint8_t *pu8Data,
                                                             uint64_t u64Bytes, uint32_t u32Stride,
                                                             uint32_t u32BytesPerSample) {
-  return MoveChannel(kest::kWriteAsIs, pu8RingBuf, pu8Pos, sztRingSize, pu8Data, u64Bytes, u32Stride,
-                     u32BytesPerSample);
+  return MoveRingData(kest::kWriteAsIs, pu8RingBuf, pu8Pos, sztRingSize, pu8Data, u64Bytes, u32Stride,
+                      u32BytesPerSample);
 }
 
 uint32_t ze_kest_Utility_ReadDataFromNonInterleaveRingBuffer(const uint8_t *pu8RingBuf, const uint8_t *pu8Pos,
                                                              uint32_t sztRingSize, uint8_t *pu8Data,
                                                              uint64_t u64Bytes, uint32_t u32Stride,
                                                              uint32_t u32BytesPerSample) {
-  return MoveChannel(kest::kReadAsIs, pu8RingBuf, pu8Pos, sztRingSize, pu8Data, u64Bytes, u32Stride,
-                     u32BytesPerSample);
+  return MoveRingData(kest::kReadAsIs, pu8RingBuf, pu8Pos, sztRingSize, pu8Data, u64Bytes, u32Stride,
+                      u32BytesPerSample);
 }
 
 uint32_t ze_kest_Utility_ReadDataFromNonInterleaveRingBuffer_To16Bit(const uint8_t *pu8RingBuf,
@@ -64,8 +64,8 @@ uint32_t ze_kest_Utility_ReadDataFromNonInterleaveRingBuffer_To16Bit(const uint8
                                                                      uint32_t sztRingSize, uint8_t *pu8Data,
                                                                      uint64_t u64Bytes, uint32_t u32Stride,
                                                                      uint32_t u32BytesPerSample) {
-  return MoveChannel(kest::kReadTo16, pu8RingBuf, pu8Pos, sztRingSize, pu8Data, u64Bytes, u32Stride,
-                     u32BytesPerSample);
+  return MoveRingData(kest::kReadTo16, pu8RingBuf, pu8Pos, sztRingSize, pu8Data, u64Bytes, u32Stride,
+                      u32BytesPerSample);
 }
 
 uint32_t ze_kest_Utility_ReadDataFromNonInterleaveRingBuffer_To24Le(const uint8_t *pu8RingBuf,
@@ -73,8 +73,8 @@ uint32_t ze_kest_Utility_ReadDataFromNonInterleaveRingBuffer_To24Le(const uint8_
                                                                     uint32_t sztRingSize, uint8_t *pu8Data,
                                                                     uint64_t u64Bytes, uint32_t u32Stride,
                                                                     uint32_t u32BytesPerSample) {
-  return MoveChannel(kest::kReadTo24Le, pu8RingBuf, pu8Pos, sztRingSize, pu8Data, u64Bytes, u32Stride,
-                     u32BytesPerSample);
+  return MoveRingData(kest::kReadTo24Le, pu8RingBuf, pu8Pos, sztRingSize, pu8Data, u64Bytes, u32Stride,
+                      u32BytesPerSample);
 }
 
 uint32_t ze_kest_Utility_ReadDataFromNonInterleaveRingBuffer_To32Bit(const uint8_t *pu8RingBuf,
@@ -82,6 +82,6 @@ uint32_t ze_kest_Utility_ReadDataFromNonInterleaveRingBuffer_To32Bit(const uint8
                                                                      uint32_t sztRingSize, uint8_t *pu8Data,
                                                                      uint64_t u64Bytes, uint32_t u32Stride,
                                                                      uint32_t u32BytesPerSample) {
-  return MoveChannel(kest::kReadTo32, pu8RingBuf, pu8Pos, sztRingSize, pu8Data, u64Bytes, u32Stride,
-                     u32BytesPerSample);
+  return MoveRingData(kest::kReadTo32, pu8RingBuf, pu8Pos, sztRingSize, pu8Data, u64Bytes, u32Stride,
+                      u32BytesPerSample);
 }

@@ -6,50 +6,31 @@
 
 namespace {
 
-// One kind of data: its ring, and the reports made when it is forwarded.
-struct Metadata {
-  static constexpr auto kRing = &ZE_KEST_Port_s::stMeta;
-
-  static void ReportOut(const char *pszFunction, const ZE_KEST_Filter_s &stFilter, size_t sztBytes,
-                        const ZE_KEST_DataBuffer_s &stOut) {
-    KEST_ERR_AS(pszFunction, "[%s:%s]outMetaBfOverflow[%zu][%zu][%zu][%zu]\n", kest::PipelineName(stFilter),
-                stFilter.szName, sztBytes, size_t{stOut.sztLevel}, size_t{stOut.sztWriteSize},
-                size_t{stOut.sztSize});
-  }
-  static void ReportIn(const char *pszFunction, const ZE_KEST_Filter_s &stFilter, size_t sztBytes,
-                       const ZE_KEST_DataBuffer_s &stIn) {
-    KEST_ERR_AS(pszFunction, "[%s:%s]InMetaBfOverflow[%zu][%zu][%zu]\n", kest::PipelineName(stFilter),
-                stFilter.szName, sztBytes, size_t{stIn.sztReadSize}, size_t{stIn.sztSize});
-  }
+// One kind of data: its ring, and what is reported when a ring cannot take or give the bytes.
+struct Kind {
+  ZE_KEST_DataBuffer_s ZE_KEST_Port_s::*pstRing;
+  const char *pszOutOverflow;
+  const char *pszInOverflow;
 };
 
-struct Raw {
-  static constexpr auto kRing = &ZE_KEST_Port_s::stRaw;
+constexpr Kind kMetadata = {&ZE_KEST_Port_s::stMeta, "outMetaBfOverflow", "InMetaBfOverflow"};
+constexpr Kind kRaw = {&ZE_KEST_Port_s::stRaw, "outRawBfOverflow", "InRawBfOverflow"};
 
-  static void ReportOut(const char *pszFunction, const ZE_KEST_Filter_s &stFilter, size_t sztBytes,
-                        const ZE_KEST_DataBuffer_s &stOut) {
-    KEST_ERR_AS(pszFunction, "[%s:%s]outRawBfOverflow[%zu][%zu][%zu][%zu]\n", kest::PipelineName(stFilter),
-                stFilter.szName, sztBytes, size_t{stOut.sztLevel}, size_t{stOut.sztWriteSize},
-                size_t{stOut.sztSize});
-  }
-  static void ReportIn(const char *pszFunction, const ZE_KEST_Filter_s &stFilter, size_t sztBytes,
-                       const ZE_KEST_DataBuffer_s &stIn) {
-    KEST_ERR_AS(pszFunction, "[%s:%s]InRawBfOverflow[%zu][%zu][%zu]\n", kest::PipelineName(stFilter),
-                stFilter.szName, sztBytes, size_t{stIn.sztReadSize}, size_t{stIn.sztSize});
-  }
-};
-
-// The sums are computed in 64 bits so that inconsistent sizes cannot wrap around and pass the checks.
-template <typename Kind>
+// The sums are computed in 64 bits so that inconsistent sizes cannot wrap around and pass the checks. One
+// instance per kind: it takes fewer instructions than a kind as an argument.
+template <const Kind &kKind>
 void ForwardTo(const char *pszFunction, const ZE_KEST_Filter_s &stFilter, const ZE_KEST_DataBuffer_s &stIn,
                const ZE_KEST_DataBuffer_s &stOut, uint32_t sztBytes) {
   if (stIn.sztLevel < sztBytes || stOut.sztSpace < sztBytes) return;
   if (uint64_t{stOut.sztWriteSize} + stOut.sztLevel + sztBytes > stOut.sztSize) {
-    Kind::ReportOut(pszFunction, stFilter, sztBytes, stOut);
+    KEST_ERR_AS(pszFunction, "[%s:%s]%s[%zu][%zu][%zu][%zu]\n", kest::PipelineName(stFilter), stFilter.szName,
+                kKind.pszOutOverflow, size_t{sztBytes}, size_t{stOut.sztLevel}, size_t{stOut.sztWriteSize},
+                size_t{stOut.sztSize});
     return;
   }
   if (stIn.sztSize < uint64_t{stIn.sztReadSize} + sztBytes) {
-    Kind::ReportIn(pszFunction, stFilter, sztBytes, stIn);
+    KEST_ERR_AS(pszFunction, "[%s:%s]%s[%zu][%zu][%zu]\n", kest::PipelineName(stFilter), stFilter.szName,
+                kKind.pszInOverflow, size_t{sztBytes}, size_t{stIn.sztReadSize}, size_t{stIn.sztSize});
     return;
   }
   if (stIn.pu8Buf == nullptr || stOut.pu8Buf == nullptr) return;
@@ -58,14 +39,14 @@ void ForwardTo(const char *pszFunction, const ZE_KEST_Filter_s &stFilter, const 
                                            stIn.sztReadOffset, stIn.sztReadSize, sztBytes);
 }
 
-template <typename Kind>
+template <const Kind &kKind>
 uint32_t Forward(const char *pszFunction, const ZE_KEST_Filter_s *pstFilter, uint32_t u32InPortIdx,
                  uint32_t sztBytes) {
   KEST_REQUIRE_AS(pszFunction, pstFilter != nullptr, "pstFilter is NULL.\n");
   const ZE_KEST_Port_s *pstIn = kest::InputSide(*pstFilter).ServedAt(u32InPortIdx);
   if (pstIn == nullptr) return ZE_KEST_INVALID_ARGUMENT;
   kest::OutputSide(*pstFilter).ForEachConnected([&](const ZE_KEST_Port_s &stOut) {
-    ForwardTo<Kind>(pszFunction, *pstFilter, pstIn->*Kind::kRing, stOut.*Kind::kRing, sztBytes);
+    ForwardTo<kKind>(pszFunction, *pstFilter, pstIn->*kKind.pstRing, stOut.*kKind.pstRing, sztBytes);
   });
   return ZE_KEST_OK;
 }
@@ -74,12 +55,12 @@ uint32_t Forward(const char *pszFunction, const ZE_KEST_Filter_s *pstFilter, uin
 
 uint32_t ze_kest_Utility_WriteAllOutputPortMetadataBuffer(const ZE_KEST_Filter_s *pstFilter,
                                                           uint32_t u32InPortIdx, uint32_t sztBytes) {
-  return Forward<Metadata>(__func__, pstFilter, u32InPortIdx, sztBytes);
+  return Forward<kMetadata>(__func__, pstFilter, u32InPortIdx, sztBytes);
 }
 
 uint32_t ze_kest_Utility_WriteAllOutputPortRawBuffer(const ZE_KEST_Filter_s *pstFilter, uint32_t u32InPortIdx,
                                                      uint32_t sztBytes) {
-  return Forward<Raw>(__func__, pstFilter, u32InPortIdx, sztBytes);
+  return Forward<kRaw>(__func__, pstFilter, u32InPortIdx, sztBytes);
 }
 
 uint32_t ze_kest_Utility_IsOutputMetadataBufferExist(const ZE_KEST_Filter_s *pstFilter) {

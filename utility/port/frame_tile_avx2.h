@@ -18,11 +18,11 @@ struct SquareTile {
     const size_t sztLane = kLaneFrames * stPlace.sztStep;
     if constexpr (Kernel::kReads) {
       const Vectors<kLaneFrames> st =
-          Transposed(Vectors<kLaneFrames>{{Row<Kernel>(stPlace.RingOf(kLines))...}});
-      (Store(stPlace.Frame(kLines), sztLane, st.v[kLines]), ...);
+          Transposed(Vectors<kLaneFrames>{{ReadRow<Kernel>(stPlace.RingOf(kLines))...}});
+      (StoreLanes(stPlace.Frame(kLines), sztLane, st.v[kLines]), ...);
     } else {
       const Vectors<kLaneFrames> st =
-          Transposed(Vectors<kLaneFrames>{{Load(stPlace.Frame(kLines), sztLane)...}});
+          Transposed(Vectors<kLaneFrames>{{LoadLanes(stPlace.Frame(kLines), sztLane)...}});
       (StoreWhole(stPlace.RingOf(kLines), st.v[kLines]), ...);
     }
   }
@@ -35,7 +35,7 @@ struct WideTile {
 
   KEST_LANES static void Move(const FramePlace<Kernel> &stPlace) {
     const size_t sztLane = 4 * stPlace.sztRingPitch;
-    const Vectors<4> st = Transposed(Vectors<4>{{Row<Kernel>(stPlace.RingOf(kLines), sztLane)...}});
+    const Vectors<4> st = Transposed(Vectors<4>{{ReadRow<Kernel>(stPlace.RingOf(kLines), sztLane)...}});
     (StoreWhole(stPlace.Frame(kLines), st.v[kLines]), ...);
   }
 };
@@ -55,8 +55,8 @@ struct FourTile {
 
  private:
   KEST_LANES static void Read(const FramePlace<Kernel> &stPlace) {
-    const Vectors<4> st = {{Row<Kernel>(stPlace.pu8Ring), Row<Kernel>(stPlace.RingOf(1)),
-                            Row<Kernel>(stPlace.RingOf(2)), Row<Kernel>(stPlace.RingOf(3))}};
+    const Vectors<4> st = {{ReadRow<Kernel>(stPlace.pu8Ring), ReadRow<Kernel>(stPlace.RingOf(1)),
+                            ReadRow<Kernel>(stPlace.RingOf(2)), ReadRow<Kernel>(stPlace.RingOf(3))}};
     const __m256i a0 = _mm256_unpacklo_epi16(st.v[0], st.v[1]);
     const __m256i a1 = _mm256_unpackhi_epi16(st.v[0], st.v[1]);
     const __m256i b0 = _mm256_unpacklo_epi16(st.v[2], st.v[3]);
@@ -94,9 +94,9 @@ struct TenTile {
   static constexpr size_t kFrames = 16;
 
   KEST_LANES static void Move(const FramePlace<Kernel> &stPlace) {
-    const Vectors<8> st = Transposed(Vectors<8>{{Row<Kernel>(stPlace.RingOf(kLines))...}});
-    const __m256i ninth = Row<Kernel>(stPlace.RingOf(8));
-    const __m256i tenth = Row<Kernel>(stPlace.RingOf(9));
+    const Vectors<8> st = Transposed(Vectors<8>{{ReadRow<Kernel>(stPlace.RingOf(kLines))...}});
+    const __m256i ninth = ReadRow<Kernel>(stPlace.RingOf(8));
+    const __m256i tenth = ReadRow<Kernel>(stPlace.RingOf(9));
     StoreFour(stPlace.pu8Linear, {{st.v[0], st.v[1], st.v[2], st.v[3]}}, _mm256_unpacklo_epi16(ninth, tenth));
     StoreFour(stPlace.pu8Linear + 4 * kFrameBytes, {{st.v[4], st.v[5], st.v[6], st.v[7]}},
               _mm256_unpackhi_epi16(ninth, tenth));
@@ -109,15 +109,15 @@ struct TenTile {
   // Stores four frames of each lane. st holds the first eight channels, one frame per vector; last holds the
   // last two channels of all four frames.
   KEST_LANES static void StoreFour(uint8_t *pu8, const Vectors<4> &st, __m256i last) {
-    Store(pu8, kLane, st.v[0]);
-    Store(pu8 + 16, kLane,
-          _mm256_blend_epi32(_mm256_shuffle_epi32(st.v[1], _MM_SHUFFLE(2, 1, 0, 0)), last, 0x11));
-    Store(pu8 + 32, kLane,
-          _mm256_blend_epi32(Shuffle32<_MM_SHUFFLE(1, 0, 0, 3)>(st.v[1], st.v[2]), last, 0x22));
-    Store(pu8 + 48, kLane,
-          _mm256_blend_epi32(Shuffle32<_MM_SHUFFLE(0, 0, 3, 2)>(st.v[2], st.v[3]), last, 0x44));
-    Store(pu8 + 64, kLane,
-          _mm256_blend_epi32(_mm256_shuffle_epi32(st.v[3], _MM_SHUFFLE(0, 3, 2, 1)), last, 0x88));
+    StoreLanes(pu8, kLane, st.v[0]);
+    StoreLanes(pu8 + 16, kLane,
+               _mm256_blend_epi32(_mm256_shuffle_epi32(st.v[1], _MM_SHUFFLE(2, 1, 0, 0)), last, 0x11));
+    StoreLanes(pu8 + 32, kLane,
+               _mm256_blend_epi32(Shuffle32<_MM_SHUFFLE(1, 0, 0, 3)>(st.v[1], st.v[2]), last, 0x22));
+    StoreLanes(pu8 + 48, kLane,
+               _mm256_blend_epi32(Shuffle32<_MM_SHUFFLE(0, 0, 3, 2)>(st.v[2], st.v[3]), last, 0x44));
+    StoreLanes(pu8 + 64, kLane,
+               _mm256_blend_epi32(_mm256_shuffle_epi32(st.v[3], _MM_SHUFFLE(0, 3, 2, 1)), last, 0x88));
   }
 };
 
@@ -152,7 +152,7 @@ struct PairTile {
   KEST_LANES static void Move(const FramePlace<Kernel> &stPlace) {
     auto *const pu8Right = stPlace.RingOf(1);
     if constexpr (Kernel::kReads) {
-      StoreFrames(stPlace, Interleaved<kBytes>(Row<Kernel>(stPlace.pu8Ring), Row<Kernel>(pu8Right)));
+      StoreFrames(stPlace, Interleaved<kBytes>(ReadRow<Kernel>(stPlace.pu8Ring), ReadRow<Kernel>(pu8Right)));
     } else {
       const Vectors<2> st = Separated<kBytes>(LoadFrames(stPlace));
       StoreWhole(stPlace.pu8Ring, st.v[0]);
@@ -177,7 +177,7 @@ struct PairTile {
   KEST_LANES static Vectors<2> LoadFrames(const FramePlace<Kernel> &stPlace) {
     const uint8_t *const pu8 = stPlace.pu8Linear;
     if constexpr (kWholeFrames) {
-      return {{Load(pu8, 32), Load(pu8 + 16, 32)}};
+      return {{LoadLanes(pu8, 32), LoadLanes(pu8 + 16, 32)}};
     } else {
       const size_t sztQuarter = kFrames / 4 * stPlace.sztStep;
       return {{_mm256_set_m128i(LoadPairs<kBytes>(pu8 + 2 * sztQuarter, stPlace.sztStep),

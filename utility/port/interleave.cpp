@@ -31,8 +31,8 @@ bool IsGroup(const char *pszFunction, uint32_t ePcmGroupType) {
 // Deliberate: channel k of a frame belongs to slot k of the group, whatever the channel map says. Channels
 // without a ring in the group are skipped.
 template <typename Ring, typename Linear>
-void MoveFrames(const kest::MoverTable<kest::Mover<Ring, Linear>> &stTable, const ZE_KEST_PcmBuffer_s &stPcm,
-                const Frames &stFrames, Linear *pu8Linear) {
+void MoveInterleaved(const kest::MoverTable<kest::Mover<Ring, Linear>> &stTable,
+                     const ZE_KEST_PcmBuffer_s &stPcm, const Frames &stFrames, Linear *pu8Linear) {
   if (stPcm.apu8PcmGroupBuf[stFrames.u32Group] == nullptr) return;
   const auto stWay = stTable.For(stFrames.u32Width, stFrames.u32Channels);
   const uint32_t u32Position =
@@ -62,8 +62,9 @@ uint32_t ze_kest_Utility_ConvertInterleaveToNonInterleave(uint32_t u32ChNum, uin
     KEST_INFO("Wrong u32BitWidth\n");
     u32BitWidth = kDefaultBitWidth;
   }
-  MoveFrames(kest::kWriteAsIs, *pstPcm, {ePcmGroupType, u32ChNum, u32BitWidth >> 3, u32Advance, sztSamples},
-             static_cast<const uint8_t *>(pvSrc));
+  MoveInterleaved(kest::kWriteAsIs, *pstPcm,
+                  {ePcmGroupType, u32ChNum, u32BitWidth >> 3, u32Advance, sztSamples},
+                  static_cast<const uint8_t *>(pvSrc));
   return ZE_KEST_OK;
 }
 
@@ -75,7 +76,8 @@ uint32_t ze_kest_Utility_ConvertNonInterleaveToInterleave(void *pvDst, const ZE_
   if (u32ChNum == 0) return ZE_KEST_OK;
   KEST_REQUIRE(pvDst != nullptr, "pvDst is NULL.\n");
   KEST_REQUIRE(pstPcm != nullptr, "pstPcm is NULL.\n");
-  MoveFrames(kest::kReadAsIs, *pstPcm, {ePcmGroupType, u32ChNum, u32BytesPerSample, u32Advance, sztSamples},
-             static_cast<uint8_t *>(pvDst));
+  MoveInterleaved(kest::kReadAsIs, *pstPcm,
+                  {ePcmGroupType, u32ChNum, u32BytesPerSample, u32Advance, sztSamples},
+                  static_cast<uint8_t *>(pvDst));
   return ZE_KEST_OK;
 }

@@ -16,10 +16,10 @@ namespace kest::avx2 {
 template <bool kLast>
 KEST_LANES __m256i LoadFour(const uint8_t *pu8, size_t sztLane) {
   if constexpr (kLast) {
-    return ShuffleBytes(Load(pu8 + 8, sztLane),
+    return ShuffleBytes(LoadLanes(pu8 + 8, sztLane),
                         _mm_setr_epi8(4, 5, 6, -1, 7, 8, 9, -1, 10, 11, 12, -1, 13, 14, 15, -1));
   }
-  return ShuffleBytes(Load(pu8, sztLane),
+  return ShuffleBytes(LoadLanes(pu8, sztLane),
                       _mm_setr_epi8(0, 1, 2, -1, 3, 4, 5, -1, 6, 7, 8, -1, 9, 10, 11, -1));
 }
 KEST_LANES void StoreEight(uint8_t *pu8, size_t sztLane, __m256i head, __m256i tail) {
@@ -28,7 +28,7 @@ KEST_LANES void StoreEight(uint8_t *pu8, size_t sztLane, __m256i head, __m256i t
   // The first four bytes go to the end, where the blend below picks them; the other eight go to the start.
   const __m256i last12 =
       ShuffleBytes(tail, _mm_setr_epi8(5, 6, 8, 9, 10, 12, 13, 14, -1, -1, -1, -1, 0, 1, 2, 4));
-  Store(pu8, sztLane, _mm256_blend_epi32(first12, last12, 0x88));
+  StoreLanes(pu8, sztLane, _mm256_blend_epi32(first12, last12, 0x88));
   StoreHalf(pu8 + 16, FirstLane(last12));
   StoreHalf(pu8 + sztLane + 16, SecondLane(last12));
 }
@@ -93,14 +93,14 @@ struct PackedPairs {
   size_t sztStep;
   size_t sztLane;
 
-  KEST_LANES void Store(uint8_t *pu8, const Vectors<2> &st) const {
+  KEST_LANES void StoreFrames(uint8_t *pu8, const Vectors<2> &st) const {
     if constexpr (kWholeFrames) return StoreEight(pu8, sztLane, st.v[0], st.v[1]);
     StoreTwo(pu8, FirstLane(st.v[0]));
     StoreTwo(pu8 + 2 * sztStep, FirstLane(st.v[1]));
     StoreTwo(pu8 + sztLane, SecondLane(st.v[0]));
     StoreTwo(pu8 + sztLane + 2 * sztStep, SecondLane(st.v[1]));
   }
-  [[nodiscard]] KEST_LANES Vectors<2> Load(const uint8_t *pu8) const {
+  [[nodiscard]] KEST_LANES Vectors<2> LoadFrames(const uint8_t *pu8) const {
     if constexpr (kWholeFrames) return {{LoadFour<false>(pu8, sztLane), LoadFour<true>(pu8, sztLane)}};
     return {{_mm256_set_m128i(LoadTwo(pu8 + sztLane), LoadTwo(pu8)),
              _mm256_set_m128i(LoadTwo(pu8 + sztLane + 2 * sztStep), LoadTwo(pu8 + 2 * sztStep))}};
@@ -129,12 +129,12 @@ struct PackedPairTile {
     auto *const pu8Tail = stPlace.Frame(4);
     const PackedPairs<kWholeFrames> stPairs = {stPlace.sztStep, 8 * stPlace.sztStep};
     if constexpr (Kernel::kReads) {
-      stPairs.Store(stPlace.pu8Linear,
-                    Interleaved<4>(LoadFour<false>(pu8Left, 24), LoadFour<false>(pu8Right, 24)));
-      stPairs.Store(pu8Tail, Interleaved<4>(LoadFour<true>(pu8Left, 24), LoadFour<true>(pu8Right, 24)));
+      stPairs.StoreFrames(stPlace.pu8Linear,
+                          Interleaved<4>(LoadFour<false>(pu8Left, 24), LoadFour<false>(pu8Right, 24)));
+      stPairs.StoreFrames(pu8Tail, Interleaved<4>(LoadFour<true>(pu8Left, 24), LoadFour<true>(pu8Right, 24)));
     } else {
-      const Vectors<2> head = Separated<4>(stPairs.Load(stPlace.pu8Linear));
-      const Vectors<2> tail = Separated<4>(stPairs.Load(pu8Tail));
+      const Vectors<2> head = Separated<4>(stPairs.LoadFrames(stPlace.pu8Linear));
+      const Vectors<2> tail = Separated<4>(stPairs.LoadFrames(pu8Tail));
       StoreEight(pu8Left, 24, head.v[0], tail.v[0]);
       StoreEight(pu8Right, 24, head.v[1], tail.v[1]);
     }

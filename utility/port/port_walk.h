@@ -16,6 +16,9 @@ class PortSide {
 
   [[nodiscard]] uint32_t Count() const { return u32Count_; }
 
+  // The slots, of which Count() are valid.
+  [[nodiscard]] ZE_KEST_Port_s *const *Slots() const { return apstSlots_; }
+
   // The port in a slot; NULL when there is none.
   [[nodiscard]] ZE_KEST_Port_s *At(uint32_t u32Index) const {
     return u32Index < u32Count_ ? apstSlots_[u32Index] : nullptr;
@@ -34,36 +37,6 @@ class PortSide {
     for (uint32_t u32Index = 0; u32Index < u32Count_; ++u32Index) {
       if (apstSlots_[u32Index] != nullptr) visit(*apstSlots_[u32Index]);
     }
-  }
-
-  // The port in the u32FromEnd-th slot counted from the end: 1 (the last) to Count().
-  [[nodiscard]] ZE_KEST_Port_s *AtFromEnd(uint32_t u32FromEnd) const {
-    return apstSlots_[u32Count_ - u32FromEnd];
-  }
-
-  // Visits the ports of the last u32Slots slots (at most Count()). Unrolled, because loop overhead would be a
-  // third of a short visit.
-  template <typename Visit>
-  void ForEachOfLast(uint32_t u32Slots, Visit visit) const {
-    static_assert(ZE_KEST_MAX_PORTS == 8);
-    ZE_KEST_Port_s *const *const apstEnd = apstSlots_ + u32Count_;
-    const auto visitSlot = [&](uint32_t u32FromEnd) __attribute__((always_inline)) {
-      ZE_KEST_Port_s *pstPort = apstEnd[-static_cast<ptrdiff_t>(u32FromEnd)];
-      if (__builtin_expect(pstPort != nullptr, 1)) visit(*pstPort);
-    };
-    // clang-format off
-    switch (u32Slots) {
-      case 8: visitSlot(8); [[fallthrough]];
-      case 7: visitSlot(7); [[fallthrough]];
-      case 6: visitSlot(6); [[fallthrough]];
-      case 5: visitSlot(5); [[fallthrough]];
-      case 4: visitSlot(4); [[fallthrough]];
-      case 3: visitSlot(3); [[fallthrough]];
-      case 2: visitSlot(2); [[fallthrough]];
-      case 1: visitSlot(1); [[fallthrough]];
-      default: return;
-    }
-    // clang-format on
   }
 
   // Visits the first port and every later one that is connected.

@@ -8,56 +8,22 @@
 
 namespace {
 
-// The rules are template arguments because an indirect call per port would cost as much as the rest of the
-// walk.
 using Value = uint32_t (*)(const ZE_KEST_Port_s &);
 using Counts = bool (*)(const ZE_KEST_Port_s &);
 
-// The minimum of u32Least and the values of those of the last u32LastSlots ports that count. Usually all
-// ports have the same value, so whether a port counts is checked last.
-template <Counts pfnCounts, Value pfnValue>
-uint32_t Least(const kest::PortSide &stSide, uint32_t u32LastSlots, uint32_t u32Least) {
-  stSide.ForEachOfLast(
-      u32LastSlots, [&](const ZE_KEST_Port_s &stPort) __attribute__((always_inline)) {
-        const uint32_t u32Value = pfnValue(stPort);
-        if (u32Value < u32Least && pfnCounts(stPort)) u32Least = u32Value;
-      });
-  return u32Least;
-}
-
-// The minimum over the first port that satisfies pfnCountsFirst and the ports after it that satisfy
-// pfnCounts; 0 when there is no first one.
-template <Counts pfnCountsFirst, Counts pfnCounts, Value pfnValue>
-uint32_t LeastFrom(const kest::PortSide &stSide) {
-  for (uint32_t u32Left = stSide.Count(); u32Left != 0; --u32Left) {
-    const ZE_KEST_Port_s *pstPort = stSide.AtFromEnd(u32Left);
-    if (pstPort == nullptr || !pfnCountsFirst(*pstPort)) continue;
-    return Least<pfnCounts, pfnValue>(stSide, u32Left - 1, pfnValue(*pstPort));
-  }
-  return 0;
-}
-
-// The minimum over the ports that count. UINT32_MAX, which no ring can hold, also becomes 0.
-template <Counts pfnCounts, Value pfnValue>
-uint32_t LeastOf(const kest::PortSide &stSide) {
-  const uint32_t u32Least = LeastFrom<pfnCounts, pfnCounts, pfnValue>(stSide);
-  return u32Least == UINT32_MAX ? 0 : u32Least;
-}
-
-template <Value pfnValue>
-bool HasData(const ZE_KEST_Port_s &stPort) {
-  return pfnValue(stPort) != 0;
-}
+// One of the process sizes: the minimum of the values of the ports of one side. The rows are template
+// arguments because an indirect call per port would cost as much as the rest of the walk.
+struct ProcessSize {
+  kest::PortSide (*pfnSide)(const ZE_KEST_Filter_s &);
+  Counts pfnBegins;  // the ports before the first one for which this holds do not count
+  Counts pfnCounts;  // whether a port after that one counts
+  Value pfnValue;
+  uint32_t (*pfnBound)(const ZE_KEST_Filter_s &);
+  bool bMaxMeansNone;  // UINT32_MAX, which no ring can hold, becomes 0
+};
 
 bool IsConnected(const ZE_KEST_Port_s &stPort) {
   return stPort.bConnected != 0;
-}
-
-// The minimum over inputs that may still be waiting for their first data: empty ports before the first one
-// with data are skipped, connected or not, but an empty connected port after it stops the processing.
-template <Value pfnValue>
-uint32_t LeastBehindFirstData(const kest::PortSide &stSide) {
-  return LeastFrom<HasData<pfnValue>, IsConnected, pfnValue>(stSide);
 }
 
 bool HasPcm(const ZE_KEST_Port_s &stPort) {
@@ -96,6 +62,11 @@ uint32_t Unwritten(const ZE_KEST_Port_s &stPort) {
   return (stPort.*kRing).sztSpace - (stPort.*kRing).sztWriteSize;
 }
 
+template <Value pfnValue>
+bool HasData(const ZE_KEST_Port_s &stPort) {
+  return pfnValue(stPort) != 0;
+}
+
 uint32_t InPcmBound(const ZE_KEST_Filter_s &stFilter) {
   return stFilter.sztMaxInPcmProcessSize;
 }
@@ -108,9 +79,75 @@ uint32_t NoBound(const ZE_KEST_Filter_s &) {
   return UINT32_MAX;
 }
 
-using SideOf = kest::PortSide (*)(const ZE_KEST_Filter_s &);
-using LeastOfSide = uint32_t (*)(const kest::PortSide &);
-using Bound = uint32_t (*)(const ZE_KEST_Filter_s &);
+constexpr auto kUnreadMeta = Unread<&ZE_KEST_Port_s::stMeta>;
+constexpr auto kUnreadRaw = Unread<&ZE_KEST_Port_s::stRaw>;
+constexpr auto kUnwrittenMeta = Unwritten<&ZE_KEST_Port_s::stMeta>;
+constexpr auto kUnwrittenRaw = Unwritten<&ZE_KEST_Port_s::stRaw>;
+
+// Deliberate: input PCM and metadata may still be waiting for their first data. Empty ports before the first
+// one with data are skipped, connected or not, but an empty connected port after it stops the processing.
+// clang-format off
+constexpr ProcessSize kInputPcm =
+    {kest::InputSide, HasData<PcmLevel>, IsConnected, PcmLevel, InPcmBound, false};
+constexpr ProcessSize kOutputPcm =
+    {kest::OutputSide, HasPcm, HasPcm, PcmSpace, OutPcmBound, true};
+constexpr ProcessSize kInputMeta =
+    {kest::InputSide, HasData<kUnreadMeta>, IsConnected, kUnreadMeta, NoBound, false};
+constexpr ProcessSize kOutputMeta =
+    {kest::OutputSide, HasMetaConnected, HasMetaConnected, kUnwrittenMeta, NoBound, true};
+constexpr ProcessSize kInputRaw =
+    {kest::InputSide, HasRaw, HasRaw, kUnreadRaw, NoBound, true};
+constexpr ProcessSize kOutputRaw =
+    {kest::OutputSide, HasRawConnected, HasRawConnected, kUnwrittenRaw, NoBound, true};
+// clang-format on
+
+// Visits the ports of the last u32Slots slots before apstEnd. Unrolled, because loop overhead would be a
+// third of a short visit.
+template <typename Visit>
+void ForEachOfLast(ZE_KEST_Port_s *const *apstEnd, uint32_t u32Slots, Visit visit) {
+  static_assert(ZE_KEST_MAX_PORTS == 8);
+  const auto visitSlot = [&](int32_t s32FromEnd) __attribute__((always_inline)) {
+    const ZE_KEST_Port_s *pstPort = apstEnd[-s32FromEnd];
+    if (__builtin_expect(pstPort != nullptr, 1)) visit(*pstPort);
+  };
+  // clang-format off
+  switch (u32Slots) {
+    case 8: visitSlot(8); [[fallthrough]];
+    case 7: visitSlot(7); [[fallthrough]];
+    case 6: visitSlot(6); [[fallthrough]];
+    case 5: visitSlot(5); [[fallthrough]];
+    case 4: visitSlot(4); [[fallthrough]];
+    case 3: visitSlot(3); [[fallthrough]];
+    case 2: visitSlot(2); [[fallthrough]];
+    case 1: visitSlot(1); [[fallthrough]];
+    default: return;
+  }
+  // clang-format on
+}
+
+// The minimum over the first port that counts, with u32Least, and those of the last u32Slots slots. Usually
+// all ports have the same value, so whether a port counts is checked last.
+template <const ProcessSize &kSize>
+uint32_t LeastOfRest(ZE_KEST_Port_s *const *apstEnd, uint32_t u32Slots, uint32_t u32Least) {
+  ForEachOfLast(
+      apstEnd, u32Slots, [&](const ZE_KEST_Port_s &stPort) __attribute__((always_inline)) {
+        const uint32_t u32Value = kSize.pfnValue(stPort);
+        if (u32Value < u32Least && kSize.pfnCounts(stPort)) u32Least = u32Value;
+      });
+  return kSize.bMaxMeansNone && u32Least == UINT32_MAX ? 0 : u32Least;
+}
+
+// 0 when no port counts.
+template <const ProcessSize &kSize>
+uint32_t LeastOf(const kest::PortSide &stSide) {
+  ZE_KEST_Port_s *const *const apstEnd = stSide.Slots() + stSide.Count();
+  for (uint32_t u32Left = stSide.Count(); u32Left != 0; --u32Left) {
+    const ZE_KEST_Port_s *pstPort = apstEnd[-static_cast<ptrdiff_t>(u32Left)];
+    if (pstPort == nullptr || !kSize.pfnBegins(*pstPort)) continue;
+    return LeastOfRest<kSize>(apstEnd, u32Left - 1, kSize.pfnValue(*pstPort));
+  }
+  return 0;
+}
 
 // Out of line, because otherwise the compiler would load what the report needs before any check.
 __attribute__((cold, noinline)) uint32_t RefuseNull(const char *pszFunction,
@@ -120,55 +157,43 @@ __attribute__((cold, noinline)) uint32_t RefuseNull(const char *pszFunction,
   return ZE_KEST_INVALID_ARGUMENT;
 }
 
-template <SideOf pfnSide, LeastOfSide pfnLeast, Bound pfnBound>
+template <const ProcessSize &kSize>
 uint32_t Calculate(const char *pszFunction, const ZE_KEST_Filter_s *pstFilter, uint32_t *psztProcessSize) {
   if (pstFilter == nullptr) return RefuseNull(pszFunction, pstFilter);
   if (psztProcessSize == nullptr) return RefuseNull(pszFunction, pstFilter);
-  const uint32_t u32Size = std::min(pfnLeast(pfnSide(*pstFilter)), pfnBound(*pstFilter));
+  const uint32_t u32Size = std::min(LeastOf<kSize>(kSize.pfnSide(*pstFilter)), kSize.pfnBound(*pstFilter));
   *psztProcessSize = u32Size;
   return u32Size == 0 ? ZE_KEST_NOTHING_TO_PROCESS : ZE_KEST_OK;
 }
-
-constexpr auto kUnreadMeta = Unread<&ZE_KEST_Port_s::stMeta>;
-constexpr auto kUnreadRaw = Unread<&ZE_KEST_Port_s::stRaw>;
-constexpr auto kUnwrittenMeta = Unwritten<&ZE_KEST_Port_s::stMeta>;
-constexpr auto kUnwrittenRaw = Unwritten<&ZE_KEST_Port_s::stRaw>;
-
-constexpr auto kInputPcm = Calculate<kest::InputSide, LeastBehindFirstData<PcmLevel>, InPcmBound>;
-constexpr auto kOutputPcm = Calculate<kest::OutputSide, LeastOf<HasPcm, PcmSpace>, OutPcmBound>;
-constexpr auto kInputMeta = Calculate<kest::InputSide, LeastBehindFirstData<kUnreadMeta>, NoBound>;
-constexpr auto kOutputMeta = Calculate<kest::OutputSide, LeastOf<HasMetaConnected, kUnwrittenMeta>, NoBound>;
-constexpr auto kInputRaw = Calculate<kest::InputSide, LeastOf<HasRaw, kUnreadRaw>, NoBound>;
-constexpr auto kOutputRaw = Calculate<kest::OutputSide, LeastOf<HasRawConnected, kUnwrittenRaw>, NoBound>;
 
 }  // namespace
 
 uint32_t ze_kest_Utility_CalculateInputPortPcmProcessSize(const ZE_KEST_Filter_s *pstFilter,
                                                           uint32_t *psztProcessSize) {
-  return kInputPcm(__func__, pstFilter, psztProcessSize);
+  return Calculate<kInputPcm>(__func__, pstFilter, psztProcessSize);
 }
 
 uint32_t ze_kest_Utility_CalculateOutputPortPcmProcessSize(const ZE_KEST_Filter_s *pstFilter,
                                                            uint32_t *psztProcessSize) {
-  return kOutputPcm(__func__, pstFilter, psztProcessSize);
+  return Calculate<kOutputPcm>(__func__, pstFilter, psztProcessSize);
 }
 
 uint32_t ze_kest_Utility_CalculateInputPortMetadataProcessSize(const ZE_KEST_Filter_s *pstFilter,
                                                                uint32_t *psztProcessSize) {
-  return kInputMeta(__func__, pstFilter, psztProcessSize);
+  return Calculate<kInputMeta>(__func__, pstFilter, psztProcessSize);
 }
 
 uint32_t ze_kest_Utility_CalculateOutputPortMetadataProcessSize(const ZE_KEST_Filter_s *pstFilter,
                                                                 uint32_t *psztProcessSize) {
-  return kOutputMeta(__func__, pstFilter, psztProcessSize);
+  return Calculate<kOutputMeta>(__func__, pstFilter, psztProcessSize);
 }
 
 uint32_t ze_kest_Utility_CalculateInputPortRawProcessSize(const ZE_KEST_Filter_s *pstFilter,
                                                           uint32_t *psztProcessSize) {
-  return kInputRaw(__func__, pstFilter, psztProcessSize);
+  return Calculate<kInputRaw>(__func__, pstFilter, psztProcessSize);
 }
 
 uint32_t ze_kest_Utility_CalculateOutputPortRawProcessSize(const ZE_KEST_Filter_s *pstFilter,
                                                            uint32_t *psztProcessSize) {
-  return kOutputRaw(__func__, pstFilter, psztProcessSize);
+  return Calculate<kOutputRaw>(__func__, pstFilter, psztProcessSize);
 }

@@ -2,7 +2,6 @@
 // Named blocks of memory shared between processes. Each is a mapped file accompanied by a lock file.
 #include <cerrno>
 #include <cstdio>
-#include <cstring>
 
 #include <fcntl.h>
 #include <sys/mman.h>
@@ -12,6 +11,7 @@
 #include "ze_kest/utility.h"
 
 #include "utility/core/debug_dir.h"
+#include "utility/core/guarded_open.h"
 #include "utility/core/report.h"
 
 namespace {
@@ -32,7 +32,8 @@ bool FormatPath(ShmPath &szPath, const char *pszPrefix, const char *pszName) {
 // restored.
 int CreateForAll(const char *pszPath, int s32ExtraFlags) {
   umask(0);
-  const int s32Fd = open(pszPath, O_RDWR | O_CREAT | O_CLOEXEC | s32ExtraFlags, 0666);
+  const int s32Fd =
+      kest::OpenGuarded(pszPath, kest::FileKind::kRegular, O_RDWR | O_CREAT | s32ExtraFlags, 0666);
   const int s32Error = errno;
   umask(077);
   errno = s32Error;
@@ -53,7 +54,7 @@ void DiscardBlock(int s32Fd, const char *pszPath) {
 // Opens the file of the block, or creates it. If two processes create it at the same time, one of them fails.
 bool OpenBlock(const char *pszPath, int *ps32Fd, bool *pbCreated) {
   *pbCreated = false;
-  *ps32Fd = open(pszPath, O_RDWR | O_CLOEXEC);
+  *ps32Fd = kest::OpenGuarded(pszPath, kest::FileKind::kRegular, O_RDWR);
   const int s32OpenError = errno;
   KEST_INFO_AS(kAlloc, "Open an existed shared memory=%d\n", *ps32Fd);
   if (*ps32Fd >= 0) return true;
@@ -96,13 +97,14 @@ bool MapBlock(int s32Fd, bool bCreated, void **ppvAddr) {
     KEST_ERR_AS(kAlloc, "Err! mmap fails\n");
     return false;
   }
+  // A new file already reads as zeros. It is not touched here: if somebody has emptied it meanwhile, that
+  // would kill the process.
   KEST_INFO_AS(kAlloc, "mmap=%p, bNewCreate=%d\n", *ppvAddr, bCreated ? 1 : 0);
-  if (bCreated) memset(*ppvAddr, 0, ZE_KEST_SHM_SIZE);
   return true;
 }
 
 bool OpenLock(const char *pszPath, int *ps32Fd) {
-  *ps32Fd = open(pszPath, O_RDWR | O_CLOEXEC);
+  *ps32Fd = kest::OpenGuarded(pszPath, kest::FileKind::kRegular, O_RDWR);
   int s32Error = errno;
   KEST_INFO_AS(kAlloc, "Open an existed flock shared memory=%d\n", *ps32Fd);
   if (*ps32Fd < 0 && s32Error == ENOENT) {

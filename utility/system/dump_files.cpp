@@ -1,11 +1,21 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <algorithm>
 
+#include <fcntl.h>
+
 #include "ze_kest/utility.h"
 
+#include "utility/core/begins_with.h"
+#include "utility/core/guarded_open.h"
 #include "utility/core/report.h"
 
 namespace {
+
+// What stands in the debug directory may be anybody's; other directories are the caller's affair.
+FILE *Open(const char *pszPath) {
+  if (kest::BeginsWith(pszPath, KEST_DEBUG_DIR)) return kest::OpenSink(pszPath, O_APPEND);
+  return ze_kest_Utility_FileOpen(pszPath, "a+");
+}
 
 // A file opened for appending during one call. Failures are reported under the name of the calling function.
 class AppendedFile {
@@ -17,7 +27,7 @@ class AppendedFile {
       KEST_ERR_AS(pszFunction_, "Error! Fail to snprintf()!\n");
       return;
     }
-    pFile_ = ze_kest_Utility_FileOpen(szPath, "a+");
+    pFile_ = Open(szPath);
     if (pFile_ == nullptr) KEST_ERR_AS(pszFunction_, "Err! fopen failed!\n");
   }
 

@@ -1,7 +1,41 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <algorithm>
+#include <filesystem>
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <unistd.h>
+
 #include "tests/support/library_test.h"
+#include "tests/support/refused_open.h"
 
 namespace kest::test {
+namespace {
+
+// How often the command thread has gone to sleep.
+int64_t Sleeps() {
+  for (const auto &task : std::filesystem::directory_iterator("/proc/self/task")) {
+    if (ReadFile(task.path() / "comm") != "KestDebug\n") continue;
+    const std::string status = ReadFile(task.path() / "status");
+    const std::string field = "\nvoluntary_ctxt_switches:";
+    return std::stoll(status.substr(status.find(field) + field.size()));
+  }
+  return -1;
+}
+
+// Whether it comes to sleep for most of a while.
+bool SleepsAtMost(int64_t s64Times) {
+  for (int i = 0; i < 5; ++i) {
+    const int64_t s64Before = Sleeps();
+    EXPECT_LE(0, s64Before);
+    usleep(1200000);
+    if (Sleeps() <= s64Before + s64Times) return true;
+  }
+  return false;
+}
+
+}  // namespace
+
 // What the thread reports of a line that nothing has taken.
 constexpr const char *kRefused = "Err! SetParameter failed(0x8)!\n";
 
@@ -14,6 +48,16 @@ TEST(CommandThread, ALineOfThePipeIsCarriedOutThoughItComesInPiecesFromSeveralWr
   EXPECT_TRUE(WaitFor([&] { return capture.Has("<PRINT>", "kest_atrace=on\n"); }));
   EXPECT_EQ(ZE_KEST_LEVEL_WRN, __atomic_load_n(&u32KestDebugLevel, __ATOMIC_RELAXED));
   EXPECT_TRUE(WaitFor([] { return __atomic_load_n(&bKestAtraceEnable, __ATOMIC_RELAXED) == 1; }));
+}
+
+// As it is for whoever does not own the pipe.
+TEST(CommandThread, ReadsAPipeThatItMayNotOpenWithoutAccessTimes) {
+  const RefusedOpen refused(O_NOATIME);
+  const DebugLayer layer;
+  const ReportCapture capture;
+  WriteToPipe("kest_log_size=55\n");
+  EXPECT_TRUE(WaitFor([&] { return capture.Has("<PRINT>", "LogSizeMax:55\n"); }));
+  EXPECT_EQ(1, RefusedOpen::Count());
 }
 
 TEST(CommandThread, ALongLineIsCutAt127BytesLosesOneByteAndGoesOnAsTheNextLine) {
@@ -45,6 +89,23 @@ TEST(CommandThread, EmptyLinesRubbishAndEndlessLinesAreRefusedAndTheNextCommandW
   EXPECT_TRUE(WaitFor([&] { return capture.Has("<PRINT>", "LogSizeMax:55\n"); }));
   // One empty, the rubbish (its newline makes two, its length three), three of the x, one of conversions.
   EXPECT_EQ(8, capture.Count("<ERR>", kRefused));
+}
+
+TEST(CommandThread, SleepsUntilThereIsALine) {
+  const DebugLayer layer;
+  EXPECT_TRUE(SleepsAtMost(0));
+}
+
+TEST(CommandThread, HardlyEverLooksForAProcessThatStoppedInTheMiddleOfALine) {
+  const DebugLayer layer;
+  const ReportCapture capture;
+  const int s32Other = open(kPipe, O_RDWR | O_NONBLOCK);
+  ASSERT_EQ(0, flock(s32Other, LOCK_EX));
+  WriteToPipe("kest_log_size=66\n");
+  EXPECT_TRUE(SleepsAtMost(20));
+  EXPECT_FALSE(capture.Has("<PRINT>", "LogSizeMax:66\n"));
+  close(s32Other);
+  EXPECT_TRUE(WaitFor([&] { return capture.Has("<PRINT>", "LogSizeMax:66\n"); }));
 }
 
 }  // namespace kest::test

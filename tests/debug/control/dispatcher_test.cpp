@@ -53,7 +53,7 @@ TEST(Dispatcher, EveryInlineCommandConfirmsInItsOwnWords) {
       {"ascii_color", {}},
   };
   for (const auto &[pszLine, replies] : aCommands)
-    EXPECT_EQ(replies, RepliesTo(pszLine));
+    EXPECT_EQ(replies, RepliesTo(pszLine)) << pszLine;
 }
 
 TEST(Dispatcher, EveryLogLevelShowsTheTestLinesThatItLetsThrough) {
@@ -67,7 +67,7 @@ TEST(Dispatcher, EveryLogLevelShowsTheTestLinesThatItLetsThrough) {
     Texts expected = {"<PRINT>" + line + "\n"};
     expected.insert(expected.end(), tests.begin() + firstTest, tests.end());
     EXPECT_EQ(expected, RepliesTo(line));
-    EXPECT_EQ(u32Level, g_u32LevelBehind);
+    EXPECT_EQ(u32Level, g_u32LevelBehind) << line;
   }
 }
 

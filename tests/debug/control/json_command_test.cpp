@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "debug/base/started.h"
 #include "debug/control/dispatcher.h"
 #include "tests/support/library_test.h"
 
@@ -7,6 +8,10 @@ namespace {
 
 constexpr const char *kPath = KEST_DEBUG_DIR "a.b,c.json";  // points, commas and slashes are part of the path
 const std::string kLine = std::string("kest_json_parser=") + kPath;
+
+std::string Nested(size_t sztDepth) {
+  return std::string(sztDepth, '[') + std::string(sztDepth, ']');
+}
 
 }  // namespace
 
@@ -41,6 +46,41 @@ TEST(JsonCommand, AFileThatCannotBeReadOrIsNoJsonLeavesTheLineToOthers) {
                                          : "Failed to parse pszJson for tok malloc issue.\n"));
     EXPECT_FALSE(capture.Has("<PRINT>", "node:"));
   }
+}
+
+TEST(JsonCommand, PrintsTokensOf64LevelsAndNoneOfATextThatIsDeeperOrLongerThanAMillionBytes) {
+  ReportCapture capture;
+  WriteFile(kPath, Nested(64));
+  EXPECT_EQ(ZE_KEST_OK, _ZE_KEST_Debug_SetParameter(kLine.c_str()));
+  EXPECT_TRUE(capture.Has("<PRINT>", "node:   63,     ARRAY, children:     0, data:\n[], \n"));
+  for (const std::string &text : {Nested(65), Nested(200000), "[" + std::string(1048576, ' ') + "]"}) {
+    capture.Clear();
+    WriteFile(kPath, text);
+    EXPECT_EQ(ZE_KEST_INVALID_ARGUMENT, _ZE_KEST_Debug_SetParameter(kLine.c_str()));
+    EXPECT_FALSE(capture.Has("<PRINT>", "node:"));
+    EXPECT_TRUE(capture.Has("<ERR>", text[1] == '[' ? "Err! The tokens are nested deeper than 64 levels\n"
+                                                    : "a.b,c.json has more than 1048576 bytes\n"));
+    // A text that would take long is given up.
+    EXPECT_EQ(text.size() > 1000 && text[1] == '[', capture.Has("<ERR>", "with error -4!\n"));
+  }
+}
+
+TEST(JsonCommand, LongLinesKeepTheSizeOfTheLog) {
+  const DebugLayer layer;
+  const ReportCapture capture(ZE_KEST_LEVEL_PRINT);
+  Command("kest_log_size=100000");
+  WriteFile(kPath, std::string(60, '[') + std::string(50000, ' ') + std::string(60, ']'));
+  Command(kLine);
+  EXPECT_LT(ReadFile(kLogFile).size(), 200000u);
+}
+
+TEST(JsonCommand, EndsWithTheDebugLayer) {
+  const ReportCapture capture(ZE_KEST_LEVEL_PRINT);
+  WriteFile(kPath, "[1,2]");
+  SetEnding(true);
+  _ZE_KEST_Debug_SetParameter(kLine.c_str());
+  EXPECT_FALSE(capture.Has("<PRINT>", "node:"));
+  SetEnding(false);
 }
 
 }  // namespace kest::test

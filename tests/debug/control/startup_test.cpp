@@ -22,7 +22,9 @@ TEST(StartUp, TheFirstSetsTheLevelToPrintAndOpensThePipeAndASecondDoesNothing) {
   // A second start is reported and starts no second thread.
   EXPECT_TRUE(WaitFor([] { return ThreadsNamed("KestDebug") == 1; }));
   const ReportCapture capture;
+  pFileKestDebugPipeline = stderr;
   EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_Init());
+  EXPECT_EQ(nullptr, pFileKestDebugPipeline);
   EXPECT_EQ((Texts{"Exit for double init\n"}), capture.Texts("<ERR>"));
   EXPECT_EQ(ZE_KEST_OK, _ZE_KEST_Debug_CreateThread(kest::kCommandThread));
   EXPECT_EQ(ZE_KEST_OK, _ZE_KEST_Debug_CreateThread(77));  // no such kind
@@ -61,6 +63,20 @@ TEST(StartUp, ALaterProcessAdoptsTheLevelAndThePresetCommand) {
   ShutDown();
 }
 
+TEST(StartUp, OwnAndSharedSettingsAreShownSideBySide) {
+  const DebugLayer layer;
+  Command("kest_log_level=wrn");
+  EXPECT_EQ(0, InAnotherProcess([] {
+              Command("kest_log_level=info");
+              Command("kest_debug_preset_cmd=all,b");
+            }));
+  const ReportCapture capture(ZE_KEST_LEVEL_WRN);
+  Command("kest_print_current_shm");
+  EXPECT_THAT(
+      capture.Texts("<PRINT>"),
+      testing::IsSupersetOf({"DebugLevel:0x30,0x40\n", "DebugPresetCmd:,b\n", "bDebugPresetCmd:0,1\n"}));
+}
+
 TEST(StartUp, TheFirstLogLineOfAnyThreadSetsTheBaseUpOnce) {
   EmptyDebugDirectory();
   InThreads(8, [](int) {
@@ -69,6 +85,21 @@ TEST(StartUp, TheFirstLogLineOfAnyThreadSetsTheBaseUpOnce) {
   });
   EXPECT_TRUE(std::filesystem::exists(KEST_DEBUG_DIR "shm_global"));
   EXPECT_FALSE(std::filesystem::exists(kLogFile));
+}
+
+TEST(StartUp, TheThreadsOwnReportsReachTheLogFileButThoseOfItsCreationComeTooEarly) {
+  for (int i = 0; i < 20; ++i) {
+    EmptyDebugDirectory();
+    WriteFile(KEST_DEBUG_DIR "shm_global", {static_cast<char>(ZE_KEST_LEVEL_ENTER), '\0', '\0', '\0'});
+    const ReportCapture capture;
+    ASSERT_EQ(ZE_KEST_OK, ze_kest_Debug_Init());
+    WriteToPipe("");
+    EXPECT_TRUE(capture.Has("<WRN>", "pthread_attr_setschedparam(&_stKestDebugRuntimeMonitorThreadAttr"));
+    ASSERT_EQ(ZE_KEST_OK, ShutDown());
+    const std::string log = ReadFile(kLogFile);
+    EXPECT_THAT(log, Not(HasSubstr("_ZE_KEST_Debug_CreateThread")));
+    EXPECT_THAT(log, ContainsRegex("_ZE_KEST_Debug_RuntimeMonitor.*: Start\n"));
+  }
 }
 
 TEST(StartUp, CommandsOfOtherThreadsGoOnThroughShutDownsAndStarts) {

@@ -39,13 +39,18 @@ class Dump : public testing::Test {
   void TearDown() override { ResetDumps(); }
 };
 
+// Where the cycle's data lies in the ring.
+struct Place {
+  uint32_t sztReadOffset, sztLevel, sztSize;
+};
+
+constexpr uint32_t kNothing = 0;  // is dumped
+
 struct Cycle {
   DumpKind eKind;
   uint32_t u32Bits;
-  uint32_t u32Width;  // bytes of a dumped sample; 0: nothing is dumped
-  uint32_t sztReadOffset;
-  uint32_t sztLevel;
-  uint32_t sztSize;
+  uint32_t u32Width;  // bytes of a dumped sample
+  Place place;
 };
 
 // Ports 0 to 3, of which only the last is connected.
@@ -53,9 +58,9 @@ Port &PortOf(Filter &filter, const Cycle &cycle, uint32_t u32Slot) {
   Port &port = cycle.eKind == kInputDump ? filter.In(u32Slot) : filter.Out(u32Slot);
   ZE_KEST_PcmBuffer_s &pcm = port.Pcm(cycle.u32Bits == 0 ? 16 : cycle.u32Bits, kRing, {2, 10, 10});
   pcm.stPcmInfo.u32BitWidth = cycle.u32Bits;
-  pcm.sztPcmReadOffset = cycle.sztReadOffset;
-  pcm.sztPcmLevel = cycle.sztLevel;
-  (cycle.eKind == kInputDump ? pcm.sztPcmReadSize : pcm.sztPcmWriteSize) = cycle.sztSize;
+  pcm.sztPcmReadOffset = cycle.place.sztReadOffset;
+  pcm.sztPcmLevel = cycle.place.sztLevel;
+  (cycle.eKind == kInputDump ? pcm.sztPcmReadSize : pcm.sztPcmWriteSize) = cycle.place.sztSize;
   port.st.bConnected = u32Slot == 3;
   return port;
 }
@@ -68,9 +73,9 @@ Files ExpectedOf(Port &port, const Cycle &cycle, const std::string &slot) {
     const uint32_t u32Planes = std::min(sztPcmGroupChNumber[g], u32Stored);
     std::string &frames =
         files[(bInput ? "DumpInpipefilter" : "DumpOutpipefilter") + slot + "_0" + kSuffixes[g]];
-    frames.resize(size_t{u32Planes} * cycle.u32Width * cycle.sztSize);
+    frames.resize(size_t{u32Planes} * cycle.u32Width * cycle.place.sztSize);
     ze_kest_Utility_ConvertNonInterleaveToInterleave(frames.data(), &port.st.stPcm, g, u32Planes,
-                                                     bInput ? 0 : cycle.sztLevel, cycle.sztSize,
+                                                     bInput ? 0 : cycle.place.sztLevel, cycle.place.sztSize,
                                                      cycle.u32Width);
   }
   return files;
@@ -78,15 +83,24 @@ Files ExpectedOf(Port &port, const Cycle &cycle, const std::string &slot) {
 
 TEST_F(Dump, PcmOfEveryServedPortIsWrittenInterleaved) {
   const Cycle aCycles[] = {
-      {kInputDump, 16, 2, 0, 10, 1},        {kInputDump, 24, 3, 140, 150, 64},
-      {kInputDump, 32, 4, 149, 100, 65},    {kInputDump, 20, 2, 100, 100, 90},
-      {kInputDump, 31, 3, 100, 100, 150},   {kInputDump, 40, 2, 3, 100, 70},
-      {kInputDump, 8, 2, 3, 100, 20},       {kOutputDump, 16, 2, 0, 10, 1},
-      {kOutputDump, 24, 2, 140, 20, 70},    {kOutputDump, 32, 4, 140, 5, 130},
-      {kOutputDump, 32, 4, 149, 150, 150},  {kOutputDump, 12, 2, 9, 20, 30},
-      {kInputDump, 0, 2, 3, 100, 20},       {kInputDump, 32, 0, 0, 0, 0},
-      {kInputDump, 32, 0, kRing, 0, 10},    {kInputDump, 32, 0, UINT32_MAX, 0, 10},
-      {kInputDump, 32, 0, 0, 0, kRing + 1}, {kOutputDump, 32, 0, 0, UINT32_MAX, UINT32_MAX},
+      {kInputDump, 16, 2, {0, 10, 1}},
+      {kInputDump, 24, 3, {140, 150, 64}},
+      {kInputDump, 32, 4, {149, 100, 65}},
+      {kInputDump, 20, 2, {100, 100, 90}},
+      {kInputDump, 31, 3, {100, 100, 150}},
+      {kInputDump, 40, 2, {3, 100, 70}},
+      {kInputDump, 8, 2, {3, 100, 20}},
+      {kOutputDump, 16, 2, {0, 10, 1}},
+      {kOutputDump, 24, 2, {140, 20, 70}},
+      {kOutputDump, 32, 4, {140, 5, 130}},
+      {kOutputDump, 32, 4, {149, 150, 150}},
+      {kOutputDump, 12, 2, {9, 20, 30}},
+      {kInputDump, 0, 2, {3, 100, 20}},
+      {kInputDump, 32, kNothing, {0, 0, 0}},
+      {kInputDump, 32, kNothing, {kRing, 0, 10}},
+      {kInputDump, 32, kNothing, {UINT32_MAX, 0, 10}},
+      {kInputDump, 32, kNothing, {0, 0, kRing + 1}},
+      {kOutputDump, 32, kNothing, {0, UINT32_MAX, UINT32_MAX}},
   };
   for (const Cycle &cycle : aCycles) {
     SCOPED_TRACE(std::to_string(cycle.eKind) + ": " + std::to_string(cycle.u32Bits) + " bits");
@@ -112,9 +126,11 @@ TEST_F(Dump, PcmOfEveryServedPortIsWrittenInterleaved) {
 
 TEST_F(Dump, RawDataAndMetadataAreFollowedAcrossTheEndOfTheirRing) {
   const struct {
-    uint32_t sztReadOffset, sztLevel, sztSize, sztIn, sztOut;  // bytes written of sztSize
-  } aCases[] = {{0, 0, 50, 50, 50}, {45, 3, 12, 12, 12}, {45, 20, 12, 12, 12}, {10, 40, 10, 10, 10},
-                {0, 0, 51, 0, 0},   {0, 0, 0, 0, 0},     {50, 0, 5, 0, 0},     {49, 51, 5, 5, 0}};
+    Place place;
+    bool bIn, bOut;  // whether it is dumped
+  } aCases[] = {{{0, 0, 50}, true, true},   {{45, 3, 12}, true, true},  {{45, 20, 12}, true, true},
+                {{10, 40, 10}, true, true}, {{0, 0, 51}, false, false}, {{0, 0, 0}, false, false},
+                {{50, 0, 5}, false, false}, {{49, 51, 5}, true, false}};
   for (const auto &c : aCases) {
     SetUp();
     SwitchOn(kDumpInput);
@@ -126,17 +142,19 @@ TEST_F(Dump, RawDataAndMetadataAreFollowedAcrossTheEndOfTheirRing) {
       for (Port *pPort : {&filter.In(u32Slot), &filter.Out(u32Slot)}) {
         const bool bInput = pPort == &filter.In(u32Slot);
         ZE_KEST_DataBuffer_s &ring = pPort->Ring(pRing, 50);
-        ring.sztReadOffset = c.sztReadOffset;
-        ring.sztLevel = c.sztLevel;
-        (bInput ? ring.sztReadSize : ring.sztWriteSize) = c.sztSize;
-        if ((bInput ? c.sztIn : c.sztOut) == 0) continue;
+        ring.sztReadOffset = c.place.sztReadOffset;
+        ring.sztLevel = c.place.sztLevel;
+        (bInput ? ring.sztReadSize : ring.sztWriteSize) = c.place.sztSize;
+        if (!(bInput ? c.bIn : c.bOut)) continue;
         expected[(bInput ? "DumpInpipefilter" : "DumpOutpipefilter") + std::to_string(u32Slot) + suffix] =
-            RingText(ring.pu8Buf, 50, c.sztReadOffset + (bInput ? 0 : c.sztLevel), c.sztSize);
+            RingText(ring.pu8Buf, 50, c.place.sztReadOffset + (bInput ? 0 : c.place.sztLevel),
+                     c.place.sztSize);
       }
     }
     EXPECT_EQ(ZE_KEST_OK, _ZE_KEST_Debug_Dump(filter, kInputDump));
     EXPECT_EQ(ZE_KEST_OK, _ZE_KEST_Debug_Dump(filter, kOutputDump));
-    EXPECT_EQ(expected, DumpedFiles()) << c.sztReadOffset << " " << c.sztLevel << " " << c.sztSize;
+    EXPECT_EQ(expected, DumpedFiles())
+        << c.place.sztReadOffset << " " << c.place.sztLevel << " " << c.place.sztSize;
   }
 }
 
@@ -152,6 +170,15 @@ TEST_F(Dump, APortForWhichThereIsNoMemoryIsSkippedWhole) {
   const Files files = DumpedFiles();
   EXPECT_EQ(2u, files.size());
   EXPECT_EQ(1u, files.count("DumpInpipefilter0_0_dmx.pcm") & files.count("DumpInpipefilter0_0.raw"));
+}
+
+TEST_F(Dump, NamesThatLeadOutOfTheDirectoryStayInIt) {
+  SwitchOn(kDumpInput);
+  Filter filter;
+  strcpy(filter.st->szName, "/../../S/PDIF");
+  filter.In(0).Ring(&ZE_KEST_Port_s::stRaw, 4).sztReadSize = 4;
+  EXPECT_EQ(ZE_KEST_OK, _ZE_KEST_Debug_Dump(filter, kInputDump));
+  EXPECT_EQ(1u, DumpedFiles().count("DumpInpipe_.._.._S_PDIF0_0.raw"));
 }
 
 TEST_F(Dump, ARunKeepsItsFilesUntilItIsSwitchedOff) {

@@ -48,6 +48,7 @@ TEST_F(IoDebugCommand, SetsTheLevelOfEveryFilterWhoseNameBeginsAlike) {
       {"all", 240, "info"}, {"trace", 80, "info"}, {"info", 64, "info"}, {"wrn", 48, "warn"},
       {"err", 32, "error"}, {"none", 0, "none"},   {"foo", 0, nullptr},  {"all,", 0, nullptr}};
   for (const auto &[pszWord, u32Level, pszShown] : aWords) {
+    SCOPED_TRACE(pszWord);
     const std::string level = std::to_string(u32Level);
     Texts expected = {"<PRINT>dec setDbgLvl " + level + "\n", "<PRINT>decoder setDbgLvl " + level + "\n"};
     if (pszShown != nullptr) {

@@ -37,6 +37,7 @@ TEST_F(IoTrace, WritesTheEventsOfThePipelinesWhoseNamesBeginAlike) {
   EXPECT_EQ(0u, ze_kest_Debug_Io_Is_Enable());  // a new watch waits for its restart
   Cycle("pipe");
   EXPECT_EQ(ZE_KEST_OK, Command("pipe2"));
+  EXPECT_EQ(ZE_KEST_OK, Command("third"));
   EXPECT_EQ(ZE_KEST_OK, Command("restart"));
   EXPECT_EQ(1u, ze_kest_Debug_Io_Is_Enable());
   Cycle("pipe");
@@ -55,6 +56,7 @@ TEST_F(IoTrace, WritesTheEventsOfThePipelinesWhoseNamesBeginAlike) {
       "[f:eq,t1:30,t2:10,td:0]\n[ct:0,stop:4294967298][p:pipe2,t:2]\n\n[ct:1000,stop:999][p:pipe2,t:0]\n\n";
   EXPECT_EQ(kCycle + odd, Traced("pipe"));
   EXPECT_EQ(odd, Traced("pipe2"));
+  EXPECT_EQ("", Traced("third"));
 
   EXPECT_EQ(ZE_KEST_OK, Command("stop"));
   Cycle("pipe");
@@ -114,6 +116,36 @@ TEST_F(IoTrace, WatchesWithoutAFileWhereNoneCanBeOpened) {
   Cycle("dir");
 }
 
+TEST_F(IoTrace, AWatchBeyondTheSixteenthIsRefusedAndLeavesItsFileAlone) {
+  for (int i = 0; i < 16; ++i)
+    EXPECT_EQ(ZE_KEST_OK, Command("pipe" + std::to_string(i)));
+  WriteFile(KEST_DEBUG_DIR "pipe16.txt", "of an earlier watch");
+  const auto before = OpenDescriptors();
+  const ReportCapture capture;
+  EXPECT_EQ(ZE_KEST_FAILED, Command("pipe16"));
+  EXPECT_THAT(capture.Texts("<ERR>"), ElementsAre("Err! 16 watches are set already, release them first\n"));
+  EXPECT_EQ("of an earlier watch", Traced("pipe16"));
+  EXPECT_EQ(before, OpenDescriptors());
+  EXPECT_EQ(ZE_KEST_OK, Command("release"));
+  EXPECT_EQ(ZE_KEST_OK, Command("pipe16"));
+}
+
+TEST_F(IoTrace, ANameThatLeadsOutOfTheDirectoryOrToTheLogIsRefused) {
+  const std::string outside = KEST_DEBUG_DIR "../outside.txt";
+  WriteFile(outside, "somebody's");
+  const auto sztLog = ReadFile(kLogFile).size();
+  const ReportCapture capture;
+  for (const std::string name : {"../outside", "/outside", "a/b", "KestLog"}) {
+    EXPECT_EQ(ZE_KEST_FAILED, Command(name)) << name;
+    EXPECT_TRUE(capture.Has("<ERR>", "Err! '" + name + "' names no trace file\n"));
+  }
+  EXPECT_EQ("somebody's", ReadFile(outside));
+  EXPECT_GT(ReadFile(kLogFile).size(), sztLog);
+  EXPECT_EQ(ZE_KEST_OK, Command("KestLogger,restart"));
+  EXPECT_EQ(1u, ze_kest_Debug_Io_Is_Enable());
+  std::remove(outside.c_str());
+}
+
 TEST_F(IoTrace, WatchesAndReleasesBesideRunningPipelines) {
   std::atomic<bool> stop{false};
   std::thread tracer([&] {
@@ -121,9 +153,11 @@ TEST_F(IoTrace, WatchesAndReleasesBesideRunningPipelines) {
       Cycle("pipe");
   });
   for (int i = 0; i < 100; ++i) {
-    Command("pipe");
-    Command("pi,restart");
-    Command("restart,release");
+    EXPECT_EQ(ZE_KEST_OK, Command("pipe"));
+    EXPECT_EQ(ZE_KEST_OK, Command("pi"));
+    EXPECT_EQ(ZE_KEST_OK, Command("restart"));
+    EXPECT_TRUE(WaitFor([] { return Traced("pi").find("[p:pipe,t:90]\n\n") != std::string::npos; }));
+    EXPECT_EQ(ZE_KEST_OK, Command("release"));
   }
   stop = true;
   tracer.join();

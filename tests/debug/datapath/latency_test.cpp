@@ -47,6 +47,7 @@ TEST_F(Latency, TheInputIsSilentFor500CyclesThenCarriesTheBurstAndIsLeftAlone) {
   const std::array<uint32_t, 4> aPorts[] = {
       {32, 100, 60, 96000}, {24, 0, 128, 96000}, {16, 90, 48, 96000}, {32, 120, 30, 0}};
   for (const auto &[u32Bits, sztReadOffset, sztLevel, u32Rate] : aPorts) {
+    SCOPED_TRACE(u32Bits);
     SetUp();
     clock.u64NowUs = 7000;
     Filter filter;
@@ -94,58 +95,78 @@ TEST_F(Latency, TheInputIsSilentFor500CyclesThenCarriesTheBurstAndIsLeftAlone) {
             capture.Texts("<PRINT>"));
 }
 
-struct EndCase {
+// What the end filter wrote: behind level samples, from the read offset on.
+struct Written {
   uint32_t u32Bits, sztReadOffset, sztLevel, sztWriteSize;
-  size_t sztLoudByte;  // of the storage
-  int32_t s32Loud;
-  int s32Hit;  // bytes scanned before it; -1: none
+};
+
+struct LoudWord {
+  size_t sztByte;  // of the storage
+  int32_t s32Value;
+};
+
+constexpr int kNoHit = -1;
+
+struct EndCase {
+  const char *pszWhy;
+  Written written;
+  LoudWord loud;
+  int s32Hit;  // bytes scanned before it
   uint32_t u32Planes = 2;
 };
 
 TEST_F(Latency, TheEndFindsTheFirstLoudWordOfItsOutput) {
+  constexpr Written kMiddle = {32, 0, 10, 20};
+  constexpr Written kRound = {32, 100, 20, 20};  // the last 8 samples of the ring, then 12
   const EndCase aCases[] = {
-      {32, 0, 10, 20, 4 * 15, 21474837, 20},
-      {32, 0, 10, 20, 4 * 15, -21474837, 20},
-      {32, 0, 10, 20, 4 * 15, INT32_MIN, 20},
-      {32, 0, 10, 20, 4 * 15, 21474836, -1},
-      {32, 0, 10, 20, 4 * 15, -21474836, -1},
-      {32, 0, 10, 20, 4 * 9, INT32_MAX, -1},            // before what was written
-      {32, 100, 20, 20, 4 * kRing, INT32_MAX, 32},      // the word at the very end is looked at
-      {32, 100, 20, 20, 4 * 2, INT32_MAX, 44},          // and counts
-      {32, 100, 60, 20, 4 * 33, INT32_MAX, 4},          // begins behind the wrap
-      {16, 0, 10, 20, 2 * 10 + 4 * 19, INT32_MAX, 38},  // whole words, counted as samples
-      {16, 0, 120, 20, 2 * kRing + 2, INT32_MAX, -1},   // two bytes beyond the last word
-      {24, 0, 127, 2, 3 * kRing - 3, 0x7F000000, 0},    // a word across the ring's end
-      {32, 100, 20, 20, 0, 0, -1, 1},                   // none behind the last plane
-      {16, 0, 120, 20, 0, 0, -1, 1},                    // nor room for words
+      {"above the threshold", kMiddle, {4 * 15, 21474837}, 20},
+      {"below the negative one", kMiddle, {4 * 15, -21474837}, 20},
+      {"the least number", kMiddle, {4 * 15, INT32_MIN}, 20},
+      {"at the threshold", kMiddle, {4 * 15, 21474836}, kNoHit},
+      {"at the negative one", kMiddle, {4 * 15, -21474836}, kNoHit},
+      {"before what was written", kMiddle, {4 * 9, INT32_MAX}, kNoHit},
+      {"the word behind the ring is looked at", kRound, {4 * kRing, INT32_MAX}, 32},
+      {"and counts", kRound, {4 * 2, INT32_MAX}, 44},
+      {"begins behind the wrap", {32, 100, 60, 20}, {4 * 33, INT32_MAX}, 4},
+      {"whole words, counted as samples", {16, 0, 10, 20}, {2 * 10 + 4 * 19, INT32_MAX}, 38},
+      {"two bytes beyond the last word", {16, 0, 120, 20}, {2 * kRing + 2, INT32_MAX}, kNoHit},
+      {"a word across the ring's end", {24, 0, 127, 2}, {3 * kRing - 3, 0x7F000000}, 0},
+      {"none behind the last plane", kRound, {0, 0}, kNoHit, 1},
+      {"nor room for words", {16, 0, 120, 20}, {0, 0}, kNoHit, 1},
   };
   for (const EndCase &c : aCases) {
+    SCOPED_TRACE(c.pszWhy);
     SetUp();
     Filter filter;
     Port &port = filter.Out(0);
-    ZE_KEST_PcmBuffer_s &pcm = port.Pcm(c.u32Bits, kRing, {c.u32Planes, 0, 0});
+    ZE_KEST_PcmBuffer_s &pcm = port.Pcm(c.written.u32Bits, kRing, {c.u32Planes, 0, 0});
     uint8_t *pu8Base = port.groups[0].Data();
-    const size_t sztWidth = c.u32Bits / 8;
-    pcm.asztPcmAllocSize[0] = c.u32Planes * kRing * (c.u32Bits / 8);
+    const size_t sztWidth = c.written.u32Bits / 8;
+    pcm.asztPcmAllocSize[0] = c.u32Planes * kRing * (c.written.u32Bits / 8);
     memset(pu8Base, 0, pcm.asztPcmAllocSize[0]);
-    memcpy(pu8Base + c.sztLoudByte, &c.s32Loud, sizeof(c.s32Loud));
-    pcm.sztPcmReadOffset = c.sztReadOffset;
-    pcm.sztPcmLevel = c.sztLevel;
-    pcm.sztPcmWriteSize = c.sztWriteSize;
+    memcpy(pu8Base + c.loud.sztByte, &c.loud.s32Value, sizeof(c.loud.s32Value));
+    pcm.sztPcmReadOffset = c.written.sztReadOffset;
+    pcm.sztPcmLevel = c.written.sztLevel;
+    pcm.sztPcmWriteSize = c.written.sztWriteSize;
     EXPECT_EQ(ZE_KEST_OK, Send("kest_latency_start_filter=,start"));
     EXPECT_EQ(ZE_KEST_OK, Send("kest_latency=on"));
     Mark(_stKestLatency.bInserted);
+    capture.Clear();
     EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_MeasureLatency(filter, ZE_KEST_LATENCY_END));
-    SCOPED_TRACE(&c - aCases);
+    char szSearched[32];
+    const size_t sztAt = (c.written.sztReadOffset + c.written.sztLevel) % kRing * sztWidth;
+    snprintf(szSearched, sizeof(szSearched), "%p ", static_cast<void *>(pu8Base + sztAt));
+    EXPECT_THAT(capture.Texts("<PRINT>").at(0), StartsWith(szSearched));
     EXPECT_EQ(c.s32Hit >= 0, IsMarked(_stKestLatency.bFound));
-    const size_t sztCycle = c.sztWriteSize * sztWidth;
+    const size_t sztCycle = c.written.sztWriteSize * sztWidth;
     EXPECT_EQ(c.s32Hit >= 0 ? static_cast<size_t>(c.s32Hit) : sztCycle, _stKestLatency.u32TotalBytes);
-    EXPECT_EQ(c.s32Hit >= 0 ? RingText(pu8Base, kRing * sztWidth, c.sztLoudByte,
+    EXPECT_EQ(c.s32Hit >= 0 ? RingText(pu8Base, kRing * sztWidth, c.loud.sztByte,
                                        sztCycle - static_cast<size_t>(c.s32Hit))
                             : "",
               ReadFile(KEST_DEBUG_DIR "OutSigstartfilter_0.pcm"));
-    const size_t sztWords = c.u32Planes * sztWidth < 4 ? 0 : c.sztWriteSize * 4;  // whatever the width
-    EXPECT_EQ(RingText(pu8Base, kRing * 4, (c.sztReadOffset + c.sztLevel) * 4, sztWords),
+    // Four bytes for a sample, whatever the width.
+    const size_t sztWords = c.u32Planes * sztWidth < 4 ? 0 : c.written.sztWriteSize * 4;
+    EXPECT_EQ(RingText(pu8Base, kRing * 4, (c.written.sztReadOffset + c.written.sztLevel) * 4, sztWords),
               ReadFile(KEST_DEBUG_DIR "Outstartfilter_0.pcm"));
   }
 }
@@ -166,6 +187,7 @@ TEST_F(Latency, EveryMeasurementPrintsItsResultOnceAndTheOutputGoesOnBeingWritte
                {500, 501, "500", "0", "EndTime:501 ProcTime:1"}};
   for (const auto &run : aRuns) {
     const std::string number = std::to_string(&run - aRuns);
+    SCOPED_TRACE(number);
     pcm.stPcmInfo.u32SampleRate = run.u32Rate;
     memset(port.groups[0].Data(), 0, size_t{8} * kRing);
     _stKestLatency.au32SilentCycles[7] = 501;
@@ -265,6 +287,7 @@ TEST_F(Latency, CommandsMayComeWhileBothSidesRun) {
   }
   start.join();
   end.join();
+  EXPECT_EQ(50u, _stKestLatency.u32MeasureIndex);
 }
 
 }  // namespace

@@ -38,7 +38,7 @@ TEST_F(Callbacks, ACommandByIndexReachesTheEntryAtThatPosition) {
   EXPECT_EQ("B<-a,b=c d", ReceivedOf("kest_debug_send_cmd 2,a,b=c d"));
   EXPECT_EQ("B<-x", ReceivedOf("kest_debug_send_cmd=0x2,x"));
   for (const char *pszLine : {"kest_debug_send_cmd=3,x", "kest_debug_send_cmd=4,x",
-                              "kest_debug_send_cmd=-1,x", "kest_debug_send_cmd=1", "kest_debug_send_cmd="}) {
+                              "kest_debug_send_cmd=-1,x", "kest_debug_send_cmd=0", "kest_debug_send_cmd="}) {
     EXPECT_EQ("", ReceivedOf(pszLine)) << pszLine;
   }
 }

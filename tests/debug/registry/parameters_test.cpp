@@ -44,6 +44,8 @@ TEST_F(FilterParameters, AreSetInTheFirstFilterWhoseNamesBeginAsGivenIfItHasAnEn
   }
   EXPECT_EQ("", g_set);
   const ReportCapture capture;
+  Command("kest_debug_set_parameter=P,Volume,Gain,1,4");
+  EXPECT_THAT(capture.Texts("<ERR>"), IsEmpty());
   Command("kest_debug_set_parameter=P,Volume,Bad,1,4");
   EXPECT_EQ((Texts{"Error (0x00000021)! Fail to set parameter from filter:'Volume'\n"}),
             capture.Texts("<ERR>"));
@@ -58,6 +60,7 @@ TEST_F(FilterParameters, EveryMalformedFieldIsNamed) {
       {"wrong u32ParameterSize", {"P,F,N,1", "P,F,N,1,4294967295", "P,F,N,1,-1"}}};
   for (const auto &[pszField, rests] : aCases) {
     for (const std::string &rest : rests) {
+      SCOPED_TRACE(rest);
       const std::string text = std::string(pszField) + " is NULL, format error\n";
       EXPECT_EQ("_ZE_KEST_Debug_Cmd_SetParameter " + text,
                 PrintsOf(("kest_debug_set_parameter=" + rest).c_str(), ZE_KEST_INVALID_ARGUMENT).back());

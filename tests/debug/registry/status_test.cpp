@@ -119,6 +119,17 @@ TEST_F(Status, EveryKindOfFilterTellsItsOwn) {
   EXPECT_THAT(NodesOf(PrintsOf("kest_debug_list=status")), EndsWith(" in[0] underrun npcm:0\n"));
 }
 
+TEST_F(Status, APortBeyondTheCountIsNotLookedAt) {
+  ZE_KEST_Port_s stStale = {};
+  stStale.stPcm.u64PcmXrunCount = 11;
+  for (const char *pszName : {"Src", "Adc"}) {
+    ZE_KEST_Filter_s &filter = AddFilter("P", pszName);
+    filter.apstInPort[0] = filter.apstOutPort[0] = &stStale;
+  }
+  const std::string nodes = NodesOf(PrintsOf("kest_debug_list=status"));
+  EXPECT_THAT(nodes, AllOf(HasSubstr("in[0] underrun:0 "), HasSubstr("out[0] overrun:0 ")));
+}
+
 TEST_F(Status, PipelinesAndTheirGraphFrameTheFilters) {
   AddPipeline("Decoder_13");
   AddFilter("Decoder_13", "Unknown");

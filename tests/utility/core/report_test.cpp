@@ -26,6 +26,8 @@ std::string LabelsAt(uint32_t u32Level) {
   return labels;
 }
 
+char g_szName[] = "name";
+
 }  // namespace
 
 TEST(Report, AReportPassesWhenTheLevelInForceIsAtLeastItsOwn) {
@@ -51,6 +53,34 @@ TEST(Report, ReachesTheLibrarysOwnLogWithNameAndLineAndPrintWithNeither) {
   EXPECT_THAT(log, MatchesRegex(".*<ERR>\033\\[0mReportAtEveryLevel\\[[0-9]+ *]: e\n"
                                 ".*<WRN>\033\\[0mReportAtEveryLevel\\[[0-9]+ *]: w\n"
                                 "p\n"));
+}
+
+TEST(Report, BothLogsShowTheSameThoughAnArgumentHasAnEffectAndANameChangesInBetween) {
+  const DebugLayer layer;
+  const ReportCapture capture;
+  const size_t sztBefore = ReadFile(kLogFile).size();
+  int s32 = 0;
+  KEST_PRINT("%d\n", ++s32);
+  KEST_ERR("%d\n", ++s32);
+  __android_log_set_logger([](const __android_logger_data *, const char *) { g_szName[0] = 'X'; });
+  KEST_PRINT("%s\n", g_szName);
+  const std::string log = ReadFile(kLogFile).substr(sztBefore);
+  EXPECT_THAT(log, MatchesRegex("1\n.*]: 2\nname\n"));
+  EXPECT_EQ('X', g_szName[0]);
+  EXPECT_EQ((Texts{"<PRINT>1\n", "<ERR>2\n"}), capture.Lines());
+}
+
+// The Android log has a limit of its own.
+TEST(Report, ALongTextIsWholeInTheLibrarysOwnLog) {
+  const DebugLayer layer;
+  const ReportCapture capture;
+  const size_t sztBefore = ReadFile(kLogFile).size();
+  const std::string text(5000, 'x');
+  KEST_PRINT("%s\n", text.c_str());
+  KEST_ERR("%s\n", text.c_str());
+  EXPECT_THAT(ReadFile(kLogFile).substr(sztBefore), MatchesRegex(text + "\n.*]: " + text + "\n"));
+  for (const Report &report : capture.Reports())
+    EXPECT_THAT(report.text, AllOf(StartsWith(text.substr(0, 900)), testing::SizeIs(testing::Lt(1024))));
 }
 
 TEST(Report, AFailingThreadCallIsQuotedAsWrittenAndATimeoutIsSilent) {

@@ -94,6 +94,7 @@ TEST_F(JsonLookup, AValueIsReadAtExactlyItsSize) {
   const std::pair<int, std::string> aKeys[] = {{1, "{\"b\":1234}"}, {3, "1234"},     {5, "b"},
                                                {7, "[\"c\"]"},      {kLast, "####"}, {kStranger, "####"}};
   for (const auto &[s32Key, value] : aKeys) {
+    SCOPED_TRACE(s32Key);
     size_t sztSize = 4;
     EXPECT_EQ(ZE_KEST_OK, ze_kest_Utility_Jsmn_GetDataSize_ByTokenInfo(&json.st, Token(s32Key), &sztSize));
     ASSERT_EQ(value.size(), sztSize);

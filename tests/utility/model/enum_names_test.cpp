@@ -9,6 +9,7 @@ TEST(EnumNames, FirstAndLastNameOfEveryEnumerationAndUnkownBehindThem) {
       {ze_kest_Utility_DigitalOutputEnumString, "Not Connected", 7, "DTSHD"},
       {ze_kest_Utility_MpeghStreamTypeEnumString, "MHM1", 4, "LC_L3"}};
   for (const auto &[pfnName, pszFirst, u32Last, pszLast] : aCases) {
+    SCOPED_TRACE(pszFirst);
     EXPECT_STREQ(pszFirst, pfnName(0));
     EXPECT_STREQ(pszLast, pfnName(u32Last));
     EXPECT_STREQ("Unkown", pfnName(u32Last + 1));

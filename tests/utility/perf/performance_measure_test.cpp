@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "debug/requests/perf_target.h"
+#include "debug/requests/requests.h"
 #include "tests/support/failing_allocator.h"
 #include "tests/support/fake_counters.h"
 #include "tests/support/ports.h"
@@ -71,6 +71,7 @@ class PerformanceMeasure : public testing::Test {
 TEST_F(PerformanceMeasure, EveryFiftiethStopPrintsTheAveragesSinceTheFirstStart) {
   fake.counts = {200000000, 1010, 12346123456};
   for (const Form &form : kForms) {
+    SCOPED_TRACE(form.pszCyclesLabel);
     Select(form.pszTarget);
     st = {};
     for (uint64_t i = 0; i < 49; ++i)
@@ -78,6 +79,7 @@ TEST_F(PerformanceMeasure, EveryFiftiethStopPrintsTheAveragesSinceTheFirstStart)
     EXPECT_EQ(Texts{std::string(form.pszStartLabel) + "Start to record Perf Event(timestamp=5000000 us)\n"},
               Lines());
     Cycle(form, 6000000);
+    EXPECT_THAT(capture.Texts("<ERR>"), IsEmpty());
     EXPECT_EQ(Texts{std::string("[PERF_EVENT][50]") + form.pszCyclesLabel +
                     "[MIPS=10000.00][MCPS=0.05][CPU%=61730.61%](HwInstr:200000000/10000000000,"
                     "HwCpuCycles:1010/50500,SwTaskClock:12346123456/617306172800,"
@@ -145,6 +147,7 @@ TEST_F(PerformanceMeasure, OnlyTheTargetIsMeasuredAndTheOthersTellHowTheyAreSele
 
 TEST_F(PerformanceMeasure, AnotherTargetKeepsARecordAndNoTargetClearsItOnceUsed) {
   for (const Form &form : {kPipeline, kFilter}) {
+    SCOPED_TRACE(form.pszCyclesLabel);
     const auto used = [&] {
       Select(form.pszTarget);
       Cycle(form, 1000);
@@ -180,6 +183,7 @@ TEST_F(PerformanceMeasure, AnotherTargetKeepsARecordAndNoTargetClearsItOnceUsed)
 
 TEST_F(PerformanceMeasure, AFailureOfTheCountersEndsTheCall) {
   for (const Form &form : kForms) {
+    SCOPED_TRACE(form.pszCyclesLabel);
     Select(form.pszTarget);
     capture.Clear();
     st = {};

@@ -6,6 +6,7 @@ namespace {
 using kest::test::Filter;
 
 struct Account {
+  const char *pszName;
   uint32_t (*pfnUpdateAll)(ZE_KEST_Filter_s *, uint32_t);
   uint32_t &(*pfnSize)(ZE_KEST_Port_s &);
   bool bInput, bPcm;
@@ -13,14 +14,15 @@ struct Account {
 };
 
 // clang-format off
-#define KEST_SIZE(field) [](ZE_KEST_Port_s &stPort) -> uint32_t & { return stPort.field; }
+#define KEST_ACCOUNT(name, field) \
+  #name, ze_kest_Utility_UpdateAll##name, [](ZE_KEST_Port_s &stPort) -> uint32_t & { return stPort.field; }
 const Account kAccounts[] = {
-    {ze_kest_Utility_UpdateAllInputPortPcmReadSize, KEST_SIZE(stPcm.sztPcmReadSize), true, true, 1024},
-    {ze_kest_Utility_UpdateAllOutputPortPcmWriteSize, KEST_SIZE(stPcm.sztPcmWriteSize), false, true, 1024},
-    {ze_kest_Utility_UpdateAllInputPortMetadataReadSize, KEST_SIZE(stMeta.sztReadSize), true, false, UINT32_MAX},
-    {ze_kest_Utility_UpdateAllOutputPortMetadataWriteSize, KEST_SIZE(stMeta.sztWriteSize), false, false, 1040},
-    {ze_kest_Utility_UpdateAllInputPortRawReadSize, KEST_SIZE(stRaw.sztReadSize), true, false, UINT32_MAX},
-    {ze_kest_Utility_UpdateAllOutputPortRawWriteSize, KEST_SIZE(stRaw.sztWriteSize), false, false, UINT32_MAX},
+    {KEST_ACCOUNT(InputPortPcmReadSize, stPcm.sztPcmReadSize), true, true, 1024},
+    {KEST_ACCOUNT(OutputPortPcmWriteSize, stPcm.sztPcmWriteSize), false, true, 1024},
+    {KEST_ACCOUNT(InputPortMetadataReadSize, stMeta.sztReadSize), true, false, UINT32_MAX},
+    {KEST_ACCOUNT(OutputPortMetadataWriteSize, stMeta.sztWriteSize), false, false, 1040},
+    {KEST_ACCOUNT(InputPortRawReadSize, stRaw.sztReadSize), true, false, UINT32_MAX},
+    {KEST_ACCOUNT(OutputPortRawWriteSize, stRaw.sztWriteSize), false, false, UINT32_MAX},
 };
 // clang-format on
 
@@ -28,6 +30,7 @@ const Account kAccounts[] = {
 
 TEST(Accounting, TheFirstPortAndConnectedOnesAreUpdatedSomeUpToTheirCapacity) {
   for (const Account &account : kAccounts) {
+    SCOPED_TRACE(account.pszName);
     Filter filter;
     EXPECT_EQ(account.bPcm ? ZE_KEST_NO : ZE_KEST_OK, account.pfnUpdateAll(filter, 0)) << "no slots";
     std::vector<uint32_t *> sizes;
@@ -44,7 +47,7 @@ TEST(Accounting, TheFirstPortAndConnectedOnesAreUpdatedSomeUpToTheirCapacity) {
     EXPECT_THAT(sizes, testing::Each(testing::Pointee(900)));
     EXPECT_EQ(ZE_KEST_OK, account.pfnUpdateAll(filter, 200));
     const uint32_t u32Sum = std::min(1100u, account.u32Cap);
-    EXPECT_EQ(u32Sum, *sizes[0]) << (&account - kAccounts);
+    EXPECT_EQ(u32Sum, *sizes[0]);
     EXPECT_EQ(900u, *sizes[1]) << "not connected";
     EXPECT_EQ(u32Sum, *sizes[2]);
     EXPECT_EQ(ZE_KEST_OK, account.pfnUpdateAll(filter, UINT32_MAX));

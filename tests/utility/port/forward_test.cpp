@@ -29,6 +29,7 @@ struct Ports : Filter {
 
 TEST(Forward, UnreadBytesFollowWhatTheOutputsHoldAcrossBothEnds) {
   for (const Kind &kind : kKinds) {
+    SCOPED_TRACE(kind.name);
     Ports ports(kind);
     ports.in.sztReadOffset = 90;
     ports.in.sztReadSize = 20;
@@ -51,6 +52,7 @@ TEST(Forward, UnreadBytesFollowWhatTheOutputsHoldAcrossBothEnds) {
 
 TEST(Forward, PortsThatCannotTakeTheDataArePassedOver) {
   for (const Kind &kind : kKinds) {
+    SCOPED_TRACE(kind.name);
     const ReportCapture capture;
     Ports ports(kind);
     ports.Out(0).st.bConnected = 0;
@@ -70,6 +72,7 @@ TEST(Forward, PortsThatCannotTakeTheDataArePassedOver) {
 
 TEST(Forward, SizesThatContradictEachOtherAreReportedAndPassedOver) {
   for (const Kind &kind : kKinds) {
+    SCOPED_TRACE(kind.name);
     const ReportCapture capture;
     Ports ports(kind);
     ports.out0.sztLevel = 30;

@@ -31,15 +31,23 @@ void Set(ZE_KEST_Port_s &stPort, const PortState &state, bool bInput) {
   }
 }
 
-constexpr struct {
-  uint32_t (*pfnCalculate)(const ZE_KEST_Filter_s *, uint32_t *);
-  uint32_t factor;
-} kSizes[] = {{ze_kest_Utility_CalculateInputPortPcmProcessSize, 1},
-              {ze_kest_Utility_CalculateInputPortMetadataProcessSize, 3},
-              {ze_kest_Utility_CalculateInputPortRawProcessSize, 5},
-              {ze_kest_Utility_CalculateOutputPortPcmProcessSize, 2},
-              {ze_kest_Utility_CalculateOutputPortMetadataProcessSize, 4},
-              {ze_kest_Utility_CalculateOutputPortRawProcessSize, 6}};
+struct Sizes {
+  uint32_t pcm, meta, raw;
+};
+
+// What the three functions of a side find, each divided by its factor above.
+using Calculate = uint32_t (*)(const ZE_KEST_Filter_s *, uint32_t *);
+void ExpectSizes(const ZE_KEST_Filter_s *pstFilter, const Sizes &sizes, const Calculate (&apfn)[3],
+                 const Sizes &factors) {
+  const uint32_t au32Expected[] = {sizes.pcm * factors.pcm, sizes.meta * factors.meta,
+                                   sizes.raw * factors.raw};
+  for (size_t i = 0; i < 3; ++i) {
+    uint32_t u32Size = 77;
+    const uint32_t u32Result = apfn[i](pstFilter, &u32Size);
+    EXPECT_EQ(au32Expected[i], u32Size) << "function " << i;
+    EXPECT_EQ(u32Size == 0 ? ZE_KEST_NOTHING_TO_PROCESS : ZE_KEST_OK, u32Result) << "function " << i;
+  }
+}
 
 }  // namespace
 
@@ -47,21 +55,22 @@ TEST(ProcessSize, EachKindCountsItsOwnPorts) {
   struct Case {
     const char *pszWhy;
     std::vector<PortState> ports;
-    uint32_t au32Values[6];  // that the functions above find
+    Sizes in, out;
   };
   const Case cases[] = {
-      {"no ports", {}, {0, 0, 0, 0, 0, 0}},
-      {"empty before the first data", {{0, 1, kAll}, {100, 1, kAll}}, {100, 100, 0, 0, 0, 0}},
-      {"more behind it", {{0, 1, kAll}, {70, 0, kAll}, {90, 1, kAll}}, {70, 70, 0, 0, 0, 0}},
-      {"empty behind the first data", {{100, 1, kAll}, {0, 1, kAll}}, {0, 0, 0, 0, 0, 0}},
-      {"the same, not connected", {{100, 1, kAll}, {0, 0, kAll}}, {100, 100, 0, 0, 100, 100}},
-      {"port 0 not connected", {{60, 0, kAll}, {90, 1, kAll}}, {60, 60, 60, 60, 90, 90}},
-      {"port 0 with metadata alone", {{60, 1, kMeta}, {90, 1, kAll}}, {60, 60, 90, 90, 60, 90}},
-      {"port 0 with raw alone", {{60, 1, kRaw}, {90, 1, kAll}}, {60, 60, 60, 90, 90, 60}},
-      {"no rings at all", {{60, 1, 0}}, {60, 60, 0, 0, 0, 0}},
-      {"PCM above its bounds", {{500, 1, kAll}}, {200, 500, 500, 150, 500, 500}},
+      {"no ports", {}, {0, 0, 0}, {0, 0, 0}},
+      {"empty before the first data", {{0, 1, kAll}, {100, 1, kAll}}, {100, 100, 0}, {0, 0, 0}},
+      {"more behind it", {{0, 1, kAll}, {70, 0, kAll}, {90, 1, kAll}}, {70, 70, 0}, {0, 0, 0}},
+      {"empty behind the first data", {{100, 1, kAll}, {0, 1, kAll}}, {0, 0, 0}, {0, 0, 0}},
+      {"the same, not connected", {{100, 1, kAll}, {0, 0, kAll}}, {100, 100, 0}, {0, 100, 100}},
+      {"port 0 not connected", {{60, 0, kAll}, {90, 1, kAll}}, {60, 60, 60}, {60, 90, 90}},
+      {"port 0 with metadata alone", {{60, 1, kMeta}, {90, 1, kAll}}, {60, 60, 90}, {90, 60, 90}},
+      {"port 0 with raw alone", {{60, 1, kRaw}, {90, 1, kAll}}, {60, 60, 60}, {90, 90, 60}},
+      {"no rings at all", {{60, 1, 0}}, {60, 60, 0}, {0, 0, 0}},
+      {"PCM above its bounds", {{500, 1, kAll}}, {200, 500, 500}, {150, 500, 500}},
   };
   for (const Case &c : cases) {
+    SCOPED_TRACE(c.pszWhy);
     kest::test::Filter filter;
     if (c.ports.size() == 1) filter.st->sztMaxInPcmProcessSize = 200;
     if (c.ports.size() == 1) filter.st->sztMaxOutPcmProcessSize = 300;
@@ -69,11 +78,15 @@ TEST(ProcessSize, EachKindCountsItsOwnPorts) {
       Set(filter.In(2 * i).st, c.ports[i], true);  // with empty slots between the ports
       Set(filter.Out(2 * i).st, c.ports[i], false);
     }
-    for (size_t i = 0; i < 6; ++i) {
-      uint32_t u32Size = 77;
-      const uint32_t u32Result = kSizes[i].pfnCalculate(filter, &u32Size);
-      EXPECT_EQ(c.au32Values[i] * kSizes[i].factor, u32Size) << c.pszWhy << ", function " << i;
-      EXPECT_EQ(u32Size == 0 ? ZE_KEST_NOTHING_TO_PROCESS : ZE_KEST_OK, u32Result);
-    }
+    ExpectSizes(filter, c.in,
+                {ze_kest_Utility_CalculateInputPortPcmProcessSize,
+                 ze_kest_Utility_CalculateInputPortMetadataProcessSize,
+                 ze_kest_Utility_CalculateInputPortRawProcessSize},
+                {1, 3, 5});
+    ExpectSizes(filter, c.out,
+                {ze_kest_Utility_CalculateOutputPortPcmProcessSize,
+                 ze_kest_Utility_CalculateOutputPortMetadataProcessSize,
+                 ze_kest_Utility_CalculateOutputPortRawProcessSize},
+                {2, 4, 6});
   }
 }

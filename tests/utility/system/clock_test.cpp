@@ -6,6 +6,16 @@
 
 using kest::test::ReportCapture;
 
+namespace {
+
+uint64_t Microseconds() {
+  struct timespec st = {};
+  clock_gettime(CLOCK_MONOTONIC, &st);
+  return static_cast<uint64_t>(st.tv_sec) * 1000000 + static_cast<uint64_t>(st.tv_nsec) / 1000;
+}
+
+}  // namespace
+
 TEST(Clock, ADeadlineLiesTheGivenTimeAheadWithNormalisedNanoseconds) {
   for (const uint64_t u64Us : {uint64_t{0}, uint64_t{999999}, uint64_t{5000000}, uint64_t{1999999}}) {
     struct timespec stBefore = {};
@@ -22,17 +32,17 @@ TEST(Clock, ADeadlineLiesTheGivenTimeAheadWithNormalisedNanoseconds) {
   const ReportCapture capture;
   ze_kest_Utility_MicrosecondToTimespec(nullptr, 1);
   EXPECT_TRUE(capture.Has("<ERR>", "pstOut is NULL."));
-  ze_kest_Utility_DelayMs(0);
 }
 
 TEST(Clock, MicrosecondsAreThoseOfTheMonotonicClock) {
-  const auto microseconds = [] {
-    struct timespec st = {};
-    clock_gettime(CLOCK_MONOTONIC, &st);
-    return static_cast<uint64_t>(st.tv_sec) * 1000000 + static_cast<uint64_t>(st.tv_nsec) / 1000;
-  };
-  const uint64_t u64Before = microseconds();
+  const uint64_t u64Before = Microseconds();
   const uint64_t u64Us = kest::MonotonicUs();
   EXPECT_GE(u64Us + 1, u64Before);  // the last nanoseconds may be rounded
-  EXPECT_LE(u64Us, microseconds() + 1);
+  EXPECT_LE(u64Us, Microseconds() + 1);
+}
+
+TEST(Clock, ADelayWaitsAtLeastItsTime) {
+  const uint64_t u64Before = Microseconds();
+  ze_kest_Utility_DelayMs(20);
+  EXPECT_GE(Microseconds(), u64Before + 20000);
 }

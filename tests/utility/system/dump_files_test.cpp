@@ -16,6 +16,7 @@ uint32_t DumpRing(const char *pszPosition, size_t sztSize) {
 
 TEST(DumpFiles, EveryCallAppendsAndARingIsFollowedAcrossItsEnd) {
   EmptyDebugDirectory();
+  const ReportCapture capture;
   EXPECT_EQ(ZE_KEST_OK, ze_kest_Utility_DumpBuffer(kDir, "dumped", "one,", 4));
   std::string file = "one,";
   const std::tuple<size_t, size_t, const char *> aCases[] = {
@@ -24,6 +25,7 @@ TEST(DumpFiles, EveryCallAppendsAndARingIsFollowedAcrossItsEnd) {
     EXPECT_EQ(ZE_KEST_OK, DumpRing(kRing + sztStart, sztSize));
     EXPECT_EQ(file += pszAppended, ReadFile(kPath));
   }
+  EXPECT_THAT(capture.Reports(), IsEmpty());
 }
 
 TEST(DumpFiles, ABadArgumentIsRefusedAndWritesNothing) {

@@ -1,0 +1,89 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "player/audio/audio_writer.h"
+
+#include <array>
+#include <cerrno>
+#include <cstring>
+
+#include <fcntl.h>
+
+#include "player/base/player_error.h"
+
+namespace kest::player {
+namespace {
+
+constexpr mode_t kFileMode = 0666;
+// Sizes in a WAV file have 32 bits; the remainder is room for the headers.
+constexpr uint64_t kMaxDataBytes = UINT32_MAX - 4096;
+
+int SubFormat(SampleBits bits) {
+  switch (bits) {
+    case SampleBits::k16:
+      return SF_FORMAT_PCM_16;
+    case SampleBits::k24:
+      return SF_FORMAT_PCM_24;
+    case SampleBits::k32:
+      break;
+  }
+  return SF_FORMAT_PCM_32;
+}
+
+// With more than two channels the header must say which speakers they belong to.
+int FileFormat(const AudioReader &model) {
+  return model.Channels() > 2 ? SF_FORMAT_WAVEX : SF_FORMAT_WAV;
+}
+
+}  // namespace
+
+AudioWriter::AudioWriter(const std::string &path, const AudioReader &model)
+    : path_(path), fd_(open(path.c_str(), O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC, kFileMode)) {
+  if (!fd_.IsOpen()) throw PlayerError("cannot create " + path + ": " + std::strerror(errno));
+  SF_INFO info{};
+  info.channels = static_cast<int>(model.Channels());
+  info.samplerate = static_cast<int>(model.SampleRate());
+  info.format = FileFormat(model) | SubFormat(model.Bits());
+  file_ = sf_open_fd(fd_.Get(), SFM_WRITE, &info, SF_FALSE);
+  if (file_ == nullptr) Fail(sf_strerror(nullptr));
+  framesLeft_ = kMaxDataBytes / (uint64_t{model.Channels()} * static_cast<uint32_t>(model.Bits()) / 8);
+}
+
+AudioWriter::AudioWriter(AudioWriter &&other) noexcept
+    : path_(std::move(other.path_)),
+      fd_(std::move(other.fd_)),
+      file_(std::exchange(other.file_, nullptr)),
+      framesLeft_(other.framesLeft_) {}
+
+AudioWriter::~AudioWriter() {
+  if (file_ != nullptr) sf_close(file_);
+}
+
+void AudioWriter::Write(const int16_t *interleaved, uint32_t frames) {
+  CheckSize(frames);
+  CheckWritten(sf_writef_short(file_, interleaved, frames), frames);
+}
+
+void AudioWriter::Write(const int32_t *interleaved, uint32_t frames) {
+  CheckSize(frames);
+  CheckWritten(sf_writef_int(file_, interleaved, frames), frames);
+}
+
+void AudioWriter::Close() {
+  const int result = sf_close(std::exchange(file_, nullptr));
+  if (result != SF_ERR_NO_ERROR) Fail(sf_error_number(result));
+  if (!fd_.Close()) Fail(std::strerror(errno));
+}
+
+void AudioWriter::CheckSize(uint32_t frames) {
+  if (frames > framesLeft_) Fail("a WAV file holds at most 4 GiB; end earlier with --seconds");
+  framesLeft_ -= frames;
+}
+
+void AudioWriter::CheckWritten(sf_count_t framesWritten, uint32_t framesWanted) const {
+  if (framesWritten != framesWanted) Fail(sf_strerror(file_));
+}
+
+void AudioWriter::Fail(const std::string &reason) const {
+  throw PlayerError("cannot write " + path_ + ": " + reason);
+}
+
+}  // namespace kest::player

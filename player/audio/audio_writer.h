@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: Apache-2.0
+// Writes a WAV file.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include <sndfile.h>
+
+#include "player/audio/audio_reader.h"
+#include "player/base/unique_fd.h"
+
+namespace kest::player {
+
+class AudioWriter {
+ public:
+  // The file takes channels, rate and sample width from the model; an existing file is overwritten. Throws
+  // PlayerError when it cannot be created.
+  AudioWriter(const std::string &path, const AudioReader &model);
+  AudioWriter(AudioWriter &&other) noexcept;
+  AudioWriter &operator=(AudioWriter &&) = delete;
+  ~AudioWriter();
+
+  // Writes interleaved frames with left-aligned samples; a narrower file keeps the upper bits. Throws
+  // PlayerError unless all of them were written.
+  void Write(const int16_t *interleaved, uint32_t frames);
+  void Write(const int32_t *interleaved, uint32_t frames);
+
+  // Completes the file. Throws PlayerError when that fails.
+  void Close();
+
+ private:
+  void CheckSize(uint32_t frames);
+  void CheckWritten(sf_count_t framesWritten, uint32_t framesWanted) const;
+  [[noreturn]] void Fail(const std::string &reason) const;
+
+  std::string path_;
+  UniqueFd fd_;
+  SNDFILE *file_ = nullptr;
+  uint64_t framesLeft_;  // until the file is as large as a WAV file can be
+};
+
+}  // namespace kest::player

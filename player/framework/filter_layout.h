@@ -1,0 +1,30 @@
+// SPDX-License-Identifier: Apache-2.0
+// A filter as a layout wants it: its kind and the settings that are given for it.
+#pragma once
+
+#include <map>
+#include <string>
+#include <string_view>
+#include <variant>
+
+#include "player/framework/filter_kind.h"
+
+namespace kest::player {
+
+struct FilterLayout {
+  const FilterKind *kind;
+  std::map<std::string, std::variant<int, std::string>, std::less<>> settings{};  // by the keys of the kind
+
+  // A setting that is not given is 0, or empty.
+  [[nodiscard]] int WholeNumber(std::string_view key) const { return Value<int>(key); }
+  [[nodiscard]] std::string FileName(std::string_view key) const { return Value<std::string>(key); }
+
+ private:
+  template <typename Type>
+  [[nodiscard]] Type Value(std::string_view key) const {
+    const auto setting = settings.find(key);
+    return setting == settings.end() ? Type{} : std::get<Type>(setting->second);
+  }
+};
+
+}  // namespace kest::player

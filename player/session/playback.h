@@ -1,0 +1,49 @@
+// SPDX-License-Identifier: Apache-2.0
+// One run of the player: the pipelines, their filters and the links between them.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "player/config/layout.h"
+#include "player/config/options.h"
+#include "player/filters/filter_material.h"
+#include "player/framework/pipeline.h"
+#include "player/framework/pipeline_link.h"
+
+namespace kest::player {
+
+class SpeakerOutput;
+
+class Playback {
+ public:
+  // Opens all files and builds the pipelines. Throws PlayerError; the output file is touched only once all
+  // inputs are known to be playable.
+  Playback(const Layout &layout, const Options &options);
+  ~Playback();
+  Playback(const Playback &) = delete;
+  Playback &operator=(const Playback &) = delete;
+
+  void Start();
+  void RequestStop();
+  [[nodiscard]] bool HasEnded() const;
+  // Waits for the end. Rethrows what ended the run early.
+  void Finish();
+
+  [[nodiscard]] double SecondsPlayed() const;
+  // One line for the user. Only after the end.
+  [[nodiscard]] std::string Summary() const;
+
+ private:
+  Pipeline &Build(const PipelineLayout &layout, const FilterMaterial &material);
+
+  PcmFormat format_;
+  PipelineLink::Patience inputPatience_;
+  std::string outputPath_;
+  std::vector<std::unique_ptr<PipelineLink>> links_;
+  std::vector<std::unique_ptr<Pipeline>> pipelines_;  // the output first, then the inputs
+  const SpeakerOutput *output_ = nullptr;
+};
+
+}  // namespace kest::player
