@@ -19,7 +19,7 @@ std::vector<Finding> CheckAnswer(Channel &channel) {
   try {
     const ProcessSettings settings = channel.AskSettings();
     std::vector<Finding> findings = {
-        {"answer", Status::kGood, fmt::format("answered in {:.1f} ms", channel.ElapsedMs()), {}}};
+        {"answer", Status::kGood, fmt::format("answered in {:.2f} ms", channel.ElapsedMs()), {}}};
     const Level *level = FindLevel(settings.level);
     const std::string name = level == nullptr ? std::to_string(settings.level) : std::string(level->name);
     if (settings.level < kErrLevel) {
