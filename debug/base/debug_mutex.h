@@ -12,6 +12,7 @@
 #include <pthread.h>
 
 #include "debug/base/owned_mutex.h"
+#include "debug/base/thread_safety.h"
 
 namespace kest {
 
@@ -23,17 +24,20 @@ extern OwnedMutex g_testThreadsMutex;         // creation and end of the test th
 extern pthread_mutex_t _stKestDebugShmMutex;  // the shared settings
 extern pthread_mutex_t _stKestDebugLogMutex;  // the log file
 
+inline constexpr LockTag kDebugLock;     // stands for _stKestDebugMutex
+inline constexpr LockTag kDebugShmLock;  // stands for _stKestDebugShmMutex
+inline constexpr LockTag kDebugLogLock;  // stands for _stKestDebugLogMutex
+
 // Sets the three up and guards forks. Runs once per process, before the first lock.
 void _ZE_KEST_Debug_MutexInit();
 
-void _ZE_KEST_Debug_Mutex_Lock();
-void _ZE_KEST_Debug_Mutex_Unlock();
-void _ZE_KEST_Debug_ShmMutex_Lock();
-void _ZE_KEST_Debug_ShmMutex_Unlock();
-void _ZE_KEST_Debug_LogMutex_Lock();
-void _ZE_KEST_Debug_LogMutex_Unlock();
+void _ZE_KEST_Debug_Mutex_Lock() KEST_ACQUIRES_LOCK(kDebugLock);
+void _ZE_KEST_Debug_Mutex_Unlock() KEST_RELEASES_LOCK(kDebugLock);
+void _ZE_KEST_Debug_ShmMutex_Lock() KEST_ACQUIRES_LOCK(kDebugShmLock);
+void _ZE_KEST_Debug_ShmMutex_Unlock() KEST_RELEASES_LOCK(kDebugShmLock);
+void _ZE_KEST_Debug_LogMutex_Lock() KEST_ACQUIRES_LOCK(kDebugLogLock);
+void _ZE_KEST_Debug_LogMutex_Unlock() KEST_RELEASES_LOCK(kDebugLogLock);
 
-// Holds one of the mutexes for a scope.
 template <void (*kLock)(), void (*kUnlock)()>
 class Holding {
  public:
@@ -43,8 +47,26 @@ class Holding {
   Holding &operator=(const Holding &) = delete;
 };
 
-using HoldingDebug = Holding<_ZE_KEST_Debug_Mutex_Lock, _ZE_KEST_Debug_Mutex_Unlock>;
-using HoldingShm = Holding<_ZE_KEST_Debug_ShmMutex_Lock, _ZE_KEST_Debug_ShmMutex_Unlock>;
-using HoldingLog = Holding<_ZE_KEST_Debug_LogMutex_Lock, _ZE_KEST_Debug_LogMutex_Unlock>;
+// Each holds its mutex for a scope. Classes of their own: clang 14 cannot tell a lock from a template
+// argument.
+class KEST_SCOPED_CAPABILITY HoldingDebug : Holding<_ZE_KEST_Debug_Mutex_Lock, _ZE_KEST_Debug_Mutex_Unlock> {
+ public:
+  HoldingDebug() KEST_ACQUIRES_LOCK(kDebugLock) = default;
+  ~HoldingDebug() KEST_RELEASES_LOCK() = default;
+};
+
+class KEST_SCOPED_CAPABILITY HoldingShm
+    : Holding<_ZE_KEST_Debug_ShmMutex_Lock, _ZE_KEST_Debug_ShmMutex_Unlock> {
+ public:
+  HoldingShm() KEST_ACQUIRES_LOCK(kDebugShmLock) = default;
+  ~HoldingShm() KEST_RELEASES_LOCK() = default;
+};
+
+class KEST_SCOPED_CAPABILITY HoldingLog
+    : Holding<_ZE_KEST_Debug_LogMutex_Lock, _ZE_KEST_Debug_LogMutex_Unlock> {
+ public:
+  HoldingLog() KEST_ACQUIRES_LOCK(kDebugLogLock) = default;
+  ~HoldingLog() KEST_RELEASES_LOCK() = default;
+};
 
 }  // namespace kest

@@ -5,21 +5,22 @@
 #include <pthread.h>
 
 #include "debug/base/lock_owner.h"
+#include "debug/base/thread_safety.h"
 
 namespace kest {
 
-struct OwnedMutex {
+struct KEST_CAPABILITY OwnedMutex {
   pthread_mutex_t stMutex = PTHREAD_MUTEX_INITIALIZER;
   LockOwner owner;
 };
 
-class HoldingOwned {
+class KEST_SCOPED_CAPABILITY HoldingOwned {
  public:
-  explicit HoldingOwned(OwnedMutex &mutex) : mutex_(mutex) {
+  explicit HoldingOwned(OwnedMutex &mutex) KEST_ACQUIRES_LOCK(mutex) : mutex_(mutex) {
     pthread_mutex_lock(&mutex_.stMutex);
     mutex_.owner.Take();
   }
-  ~HoldingOwned() {
+  ~HoldingOwned() KEST_RELEASES_LOCK() {
     mutex_.owner.Drop();
     pthread_mutex_unlock(&mutex_.stMutex);
   }

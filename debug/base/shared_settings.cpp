@@ -23,11 +23,11 @@ struct SharedBlock {
   void *pvAddr;  // never touched: somebody may have emptied the file, and this process would be killed
 };
 
-// Guarded by the shared settings' mutex. Nothing may be reported while it is held: the first report of a
-// process runs the base initialisation, which takes this mutex.
-SharedBlock *g_pstBlock = nullptr;
-PresetText g_szPresetCmd = "";
-uint8_t g_bPresetCmd = 0;
+// Nothing may be reported while their mutex is held: the first report of a process runs the base
+// initialisation, which takes it.
+SharedBlock *g_pstBlock KEST_GUARDED_BY(kDebugShmLock) = nullptr;
+PresetText g_szPresetCmd KEST_GUARDED_BY(kDebugShmLock) = "";
+uint8_t g_bPresetCmd KEST_GUARDED_BY(kDebugShmLock) = 0;
 
 // The block is read and written through its descriptor. While another process writes it, a reader gets each
 // byte as it was before or after: a level, whose values differ in one byte only, as a whole; a text may be a
@@ -35,19 +35,19 @@ uint8_t g_bPresetCmd = 0;
 constexpr size_t kBlockBytes = offsetof(SharedSettings, bPresetCmd) + sizeof(SharedSettings::bPresetCmd);
 
 // False without a block, and when somebody has emptied or shortened its file.
-bool ReadBlock(SharedSettings &stShared) {
+bool ReadBlock(SharedSettings &stShared) KEST_REQUIRES_LOCK(kDebugShmLock) {
   if (g_pstBlock == nullptr) return false;
   const ssize_t s32Read = pread(g_pstBlock->s32ShmFd, &stShared, kBlockBytes, 0);
   stShared.szPresetCmd[kPresetCmdSize - 1] = '\0';  // whatever somebody has written there
   return s32Read == static_cast<ssize_t>(kBlockBytes);
 }
 
-bool WriteBlock(const SharedSettings &stOwn) {
+bool WriteBlock(const SharedSettings &stOwn) KEST_REQUIRES_LOCK(kDebugShmLock) {
   return g_pstBlock != nullptr &&
          pwrite(g_pstBlock->s32ShmFd, &stOwn, kBlockBytes, 0) == static_cast<ssize_t>(kBlockBytes);
 }
 
-SharedSettings OwnSettings() {
+SharedSettings OwnSettings() KEST_REQUIRES_LOCK(kDebugShmLock) {
   SharedSettings stOwn = {Load(u32KestDebugLevel), "", g_bPresetCmd};
   static_cast<void>(CopyText(stOwn.szPresetCmd, g_szPresetCmd));  // fails only for NULL
   return stOwn;
@@ -79,9 +79,9 @@ bool Adopt() {
   return CopyText(g_szPresetCmd, stShared.szPresetCmd);
 }
 
-// Called with the mutex held. A block that was emptied gets settings again. Without a block, or on a full
-// disk, each process keeps its own.
-void ShareSettings() {
+// A block that was emptied gets settings again. Without a block, or on a full disk, each process keeps its
+// own.
+void ShareSettings() KEST_REQUIRES_LOCK(kDebugShmLock) {
   static_cast<void>(WriteBlock(OwnSettings()));
 }
 

@@ -63,6 +63,13 @@ void InitialiseBase() {
   ResetInstrumentation();
 }
 
+// Deliberate: whether they are locked or not. That does nothing to one that this thread does not hold.
+KEST_UNCHECKED_LOCKS void UnlockMutexes() {
+  _ZE_KEST_Debug_Mutex_Unlock();
+  _ZE_KEST_Debug_ShmMutex_Unlock();
+  _ZE_KEST_Debug_LogMutex_Unlock();
+}
+
 }  // namespace
 
 void _ZE_KEST_Debug_Init() {
@@ -116,9 +123,7 @@ uint32_t ze_kest_Debug_DeInit(void) {
   // After the command thread has ended: its last line may have created a test thread.
   kest::EndTestThreads();
   if (kest::GetBase() == kest::Base::kReady) kest::FreeSharedSettings();
-  kest::_ZE_KEST_Debug_Mutex_Unlock();
-  kest::_ZE_KEST_Debug_ShmMutex_Unlock();
-  kest::_ZE_KEST_Debug_LogMutex_Unlock();
+  kest::UnlockMutexes();
   kest::SetStarted(false);
   kest::SetEnding(false);
   kest::SetBase(kest::Base::kShutDown);

@@ -21,10 +21,16 @@ struct FilterIoNode {
   FilterIoNode *pstNext;
 };
 
-FilterIoNode *pstFilterIoList = nullptr;  // walked and changed with _stKestDebugMutex held
-uint32_t u32IoFilterStartOffset = 0;      // deliberate: one for all pipelines
+FilterIoNode *pstFilterIoList KEST_GUARDED_BY(kDebugLock) = nullptr;
+uint32_t u32IoFilterStartOffset = 0;  // deliberate: one for all pipelines
 
-FilterIoNode *Tail() {
+// Deliberate: without the lock. It tells only whether there is an entry, and a cycle asks it for every
+// filter.
+KEST_UNCHECKED_LOCKS bool IsWatching() {
+  return Load(pstFilterIoList) != nullptr;
+}
+
+FilterIoNode *Tail() KEST_REQUIRES_LOCK(kDebugLock) {
   FilterIoNode *pstTail = pstFilterIoList;
   while (pstTail != nullptr && pstTail->pstNext != nullptr)
     pstTail = pstTail->pstNext;
@@ -84,7 +90,7 @@ void Trace(FILE *pFile, const IoEvent &event) {
   }
 }
 
-void TraceWatched(const IoEvent &event) {
+void TraceWatched(const IoEvent &event) KEST_REQUIRES_LOCK(kDebugLock) {
   for (const FilterIoNode *pst = pstFilterIoList; pst != nullptr; pst = pst->pstNext) {
     if (BeginsWith(event.pszPipelineName, pst->pstEntry->szPipelineName)) Trace(pst->pstEntry->pFile, event);
   }
@@ -147,18 +153,19 @@ void _ZE_KEST_Debug_ReleaseFilterIoList() {
 
 void ResetIoTrace() {
   SwitchOff(kTraceIo);
-  if (Load(pstFilterIoList) != nullptr) _ZE_KEST_Debug_ReleaseFilterIoList();
+  if (IsWatching()) _ZE_KEST_Debug_ReleaseFilterIoList();
   u32IoFilterStartOffset = 0;
 }
 
 }  // namespace kest
 
 uint32_t ze_kest_Debug_Io_Is_Enable(void) {
-  return kest::IsOn(kest::kTraceIo) && kest::Load(kest::pstFilterIoList) != nullptr ? 1 : 0;
+  return kest::IsOn(kest::kTraceIo) && kest::IsWatching() ? 1 : 0;
 }
 
-void ze_kest_Debug_Io(const char *pszPipelineName, const char *pszFilterName, uint32_t u32Type,
-                      uint64_t u64Start, uint64_t u64Now) {
+// Unchecked for the sake of the unlock at its end.
+KEST_UNCHECKED_LOCKS void ze_kest_Debug_Io(const char *pszPipelineName, const char *pszFilterName,
+                                           uint32_t u32Type, uint64_t u64Start, uint64_t u64Now) {
   if (ze_kest_Debug_Io_Is_Enable() != 0) {
     kest::_ZE_KEST_Debug_Mutex_Lock();
     kest::TraceWatched({pszPipelineName, pszFilterName, u32Type, u64Start, u64Now});

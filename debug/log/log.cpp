@@ -23,7 +23,8 @@ void ReportFailures(const char *pszFunction, bool bFormatted, bool bFlushed) {
 }
 
 __attribute__((format(printf, 3, 0))) void LogToFile(FILE *pFile, unsigned int u32Level,
-                                                     const char *pszFormat, va_list arguments) {
+                                                     const char *pszFormat, va_list arguments)
+    KEST_REQUIRES_LOCK(kest::kDebugLogLock) {
   kest::LogLine line;
   const kest::LostLines::Claim claim = kest::LostFromLog();
   bool bFormatted = kest::LostLines::Begin(line, claim);

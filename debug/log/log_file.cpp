@@ -7,7 +7,6 @@
 
 #include "ze_kest/utility.h"
 
-#include "debug/base/debug_mutex.h"
 #include "debug/base/inside_log.h"
 #include "utility/core/debug_dir.h"
 #include "utility/core/guarded_open.h"
@@ -26,28 +25,35 @@ uint8_t g_bToConsole = 0;
 uint8_t g_bToFile = 0;
 int32_t g_s32LogSizeMax = 20 * 1024 * 1024;
 int32_t g_s32RestartCount = 0;
-uint32_t g_u32Messages = 0;
-FILE *g_pFile = nullptr;  // guarded by the log mutex
+uint32_t g_u32Messages KEST_GUARDED_BY(kDebugLogLock) = 0;
+FILE *g_pFile KEST_GUARDED_BY(kDebugLogLock) = nullptr;
 
 // Locks the log file for a scope; reports made meanwhile stay out of it.
-class HoldingFile {
-  const InsideLog inside_;
-  const HoldingLog holding_;
+class KEST_SCOPED_CAPABILITY HoldingFile {
+ public:
+  HoldingFile() KEST_ACQUIRES_LOCK(kDebugLogLock) = default;
+  ~HoldingFile() KEST_RELEASES_LOCK() = default;
+  HoldingFile(const HoldingFile &) = delete;
+  HoldingFile &operator=(const HoldingFile &) = delete;
+
+ private:
+  InsideLog inside_;
+  HoldingLog holding_;
 };
 
-void CloseLog() {
+void CloseLog() KEST_REQUIRES_LOCK(kDebugLogLock) {
   if (g_pFile == nullptr) return;
   ze_kest_Utility_FileClose(g_pFile);
   g_pFile = nullptr;
 }
 
-bool OpenLog() {
+bool OpenLog() KEST_REQUIRES_LOCK(kDebugLogLock) {
   if (g_pFile == nullptr) g_pFile = OpenSink(kLogPath, O_APPEND);
   return g_pFile != nullptr;
 }
 
 // Closes and empties the file.
-bool EmptyLog() {
+bool EmptyLog() KEST_REQUIRES_LOCK(kDebugLogLock) {
   CloseLog();
   FILE *pFile = OpenSink(kLogPath, O_TRUNC);
   if (pFile == nullptr) return false;
@@ -57,7 +63,7 @@ bool EmptyLog() {
   return true;
 }
 
-bool IsLogTooLong() {
+bool IsLogTooLong() KEST_REQUIRES_LOCK(kDebugLogLock) {
   struct stat stFile = {};
   return fstat(fileno(g_pFile), &stFile) == 0 && stFile.st_size > Load(g_s32LogSizeMax);
 }
@@ -77,8 +83,7 @@ bool OpenOrCloseLog(int bOn) {
   return true;
 }
 
-// With the switch's mutex held.
-uint32_t SetLogToFile(int bOn) {
+uint32_t SetLogToFile(int bOn) KEST_REQUIRES_LOCK(g_logSwitchMutex) {
   constexpr const char *kFunction = "_ZE_KEST_Debug_SetMode";
   Store(g_bToFile, static_cast<uint8_t>(bOn != 0));
   KEST_PRINT_AS(kFunction, "Log to file(%d)\n", bOn);

@@ -1,13 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 // The log file "KestLog.txt" and the switches of the log.
-//
-// The functions marked so are called with _stKestDebugLogMutex held. The others must not be, except the plain
-// getters: those that touch the file take the mutex themselves.
 #pragma once
 
 #include <cstdint>
 #include <cstdio>
 
+#include "debug/base/debug_mutex.h"
 #include "debug/log/lost_lines.h"
 
 namespace kest {
@@ -15,10 +13,10 @@ namespace kest {
 enum LogMode : unsigned int { kLogToConsole = 0, kLogToFile = 1 };
 
 // Switches a sink on or off. ZE_KEST_FAILED when the file cannot be opened.
-uint32_t _ZE_KEST_Debug_SetMode(unsigned int eMode, int bOn);
+uint32_t _ZE_KEST_Debug_SetMode(unsigned int eMode, int bOn) KEST_EXCLUDES_LOCK(kDebugLogLock);
 
 // Empties the file. File logging resumes only if it was on.
-uint32_t _ZE_KEST_Debug_LogRestart();
+uint32_t _ZE_KEST_Debug_LogRestart() KEST_EXCLUDES_LOCK(kDebugLogLock);
 
 // Size in bytes beyond which the file is restarted; checked at every 1000th message.
 void SetLogSizeMax(int32_t s32Bytes);
@@ -29,25 +27,25 @@ bool IsLogToConsole();
 int32_t LogRestartCount();
 
 // Switches both sinks off and closes the file.
-void ResetLogSinks();
+void ResetLogSinks() KEST_EXCLUDES_LOCK(kDebugLogLock);
 
 // Switches file logging off and closes the file.
-void CloseLogFile();
+void CloseLogFile() KEST_EXCLUDES_LOCK(kDebugLogLock);
 
 // Restarts a file that has grown too long without waiting for the 1000th message. For commands that print
 // long lines.
-void LimitLogFile();
+void LimitLogFile() KEST_EXCLUDES_LOCK(kDebugLogLock);
 
-// With the mutex held: counts one message, restarts a file that has grown too long, and returns the file to
-// write to, NULL when there is none.
-FILE *NextLogFile();
+// Counts one message, restarts a file that has grown too long, and returns the file to write to, NULL when
+// there is none.
+FILE *NextLogFile() KEST_REQUIRES_LOCK(kDebugLogLock);
 
-// The lines that the file did not take, guarded by the mutex; and, with it held, what the next line has to
-// make good of them: it begins on a line of its own unless the file was emptied since.
-extern LostLines g_logLosses;
-LostLines::Claim LostFromLog();
+// The lines that the file did not take; and what the next line has to make good of them: it begins on a line
+// of its own unless the file was emptied since.
+extern LostLines g_logLosses KEST_GUARDED_BY(kDebugLogLock);
+LostLines::Claim LostFromLog() KEST_REQUIRES_LOCK(kDebugLogLock);
 
-// With the mutex held: begins the line with its prefix. PRINT lines have none.
-void _ZE_KEST_Debug_LogPrefix(LogLine &line, unsigned int u32Level);
+// Begins the line with its prefix. PRINT lines have none.
+void _ZE_KEST_Debug_LogPrefix(LogLine &line, unsigned int u32Level) KEST_REQUIRES_LOCK(kDebugLogLock);
 
 }  // namespace kest

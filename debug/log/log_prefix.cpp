@@ -37,10 +37,10 @@ char Digit(uint32_t u32Number) {
   return static_cast<char>('0' + u32Number % 10);
 }
 
-PrefixMiddle g_middle;  // guarded by the log mutex
+PrefixMiddle g_middle KEST_GUARDED_BY(kDebugLogLock);
 
 // The part between the ids and the label: version, restarts and time.
-bool AppendMiddle(LogLine &line) {
+bool AppendMiddle(LogLine &line) KEST_REQUIRES_LOCK(kDebugLogLock) {
   struct timespec stNow = {};
   clock_gettime(CLOCK_REALTIME, &stNow);
   const auto u32Ms = static_cast<uint32_t>(stNow.tv_nsec / 1000000);

@@ -48,7 +48,7 @@ void PrintFilter(int s32Idx, const ZE_KEST_DebugInfo_s &info) {
                 Load(filter.u8Ds), Load(filter.s32Tgt), s32AutoConsume, Address(info.pfnCallback));
 }
 
-void PrintNodes() {
+void PrintNodes() KEST_REQUIRES_LOCK(kDebugLock) {
   int s32Idx = 0;
   for (const ZE_KEST_DebugInfo_s &info : Registry()) {
     info.pstFilter == nullptr ? PrintPipeline(s32Idx, info) : PrintFilter(s32Idx, info);
@@ -56,7 +56,7 @@ void PrintNodes() {
   }
 }
 
-void PrintPipelineConnections() {
+void PrintPipelineConnections() KEST_REQUIRES_LOCK(kDebugLock) {
   int s32Idx = 0;
   for (const ZE_KEST_DebugInfo_s &info : Registry()) {
     if (info.pstFilter == nullptr) {
@@ -91,7 +91,7 @@ uint64_t PrintSide(const ZE_KEST_DebugInfo_s &info, const char *pszSide, uint32_
   return u64Bytes;
 }
 
-uint64_t PrintPorts() {
+uint64_t PrintPorts() KEST_REQUIRES_LOCK(kDebugLock) {
   uint64_t u64Bytes = 0;
   for (const ZE_KEST_DebugInfo_s &info : Registry()) {
     if (info.pstFilter == nullptr) continue;

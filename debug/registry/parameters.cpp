@@ -16,7 +16,8 @@ namespace {
 
 const ZE_KEST_SupportedParameter_s *_pstKestSupportedParameterList = nullptr;
 
-ZE_KEST_Filter_s *FindFilter(const char *pszPipelineName, const char *pszFilterName) {
+ZE_KEST_Filter_s *FindFilter(const char *pszPipelineName, const char *pszFilterName)
+    KEST_REQUIRES_LOCK(kDebugLock) {
   for (const ZE_KEST_DebugInfo_s &info : Registry()) {
     if (info.pstFilter == nullptr || !BeginsWith(info.szName, pszPipelineName)) continue;
     if (BeginsWith(info.pstFilter->szName, pszFilterName)) return info.pstFilter;

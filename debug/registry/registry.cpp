@@ -24,7 +24,7 @@ bool HasName(const Info &info, const char *pszName) {
   return strcmp(info.szName, pszName) == 0;
 }
 
-Node *Tail() {
+Node *Tail() KEST_REQUIRES_LOCK(kDebugLock) {
   Node *pstTail = _pstKestDebugInfoList;
   while (pstTail != nullptr && pstTail->pstNext != nullptr)
     pstTail = pstTail->pstNext;
@@ -33,7 +33,7 @@ Node *Tail() {
 
 // The last node of the first unbroken run of nodes that bear the name of the filter's pipeline; NULL without
 // one.
-Node *LastOfPipeline(const ZE_KEST_Filter_s &filter) {
+Node *LastOfPipeline(const ZE_KEST_Filter_s &filter) KEST_REQUIRES_LOCK(kDebugLock) {
   if (filter.pstParentPipeline == nullptr) return nullptr;
   const char *pszName = filter.pstParentPipeline->szName;
   Node *pst = _pstKestDebugInfoList;
@@ -44,14 +44,14 @@ Node *LastOfPipeline(const ZE_KEST_Filter_s &filter) {
   return pst;
 }
 
-void LinkAfter(Node *pstBefore, Node *pstNode) {
+void LinkAfter(Node *pstBefore, Node *pstNode) KEST_REQUIRES_LOCK(kDebugLock) {
   pstNode->pstPrev = pstBefore;
   pstNode->pstNext = pstBefore == nullptr ? nullptr : pstBefore->pstNext;
   if (pstNode->pstNext != nullptr) pstNode->pstNext->pstPrev = pstNode;
   (pstBefore == nullptr ? _pstKestDebugInfoList : pstBefore->pstNext) = pstNode;
 }
 
-void UnlinkAndFree(Node *pstNode) {
+void UnlinkAndFree(Node *pstNode) KEST_REQUIRES_LOCK(kDebugLock) {
   (pstNode->pstPrev == nullptr ? _pstKestDebugInfoList : pstNode->pstPrev->pstNext) = pstNode->pstNext;
   if (pstNode->pstNext != nullptr) pstNode->pstNext->pstPrev = pstNode->pstPrev;
   const Owned<Info> info(pstNode->pstInfo);

@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
-// The list of registered pipelines and filters. Walk and change it only with _stKestDebugMutex held.
+// The list of registered pipelines and filters. A record, too, is read and changed only with kDebugLock held.
 #pragma once
 
 #include <cstdint>
 
 #include "ze_kest/debug.h"
+
+#include "debug/base/debug_mutex.h"
 
 namespace kest {
 
@@ -25,7 +27,7 @@ struct ZE_KEST_DebugInfoNode_s {
   ZE_KEST_DebugInfoNode_s *pstNext;
 };
 
-extern ZE_KEST_DebugInfoNode_s *_pstKestDebugInfoList;
+extern ZE_KEST_DebugInfoNode_s *_pstKestDebugInfoList KEST_GUARDED_BY(kDebugLock);
 
 // Iterates over the records from head to tail: for (ZE_KEST_DebugInfo_s &info : Registry()).
 class Registry {
@@ -44,7 +46,9 @@ class Registry {
     ZE_KEST_DebugInfoNode_s *pstNode_;
   };
 
-  [[nodiscard]] Iterator begin() const { return Iterator(_pstKestDebugInfoList); }
+  [[nodiscard]] Iterator begin() const KEST_REQUIRES_LOCK(kDebugLock) {
+    return Iterator(_pstKestDebugInfoList);
+  }
   [[nodiscard]] Iterator end() const { return Iterator(nullptr); }
 };
 

@@ -23,7 +23,7 @@ void PrintNode(const ZE_KEST_DebugInfo_s &info) {
   PrintKindStatus(*info.pstFilter);
 }
 
-void PrintGraph() {
+void PrintGraph() KEST_REQUIRES_LOCK(kDebugLock) {
   for (const ZE_KEST_DebugInfo_s &info : Registry()) {
     if (info.pstFilter != nullptr) continue;
     KEST_PRINT_AS(kFunction, "%s\n", info.szName);

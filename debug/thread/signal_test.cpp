@@ -4,6 +4,7 @@
 #include "ze_kest/utility.h"
 
 #include "debug/base/monotonic_condition.h"
+#include "debug/base/thread_safety.h"
 
 namespace kest {
 namespace {
@@ -15,6 +16,25 @@ pthread_mutex_t _stKestDebugPthreadSignalTestMutex = PTHREAD_MUTEX_INITIALIZER;
 pthread_cond_t _stKestDebugPthreadSignalTestCond;
 pthread_once_t g_once = PTHREAD_ONCE_INIT;
 uint8_t g_bRun = 0;
+
+constexpr LockTag kSignalTestLock;  // stands for the mutex
+
+// Failing calls are reported under pszCaller.
+class KEST_SCOPED_CAPABILITY HoldingSignalTest {
+ public:
+  explicit HoldingSignalTest(const char *pszCaller) KEST_ACQUIRES_LOCK(kSignalTestLock)
+      : pszCaller_(pszCaller) {
+    KEST_THREAD_CALL_AS(pszCaller_, pthread_mutex_lock(&_stKestDebugPthreadSignalTestMutex));
+  }
+  ~HoldingSignalTest() KEST_RELEASES_LOCK() {
+    KEST_THREAD_CALL_AS(pszCaller_, pthread_mutex_unlock(&_stKestDebugPthreadSignalTestMutex));
+  }
+  HoldingSignalTest(const HoldingSignalTest &) = delete;
+  HoldingSignalTest &operator=(const HoldingSignalTest &) = delete;
+
+ private:
+  const char *pszCaller_;
+};
 
 bool IsAlive() {
   return IsRunning(_stKestDebugPthreadSignalTest);
@@ -28,9 +48,9 @@ void SignalCondition(const char *pszCaller) {
   KEST_THREAD_CALL_AS(pszCaller, pthread_cond_signal(&_stKestDebugPthreadSignalTestCond));
 }
 
-// Called with the mutex held, so that a "run" cannot get lost between the test of its flag and the wait. Does
-// not wait either when the thread has already been told to stop.
-void WaitUnlessRun() {
+// Locked, so that a "run" cannot get lost between the test of its flag and the wait. Does not wait either
+// when the thread has already been told to stop.
+void WaitUnlessRun() KEST_REQUIRES_LOCK(kSignalTestLock) {
   struct timespec outtime;
   ze_kest_Utility_MicrosecondToTimespec(&outtime, kLongestWaitUs);
   if (Load(g_bRun) != 0 || !IsAlive()) return;
@@ -41,10 +61,9 @@ void WaitUnlessRun() {
 }
 
 void RunOnce() {
-  KEST_THREAD_CALL_AS(kMonitor, pthread_mutex_lock(&_stKestDebugPthreadSignalTestMutex));
+  const HoldingSignalTest holding(kMonitor);
   WaitUnlessRun();
   KEST_PRINT_AS(kMonitor, "Pthread Signal Test: running\n");
-  KEST_THREAD_CALL_AS(kMonitor, pthread_mutex_unlock(&_stKestDebugPthreadSignalTestMutex));
 }
 
 void *_ZE_KEST_Debug_PthreadSignalTestMonitor(void * /*pvUnused*/) {
@@ -75,10 +94,9 @@ void ResetSignalTest() {
 }
 
 void LetSignalTestRun(const char *pszCaller) {
-  KEST_THREAD_CALL_AS(pszCaller, pthread_mutex_lock(&_stKestDebugPthreadSignalTestMutex));
+  const HoldingSignalTest holding(pszCaller);
   Store(g_bRun, uint8_t{1});
   SignalCondition(pszCaller);
-  KEST_THREAD_CALL_AS(pszCaller, pthread_mutex_unlock(&_stKestDebugPthreadSignalTestMutex));
 }
 
 // Does not take the mutex: a thread that runs without a pause holds it nearly all the time.
@@ -90,9 +108,8 @@ void StopSignalTest() {
   constexpr const char *kFunction = "_ZE_KEST_Debug_DestroyThread";
   // Cleared before locking, so that a thread that runs without a pause ends and gives the mutex up.
   Store(_stKestDebugPthreadSignalTest.bRunning, uint8_t{0});
-  KEST_THREAD_CALL_AS(kFunction, pthread_mutex_lock(&_stKestDebugPthreadSignalTestMutex));
+  const HoldingSignalTest holding(kFunction);
   SignalCondition(kFunction);
-  KEST_THREAD_CALL_AS(kFunction, pthread_mutex_unlock(&_stKestDebugPthreadSignalTestMutex));
 }
 
 }  // namespace kest

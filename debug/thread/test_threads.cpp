@@ -10,7 +10,7 @@ namespace {
 
 // Commands may come from any thread, even during a shut-down. Nothing may be reported under the mutex while
 // the layer is down: the report may start the base initialisation, which takes this mutex.
-bool g_bLayerIsUp = false;  // guarded by g_testThreadsMutex
+bool g_bLayerIsUp KEST_GUARDED_BY(g_testThreadsMutex) = false;
 
 uint32_t Create(DebugThread &thread) {
   {
