@@ -82,7 +82,7 @@ std::string ToUtf8(std::string_view text) {
 size_t WidthOf(std::string_view text) {
   size_t width = 0;
   for (const char character : text)
-    width += IsContinuation(character) ? 0 : 1;
+    width += size_t{!IsContinuation(character)};
   return width;
 }
 
