@@ -17,7 +17,7 @@ class RegistryTest : public testing::Test {
     if (Head() != nullptr) _ZE_KEST_Debug_ReleaseDebugInfoList();
   }
 
-  // Without the lock: no other thread uses the registry meanwhile.
+  // Unchecked, like Entries: no other thread uses the registry meanwhile.
   KEST_UNCHECKED_LOCKS static ZE_KEST_DebugInfoNode_s *&Head() { return _pstKestDebugInfoList; }
 
   // Registers a pipeline; its filters come after it.
@@ -38,8 +38,7 @@ class RegistryTest : public testing::Test {
   }
 
   // The entries, "pipeline" or "pipeline:filter", in order.
-  static Texts Entries() {
-    const HoldingDebug holding;
+  KEST_UNCHECKED_LOCKS static Texts Entries() {
     Texts entries;
     for (const ZE_KEST_DebugInfo_s &info : Registry()) {
       entries.push_back(std::string(info.szName) +
