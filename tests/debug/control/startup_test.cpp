@@ -127,7 +127,7 @@ TEST(StartUp, CommandsOfOtherThreadsGoOnThroughShutDownsAndStarts) {
 TEST(DebugMutex, AnUnlockByAnotherThreadLeavesTheLockWithItsHolder) {
   const DebugLayer layer;
   _ZE_KEST_Debug_Mutex_Lock();
-  std::thread([] { _ZE_KEST_Debug_Mutex_Unlock(); }).join();
+  std::thread(_ZE_KEST_Debug_Mutex_Unlock).join();
   EXPECT_EQ(EBUSY, pthread_mutex_trylock(&_stKestDebugMutex));
   _ZE_KEST_Debug_Mutex_Unlock();
   EXPECT_EQ(0, pthread_mutex_trylock(&_stKestDebugMutex));

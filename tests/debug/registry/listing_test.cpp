@@ -76,7 +76,7 @@ TEST_F(Listing, ConnectionsFillTheFirstFreeSlotOfTheFirstPipelineAndTheNinthIsDr
       text += std::string(szName) + ",";
     return text;
   };
-  const ZE_KEST_DebugInfo_s &first = *_pstKestDebugInfoList->pstInfo;
+  const ZE_KEST_DebugInfo_s &first = *Head()->pstInfo;
   EXPECT_EQ("even,odd,even,odd,even,odd,even,odd,", connectionsOf(first));
   EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_DisconnectPipeline("P", "even"));
   EXPECT_EQ(",odd,,odd,,odd,,odd,", connectionsOf(first));
@@ -106,7 +106,7 @@ TEST_F(Listing, TheNodeCommandsWorkOnTheTestEntries) {
   AddFilter("SpeakerOutput", "Volume");
   AddFilter("Loopback", "F");
   confirms("pipeline_connect", "pipeline_connect\n");
-  const ZE_KEST_DebugInfo_s &decoder = *_pstKestDebugInfoList->pstNext->pstInfo;
+  const ZE_KEST_DebugInfo_s &decoder = *Head()->pstNext->pstInfo;
   EXPECT_STREQ("SpeakerOutput", decoder.aszConnected[0]);
   EXPECT_STREQ("Loopback", decoder.aszConnected[1]);
   confirms("pipeline_disconnect", "pipeline_disconnect\n");
@@ -116,7 +116,7 @@ TEST_F(Listing, TheNodeCommandsWorkOnTheTestEntries) {
   // The test filter bears the name of its latest use.
   EXPECT_EQ((Texts{"Pipeline0:Volume", "Decoder_13", "SpeakerOutput"}), Entries());
   confirms("release", "kest_debug_node=release\n");
-  EXPECT_EQ(nullptr, _pstKestDebugInfoList);
+  EXPECT_EQ(nullptr, Head());
   EXPECT_EQ((Texts{"kest_debug_node=release\n"}),
             PrintsOf("kest_debug_node=release", ZE_KEST_INVALID_ARGUMENT));
 }

@@ -62,16 +62,16 @@ TEST_F(RegistryOrder, UnregisteringRemovesAFilterByNameOrAPipelineWithItsFilters
   EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_UnRegisterInfo("P", nullptr));
   EXPECT_EQ((Texts{"Q", "Q:F"}), Entries());
   EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_UnRegisterInfo("Q", nullptr));
-  EXPECT_EQ(nullptr, _pstKestDebugInfoList);
+  EXPECT_EQ(nullptr, Head());
 
   // Long names are cut at 63 characters.
   const std::string longName(100, 'n');
   EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_RegisterInfo(longName.c_str(), nullptr, 0, longName.c_str(), nullptr));
-  const ZE_KEST_DebugInfo_s &info = *_pstKestDebugInfoList->pstInfo;
+  const ZE_KEST_DebugInfo_s &info = *Head()->pstInfo;
   EXPECT_EQ(longName.substr(0, 63), info.szName);
   EXPECT_EQ(longName.substr(0, 63), info.szThreadName);
   EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_UnRegisterInfo(longName.c_str(), nullptr));
-  EXPECT_EQ(nullptr, _pstKestDebugInfoList);
+  EXPECT_EQ(nullptr, Head());
 
   // A release empties the list and fails on an empty one.
   AddPipeline("P");
@@ -80,9 +80,9 @@ TEST_F(RegistryOrder, UnregisteringRemovesAFilterByNameOrAPipelineWithItsFilters
   const ReportCapture capture;
   EXPECT_EQ(ZE_KEST_FAILED, _ZE_KEST_Debug_ReleaseDebugInfoList());
   ZE_KEST_DebugInfoNode_s stWithoutRecord = {};
-  _pstKestDebugInfoList = &stWithoutRecord;
+  Head() = &stWithoutRecord;
   EXPECT_EQ(ZE_KEST_FAILED, _ZE_KEST_Debug_ReleaseDebugInfoList());
-  EXPECT_EQ(nullptr, _pstKestDebugInfoList);
+  EXPECT_EQ(nullptr, Head());
   EXPECT_EQ((Texts{"Error! No debug info node in this list!\n", "Error! No debug info in this node!\n"}),
             capture.Texts("<ERR>"));
 }
