@@ -94,8 +94,8 @@ TEST_P(FarHost, ReadsAnyPartOfAFileByteForByte) {
   std::iota(bytes.begin(), bytes.end(), '\0');
   const std::string path = PlayerTest::Path("bytes");
   WriteFile(path, bytes);
-  for (const uint64_t offset : {0, 1, 4095, 4096, 8191, 19999, 20000, 30000}) {
-    for (const size_t size : {0, 1, 4096, 4097, 300000}) {
+  for (const uint64_t offset : std::initializer_list<uint64_t>{0, 1, 4095, 4096, 8191, 19999, 20000, 30000}) {
+    for (const size_t size : std::initializer_list<size_t>{0, 1, 4096, 4097, 300000}) {
       const ctl::FilePart wanted = near_.Read(path, offset, size);
       const ctl::FilePart part = far_->Read(path, offset, size);
       EXPECT_EQ(wanted.bytes, part.bytes) << size << " from " << offset;
