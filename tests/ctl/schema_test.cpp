@@ -26,7 +26,7 @@ class Schema : public CtlTest {
   [[nodiscard]] std::string Complaints() const {
     const std::string output = Path("complaints");
     const std::string command =
-        "python3 -W ignore -m jsonschema" + instances_ + " " KEST_CTL_SCHEMA " >" + output + " 2>&1";
+        "/usr/bin/python3 -W ignore -m jsonschema" + instances_ + " " KEST_CTL_SCHEMA " >" + output + " 2>&1";
     const int status = std::system(command.c_str());
     return status == 0 ? "" : "the validator: " + ReadFile(output);
   }
