@@ -7,7 +7,7 @@
 namespace kest::ctl {
 namespace {
 
-constexpr size_t kPieceBytes = 256 * 1024;
+constexpr size_t kPieceBytes = size_t{256} * 1024;
 constexpr size_t kRememberedBytes = 64;
 
 }  // namespace

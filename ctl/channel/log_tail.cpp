@@ -12,7 +12,7 @@
 namespace kest::ctl {
 namespace {
 
-constexpr uint64_t kBlockBytes = 256 * 1024;
+constexpr uint64_t kBlockBytes = uint64_t{256} * 1024;
 
 FilePart ReadOrThrow(Host &host, const std::string &path, uint64_t offset, uint64_t size) {
   FilePart part = host.Read(path, offset, size);

@@ -14,7 +14,7 @@ namespace {
 
 using Status = Finding::Status;
 
-constexpr int64_t kLeastFreeBytes = 64 * 1024;
+constexpr int64_t kLeastFreeBytes = int64_t{64} * 1024;
 
 Finding Good(const char *id, std::string found) {
   return {id, Status::kGood, std::move(found), {}};
@@ -213,7 +213,7 @@ Finding CheckDisk(const Surroundings &around) {
   constexpr const char *kId = "disk";
   const int64_t free = around.host.FreeBytes(around.directory);
   if (free < 0) return Unknown(kId, "the free space is not known");
-  if (free >= kLeastFreeBytes) return Good(kId, fmt::format("{} MiB free", free / (1024 * 1024)));
+  if (free >= kLeastFreeBytes) return Good(kId, fmt::format("{} MiB free", free / (int64_t{1024} * 1024)));
   return Bad(kId, fmt::format("the disk is full: {} bytes free in {}", free, around.directory),
              "make room: remove dumps, or echo kest_log_restart to empty the log");
 }

@@ -80,7 +80,7 @@ const char *Mark(Status status) {
 }
 
 std::string Coloured(const char *mark, Status status, bool colour) {
-  const std::string padded = fmt::format("{:<4}", mark);
+  std::string padded = fmt::format("{:<4}", mark);
   if (!colour || status == Status::kGood) return padded;
   return fmt::format("\033[1;{}m{}\033[0m", status == Status::kBad ? 31 : 33, padded);
 }

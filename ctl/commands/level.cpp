@@ -21,6 +21,7 @@ const Level &LevelNamed(const std::string &name) {
   const Level *level = FindLevel(name);
   if (level != nullptr) return *level;
   std::vector<std::string> names;
+  names.reserve(std::size(kLevels));
   for (const Level &known : kLevels)
     names.emplace_back(known.name);
   const std::string nearest = Nearest(names, name);

@@ -40,6 +40,7 @@ size_t Distance(const std::string &from, const std::string &to) {
 template <typename Item>
 std::vector<std::string> NamesOf(const std::vector<Item> &items) {
   std::vector<std::string> names;
+  names.reserve(items.size());
   for (const Item &item : items)
     names.push_back(item.name);
   return names;

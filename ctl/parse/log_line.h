@@ -9,6 +9,6 @@
 namespace kest::ctl {
 
 // A line without a whole prefix is a PRINT line with all of its text.
-LogLine ParseLogLine(std::string_view line);
+LogLine ParseLogLine(std::string_view text);
 
 }  // namespace kest::ctl

@@ -20,7 +20,7 @@ namespace kest::ctl {
 namespace {
 
 constexpr int kHistoryLines = 1000;
-constexpr off_t kHistoryFileBytes = 256 * 1024;
+constexpr off_t kHistoryFileBytes = off_t{256} * 1024;
 constexpr char kPromptEscape = '\1';
 
 volatile std::sig_atomic_t g_resized = 0;
