@@ -7,6 +7,7 @@
 namespace kest::test {
 namespace {
 
+using testing::AnyOf;
 using testing::HasSubstr;
 using testing::Not;
 
@@ -155,7 +156,8 @@ TEST_F(Commands, SeveralProcessesAreListedEachAndNotChanged) {
   EXPECT_NE(pipelines[0]["pid"], pipelines[2]["pid"]);
   EXPECT_EQ(5, Ctl("set Dec/Vol Gain -6").exitCode);
   EXPECT_EQ(5, Ctl("send help").exitCode);
-  EXPECT_EQ(0, Ctl("--any level").exitCode);
+  // Either of the two may have read the last marker before the answer was complete.
+  EXPECT_THAT(Ctl("--any level").exitCode, AnyOf(0, 7));
 }
 
 TEST_F(Commands, AnswersAboutTheWordsOfTheCommandLine) {
