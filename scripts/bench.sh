@@ -2,11 +2,16 @@
 # bench.sh [--quick] [TEXT...]: prints the table of docs/performance.md, or its rows that contain a TEXT.
 # --quick: runs every case once, briefly, to see that it works; the figures mean nothing.
 # bench.sh --arm ...: counts executed instructions on the target's instruction set, see bench/arm/run.sh.
+# bench.sh --player [ROUNDS]: the player beside sox, ffmpeg and GStreamer, as far as they are installed.
 source "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 
 case ${1:-} in --arm)
   shift
   exec "$root/bench/arm/run.sh" "$@"
+  ;;
+--player)
+  shift
+  exec "$root/bench/player/run.sh" "$@"
   ;;
 esac
 need "${build_packages[@]}" "${bench_packages[@]}"

@@ -26,6 +26,6 @@ struct Notice {
 std::variant<CommandLine, Notice> ParseCommandLine(const std::vector<std::string> &words,
                                                    const Settings &settings);
 // What the options that every command takes change of the settings.
-void ApplyGlobalOptions(const Arguments &given, Settings &settings);
+void ApplyGlobalOptions(const Arguments &global, Settings &settings);
 
 }  // namespace kest::ctl

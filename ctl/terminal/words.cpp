@@ -83,6 +83,7 @@ std::vector<Word> SplitUnfinished(std::string_view line) {
 
 std::vector<std::string> TextsOf(const std::vector<Word> &words) {
   std::vector<std::string> texts;
+  texts.reserve(words.size());
   for (const Word &word : words)
     texts.push_back(word.text);
   return texts;

@@ -86,11 +86,28 @@ bool AudioReader::IsFloatingPoint() const {
   }
 }
 
-uint32_t AudioReader::Read(int16_t *interleaved, uint32_t frames) {
+template <typename Sample>
+uint32_t AudioReader::Read(Sample *interleaved, uint32_t frames) {
+  auto &ahead = std::get<FrameChunk<Sample>>(ahead_);
+  uint32_t done = 0;
+  while (done < frames) {
+    if (ahead.Held() == 0) {
+      ahead.Fill(Channels(), [this](Sample *samples, uint32_t room) { return ReadFile(samples, room); });
+    }
+    if (ahead.Held() == 0) break;
+    done += ahead.Take(interleaved + size_t{done} * Channels(), frames - done, Channels());
+  }
+  return done;
+}
+
+template uint32_t AudioReader::Read(int16_t *, uint32_t);
+template uint32_t AudioReader::Read(int32_t *, uint32_t);
+
+uint32_t AudioReader::ReadFile(int16_t *interleaved, uint32_t frames) {
   return Checked(sf_readf_short(file_.get(), interleaved, frames), frames);
 }
 
-uint32_t AudioReader::Read(int32_t *interleaved, uint32_t frames) {
+uint32_t AudioReader::ReadFile(int32_t *interleaved, uint32_t frames) {
   if (IsFloatingPoint()) return ReadFloatingPoint(interleaved, frames);
   return Checked(sf_readf_int(file_.get(), interleaved, frames), frames);
 }
@@ -123,6 +140,8 @@ void AudioReader::Rewind() {
   if (sf_seek(file_.get(), 0, SEEK_SET) < 0) {
     throw PlayerError("cannot rewind " + path_ + ": " + sf_strerror(file_.get()));
   }
+  std::get<FrameChunk<int16_t>>(ahead_).Clear();
+  std::get<FrameChunk<int32_t>>(ahead_).Clear();
 }
 
 }  // namespace kest::player

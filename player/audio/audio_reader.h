@@ -9,6 +9,7 @@
 #include <sndfile.h>
 #include <sys/types.h>
 
+#include "player/audio/frame_chunk.h"
 #include "player/base/unique_fd.h"
 
 namespace kest::player {
@@ -30,8 +31,8 @@ class AudioReader {
   // Reads interleaved frames, samples left-aligned; floating-point samples saturate at full scale. Returns
   // fewer frames than asked for only at the end of the file. Throws PlayerError when the file is damaged or
   // has become shorter since it was opened.
-  uint32_t Read(int16_t *interleaved, uint32_t frames);
-  uint32_t Read(int32_t *interleaved, uint32_t frames);
+  template <typename Sample>
+  uint32_t Read(Sample *interleaved, uint32_t frames);
   void Rewind();
 
  private:
@@ -41,6 +42,8 @@ class AudioReader {
 
   [[nodiscard]] off_t Bytes() const;
   [[nodiscard]] bool IsFloatingPoint() const;
+  uint32_t ReadFile(int16_t *interleaved, uint32_t frames);
+  uint32_t ReadFile(int32_t *interleaved, uint32_t frames);
   uint32_t ReadFloatingPoint(int32_t *interleaved, uint32_t frames);
   [[nodiscard]] uint32_t Checked(sf_count_t framesRead, uint32_t framesWanted) const;
 
@@ -49,6 +52,7 @@ class AudioReader {
   off_t bytesAtStart_;
   SF_INFO info_{};
   std::unique_ptr<SNDFILE, Close> file_;
+  FrameChunks ahead_;
 };
 
 }  // namespace kest::player

@@ -36,7 +36,9 @@ int FileFormat(const AudioReader &model) {
 }  // namespace
 
 AudioWriter::AudioWriter(const std::string &path, const AudioReader &model)
-    : path_(path), fd_(open(path.c_str(), O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC, kFileMode)) {
+    : path_(path),
+      fd_(open(path.c_str(), O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC, kFileMode)),
+      channels_(model.Channels()) {
   if (!fd_.IsOpen()) throw PlayerError("cannot create " + path + ": " + std::strerror(errno));
   SF_INFO info{};
   info.channels = static_cast<int>(model.Channels());
@@ -51,23 +53,49 @@ AudioWriter::AudioWriter(AudioWriter &&other) noexcept
     : path_(std::move(other.path_)),
       fd_(std::move(other.fd_)),
       file_(std::exchange(other.file_, nullptr)),
+      channels_(other.channels_),
+      collected_(std::move(other.collected_)),
       framesLeft_(other.framesLeft_) {}
 
+// What a run that failed has played so far belongs into the file; that this may fail too is no news.
 AudioWriter::~AudioWriter() {
-  if (file_ != nullptr) sf_close(file_);
+  if (file_ == nullptr) return;
+  static_cast<void>(Flush<int16_t>() && Flush<int32_t>());
+  sf_close(file_);
 }
 
-void AudioWriter::Write(const int16_t *interleaved, uint32_t frames) {
+template <typename Sample>
+void AudioWriter::Write(const Sample *interleaved, uint32_t frames) {
   CheckSize(frames);
-  CheckWritten(sf_writef_short(file_, interleaved, frames), frames);
+  auto &collected = std::get<FrameChunk<Sample>>(collected_);
+  for (uint32_t done = 0; done < frames;) {
+    if (collected.Room() == 0 && !Flush<Sample>()) Fail(sf_strerror(file_));
+    done += collected.Append(interleaved + size_t{done} * channels_, frames - done, channels_);
+  }
 }
 
-void AudioWriter::Write(const int32_t *interleaved, uint32_t frames) {
-  CheckSize(frames);
-  CheckWritten(sf_writef_int(file_, interleaved, frames), frames);
+template void AudioWriter::Write(const int16_t *, uint32_t);
+template void AudioWriter::Write(const int32_t *, uint32_t);
+
+template <typename Sample>
+bool AudioWriter::Flush() {
+  bool complete = true;
+  std::get<FrameChunk<Sample>>(collected_).Drain(channels_, [&](const Sample *interleaved, uint32_t frames) {
+    complete = WriteFile(interleaved, frames) == frames;
+  });
+  return complete;
+}
+
+sf_count_t AudioWriter::WriteFile(const int16_t *interleaved, uint32_t frames) {
+  return sf_writef_short(file_, interleaved, frames);
+}
+
+sf_count_t AudioWriter::WriteFile(const int32_t *interleaved, uint32_t frames) {
+  return sf_writef_int(file_, interleaved, frames);
 }
 
 void AudioWriter::Close() {
+  if (!Flush<int16_t>() || !Flush<int32_t>()) Fail(sf_strerror(file_));
   const int result = sf_close(std::exchange(file_, nullptr));
   if (result != SF_ERR_NO_ERROR) Fail(sf_error_number(result));
   if (!fd_.Close()) Fail(std::strerror(errno));
@@ -76,10 +104,6 @@ void AudioWriter::Close() {
 void AudioWriter::CheckSize(uint32_t frames) {
   if (frames > framesLeft_) Fail("a WAV file holds at most 4 GiB; end earlier with --seconds");
   framesLeft_ -= frames;
-}
-
-void AudioWriter::CheckWritten(sf_count_t framesWritten, uint32_t framesWanted) const {
-  if (framesWritten != framesWanted) Fail(sf_strerror(file_));
 }
 
 void AudioWriter::Fail(const std::string &reason) const {

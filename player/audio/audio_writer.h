@@ -8,6 +8,7 @@
 #include <sndfile.h>
 
 #include "player/audio/audio_reader.h"
+#include "player/audio/frame_chunk.h"
 #include "player/base/unique_fd.h"
 
 namespace kest::player {
@@ -22,21 +23,27 @@ class AudioWriter {
   ~AudioWriter();
 
   // Writes interleaved frames with left-aligned samples; a narrower file keeps the upper bits. Throws
-  // PlayerError unless all of them were written.
-  void Write(const int16_t *interleaved, uint32_t frames);
-  void Write(const int32_t *interleaved, uint32_t frames);
+  // PlayerError when they cannot be written, which may be said of a later call's frames or when it is closed:
+  // frames are collected.
+  template <typename Sample>
+  void Write(const Sample *interleaved, uint32_t frames);
 
-  // Completes the file. Throws PlayerError when that fails.
+  // Completes the file. Throws PlayerError when that fails. Without it, what is collected is still written.
   void Close();
 
  private:
   void CheckSize(uint32_t frames);
-  void CheckWritten(sf_count_t framesWritten, uint32_t framesWanted) const;
+  template <typename Sample>
+  [[nodiscard]] bool Flush();
+  [[nodiscard]] sf_count_t WriteFile(const int16_t *interleaved, uint32_t frames);
+  [[nodiscard]] sf_count_t WriteFile(const int32_t *interleaved, uint32_t frames);
   [[noreturn]] void Fail(const std::string &reason) const;
 
   std::string path_;
   UniqueFd fd_;
   SNDFILE *file_ = nullptr;
+  uint32_t channels_;
+  FrameChunks collected_;
   uint64_t framesLeft_;  // until the file is as large as a WAV file can be
 };
 

@@ -12,6 +12,11 @@ namespace kest::player {
 
 namespace {
 
+// Holds the sum of as many samples as there are ports. For 16-bit samples not wider than that takes, because
+// a vector register holds half as many sums of 64 bits.
+template <typename Sample>
+using SumOf = std::conditional_t<sizeof(Sample) == sizeof(int16_t), int32_t, int64_t>;
+
 std::unique_ptr<Filter> Make(const FilterLayout & /*layout*/, const FilterMaterial &material) {
   return std::make_unique<Mixer>(material.format);
 }
@@ -31,22 +36,23 @@ void Mixer::Process() {
 template <typename Sample>
 void Mixer::MixFrames(uint32_t frames) {
   const size_t samples = size_t{frames} * Format().channels;
-  std::fill_n(sums_.begin(), samples, 0);
+  SumOf<Sample> *sums = std::get<FrameArray<SumOf<Sample>>>(sums_).data();
+  std::fill_n(sums, samples, 0);
   for (uint32_t port = 0; port < Record().u32InPortCount; ++port) {
-    if (HasData(port)) AddInput<Sample>(port, frames);
+    if (HasData(port)) AddInput<Sample>(port, frames, sums);
   }
   auto *mixed = buffer_.Samples<Sample>();
-  std::transform(sums_.begin(), sums_.begin() + static_cast<ptrdiff_t>(samples), mixed, Saturate<Sample>);
+  std::transform(sums, sums + samples, mixed, Saturate<Sample, SumOf<Sample>>);
   WriteFrames(mixed, frames);
 }
 
-template <typename Sample>
-void Mixer::AddInput(uint32_t port, uint32_t frames) {
+template <typename Sample, typename Sum>
+void Mixer::AddInput(uint32_t port, uint32_t frames, Sum *sums) {
   auto *input = buffer_.Samples<Sample>();
   ReadFrames(port, input, frames);
   const size_t samples = size_t{frames} * Format().channels;
   for (size_t i = 0; i < samples; ++i) {
-    sums_[i] += input[i];
+    sums[i] += input[i];
   }
 }
 

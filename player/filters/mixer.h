@@ -3,6 +3,7 @@
 #pragma once
 
 #include <array>
+#include <tuple>
 
 #include "player/framework/filter.h"
 
@@ -20,8 +21,8 @@ class Mixer : public Filter {
  private:
   template <typename Sample>
   void MixFrames(uint32_t frames);
-  template <typename Sample>
-  void AddInput(uint32_t port, uint32_t frames);
+  template <typename Sample, typename Sum>
+  void AddInput(uint32_t port, uint32_t frames, Sum *sums);
   void ForwardFirstMetadata(uint32_t frames);
   uint32_t MetadataBytes(uint32_t port, uint32_t frames);
   void ReleaseInputs(uint32_t frames);
@@ -29,7 +30,7 @@ class Mixer : public Filter {
 
   std::array<uint32_t, ZE_KEST_MAX_PORTS> metadataRemainders_{};  // frames since each input's last block
   FrameBuffer buffer_;
-  FrameArray<int64_t> sums_{};
+  std::tuple<FrameArray<int32_t>, FrameArray<int64_t>> sums_{};  // of 16-bit and of 32-bit samples
 };
 
 }  // namespace kest::player

@@ -3,14 +3,16 @@
 
 namespace kest::player {
 
-PipelineLink::PipelineLink(const PcmFormat &format, PortCapacity capacity) : staging_(format, capacity) {}
+PipelineLink::PipelineLink(const PcmFormat &format, PortCapacity capacity, uint32_t wakeFrames)
+    : staging_(format, capacity), wakeFrames_(wakeFrames), resumeFrames_(capacity.frames / 2) {}
 
 bool PipelineLink::Push(PortStorage &from) {
   std::unique_lock<std::mutex> lock(mutex_);
   while (!abandoned_) {
-    if (from.MoveInto(staging_)) changed_.notify_all();
+    from.MoveInto(staging_);
+    if (consumerWaits_ && staging_.FramesHeld() >= wakeFrames_) dataIsHere_.notify_one();
     if (from.IsEmpty()) return true;
-    changed_.wait(lock);
+    WaitForRoom(lock);
   }
   return false;
 }
@@ -18,13 +20,16 @@ bool PipelineLink::Push(PortStorage &from) {
 void PipelineLink::End() {
   const std::lock_guard<std::mutex> lock(mutex_);
   ended_ = true;
-  changed_.notify_all();
+  WakeAll();
 }
 
+// What the port holds already needs no lock.
 PipelineLink::Supply PipelineLink::Pull(PortStorage &to, uint32_t frames, Patience patience) {
+  if (to.FramesHeld() >= frames) return Supply::kReady;
   std::unique_lock<std::mutex> lock(mutex_);
   for (;;) {
-    if (staging_.MoveInto(to)) changed_.notify_all();
+    staging_.MoveInto(to);
+    if (producerWaits_ && staging_.FramesHeld() <= resumeFrames_) roomIsFree_.notify_one();
     if (const auto supply = SupplyOf(to, frames)) return *supply;
     if (!WaitForProducer(lock, patience)) return Supply::kLate;
   }
@@ -33,7 +38,12 @@ PipelineLink::Supply PipelineLink::Pull(PortStorage &to, uint32_t frames, Patien
 void PipelineLink::Abandon() {
   const std::lock_guard<std::mutex> lock(mutex_);
   abandoned_ = true;
-  changed_.notify_all();
+  WakeAll();
+}
+
+void PipelineLink::WakeAll() {
+  roomIsFree_.notify_one();
+  dataIsHere_.notify_one();
 }
 
 std::optional<PipelineLink::Supply> PipelineLink::SupplyOf(const PortStorage &to, uint32_t frames) const {
@@ -43,11 +53,26 @@ std::optional<PipelineLink::Supply> PipelineLink::SupplyOf(const PortStorage &to
   return std::nullopt;
 }
 
+// The consumer may be waiting for more frames than there is room for.
+void PipelineLink::WaitForRoom(std::unique_lock<std::mutex> &lock) {
+  if (consumerWaits_) dataIsHere_.notify_one();
+  producerWaits_ = true;
+  roomIsFree_.wait(lock);
+  producerWaits_ = false;
+}
+
 // Each wait gets the full patience again: a producer that delivers little by little is not late.
 bool PipelineLink::WaitForProducer(std::unique_lock<std::mutex> &lock, const Patience &patience) {
-  if (patience) return changed_.wait_for(lock, *patience) == std::cv_status::no_timeout;
-  changed_.wait(lock);
-  return true;
+  bool inTime = true;
+  if (producerWaits_) roomIsFree_.notify_one();
+  consumerWaits_ = true;
+  if (patience) {
+    inTime = dataIsHere_.wait_for(lock, *patience) == std::cv_status::no_timeout;
+  } else {
+    dataIsHere_.wait(lock);
+  }
+  consumerWaits_ = false;
+  return inTime;
 }
 
 }  // namespace kest::player

@@ -8,10 +8,10 @@
 namespace kest::player {
 
 // The nearest value that the sample type can hold.
-template <typename Sample>
-constexpr Sample Saturate(int64_t value) {
+template <typename Sample, typename Value>
+constexpr Sample Saturate(Value value) {
   return static_cast<Sample>(
-      std::clamp<int64_t>(value, std::numeric_limits<Sample>::min(), std::numeric_limits<Sample>::max()));
+      std::clamp<Value>(value, std::numeric_limits<Sample>::min(), std::numeric_limits<Sample>::max()));
 }
 
 }  // namespace kest::player

@@ -13,7 +13,9 @@
 namespace kest::player {
 namespace {
 
+// How far an input may run ahead of the output.
 constexpr uint32_t kLinkFrames = 16 * kCycleFrames;
+constexpr uint32_t kFastLinkFrames = 64 * kCycleFrames;
 
 std::vector<AudioReader> OpenInputs(const Layout &layout) {
   std::vector<AudioReader> readers;
@@ -72,10 +74,14 @@ Playback::Playback(const Layout &layout, const Options &options)
   const uint64_t limit = FrameLimit(options, format_.sampleRate);
   Pipeline &output = Build(layout.output, {format_, readers[0], 0, options.loop, !options.fast, limit});
   output_ = &static_cast<const SpeakerOutput &>(output.LastFilter());
+  // In real time what comes is used at once; with --fast a pipeline sleeps until it has work for a while.
+  const uint32_t linkFrames = options.fast ? kFastLinkFrames : kLinkFrames;
+  const uint32_t wakeFrames = options.fast ? kFastLinkFrames / 2 : 1;
   for (uint32_t i = 0; i < readers.size(); ++i) {
     Pipeline &input =
         Build(layout.inputs[i], {format_, readers[i], i + 1, options.loop, !options.fast, limit});
-    links_.push_back(std::make_unique<PipelineLink>(format_, PortCapacity::ForFrames(kLinkFrames)));
+    links_.push_back(
+        std::make_unique<PipelineLink>(format_, PortCapacity::ForFrames(linkFrames), wakeFrames));
     input.FeedInto(output, *links_.back());
   }
 }

@@ -21,7 +21,7 @@ constexpr std::chrono::microseconds kNoPatience{0};
 
 TEST(PipelineLink, TellsLateDataFromTheEnd) {
   PortStorage from(kMono, PortCapacity::ForFrames(300));
-  PipelineLink link(kMono, PortCapacity::ForFrames(700));
+  PipelineLink link(kMono, PortCapacity::ForFrames(700), 1);
   PortStorage to(kMono, PortCapacity::ForFrames(1000));
   EXPECT_EQ(Supply::kLate, link.Pull(to, 1, kNoPatience));
   from.Record().stPcm.sztPcmWriteSize = 300;
@@ -32,6 +32,34 @@ TEST(PipelineLink, TellsLateDataFromTheEnd) {
   link.End();
   EXPECT_EQ(Supply::kEnded, link.Pull(to, 301, kNoPatience));
   EXPECT_EQ(300u, to.Record().stPcm.sztPcmLevel);
+}
+
+// Both sides wait again and again, and each for less than the other has when it goes to sleep.
+TEST(PipelineLink, LetsNoSideSleepForEverWhateverTheSizes) {
+  constexpr uint32_t kCapacity = 700;
+  constexpr uint32_t kFrames = 300 * 1000;
+  for (const uint32_t wakeFrames : {1u, kCapacity / 2, kCapacity}) {
+    PipelineLink link(kMono, PortCapacity::ForFrames(kCapacity), wakeFrames);
+    std::thread producer([&link] {
+      PortStorage from(kMono, PortCapacity::ForFrames(300));
+      for (uint32_t pushed = 0; pushed < kFrames; pushed += 300) {
+        from.Record().stPcm.sztPcmWriteSize = 300;
+        from.CommitWritten();
+        link.Push(from);
+      }
+      link.End();
+    });
+    PortStorage to(kMono, PortCapacity::ForFrames(2 * kCapacity));
+    uint32_t pulled = 0;
+    for (Supply supply = Supply::kReady; supply == Supply::kReady;) {
+      supply = link.Pull(to, kCapacity + 1 + pulled % 500, std::nullopt);
+      to.Record().stPcm.sztPcmReadSize = to.FramesHeld();
+      pulled += to.FramesHeld();
+      to.ReleaseRead();
+    }
+    producer.join();
+    EXPECT_EQ(kFrames, pulled);
+  }
 }
 
 class SlowLpcm : public Lpcm {
