@@ -43,13 +43,13 @@ void Pipeline::Append(std::unique_ptr<Filter> filter) {
 void Pipeline::FeedFrom(PipelineLink &link) {
   PortStorage &port = AddPort(filters_.front()->InputCapacity());
   filters_.front()->ConnectInput(port);
-  inputs_.push_back({&link, &port, false});
+  inputs_.push_back({&link, &port});
 }
 
 void Pipeline::FeedInto(Pipeline &fed, PipelineLink &link) {
   PortStorage &port = AddPort(PortCapacity::ForFrames(kCycleFrames));
   filters_.back()->ConnectOutput(port);
-  outputs_.push_back({&link, &port, false});
+  outputs_.push_back({&link, &port});
   fedPipelines_.emplace_back(fed.record_.szName);
   fed.FeedFrom(link);
 }

@@ -39,7 +39,7 @@ class Pipeline {
   struct LinkedPort {
     PipelineLink *link;
     PortStorage *port;
-    bool ended;
+    bool ended = false;
   };
 
   PortStorage &AddPort(PortCapacity capacity);

@@ -103,7 +103,8 @@ TEST(Faults, AShutDownDoesNotWaitForALineOfAPipeThatWasRemoved) {
     EmptyDirectoryAtFullLevel();
     const ReportCapture capture;
     ASSERT_EQ(ZE_KEST_OK, ze_kest_Debug_Init());
-    WriteToPipe("");
+    WriteToPipe("kest_atrace=off\n");
+    EXPECT_TRUE(WaitFor([&] { return capture.Has("<PRINT>", "kest_atrace=off\n"); }));
     bWhileWaiting = !bWhileWaiting;
     std::thread remover([&] {
       if (bWhileWaiting) WaitFor([&] { return capture.Has("<PRINT>", "Log to file(0)\n"); });
@@ -113,6 +114,7 @@ TEST(Faults, AShutDownDoesNotWaitForALineOfAPipeThatWasRemoved) {
     EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_DeInit());
     if (remover.joinable()) remover.join();
     ExpectErrors(capture, {"D was removed, the thread waits for no line\n"});
+    EXPECT_EQ(1, capture.Count("<PRINT>", "kest_atrace=off\n"));  // no line is carried out twice
     EXPECT_TRUE(WaitFor([] { return ThreadsNamed("KestDebug") == 0; }));
   }
   ExpectTheLayerWorks();

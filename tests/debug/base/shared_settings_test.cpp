@@ -39,11 +39,12 @@ TEST(SharedSettings, SurviveABlockThatIsEmptiedShortenedAndFilledAgainAllTheTime
 }
 
 TEST(SharedSettings, ABlockThatWasEmptiedCountsAsNoneUntilAProcessSetsItAgain) {
+  PresetText szText;
+  EXPECT_FALSE(CopyPresetCommand(szText));  // nobody has set one, and there is no block
   const DebugLayer layer;
   Command("kest_debug_preset_cmd=all,own=one");
   std::filesystem::resize_file(kBlockFile, 260);  // all but the flag
   EXPECT_EQ(ZE_KEST_INVALID_ARGUMENT, ze_kest_Debug_SetParameter("kest_print_current_shm"));
-  PresetText szText;
   EXPECT_TRUE(CopyPresetCommand(szText));
   EXPECT_STREQ("own=one", szText);
 

@@ -82,7 +82,9 @@ TEST(Log, TheChildOfAForkWritesItsOwnIds) {
 
 TEST(Log, AChangeOfTheTimeZoneShowsInTheNextLine) {
   const DebugLayer layer;
-  for (const auto &[zone, s32Hours] : {std::pair{"AAA-5", 5}, std::pair{"BBB3", -3}, std::pair{"CCC-5", 5}}) {
+  // The third is summer time all the year.
+  for (const auto &[zone, s32Hours] : {std::pair{"AAA-5", 5}, std::pair{"BBB3", -3},
+                                       std::pair{"BBB3DDD,0/0,J365/25", -2}, std::pair{"CCC-5", 5}}) {
     setenv("TZ", zone, 1);
     tzset();
     const auto now = [hours = s32Hours] {  // of the log's own clock: time() may lag it
@@ -135,6 +137,9 @@ TEST(Log, ARestartEmptiesTheFileCountsAndKeepsTheSwitch) {
   EXPECT_EQ("", ReadFile(kLogFile));
   Command("kest_log_to_file=on");
   EXPECT_THAT(LoggedError(), HasSubstr("[2023/06/01,01,2]"));
+  ShutDown();  // switches it off
+  EXPECT_EQ(ZE_KEST_OK, _ZE_KEST_Debug_LogRestart());
+  EXPECT_EQ(1, capture.Count("<PRINT>", "Log to file(1)\n"));
 }
 
 TEST(Log, AFileThatHasGrownTooLongIsRestartedAtA1000thMessage) {
@@ -177,6 +182,7 @@ TEST(Log, ATextThatCannotBeFormattedIsReportedAndTheNextIsWhole) {
   const ReportCapture capture(ZE_KEST_LEVEL_ERR);
   const wchar_t acNoCharacter[] = {0x7FFFFFFF, 0};
   ze_kest_Debug_Log(ZE_KEST_LEVEL_ERR, "%ls\n", acNoCharacter);
+  ze_kest_Debug_Log(ZE_KEST_LEVEL_PRINT, "%s", "");  // which can
   EXPECT_THAT(capture.Texts("<ERR>"), ElementsAre("Error! Fail to vfprintf()!\n"));
   EXPECT_THAT(LoggedError(), EndsWith("<ERR>\033[0mx\n"));
 }

@@ -29,8 +29,8 @@ TEST_F(Listing, ShowsPipelinesFiltersConnectionsPortsAndTheirBytesAndEveryState)
   stIn.stRaw.sztSize = 64;
   ZE_KEST_Port_s stOut = {};
   stOut.stMeta.sztSize = 1000;
-  filter.u32InPortCount = 3;  // two of the slots are empty
-  filter.apstInPort[1] = &stIn;
+  filter.u32InPortCount = 2;  // the first slot is empty, what lies behind the second is stale
+  filter.apstInPort[1] = filter.apstInPort[2] = &stIn;
   filter.u32OutPortCount = 100;  // more than there are
   filter.apstOutPort[0] = &stOut;
 
@@ -60,7 +60,8 @@ TEST_F(Listing, ShowsPipelinesFiltersConnectionsPortsAndTheirBytesAndEveryState)
     EXPECT_THAT(PrintsOf("kest_debug_list=print")[5], StartsWith(std::string("idx:1  ") + apszStates[i]));
   }
   filter.pstParentPipeline = nullptr;
-  EXPECT_THAT(PrintsOf("kest_debug_list=print")[5], StartsWith("idx:1  ?    "));
+  EXPECT_THAT(PrintsOf("kest_debug_list=print")[5],
+              AllOf(StartsWith("idx:1  ?    "), HasSubstr("AutoConsume: 0,")));
 }
 
 TEST_F(Listing, ConnectionsFillTheFirstFreeSlotOfTheFirstPipelineAndTheNinthIsDropped) {
