@@ -9,6 +9,11 @@
 
 namespace kest::test {
 
+struct Token {
+  bool operator==(const Token &other) const { return memcmp(&st, &other.st, sizeof(st)) == 0; }
+  ZE_KEST_JsmnTokenInfo_s st;
+};
+
 class JsonText {
  public:
   // sztRoom: the bytes that the context is told to have for its tokens; 0 leaves what it has.
@@ -29,15 +34,11 @@ class JsonText {
 
   uint32_t Fill() { return ze_kest_Utility_Jsmn_FillUpTokenInfo(&st); }
 
-  // The tokens as "TYPE START-END/SIZE ...", the type as a digit; "failed" when there is no index.
-  std::string Tokens() {
-    if (Fill() != ZE_KEST_OK) return "failed";
-    std::string tokens;
-    for (uint32_t i = 0; i < st.u32TotalTokenCounter; ++i) {
-      const ZE_KEST_JsmnTokenInfo_s &token = st.pstTokenInfo[i];
-      tokens += (i == 0 ? "" : " ") + std::to_string(token.type) + ":" + std::to_string(token.start) + "-" +
-                std::to_string(token.end) + "/" + std::to_string(token.size);
-    }
+  // Every token; none when there is no index.
+  std::vector<Token> Tokens() {
+    if (Fill() != ZE_KEST_OK) return {};
+    std::vector<Token> tokens(st.u32TotalTokenCounter);
+    memcpy(tokens.data(), st.pstTokenInfo, tokens.size() * sizeof(Token));
     return tokens;
   }
 

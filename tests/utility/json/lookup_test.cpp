@@ -4,12 +4,9 @@
 namespace kest::test {
 namespace {
 
-constexpr int kNone = -1;        // no target; no match
-constexpr int kStranger = 1000;  // a token of no context
-
-// Tokens:              0 1   2 3   4     5   6     7   8 9
 const char *const kText = R"({"a":{"b":1234},"c":"b", "dd":["c"]})";
-constexpr int kLast = 9;
+// Its tokens, in their order; no target or no match; a token of no context.
+enum { kRoot, kA, kValueOfA, kB, k1234, kC, kValueOfC, kDd, kValueOfDd, kLast, kNone = -1, kStranger = 1000 };
 
 const char *const kCantFind = "Error! Can't find this pstTargetTokenInfo in pstJsmn!\n";
 const char *const kNoObject = "Error! This pstTargetTokenInfo doesn't have any object!\n";
@@ -34,6 +31,14 @@ class JsonLookup : public testing::Test {
     return all;
   }
 
+  void ExpectReport(const char *pszOperation, const std::string &text) {
+    EXPECT_EQ(std::string("ze_kest_Utility_Jsmn_") + pszOperation + " " + text, Reported(true));
+  }
+  void ExpectInvalid(uint32_t u32Result, const char *pszOperation, const std::string &text) {
+    EXPECT_EQ(ZE_KEST_INVALID_ARGUMENT, u32Result);
+    ExpectReport(pszOperation, text);
+  }
+
   ReportCapture capture;
   JsonText json{kText};
   ZE_KEST_JsmnTokenInfo_s stStranger = {ZE_KEST_JSMN_STRING, 0, 1, 0};
@@ -42,17 +47,22 @@ class JsonLookup : public testing::Test {
 }  // namespace
 
 TEST_F(JsonLookup, ANameIsFoundAnywhereOrFromATargetToTheEndOfItsValue) {
-  const std::tuple<int, const char *, int, const char *> aLookups[] = {
-      {kNone, "b", 3, ""},
-      {kNone, "d", kNone, ""},  // "dd" only begins so
-      {kNone, "ddd", kNone, ""},
-      {kNone, "1234", kNone, ""},  // no string
-      {1, "b", 3, ""},
-      {1, "a", 1, ""},  // itself
-      {5, "b", 6, ""},  // a value
-      {7, "c", 9, ""},
-      {7, "a", kNone, ""},
-      {1, "dd", kNone,
+  struct {
+    int s32Target;
+    const char *pszName;
+    int s32Found;
+    const char *pszReport = "";
+  } const aLookups[] = {
+      {kNone, "b", kB},
+      {kNone, "d", kNone},  // "dd" only begins so
+      {kNone, "ddd", kNone},
+      {kNone, "1234", kNone},  // no string
+      {kA, "b", kB},
+      {kA, "a", kA},
+      {kC, "b", kValueOfC},
+      {kDd, "c", kLast},
+      {kDd, "a", kNone},
+      {kA, "dd", kNone,
        "Warning! The matched pstTokenInfoRet (26) is not inside of pstTargetTokenInfoObject (15)!\n"},
       {kLast, "c", kNone, kNoObject},
       {kStranger, "b", kNone, kCantFind},
@@ -74,12 +84,9 @@ TEST_F(JsonLookup, TheFirstTokenAndAnEmptyTextAreFoundToo) {
 }
 
 TEST_F(JsonLookup, TheNextStringIsAKeyOrAValue) {
-  const std::tuple<int, int, const char *> aSteps[] = {{kNone, 1, ""},
-                                                       {0, 1, ""},
-                                                       {1, 3, ""},
-                                                       {5, 6, ""},
-                                                       {kLast, kNone, kNoObject},
-                                                       {kStranger, kNone, kCantFind}};
+  const std::tuple<int, int, const char *> aSteps[] = {
+      {kNone, kA, ""},     {kRoot, kA, ""},           {kA, kB, ""},
+      {kC, kValueOfC, ""}, {kLast, kNone, kNoObject}, {kStranger, kNone, kCantFind}};
   for (const auto &[s32Target, s32Next, pszReport] : aSteps) {
     EXPECT_EQ(s32Next, Index(ze_kest_Utility_Jsmn_GetNextTokenInfo(&json.st, Token(s32Target))));
     EXPECT_EQ(pszReport, Reported()) << s32Target;
@@ -91,8 +98,8 @@ TEST_F(JsonLookup, TheNextStringIsAKeyOrAValue) {
 }
 
 TEST_F(JsonLookup, AValueIsReadAtExactlyItsSize) {
-  const std::pair<int, std::string> aKeys[] = {{1, "{\"b\":1234}"}, {3, "1234"},     {5, "b"},
-                                               {7, "[\"c\"]"},      {kLast, "####"}, {kStranger, "####"}};
+  const std::pair<int, std::string> aKeys[] = {{kA, "{\"b\":1234}"}, {kB, "1234"},    {kC, "b"},
+                                               {kDd, "[\"c\"]"},     {kLast, "####"}, {kStranger, "####"}};
   for (const auto &[s32Key, value] : aKeys) {
     SCOPED_TRACE(s32Key);
     size_t sztSize = 4;
@@ -106,22 +113,14 @@ TEST_F(JsonLookup, AValueIsReadAtExactlyItsSize) {
   EXPECT_EQ("", Reported());
   std::string data(8, '#');
   for (const size_t sztSize : {size_t{3}, size_t{5}}) {
-    EXPECT_EQ(12u, ze_kest_Utility_Jsmn_ReadData_ByTokenInfo(&json.st, Token(3), data.data(), sztSize));
+    EXPECT_EQ(12u, ze_kest_Utility_Jsmn_ReadData_ByTokenInfo(&json.st, Token(kB), data.data(), sztSize));
     EXPECT_EQ("Error (0x0000000C)! Data size is not matched (" + std::to_string(sztSize) + ", 4)!\n",
               Reported());
   }
   EXPECT_EQ(std::string(8, '#'), data);
 }
 
-TEST_F(JsonLookup, ArgumentsAreCheckedInOrderAndReportedUnderTheOperationsName) {
-  const auto refused = [this](const char *pszOperation, const void *pvOrNull, const std::string &text) {
-    EXPECT_EQ(nullptr, pvOrNull);
-    EXPECT_EQ(std::string("ze_kest_Utility_Jsmn_") + pszOperation + " " + text, Reported(true));
-  };
-  const auto invalid = [&](const char *pszOperation, uint32_t u32Result, const std::string &text) {
-    EXPECT_EQ(ZE_KEST_INVALID_ARGUMENT, u32Result);
-    refused(pszOperation, nullptr, text);
-  };
+TEST_F(JsonLookup, AContextIsCheckedInOrderAndReportedUnderTheOperationsName) {
   ZE_KEST_Jsmn_s ast[3] = {{}, {}, {}};
   ast[1].pstTokenInfo = ast[2].pstTokenInfo = &stStranger;
   ast[2].sztTokenInfoSize = 16;
@@ -131,36 +130,37 @@ TEST_F(JsonLookup, ArgumentsAreCheckedInOrderAndReportedUnderTheOperationsName) 
       {&ast[1], "Invalid parameter: pstJsmn->sztTokenInfoSize!\n"},
       {&ast[2], "Invalid parameter: pstJsmn->u32TotalTokenCounter!\n"}};
   for (const auto &[pst, text] : aContexts) {
-    refused("GetTokenInfo_ByDataName", ze_kest_Utility_Jsmn_GetTokenInfo_ByDataName(pst, nullptr, nullptr),
-            text);
-    refused("GetNextTokenInfo", ze_kest_Utility_Jsmn_GetNextTokenInfo(pst, nullptr), text);
-    invalid("GetDataSize_ByTokenInfo", ze_kest_Utility_Jsmn_GetDataSize_ByTokenInfo(pst, nullptr, nullptr),
-            text);
-    invalid("ReadData_ByTokenInfo", ze_kest_Utility_Jsmn_ReadData_ByTokenInfo(pst, nullptr, nullptr, 0),
-            text);
+    EXPECT_EQ(nullptr, ze_kest_Utility_Jsmn_GetTokenInfo_ByDataName(pst, nullptr, nullptr));
+    ExpectReport("GetTokenInfo_ByDataName", text);
+    EXPECT_EQ(nullptr, ze_kest_Utility_Jsmn_GetNextTokenInfo(pst, nullptr));
+    ExpectReport("GetNextTokenInfo", text);
+    ExpectInvalid(ze_kest_Utility_Jsmn_GetDataSize_ByTokenInfo(pst, nullptr, nullptr),
+                  "GetDataSize_ByTokenInfo", text);
+    ExpectInvalid(ze_kest_Utility_Jsmn_ReadData_ByTokenInfo(pst, nullptr, nullptr, 0), "ReadData_ByTokenInfo",
+                  text);
     if (pst == &ast[2]) continue;  // which is usable
-    invalid("FillUpTokenInfo", ze_kest_Utility_Jsmn_FillUpTokenInfo(pst), text);
-    invalid("Destroy", ze_kest_Utility_Jsmn_Destroy(pst), text);
+    ExpectInvalid(ze_kest_Utility_Jsmn_FillUpTokenInfo(pst), "FillUpTokenInfo", text);
+    ExpectInvalid(ze_kest_Utility_Jsmn_Destroy(pst), "Destroy", text);
   }
-  invalid("Create", ze_kest_Utility_Jsmn_Create(nullptr), "pstJsmn is NULL.\n");
-  invalid("FillUpTokenInfo", ze_kest_Utility_Jsmn_FillUpTokenInfo(&ast[2]),
-          "pstJsmn->pszStringData is NULL.\n");
+  ExpectInvalid(ze_kest_Utility_Jsmn_Create(nullptr), "Create", "pstJsmn is NULL.\n");
+  ExpectInvalid(ze_kest_Utility_Jsmn_FillUpTokenInfo(&ast[2]), "FillUpTokenInfo",
+                "pstJsmn->pszStringData is NULL.\n");
   ast[2].pszStringData = kText;
-  invalid("FillUpTokenInfo", ze_kest_Utility_Jsmn_FillUpTokenInfo(&ast[2]),
-          "Invalid parameter: pstJsmn->sztStringDataSize!\n");
+  ExpectInvalid(ze_kest_Utility_Jsmn_FillUpTokenInfo(&ast[2]), "FillUpTokenInfo",
+                "Invalid parameter: pstJsmn->sztStringDataSize!\n");
+}
 
-  const auto size = [&](int s32Key, size_t *psztSize) {
-    return ze_kest_Utility_Jsmn_GetDataSize_ByTokenInfo(&json.st, Token(s32Key), psztSize);
-  };
-  const auto read = [&](int s32Key, char *pszData) {
-    return ze_kest_Utility_Jsmn_ReadData_ByTokenInfo(&json.st, Token(s32Key), pszData, 0);
-  };
+TEST_F(JsonLookup, ATokenAndTheRoomForItsValueAreCheckedInOrder) {
+  const char *const pszSize = "GetDataSize_ByTokenInfo";
+  const char *const pszRead = "ReadData_ByTokenInfo";
+  const auto size = ze_kest_Utility_Jsmn_GetDataSize_ByTokenInfo;
+  const auto read = ze_kest_Utility_Jsmn_ReadData_ByTokenInfo;
   char cData = 0;
-  invalid("GetDataSize_ByTokenInfo", size(kNone, nullptr), "pstTokenInfo is NULL.\n");
-  invalid("GetDataSize_ByTokenInfo", size(1, nullptr), "psztDataSize is NULL.\n");
-  invalid("ReadData_ByTokenInfo", read(kNone, nullptr), "pstTokenInfo is NULL.\n");
-  invalid("ReadData_ByTokenInfo", read(1, nullptr), "pszData is NULL.\n");
-  invalid("ReadData_ByTokenInfo", read(1, &cData), "Invalid parameter: sztDataSize!\n");
+  ExpectInvalid(size(&json.st, nullptr, nullptr), pszSize, "pstTokenInfo is NULL.\n");
+  ExpectInvalid(size(&json.st, Token(kA), nullptr), pszSize, "psztDataSize is NULL.\n");
+  ExpectInvalid(read(&json.st, nullptr, nullptr, 0), pszRead, "pstTokenInfo is NULL.\n");
+  ExpectInvalid(read(&json.st, Token(kA), nullptr, 0), pszRead, "pszData is NULL.\n");
+  ExpectInvalid(read(&json.st, Token(kA), &cData, 0), pszRead, "Invalid parameter: sztDataSize!\n");
 }
 
 }  // namespace kest::test
