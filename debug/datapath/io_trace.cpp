@@ -22,7 +22,7 @@ struct FilterIoNode {
 };
 
 FilterIoNode *pstFilterIoList KEST_GUARDED_BY(kDebugLock) = nullptr;
-uint32_t u32IoFilterStartOffset = 0;  // deliberate: one for all pipelines
+uint32_t u32IoFilterStartOffset KEST_GUARDED_BY(kDebugLock) = 0;  // deliberate: one for all pipelines
 
 // Deliberate: without the lock. It tells only whether there is an entry, and a cycle asks it for every
 // filter.
@@ -73,7 +73,7 @@ void WritePipelineEnd(FILE *pFile, const IoEvent &event) {
       static_cast<unsigned long long>(event.u64Now), event.pszPipelineName, event.Elapsed());
 }
 
-void WriteFilterEnd(FILE *pFile, const IoEvent &event) {
+void WriteFilterEnd(FILE *pFile, const IoEvent &event) KEST_REQUIRES_LOCK(kDebugLock) {
   if (event.pszFilterName == nullptr) return;
   const auto s32Start = static_cast<int32_t>(u32IoFilterStartOffset);
   const int32_t s32Elapsed = event.Elapsed();
@@ -82,7 +82,7 @@ void WriteFilterEnd(FILE *pFile, const IoEvent &event) {
                             static_cast<int32_t>(s64Delta < 0 ? 0 : s64Delta));
 }
 
-void Trace(FILE *pFile, const IoEvent &event) {
+void Trace(FILE *pFile, const IoEvent &event) KEST_REQUIRES_LOCK(kDebugLock) {
   if (event.u32Type == ZE_KEST_IO_PIPELINE_END) WritePipelineEnd(pFile, event);
   if (event.u32Type == ZE_KEST_IO_FILTER_END) WriteFilterEnd(pFile, event);
   if (event.u32Type == ZE_KEST_IO_FILTER_START) {
@@ -154,6 +154,7 @@ void _ZE_KEST_Debug_ReleaseFilterIoList() {
 void ResetIoTrace() {
   SwitchOff(kTraceIo);
   if (IsWatching()) _ZE_KEST_Debug_ReleaseFilterIoList();
+  const HoldingDebug holding;
   u32IoFilterStartOffset = 0;
 }
 
