@@ -16,8 +16,8 @@
 
 #include "ctl/channel/interrupt.h"
 #include "ctl/channel/proc.h"
-#include "ctl/channel/unique_fd.h"
 #include "ctl/error.h"
+#include "programs/unique_fd.h"
 
 namespace kest::ctl {
 namespace {

@@ -9,7 +9,7 @@
 
 #include <sys/types.h>
 
-#include "ctl/channel/unique_fd.h"
+#include "programs/unique_fd.h"
 
 namespace kest::ctl {
 

@@ -10,7 +10,7 @@
 #include <sys/types.h>
 
 #include "player/audio/frame_chunk.h"
-#include "player/base/unique_fd.h"
+#include "programs/unique_fd.h"
 
 namespace kest::player {
 

@@ -9,7 +9,7 @@
 
 #include "player/audio/audio_reader.h"
 #include "player/audio/frame_chunk.h"
-#include "player/base/unique_fd.h"
+#include "programs/unique_fd.h"
 
 namespace kest::player {
 

@@ -6,7 +6,7 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 
-#include "player/base/unique_fd.h"
+#include "programs/unique_fd.h"
 
 namespace kest::player {
 namespace {

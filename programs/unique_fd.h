@@ -6,7 +6,7 @@
 
 #include <unistd.h>
 
-namespace kest::ctl {
+namespace kest {
 
 class UniqueFd {
  public:
@@ -17,15 +17,16 @@ class UniqueFd {
     std::swap(fd_, other.fd_);
     return *this;
   }
-  ~UniqueFd() {
-    if (fd_ >= 0) close(fd_);
-  }
+  ~UniqueFd() { Close(); }
 
   [[nodiscard]] int Get() const { return fd_; }
   [[nodiscard]] bool IsOpen() const { return fd_ >= 0; }
+
+  // False when the system reports at the close that written data was lost.
+  bool Close() { return fd_ < 0 || close(std::exchange(fd_, -1)) == 0; }
 
  private:
   int fd_ = -1;
 };
 
-}  // namespace kest::ctl
+}  // namespace kest
