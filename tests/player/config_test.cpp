@@ -90,11 +90,13 @@ TEST_F(Config, AnInputHasItsOwnSettings) {
 }
 
 TEST_F(Config, TheExampleIsValid) {
+  const ReportCapture capture;
   const player::Layout layout = player::ReadLayout(KEST_PLAYER_EXAMPLE, player::BuiltInKinds());
   ASSERT_EQ(2u, layout.inputs.size());
   EXPECT_EQ("/usr/share/sounds/alsa/Front_Left.wav", layout.inputs[0].filters.front().FileName("file"));
   EXPECT_EQ(-6, layout.inputs[0].filters.back().WholeNumber("gain_db"));
   EXPECT_EQ(500, layout.inputs[1].filters.back().WholeNumber("delay_ms"));
+  EXPECT_THAT(capture.Texts("<ERR>"), IsEmpty());
 }
 
 TEST_F(Config, AFaultIsSaidWithItsPlaceAndWhatIsAllowed) {

@@ -11,6 +11,7 @@
 #include "player/audio/audio_writer.h"
 #include "player/base/player_error.h"
 #include "tests/player/player_test.h"
+#include "tests/support/disk.h"
 
 namespace kest::test {
 namespace {
@@ -105,11 +106,17 @@ TEST_F(PlayerErrors, AnOutputThatBecomesTooLargeIsReported) {
   WriteAudio(Path("in.wav"), Noise(2, kWav16, 1));
   player::AudioWriter writer(out_, player::AudioReader(Path("in.wav")));
   constexpr uint32_t kMostFrames = (UINT32_MAX - 4096) / 4;
-  try {
-    writer.Write(static_cast<const int16_t *>(nullptr), kMostFrames + 1);
-    ADD_FAILURE() << "more than 4 GiB";
-  } catch (const player::PlayerError &error) {
-    EXPECT_THAT(error.what(), HasSubstr("a WAV file holds at most 4 GiB"));
+  const std::vector<int16_t> first(1 << 20);  // more is not looked at before the limit stops the write
+  const FileSizeLimit limit(64 << 10);
+  const char *const kTooLong = "a WAV file holds at most 4 GiB";
+  for (const auto &[frames, reason] : {std::pair{kMostFrames + 1, kTooLong},
+                                       std::pair{kMostFrames, "File too large"}, std::pair{1u, kTooLong}}) {
+    try {
+      writer.Write(first.data(), frames);
+      ADD_FAILURE() << reason;
+    } catch (const player::PlayerError &error) {
+      EXPECT_THAT(error.what(), HasSubstr(reason));
+    }
   }
 }
 

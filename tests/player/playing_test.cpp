@@ -122,7 +122,8 @@ TEST_F(Player, DelayPutsSilenceFirstAndLosesNothing) {
 
 TEST_F(Player, SecondsCutTheOutputAndLoopFillsIt) {
   const AudioData input = WriteNoise(Path("in.wav"), 2, kWav16, 5001);
-  EXPECT_TRUE(Looped(input.samples, 2 * 3360) == Played({Path("in.wav"), "--seconds", "0.07"}).samples);
+  for (const auto &[seconds, frames] : {std::pair{"0.07", 3360u}, std::pair{"0.001", 48u}})
+    EXPECT_TRUE(Looped(input.samples, 2 * frames) == Played({Path("in.wav"), "--seconds", seconds}).samples);
   EXPECT_TRUE(Looped(input.samples, 2 * 24000) ==
               Played({Path("in.wav"), "--seconds", "0.5", "--loop"}).samples);
   WriteAudio(Path("in.wav"), Noise(2, kWav16, 0));

@@ -9,8 +9,9 @@ namespace {
 constexpr const char *kPath = KEST_DEBUG_DIR "a.b,c.json";  // points, commas and slashes are part of the path
 const std::string kLine = std::string("kest_json_parser=") + kPath;
 
+// Arrays, with an object in the innermost.
 std::string Nested(size_t sztDepth) {
-  return std::string(sztDepth, '[') + std::string(sztDepth, ']');
+  return std::string(sztDepth - 1, '[') + "{}" + std::string(sztDepth - 1, ']');
 }
 
 }  // namespace
@@ -52,7 +53,7 @@ TEST(JsonCommand, PrintsTokensOf64LevelsAndNoneOfATextThatIsDeeperOrLongerThanAM
   ReportCapture capture;
   WriteFile(kPath, Nested(64));
   EXPECT_EQ(ZE_KEST_OK, _ZE_KEST_Debug_SetParameter(kLine.c_str()));
-  EXPECT_TRUE(capture.Has("<PRINT>", "node:   63,     ARRAY, children:     0, data:\n[], \n"));
+  EXPECT_TRUE(capture.Has("<PRINT>", "node:   63,    OBJECT, children:     0, data:\n{}, \n"));
   for (const std::string &text : {Nested(65), Nested(200000), "[" + std::string(1048576, ' ') + "]"}) {
     capture.Clear();
     WriteFile(kPath, text);

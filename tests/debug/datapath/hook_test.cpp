@@ -113,69 +113,71 @@ int16_t Sine(size_t sztPosition) {
 }
 
 // The level and the write size count as bytes, and every channel of a frame gets the same sample.
-TEST(Hook, WritesASineOverTheFirstOutputOfTheSelectedFilter) {
+class SineOutput : public testing::Test {
+ protected:
+  void Cycle(uint32_t sztLevel, uint32_t sztWriteSize, const char *pszLine) {
+    pcm.sztPcmLevel = sztLevel;
+    pcm.sztPcmWriteSize = sztWriteSize;
+    Command(pszLine);
+    EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_Filter(filter));
+  }
+
   const DebugLayer layer;
   Filter filter;
   Port &port = filter.Out(0);
   ZE_KEST_PcmBuffer_s &pcm = port.Pcm(16, 120, {2, 0, 0});
-  pcm.sztPcmLevel = 4;
-  pcm.sztPcmWriteSize = 6;
   std::vector<int16_t> expected = StorageOf(port);
-  const auto run = [&](const char *pszSelection) {
-    Command(pszSelection);
-    EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_Filter(filter));
-  };
+  const Switched sine{"kest_output_sinewave"};
+};
 
-  Command("kest_output_sinewave_filter=pipe,other");
-  const Switched sine("kest_output_sinewave");
-  EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_Filter(filter));
-  run("kest_output_sinewave_filter=pipeline,");
+TEST_F(SineOutput, GoesOverTheFirstOutputOfTheSelectedFilter) {
+  Cycle(4, 6, "kest_output_sinewave_filter=pipe,other");
+  Cycle(4, 6, "kest_output_sinewave_filter=pipeline,");
   EXPECT_EQ(expected, StorageOf(port));
 
-  run("kest_output_sinewave_filter=pi,fil");  // two frames for 6 bytes
+  Cycle(4, 6, "kest_output_sinewave_filter=pi,fil");  // two frames for 6 bytes
   expected[2] = expected[3] = Sine(0);
   expected[4] = expected[5] = Sine(1);
   EXPECT_EQ(expected, StorageOf(port));
 
-  pcm.sztPcmLevel = 0;
-  pcm.sztPcmWriteSize = 47 * 4;
-  run("kest_output_sinewave_filter=,");  // goes on, and around the table's end
+  Cycle(0, 47 * 4, "kest_output_sinewave_filter=,");  // goes on, and around the table's end
   for (size_t i = 0; i < 94; ++i)
     expected[i] = Sine(2 + i / 2);
   EXPECT_EQ(expected, StorageOf(port));
+  Cycle(0, 4, "kest_output_sinewave=on");  // from the first sample again
+  EXPECT_EQ(Sine(0), StorageOf(port)[0]);
+}
 
-  pcm.stPcmInfo.u32TotalChannels = 0;  // counts as two; the storage bounds the last frame
-  pcm.sztPcmLevel = 474;
-  pcm.sztPcmWriteSize = 8;
-  run("kest_output_sinewave=on");  // from the first sample again
+TEST_F(SineOutput, EndsWhereTheStorageEnds) {
+  pcm.stPcmInfo.u32TotalChannels = 0;  // counts as two
+  Cycle(474, 8, "kest_output_sinewave_filter=,");
   expected[237] = expected[238] = Sine(0);
   expected[239] = Sine(1);
   EXPECT_EQ(expected, StorageOf(port));
 
   pcm.asztPcmAllocSize[0] = 240;  // storage for one channel, where the framework says how much there is
-  pcm.sztPcmLevel = 238;
-  run("kest_output_sinewave=on");
+  Cycle(238, 8, "kest_output_sinewave=on");
   expected[119] = Sine(0);
   EXPECT_EQ(expected, StorageOf(port));
-  pcm.sztPcmWriteSize = UINT32_MAX;  // no frame begins behind the storage, nor moves on in the table
-  run("kest_output_sinewave_filter=,");
-  run("kest_output_sinewave_filter=,");
+  for (int i = 0; i < 2; ++i)  // no frame begins behind the storage, nor moves on in the table
+    Cycle(238, UINT32_MAX, "kest_output_sinewave_filter=,");
   expected[119] = Sine(2);
   EXPECT_EQ(expected, StorageOf(port));
+}
 
-  const std::array<uint32_t, 3> aWild[] = {
-      {0x80000000, 480, 1}, {2, 480, 0xFFFFFFFF}, {2, 0x90000000, 4}, {2, 0, 0}};
-  for (const auto &[u32Channels, sztLevel, sztWriteSize] : aWild) {
+TEST_F(SineOutput, LeavesAPortAloneThatContradictsItself) {
+  const auto cycle = [this](uint32_t u32Channels, uint32_t sztLevel, uint32_t sztWriteSize) {
     pcm.stPcmInfo.u32TotalChannels = u32Channels;
-    pcm.sztPcmLevel = sztLevel;
-    pcm.sztPcmWriteSize = sztWriteSize;
-    EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_Filter(filter));
-  }
-  pcm.sztPcmWriteSize = 4;
+    Cycle(sztLevel, sztWriteSize, "kest_output_sinewave_filter=,");
+  };
+  cycle(0x80000000, 480, 1);
+  cycle(2, 480, UINT32_MAX);
+  cycle(2, 0x90000000, 4);
+  cycle(2, 0, 0);
   pcm.apu8PcmGroupBuf[0] = nullptr;
-  EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_Filter(filter));
+  cycle(2, 0, 4);
   filter.st->apstOutPort[0] = nullptr;
-  EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_Filter(filter));
+  cycle(2, 0, 4);
   EXPECT_EQ(expected, StorageOf(port));
 }
 

@@ -165,6 +165,10 @@ TEST(Log, ALongLineIsWholeAndWithoutMemoryForItCutBeforeTheNext) {
     text += std::to_string(text.size()) + ' ';
   const auto logLong = [&text] { ze_kest_Debug_Log(ZE_KEST_LEVEL_PRINT, "%s|\n", text.c_str()); };
   EXPECT_EQ(text + "|\n", LoggedBy(logLong));
+  for (size_t sztBytes = 1020; sztBytes < 1030; ++sztBytes) {  // as much as fits without memory, and more
+    const std::string line = text.substr(0, sztBytes) + "\n";
+    EXPECT_EQ(line, LoggedBy([&line] { ze_kest_Debug_Log(ZE_KEST_LEVEL_PRINT, "%s", line.c_str()); }));
+  }
 
   const ReportCapture capture;
   const std::string cut = LoggedBy([&logLong] {
