@@ -2,6 +2,7 @@
 #include "debug/control/command_thread.h"
 
 #include <algorithm>
+#include <iterator>
 
 #include <fcntl.h>
 #include <poll.h>
@@ -79,7 +80,8 @@ int OpenPipe() {
 bool HasBytes(int s32Fd) {
   const int s32WakeUp = IsRunning(g_stCommandThread) ? g_wakeUp.Descriptor() : -1;
   struct pollfd astWaitedFor[] = {{s32Fd, POLLIN, 0}, {s32WakeUp, POLLIN, 0}};
-  if (poll(astWaitedFor, 2, s32WakeUp < 0 ? kLookAtPathMs : -1) < 0) return errno != EINTR;
+  if (poll(astWaitedFor, std::size(astWaitedFor), s32WakeUp < 0 ? kLookAtPathMs : -1) < 0)
+    return errno != EINTR;
   // A forked copy of this process shares the descriptor and may have written to it.
   if (astWaitedFor[1].revents != 0) g_wakeUp.Clear();
   return astWaitedFor[0].revents != 0;
