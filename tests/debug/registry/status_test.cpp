@@ -3,6 +3,7 @@
 #include <sstream>
 
 #include "tests/debug/registry/registry_fixture.h"
+#include "tests/support/pages.h"
 
 namespace kest::test {
 namespace {
@@ -32,14 +33,15 @@ uint32_t Get(ZE_KEST_Filter_s * /*pstFilter*/, const char *pszName, void *pData,
 }
 
 TEST_F(Status, AnEmptyRegistryShowsTheCapabilitiesAndTheRules) {
-  uint8_t au8Sad[ZE_KEST_SAD_SIZE] = {};
+  const Pages pages(std::vector<uint8_t>(ZE_KEST_SAD_SIZE));
+  uint8_t *const pu8Sad = pages.Data();  // with nothing readable behind it
   const std::tuple<int, uint8_t, uint32_t> aEntries[] = {{2, 1, 0x50},        {6, 2, 0x60},  {7, 3, 0x70},
                                                          {10, 4, 0x12345678}, {11, 5, 0xB0}, {12, 255, 0xC0}};
   for (const auto &[s32Format, u8Support, u32Byte3] : aEntries) {
-    au8Sad[24 * s32Format] = u8Support;
-    memcpy(&au8Sad[24 * s32Format + 16], &u32Byte3, 4);
+    pu8Sad[24 * s32Format] = u8Support;
+    memcpy(&pu8Sad[24 * s32Format + 16], &u32Byte3, 4);
   }
-  EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_SetSAD(au8Sad, ZE_KEST_SAD_SIZE));
+  EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_SetSAD(pu8Sad, ZE_KEST_SAD_SIZE));
   const Texts expected = {
       "kest_debug_node=status\n",
       kRule,
@@ -53,7 +55,7 @@ TEST_F(Status, AnEmptyRegistryShowsTheCapabilitiesAndTheRules) {
 
   // Another size keeps the block, and is no failure.
   const ReportCapture capture;
-  EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_SetSAD(au8Sad + 1, 383));
+  EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_SetSAD(pu8Sad + 1, 383));
   EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_SetSAD(nullptr, ZE_KEST_SAD_SIZE));
   EXPECT_EQ((Texts{"Error!! Size 383 of not match with expect 384\n", "pu8Sad is NULL.\n"}),
             capture.Texts("<ERR>"));
