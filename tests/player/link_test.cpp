@@ -121,7 +121,7 @@ TEST(PortStorage, TellsHowMuchItHoldsAndSinceWhen) {
   PortStorage port(kMono, {600, 3});
   const ZE_KEST_PcmBuffer_s &pcm = port.Record().stPcm;
   const ZE_KEST_DataBuffer_s &metadata = port.Record().stMeta;
-  for (uint32_t cycle = 1; cycle <= 3; ++cycle) {
+  for (uint32_t cycle = 1; cycle <= 200; ++cycle) {
     port.Record().stPcm.sztPcmWriteSize = 300;
     port.Record().stMeta.sztWriteSize = kMetadataBlockBytes;
     port.CommitWritten();
