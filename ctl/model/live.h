@@ -50,16 +50,6 @@ struct LiveSample {
   std::optional<double> cpuPercent;  // of all threads
   std::vector<LivePipeline> pipelines;
   std::string problem;  // why nothing newer is known; empty when all is well
-
-  template <typename Visit>
-  void ForEachPort(Visit &&visit) const {
-    for (const LivePipeline &pipeline : pipelines) {
-      for (const LiveFilter &filter : pipeline.filters) {
-        for (const LivePort &port : filter.ports)
-          visit(port);
-      }
-    }
-  }
 };
 
 }  // namespace kest::ctl

@@ -74,6 +74,11 @@ PortSample SamplePorts(Channel &channel, const std::vector<FilterKey> &filters,
     TakeLines(log, sample);
   }
   sample.isWhole = HasAll(sample, filters);
+  if (!sample.isWhole && channel.GetHost().UnreadBytes(pipe) > 0) {
+    sample.isRead = false;
+    portLines.LeaveOff();
+    return sample;
+  }
   portLines.Off();
   TakeLines(log, sample);  // what came until then
   return sample;

@@ -30,6 +30,17 @@ bool SwitchedOn::Off() noexcept {
   return false;
 }
 
+void SwitchedOn::LeaveOff() noexcept {
+  try {
+    const std::string lines = fmt::format("{}\n", fmt::join(off_, "\n"));
+    isOff_ =
+        channel_.GetHost().WriteToPipe(channel_.Settings().directory + "D", lines) == WriteResult::kWritten;
+  } catch (const std::exception &) {
+    isOff_ = false;
+  }
+  Off();
+}
+
 // False: it may have been taken, but the answer was lost.
 bool SwitchedOn::Confirm() {
   try {

@@ -19,6 +19,8 @@ class SwitchedOn {
 
   // True when the process has confirmed it, or nobody is left whose switches matter. Else a warning says so.
   bool Off() noexcept;
+  // For a process that does not read its commands at the moment: it will find the lines when it does.
+  void LeaveOff() noexcept;
 
  private:
   bool Confirm();

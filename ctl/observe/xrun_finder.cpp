@@ -29,10 +29,13 @@ std::vector<Xrun> XrunFinder::Take(const PortLine &line) {
   const bool isFirst = known_.count(key) == 0;
   const PortLine last = isFirst ? line : known_[key].last;
   Note(line);
+  std::vector<PortState> &told = known_[key].xruns;
+  if (told.size() > kRememberedTurns) told.erase(told.begin());
   std::vector<Xrun> found;
   for (const PortState &port : line.ports) {
     const uint64_t before = XrunsBefore(last, port);
-    if (port.xruns <= before) continue;
+    if (port.xruns <= before || IsToldOfOtherEnd(key, port)) continue;
+    known_[key].xruns.push_back(port);
     Xrun xrun = {line.timeUs, line.pipeline, line.filter, port, port.xruns - before, {}, {}, std::nullopt};
     xrun.before = Around(chain_.Before(key), line.timeUs);
     xrun.behind = Around(chain_.Behind(key), line.timeUs);
@@ -43,6 +46,21 @@ std::vector<Xrun> XrunFinder::Take(const PortLine &line) {
     found.push_back(std::move(xrun));
   }
   return found;
+}
+
+// An output and the input behind it may be one and the same ring with one counter. The filter that counted
+// prints it first.
+bool XrunFinder::IsToldOfOtherEnd(const FilterKey &filter, const PortState &port) const {
+  for (const FilterKey &other : port.isInput ? chain_.Before(filter) : chain_.Behind(filter)) {
+    const auto found = known_.find(other);
+    if (found == known_.end()) continue;
+    const auto &told = found->second.xruns;
+    const bool isTold = std::any_of(told.begin(), told.end(), [&](const PortState &state) {
+      return state.isInput != port.isInput && state.xruns == port.xruns && state.size == port.size;
+    });
+    if (isTold) return true;
+  }
+  return false;
 }
 
 void XrunFinder::Note(const PortLine &line) {

@@ -32,7 +32,8 @@ class XrunFinder {
   };
   struct Known {
     PortLine last;
-    std::deque<Turn> turns;  // the newest last
+    std::deque<Turn> turns;        // the newest last
+    std::vector<PortState> xruns;  // as told
   };
 
   static FilterKey KeyOf(const PortLine &line) { return {line.pipeline, line.filter}; }
@@ -41,6 +42,7 @@ class XrunFinder {
   [[nodiscard]] std::optional<Blame> LongestBefore(const FilterKey &filter, uint64_t fromUs,
                                                    size_t depth) const;
   [[nodiscard]] std::optional<Blame> LongestBehind(const FilterKey &filter, uint64_t fromUs) const;
+  [[nodiscard]] bool IsToldOfOtherEnd(const FilterKey &filter, const PortState &port) const;
   [[nodiscard]] bool IsStarved(const FilterKey &filter) const;
   void Note(const PortLine &line);
 

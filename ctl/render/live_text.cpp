@@ -81,6 +81,32 @@ std::vector<const LivePort *> PortsOf(const LiveFilter &filter, bool isInput) {
   return ports;
 }
 
+// An output and the input behind it may be one and the same ring with one counter.
+bool IsSameRing(const LivePort &output, const LiveFilter &next) {
+  return std::any_of(next.ports.begin(), next.ports.end(), [&](const LivePort &port) {
+    return port.isInput && !output.isInput && port.size == output.size && port.xruns == output.xruns;
+  });
+}
+
+struct XrunCount {
+  uint64_t all = 0;
+  uint64_t added = 0;
+};
+
+XrunCount CountXruns(const LiveSample &sample) {
+  XrunCount count;
+  for (const LivePipeline &pipeline : sample.pipelines) {
+    for (size_t i = 0; i < pipeline.filters.size(); ++i) {
+      for (const LivePort &port : pipeline.filters[i].ports) {
+        if (i + 1 < pipeline.filters.size() && IsSameRing(port, pipeline.filters[i + 1])) continue;
+        count.all += port.xruns.value_or(0);
+        count.added += port.newXruns;
+      }
+    }
+  }
+  return count;
+}
+
 class LiveRows {
  public:
   explicit LiveRows(size_t columns)
@@ -99,16 +125,11 @@ class LiveRows {
 
  private:
   static ToneLine Header(const LiveSample &sample) {
-    uint64_t count = 0;
-    uint64_t added = 0;
-    sample.ForEachPort([&](const LivePort &port) {
-      count += port.xruns.value_or(0);
-      added += port.newXruns;
-    });
+    const XrunCount count = CountXruns(sample);
     const std::string cpu = sample.cpuPercent ? fmt::format("{:.1f} %", *sample.cpuPercent) : "-";
     return {{Tone::kTitle, fmt::format("{} ({})", Escape(sample.process.name), sample.process.pid)},
             {Tone::kPlain, fmt::format("  CPU {}  under- and overruns ", cpu)},
-            {added > 0 ? Tone::kBad : Tone::kPlain, ShowXruns(count, added)}};
+            {count.added > 0 ? Tone::kBad : Tone::kPlain, ShowXruns(count.all, count.added)}};
   }
 
   void Add(const LivePipeline &pipeline) {

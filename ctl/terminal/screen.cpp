@@ -9,6 +9,7 @@
 #include <curses.h>
 
 #include "ctl/channel/interrupt.h"
+#include "ctl/error.h"
 #include "ctl/render/escape.h"
 
 namespace kest::ctl {
@@ -32,12 +33,20 @@ attr_t AttributesOf(Tone tone, bool colour) {
   return colour ? bold | static_cast<attr_t>(COLOR_PAIR(static_cast<int>(tone))) : bold;
 }
 
-void DrawLine(int row, const ToneLine &line, bool colour) {
+// As much of the text as the columns have room for.
+std::string Cut(std::string text, size_t columns) {
+  while (WidthOf(text) > columns)
+    text.pop_back();
+  return text;
+}
+
+void DrawLine(int row, const ToneLine &line, size_t columns, bool colour) {
   move(row, 0);
   for (const ToneText &part : line) {
-    attrset(AttributesOf(part.tone, colour));
-    addnstr(part.text.c_str(), -1);
-    if (getcury(stdscr) != row) break;  // it was wider than the terminal
+    attrset(static_cast<int>(AttributesOf(part.tone, colour)));
+    const std::string text = Cut(part.text, columns);
+    addstr(text.c_str());
+    columns -= WidthOf(text);
   }
   attrset(A_NORMAL);
 }
@@ -46,7 +55,9 @@ void DrawLine(int row, const ToneLine &line, bool colour) {
 
 Screen::Screen(bool colour) : colour_(colour) {
   std::setlocale(LC_CTYPE, "");
-  initscr();
+  screen_ = newterm(nullptr, stdout, stdin);
+  if (screen_ == nullptr)
+    throw CtlError(ExitCode::kUsage, "this terminal cannot show a screen", "take --batch, or set TERM");
   if (colour_ && has_colors()) PrepareColours();
   colour_ = colour_ && has_colors();
   cbreak();
@@ -58,6 +69,7 @@ Screen::Screen(bool colour) : colour_(colour) {
 
 Screen::~Screen() {
   endwin();
+  delscreen(screen_);
 }
 
 size_t Screen::Columns() {
@@ -75,9 +87,9 @@ void Screen::Draw() {
   const int count = static_cast<int>(lines_.size());
   top_ = std::clamp(top_, 0, std::max(count - rows, 0));
   erase();
-  for (int row = rows - 1; row >= 0; --row) {  // upwards: what is too wide is overwritten by the line below
+  for (int row = 0; row < rows; ++row) {
     const int index = row < kHeaderLines ? row : row + top_;
-    if (index < count) DrawLine(row, lines_[static_cast<size_t>(index)], colour_);
+    if (index < count) DrawLine(row, lines_[static_cast<size_t>(index)], Columns(), colour_);
   }
   const int column = getmaxx(stdscr) - static_cast<int>(WidthOf(status_));
   if (count > 0 && column > 0) mvaddstr(0, column, status_.c_str());

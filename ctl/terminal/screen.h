@@ -8,6 +8,8 @@
 
 #include "ctl/render/live_text.h"
 
+struct screen;
+
 namespace kest::ctl {
 
 class Screen {
@@ -29,6 +31,7 @@ class Screen {
   void Draw();
   bool TakeKey(int key);
 
+  ::screen *screen_;  // of ncurses
   bool colour_;
   bool isResized_ = false;
   int top_ = 0;  // the first line that is shown

@@ -59,7 +59,13 @@ class Top {
   LiveSample Look() {
     if (isBatch_) return view_.Look();
     try {
-      last_ = view_.Look();
+      LiveSample sample = view_.Look();
+      if (sample.problem.empty()) {
+        last_ = std::move(sample);
+      } else {
+        last_.process = sample.process;
+        last_.problem = sample.problem;
+      }
     } catch (const CtlError &error) {
       if (done_ == 0 || error.Code() == ExitCode::kInterrupted) throw;
       last_.problem = error.what();
