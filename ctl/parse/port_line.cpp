@@ -40,7 +40,7 @@ bool TakeHeader(Scanner &scanner, PortLine &line) {
 
 // Where the first port begins: " out0" or "  in0" before its counters; the end of the text without ports.
 size_t FindPorts(std::string_view text) {
-  const size_t counters = text.find(kCounters);
+  const size_t counters = text.find(kCounters, 2 * kNameWidth);  // names may hold anything
   if (counters == std::string_view::npos) return text.size();
   const size_t digits = text.find_last_not_of("0123456789", counters - std::min<size_t>(counters, 1));
   const size_t side = text.rfind(' ', digits);

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // What is shown live of a playing player, and that nothing stays switched on.
+#include <atomic>
 #include <csignal>
 #include <sstream>
 #include <thread>
@@ -122,11 +123,17 @@ TEST_F(Live, TopUsesTheWholeTerminalAndGivesItBack) {
 TEST_F(Live, WatchTellsAnUnderrunWithItsNeighboursAndWhoTookLong) {
   const PlayerProcess &player = StartPlayer();
   CtlResult result;
-  std::thread watching([&] { result = Ctl("--json watch --fail"); });
-  EXPECT_TRUE(WaitFor([] { return PortLines() > 100; }));
-  player.Signal(SIGSTOP);
-  std::this_thread::sleep_for(std::chrono::milliseconds(200));
-  player.Signal(SIGCONT);
+  std::atomic<bool> isOver = false;
+  std::thread watching([&] {
+    result = Ctl("--json watch --fail");
+    isOver = true;
+  });
+  while (!isOver) {
+    for (const int signal : {SIGSTOP, SIGCONT}) {
+      player.Signal(signal);
+      std::this_thread::sleep_for(std::chrono::milliseconds(200));
+    }
+  }
   watching.join();
   EXPECT_EQ(1, result.exitCode) << result.err;
   const auto lines = LinesOf(result);

@@ -39,7 +39,7 @@ TEST_F(Trace, HasPipelinesAsThreadsFiltersAsSlicesLevelsAsCountersAndArrowsBetwe
   StartPlayer();
   const json result = CtlJson("trace Dec Speaker --seconds 1 --levels 50 -o " + file_);
   ASSERT_EQ(0, result["exit"]) << result;
-  EXPECT_EQ(0, result["data"]["dropped"]);
+  EXPECT_GE(5, result["data"]["dropped"]);  // of the cycles in which it ended
   EXPECT_EQ("Decoder_13", result["data"]["pipelines"][0]["name"]);
   const json trace = Written();
   EXPECT_EQ("", TraceComplaint(trace));
