@@ -73,8 +73,9 @@ TEST_F(Trace, KeepsWhatWasRecordedWhenItIsInterruptedOrTheProcessEnds) {
   EXPECT_FALSE(EventsOf(Written(), "X", "Volume").empty());
   EXPECT_THAT(Ctl("send kest_debug_filter_io=print_watch_list").out, HasSubstr("bIoDebug=0"));
   CtlResult result;
-  std::thread tracing([&] { result = Ctl(words); });
   const std::string trace = KEST_DEBUG_DIR "Decoder_13.txt";
+  std::filesystem::remove(trace);
+  std::thread tracing([&] { result = Ctl(words); });
   EXPECT_TRUE(WaitFor([&] { return !ReadFile(trace).empty(); }));
   player.Signal(SIGTERM);
   tracing.join();
