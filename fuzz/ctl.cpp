@@ -9,8 +9,11 @@
 #include "ctl/parse/listing.h"
 #include "ctl/parse/log_line.h"
 #include "ctl/parse/parameters.h"
+#include "ctl/parse/perf_line.h"
+#include "ctl/parse/port_line.h"
 #include "ctl/parse/settings.h"
 #include "ctl/parse/status.h"
+#include "ctl/parse/trace.h"
 #include "ctl/render/escape.h"
 #include "fuzz/expect.h"
 
@@ -39,7 +42,23 @@ void CheckLines(const std::vector<std::string> &lines) {
   Expect(verdict.accepted == verdict.reported.empty(), "a verdict that does not agree with the reports");
 }
 
+// Whatever the text: turns follow each other within their cycle, and cycles each other.
+void CheckTrace(const std::string &text) {
+  uint64_t last = 0;
+  for (const ctl::Cycle &cycle : ctl::ParseTrace(text).trace.cycles) {
+    Expect(cycle.startUs >= last && cycle.endUs >= cycle.startUs, "cycles that overlap");
+    last = cycle.startUs;
+    for (const ctl::FilterTurn &turn : cycle.turns) {
+      Expect(turn.startUs >= last && turn.endUs >= turn.startUs && turn.endUs <= cycle.endUs,
+             "turns that overlap");
+      last = turn.endUs;
+    }
+    last = cycle.endUs;
+  }
+}
+
 void CheckText(const std::string &text) {
+  CheckTrace(text);
   const std::vector<std::string> lines = ctl::SplitLogLines(text);
   for (const std::string &line : lines) {
     const ctl::LogLine parsed = ctl::ParseLogLine(line);
@@ -47,6 +66,9 @@ void CheckText(const std::string &text) {
     Expect(IsHarmless(ctl::Escape(line)), "a control character is shown as it is");
     static_cast<void>(ctl::EscapeButColours(line));
     static_cast<void>(ctl::WithoutColours(line));
+    static_cast<void>(ctl::ParsePerfLine(line));
+    const auto ports = ctl::ParsePortLine(line);
+    Expect(!ports || ports->ports.size() <= line.size(), "more ports than there is text");
   }
   CheckLines(lines);
 }

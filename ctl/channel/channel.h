@@ -58,6 +58,8 @@ class Channel {
   // Sends a line and says whether the process took it. The log level is the same afterwards.
   Verdict Change(const std::string &line);
   ProcessSettings AskSettings();
+  // Keeps other kestctl processes from sending while it lives; one lock for all that overlap.
+  std::shared_ptr<void> LockOut();
 
   // What went well enough to go on but should be known.
   [[nodiscard]] const std::vector<std::string> &Warnings() const { return warnings_; }
@@ -73,8 +75,6 @@ class Channel {
 
   bool AreReadersFresh();
   Reply Exchanged(const std::vector<std::string> &lines);
-  // One lock for all that overlap.
-  std::shared_ptr<void> LockOut();
   CtlError Silence();
   // The lines that are added to the log after a line was sent, until they are an answer; fewer after a
   // time-out.

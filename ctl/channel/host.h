@@ -57,6 +57,8 @@ class Host {
   virtual FileFacts Look(const std::string &path) = 0;
   // At most maxBytes from the offset on; no bytes when the file is missing or shorter.
   virtual FilePart Read(const std::string &path, uint64_t offset, size_t maxBytes) = 0;
+  // The text of a file of /proc, whose size is not known before; empty when there is none.
+  virtual std::string ReadProc(const std::string &path) = 0;
   // Writes all bytes at once or none. Never waits and never creates the file.
   virtual WriteResult WriteToPipe(const std::string &path, const std::string &bytes) = 0;
   // Bytes that nobody has read yet; -1 when unknown.

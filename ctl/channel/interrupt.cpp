@@ -11,6 +11,7 @@ namespace {
 
 volatile std::sig_atomic_t g_interrupted = 0;
 volatile std::sig_atomic_t g_toldToEnd = 0;
+int g_holders = 0;
 
 void NoteInterrupt(int signal) {
   g_interrupted = 1;
@@ -39,8 +40,16 @@ void ForgetInterrupt() {
   g_interrupted = 0;
 }
 
+HoldingInterrupts::HoldingInterrupts() {
+  ++g_holders;
+}
+
+HoldingInterrupts::~HoldingInterrupts() {
+  --g_holders;
+}
+
 void ThrowIfInterrupted() {
-  if (IsInterrupted()) throw CtlError(ExitCode::kInterrupted, "interrupted");
+  if (IsInterrupted() && g_holders == 0) throw CtlError(ExitCode::kInterrupted, "interrupted");
 }
 
 void Pause(std::chrono::microseconds duration) {

@@ -13,6 +13,15 @@ void CatchInterrupts();
 [[nodiscard]] bool IsToldToEnd();
 // For the shell, which goes on after Ctrl-C.
 void ForgetInterrupt();
+// While it lives, an interrupt ends no wait: whatever was switched on must be switched off first.
+class HoldingInterrupts {
+ public:
+  HoldingInterrupts();
+  ~HoldingInterrupts();
+  HoldingInterrupts(const HoldingInterrupts &) = delete;
+  HoldingInterrupts &operator=(const HoldingInterrupts &) = delete;
+};
+
 // Throws CtlError when interrupted.
 void ThrowIfInterrupted();
 // Sleeps, but not beyond an interrupt; throws then.

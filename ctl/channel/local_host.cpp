@@ -104,6 +104,10 @@ FilePart LocalHost::Read(const std::string &path, uint64_t offset, size_t maxByt
   return part;
 }
 
+std::string LocalHost::ReadProc(const std::string &path) {
+  return ReadSmallFile(path);
+}
+
 WriteResult LocalHost::WriteToPipe(const std::string &path, const std::string &bytes) {
   struct stat facts = {};
   if (lstat(path.c_str(), &facts) != 0) return ReasonFor(errno);

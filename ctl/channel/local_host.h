@@ -10,6 +10,7 @@ class LocalHost final : public Host {
  public:
   FileFacts Look(const std::string &path) override;
   FilePart Read(const std::string &path, uint64_t offset, size_t maxBytes) override;
+  std::string ReadProc(const std::string &path) override;
   WriteResult WriteToPipe(const std::string &path, const std::string &bytes) override;
   int UnreadBytes(const std::string &path) override;
   Readers FindReaders(const FileFacts &pipe) override;

@@ -19,6 +19,7 @@ class Context;
 enum class Offer {
   kNothing,
   kTarget,  // a pipeline or a filter
+  kPipeline,
   kFilter,
   kParameter,
   kLevel,

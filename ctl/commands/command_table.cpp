@@ -83,6 +83,46 @@ const std::vector<Command> &Commands() {
         {"--tid", "TID", "Only lines of this thread", Offer::kThread},
         {"--plain", nullptr, "Without prefixes and colours"}},
        RunLog},
+      {"top",
+       "Show live how full the ports are, what the threads cost and what goes wrong",
+       "For a moment of each look every filter prints what its ports hold, so the log grows; a longer delay "
+       "lets it\n"
+       "grow less. q ends it, the arrows scroll. Without a terminal, and with --json, each look is printed.",
+       {},
+       {{"-d,--delay", "SEC", "Seconds between two looks; 1 unless given"},
+        {"-n,--count", "N", "Ends after N looks"},
+        {"-b,--batch", nullptr, "Prints each look instead of using the whole terminal"}},
+       RunTop},
+      {"watch",
+       "Tell under- and overruns as they happen, and who is to blame",
+       "Every filter prints what its ports hold in every cycle, which fills the log within a minute or two; "
+       "with\n"
+       "--every only now and then, which tells what has happened but not why.",
+       {},
+       {{"--fail", nullptr, "Ends with exit code 1 at the first one"},
+        {"--seconds", "N", "Ends after N seconds; without it, Ctrl-C does"},
+        {"--every", "SEC", "Looks only every SEC seconds"}},
+       RunWatch},
+      {"perf",
+       "Measure MIPS, MCPS and CPU of a pipeline and its filters",
+       "A pipeline and each of its filters are measured one after the other. Needs the hardware counters of "
+       "the CPU;\n"
+       "without them the CPU percentage of the pipeline's thread is all there is.",
+       {{"PIPELINE[/FILTER]", Offer::kTarget}},
+       {{"--seconds", "N", "Seconds for each; 2 unless given"},
+        {"--csv", nullptr, "Comma-separated values instead of a table"}},
+       RunPerf},
+      {"trace",
+       "Record when each filter runs, for a trace viewer",
+       "Writes Chrome trace-event JSON: pipelines as threads, filters as slices, port levels as counters. "
+       "--convert\n"
+       "makes it of trace files and logs that are there already: the words are then their paths.",
+       {{"PIPELINE", Offer::kPipeline, true, true}},
+       {{"--seconds", "N", "How long; 2 unless given. Ctrl-C ends it earlier"},
+        {"-o,--output", "FILE", "Where to write; trace.json unless given"},
+        {"--levels", "MS", "How often port levels are taken; 100 unless given, 0 for never"},
+        {"--convert", nullptr, "Convert files that were recorded before"}},
+       RunTrace},
       {"shell",
        "Take commands at a prompt",
        "Each line is a command as it stands behind kestctl; a line that begins with kest_ is sent as it is. "

@@ -177,6 +177,13 @@ Candidates OfferFilters(Context &context, const Position &position) {
   return TargetsIn(context.GetListing(), position.typed, false);
 }
 
+Candidates OfferPipelines(Context &context, const Position & /*position*/) {
+  Candidates candidates;
+  for (const Pipeline &pipeline : context.GetListing().pipelines)
+    candidates.push_back({pipeline.name, Describe(pipeline)});
+  return candidates;
+}
+
 // Of the filter that the first word names.
 Candidates OfferParameters(Context &context, const Position &position) {
   const Target target = FindFilter(context.GetListing(), position.words.at(0));
@@ -242,6 +249,7 @@ struct OfferInfo {
 
 constexpr OfferInfo kOffers[] = {
     {Offer::kTarget, OfferTargets},
+    {Offer::kPipeline, OfferPipelines},
     {Offer::kFilter, OfferFilters},
     {Offer::kParameter, OfferParameters},
     {Offer::kLevel, OfferLevels},

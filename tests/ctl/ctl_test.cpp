@@ -25,11 +25,11 @@ nlohmann::json CtlJson(const std::string &arguments, const std::string &before) 
   return nlohmann::json::parse(Ctl("--json " + arguments, before).out);
 }
 
-PlayerProcess &CtlTest::StartPlayer(const std::vector<std::string> &more) {
+PlayerProcess &CtlTest::StartPlayer(const std::vector<std::string> &more, const std::string &preparation) {
   std::vector<std::string> arguments = {kRecording, "-o",
                                         Path("out" + std::to_string(players_.size()) + ".wav"), "--loop"};
   arguments.insert(arguments.end(), more.begin(), more.end());
-  players_.push_back(std::make_unique<PlayerProcess>(arguments));
+  players_.push_back(std::make_unique<PlayerProcess>(arguments, preparation));
   EXPECT_TRUE(WaitFor([this] {
     const CtlResult ps = Ctl("--json ps");
     if (ps.exitCode != 0) return false;

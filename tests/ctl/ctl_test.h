@@ -27,7 +27,8 @@ nlohmann::json CtlJson(const std::string &arguments, const std::string &before =
 class CtlTest : public PlayerTest {
  protected:
   // Starts a player and waits until it reads the pipe and its pipelines are registered.
-  PlayerProcess &StartPlayer(const std::vector<std::string> &more = {});
+  // preparation: see PlayerProcess.
+  PlayerProcess &StartPlayer(const std::vector<std::string> &more = {}, const std::string &preparation = "");
 
   std::vector<std::unique_ptr<PlayerProcess>> players_;
 };

@@ -10,6 +10,7 @@
 #include "ctl/parse/lines.h"
 #include "ctl/parse/listing.h"
 #include "ctl/parse/log_line.h"
+#include "ctl/parse/port_line.h"
 #include "ctl/parse/status.h"
 #include "ctl/render/escape.h"
 #include "tests/ctl/ctl_test.h"
@@ -30,6 +31,9 @@ class TestFilter {
     EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_RegisterInfo(pipeline.szName, &filter_, 77, "a thread", nullptr));
   }
   ~TestFilter() { ze_kest_Debug_UnRegisterInfo(filter_.pstParentPipeline->szName, &filter_); }
+  // As a cycle does.
+  void RunHook() const { EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_Filter(&filter_)); }
+  ZE_KEST_Filter_s &Get() { return filter_; }
   TestFilter(const TestFilter &) = delete;
   TestFilter &operator=(const TestFilter &) = delete;
 
@@ -101,6 +105,40 @@ TEST_F(Parsers, ReadTheStatusOfEveryKindOfFilter) {
   for (size_t i = 0; i < std::size(names); ++i) {
     EXPECT_EQ(names[i], parsed.report.filters[i].name);
     EXPECT_EQ(std::string(names[i]).find("Other") == 0, parsed.report.filters[i].values.empty()) << names[i];
+  }
+}
+
+TEST_F(Parsers, ReadPortLinesWhateverTheNamesAreAndWhereverTheyAreCut) {
+  for (const std::string &pipelineName :
+       {std::string("Dec:1 3"), std::string(40, 'p'), std::string("in0:cnt:")}) {
+    TestPipeline pipeline(pipelineName);
+    TestFilter filter(pipeline.Get(), "a :filter");
+    std::array<ZE_KEST_Port_s, ZE_KEST_MAX_PORTS> outputs = {};
+    for (uint32_t i = 0; i < outputs.size(); ++i) {
+      outputs[i].bConnected = 1;
+      outputs[i].stPcm.u64PcmXrunCount = i;
+      outputs[i].stPcm.sztPcmRingSamples = 1024 + i;
+      filter.Get().apstOutPort[i] = &outputs[i];
+    }
+    filter.Get().u32OutPortCount = outputs.size();
+    Print("kest_print_filter_info=on");
+    const size_t before = ReadFile(kLogFile).size();
+    filter.RunHook();
+    Print("kest_print_filter_info=off");
+    std::vector<ctl::PortLine> lines;
+    for (const std::string &text : ctl::SplitLogLines(ReadFile(kLogFile).substr(before))) {
+      if (const auto line = ctl::ParsePortLine(text)) lines.push_back(*line);
+    }
+    ASSERT_EQ(3u, lines.size()) << pipelineName;
+    EXPECT_EQ(ctl::PortLine::Kind::kPcm, lines[0].kind);
+    EXPECT_EQ(ctl::PortLine::Kind::kRaw, lines[2].kind);
+    EXPECT_EQ(pipelineName, lines[0].pipeline);
+    EXPECT_EQ("a :filter", lines[0].filter);
+    ASSERT_LE(3u, lines[0].ports.size());
+    EXPECT_GT(outputs.size(), lines[0].ports.size());
+    EXPECT_TRUE(lines[0].ports[0].isInput);
+    EXPECT_EQ(1u, lines[0].ports[2].xruns);
+    EXPECT_EQ(1025u, lines[0].ports[2].size);
   }
 }
 

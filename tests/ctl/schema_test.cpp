@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // Every document that kestctl prints agrees with the published schema.
 #include <csignal>
+#include <thread>
 
 #include <sys/stat.h>
 
@@ -59,6 +60,23 @@ TEST_F(Schema, HoldsForEveryLineOfAFollowedLog) {
   for (std::string line; std::getline(lines, line);)
     KeepText(line);
   EXPECT_LE(20, kept_);
+  EXPECT_EQ("", Complaints());
+}
+
+TEST_F(Schema, HoldsForWhatIsShownLiveAndRecorded) {
+  const PlayerProcess &player = StartPlayer();
+  Keep("perf Dec --seconds 0.3", 0);
+  Keep("trace Dec Sp --seconds 0.3 -o " + Path("trace.json"), 0);
+  player.Signal(SIGSTOP);
+  std::this_thread::sleep_for(std::chrono::milliseconds(100));
+  player.Signal(SIGCONT);
+  for (const char *words : {"--json top -n 2 -d 0.2", "--json watch --seconds 0.3 --every 0.1"}) {
+    const CtlResult result = Ctl(words);
+    std::istringstream lines(result.out);
+    for (std::string line; std::getline(lines, line);)
+      KeepText(line);
+  }
+  EXPECT_LE(6, kept_);
   EXPECT_EQ("", Complaints());
 }
 
