@@ -41,7 +41,8 @@ ptrdiff_t ModelPointer(const RandomPort &port, uint32_t g, uint32_t k) {
   if (k >= group.u32ChannelCount || k >= 10 || group.as32ChMap[k] == -1) return -1;
   if (pcm.apu8PcmGroupBuf[g] == nullptr) return -1;
   const uint32_t u32Position = (pcm.sztPcmReadSize + pcm.sztPcmReadOffset) % pcm.sztPcmRingSamples;
-  return static_cast<ptrdiff_t>((u32Position + pcm.sztPcmRingSamples * k) * Width(port));
+  const uint32_t u32Bytes = (u32Position + pcm.sztPcmRingSamples * k) * Width(port);
+  return static_cast<ptrdiff_t>(u32Bytes);
 }
 
 template <typename Value>
