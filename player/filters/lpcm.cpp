@@ -18,7 +18,8 @@ constexpr uint32_t kOtherSignal = 3;
 
 // After the counts: what other decoders do to the sound, while this one does nothing.
 constexpr Parameter kParameters[] = {
-    ReadOnly<uint32_t, &Lpcm::BlocksDecoded>("OkFrmCnt", "blocks of 256 frames decoded"),
+    ReadOnly<uint32_t, &Lpcm::BlocksDecoded>("OkFrmCnt", "blocks of 256 frames decoded",
+                                             {"", 0, UINT32_MAX, 0}),
     Fixed<uint32_t{0}>("ErrFrmCnt", "damaged blocks; none, since one ends the run"),
     Fixed<kUnityVolume>("MdVol", "volume of the main programme"),
     Fixed<kNoVolume>("AdVol", "volume of an associated programme"),
@@ -74,6 +75,7 @@ bool Lpcm::StartOver() {
   if (!loop_ || fileIsEmpty) return false;
   reader_.Rewind();
   framesSinceStart_ = 0;
+  Log(ZE_KEST_LEVEL_INFO, "starts %s over", reader_.Path().c_str());
   return true;
 }
 

@@ -2,6 +2,8 @@
 #include "player/framework/filter.h"
 
 #include <algorithm>
+#include <cstdarg>
+#include <cstdio>
 
 #include "ze_kest/debug.h"
 #include "ze_kest/utility.h"
@@ -67,19 +69,47 @@ void Filter::RunCycle(bool upstreamEnded) {
     const MeasuredWork measured(record_.pstParentPipeline->szName, record_.szName, measure_);
     TakeTurn();
   }
-  ended_ = IsComplete();
+  const bool complete = IsComplete();
+  if (complete && !ended_) Log(ZE_KEST_LEVEL_INFO, "has passed everything on");
+  ended_ = complete;
 }
 
 void Filter::TakeTurn() {
+  requests_.TurnBegins(record_);
   ze_kest_Debug_MeasureLatency(&record_, ZE_KEST_LATENCY_START);
   Process();
   ze_kest_Debug_Filter(&record_);
+  requests_.TurnEnds(record_);
+  if (Logs(ZE_KEST_LEVEL_TRACE)) LogTurn();
   for (PortStorage *input : inputs_) {
     input->ReleaseRead();
   }
   for (PortStorage *output : outputs_) {
     output->CommitWritten();
   }
+}
+
+void Filter::LogTurn() const {
+  for (size_t i = 0; i < inputs_.size(); ++i) {
+    const ZE_KEST_Port_s &port = inputs_[i]->Record();
+    Log(ZE_KEST_LEVEL_TRACE, "in%zu read %u of %u samples, %u of %u bytes of metadata", i,
+        port.stPcm.sztPcmReadSize, port.stPcm.sztPcmLevel, port.stMeta.sztReadSize, port.stMeta.sztLevel);
+  }
+  for (size_t i = 0; i < outputs_.size(); ++i) {
+    const ZE_KEST_Port_s &port = outputs_[i]->Record();
+    Log(ZE_KEST_LEVEL_TRACE, "out%zu wrote %u of %u samples, %u of %u bytes of metadata", i,
+        port.stPcm.sztPcmWriteSize, port.stPcm.sztPcmSpace, port.stMeta.sztWriteSize, port.stMeta.sztSpace);
+  }
+}
+
+void Filter::Log(uint32_t level, const char *format, ...) const {
+  if (!Logs(level)) return;
+  char text[256];
+  va_list arguments;
+  va_start(arguments, format);
+  std::vsnprintf(text, sizeof(text), format, arguments);
+  va_end(arguments);
+  ze_kest_Debug_Log(level, "%s %s: %s\n", record_.pstParentPipeline->szName, record_.szName, text);
 }
 
 bool Filter::IsComplete() const {
@@ -113,8 +143,15 @@ uint32_t Filter::FramesToProcess() {
 
 void Filter::CountOverruns() {
   for (PortStorage *output : outputs_) {
-    if (output->Record().stPcm.sztPcmSpace == 0) output->CountXrun();
+    if (output->Record().stPcm.sztPcmSpace > 0) continue;
+    output->CountXrun();
+    Log(ZE_KEST_LEVEL_WRN, "an output is full");
   }
+}
+
+void Filter::CountInputXrun(uint32_t port) {
+  inputs_[port]->CountXrun();
+  Log(ZE_KEST_LEVEL_WRN, "in%u came too late", port);
 }
 
 template <typename Sample>

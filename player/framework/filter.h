@@ -12,6 +12,7 @@
 #include "player/framework/measured_work.h"
 #include "player/framework/pcm_format.h"
 #include "player/framework/port_storage.h"
+#include "player/requests/filter_requests.h"
 
 namespace kest::player {
 
@@ -41,6 +42,14 @@ class Filter {
   // Called after the last cycle, on the thread that ran it.
   virtual void Finish() {}
 
+  // An input did not come in time.
+  void CountInputXrun(uint32_t port);
+
+  // Logs a line about the filter when its own debug level lets it through ("kest_filter_debug_level"). The
+  // text is cut at 255 characters and ends without a newline. Callable from any thread.
+  [[nodiscard]] bool Logs(uint32_t level) const { return LoadRelaxed(record_.u32DbgLvl) >= level; }
+  void Log(uint32_t level, const char *format, ...) const ZE_KEST_PRINTF(3, 4);
+
  protected:
   virtual void Process() = 0;
   [[nodiscard]] virtual bool IsComplete() const;
@@ -66,10 +75,9 @@ class Filter {
   // Of the only input's metadata, forwards what belongs to its next frames, and accounts for it.
   void ForwardMetadata(uint32_t frames);
 
-  void CountInputXrun(uint32_t port) { inputs_[port]->CountXrun(); }
-
  private:
   void TakeTurn();
+  void LogTurn() const;
   [[nodiscard]] bool InputsAreEmpty() const;
   void CountOverruns();
   [[nodiscard]] uint32_t MetadataBytesToForward() const;
@@ -80,6 +88,7 @@ class Filter {
   std::vector<PortStorage *> inputs_;
   std::vector<PortStorage *> outputs_;
   PerformanceMeasure measure_;
+  FilterRequests requests_;
   uint32_t metadataRemainder_ = 0;  // frames whose metadata has not been forwarded
   bool upstreamEnded_ = false;
   bool ended_ = false;

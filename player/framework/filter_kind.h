@@ -39,10 +39,18 @@ struct Setting {
   std::variant<FileNameRange, WholeNumberRange> range;
 };
 
+struct ParameterRange {
+  const char *unit;  // "" for none
+  int64_t least;     // below 0: the value is signed
+  int64_t most;
+  uint32_t decimals;  // the value counts units of 10 to the power of -decimals
+};
+
 struct Parameter {
   const char *name;
   const char *description;
-  uint32_t size;  // bytes of its value
+  ParameterRange range;
+  uint32_t size;  // bytes of its value, at most 8
   void (*get)(const Filter &filter, void *value);
   void (*set)(Filter &filter, const void *value);  // nullptr: it can only be read
 };

@@ -7,9 +7,9 @@
 
 #include "ze_kest/utility.h"
 
+#include "player/base/relaxed.h"
 #include "player/framework/cycle_trace.h"
 #include "player/framework/registration.h"
-#include "player/framework/relaxed.h"
 
 namespace kest::player {
 namespace {
@@ -126,7 +126,7 @@ bool Pipeline::Collect(LinkedPort &input, PipelineLink::Patience patience) {
   if (!input.ended) {
     auto supply = input.link->Pull(*input.port, kCycleFrames, patience);
     if (supply == PipelineLink::Supply::kLate) {
-      input.port->CountXrun();
+      filters_.front()->CountInputXrun(static_cast<uint32_t>(&input - inputs_.data()));
       supply = input.link->Pull(*input.port, kCycleFrames, std::nullopt);
     }
     if (supply == PipelineLink::Supply::kAbandoned) return false;
@@ -141,6 +141,7 @@ bool Pipeline::RunFilters() {
   bool upstreamEnded =
       std::all_of(inputs_.begin(), inputs_.end(), [](const LinkedPort &input) { return input.ended; });
   const MeasuredWork measured(record_.szName, nullptr, measure_);
+  status_.CycleBegins(record_);
   const CycleTrace trace(record_.szName);
   for (const auto &filter : filters_) {
     trace.FilterStarts(filter->Record().szName);
@@ -149,6 +150,7 @@ bool Pipeline::RunFilters() {
     upstreamEnded = filter->Ended();
   }
   trace.PipelineEnds();
+  status_.CycleEnds(record_);
   if (filters_.front()->Ended()) SetState(kDrain);
   return upstreamEnded;
 }

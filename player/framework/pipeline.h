@@ -11,6 +11,7 @@
 
 #include "player/framework/filter.h"
 #include "player/framework/pipeline_link.h"
+#include "player/requests/process_status.h"
 
 namespace kest::player {
 
@@ -56,6 +57,7 @@ class Pipeline {
 
   ZE_KEST_Pipeline_s record_{};
   PerformanceMeasure measure_;
+  PipelineStatus status_;
   PcmFormat format_;
   PipelineLink::Patience inputPatience_;
   std::vector<std::unique_ptr<PortStorage>> ports_;

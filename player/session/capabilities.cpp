@@ -7,6 +7,8 @@
 
 #include "ze_kest/debug.h"
 
+#include "player/framework/parameter_text.h"
+
 namespace kest::player {
 namespace {
 
@@ -16,7 +18,7 @@ SupportedParameter Describe(const FilterKind &kind, const Parameter &parameter) 
   SupportedParameter supported{};
   std::snprintf(supported.szName, sizeof(supported.szName), "%s", parameter.name);
   std::snprintf(supported.szDescription, sizeof(supported.szDescription), "%s: %s", kind.name,
-                parameter.description);
+                DescriptionOf(parameter).c_str());
   supported.sztSize = parameter.size;
   return supported;
 }
