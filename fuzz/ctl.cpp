@@ -8,6 +8,7 @@
 #include "ctl/parse/lines.h"
 #include "ctl/parse/listing.h"
 #include "ctl/parse/log_line.h"
+#include "ctl/parse/parameter_values.h"
 #include "ctl/parse/parameters.h"
 #include "ctl/parse/perf_line.h"
 #include "ctl/parse/port_line.h"
@@ -35,6 +36,7 @@ void CheckLines(const std::vector<std::string> &lines) {
   Expect(ports <= lines.size(), "more ports than lines");
   static_cast<void>(ctl::ParseStatus(lines));
   static_cast<void>(ctl::ParseParameters(lines));
+  static_cast<void>(ctl::ParseParameterValues(lines, "Decoder_13", "Volume"));
   static_cast<void>(ctl::ParseSettings(lines));
   ctl::Reply reply;
   reply.lines = lines;

@@ -29,24 +29,24 @@ int SubFormat(SampleBits bits) {
 }
 
 // With more than two channels the header must say which speakers they belong to.
-int FileFormat(const AudioReader &model) {
-  return model.Channels() > 2 ? SF_FORMAT_WAVEX : SF_FORMAT_WAV;
+int FileFormat(const AudioFormat &format) {
+  return format.channels > 2 ? SF_FORMAT_WAVEX : SF_FORMAT_WAV;
 }
 
 }  // namespace
 
-AudioWriter::AudioWriter(const std::string &path, const AudioReader &model)
+AudioWriter::AudioWriter(const std::string &path, const AudioFormat &format)
     : path_(path),
       fd_(open(path.c_str(), O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC, kFileMode)),
-      channels_(model.Channels()) {
+      channels_(format.channels) {
   if (!fd_.IsOpen()) throw PlayerError("cannot create " + path + ": " + std::strerror(errno));
   SF_INFO info{};
-  info.channels = static_cast<int>(model.Channels());
-  info.samplerate = static_cast<int>(model.SampleRate());
-  info.format = FileFormat(model) | SubFormat(model.Bits());
+  info.channels = static_cast<int>(format.channels);
+  info.samplerate = static_cast<int>(format.sampleRate);
+  info.format = FileFormat(format) | SubFormat(format.bits);
   file_ = sf_open_fd(fd_.Get(), SFM_WRITE, &info, SF_FALSE);
   if (file_ == nullptr) Fail(sf_strerror(nullptr));
-  framesLeft_ = kMaxDataBytes / (uint64_t{model.Channels()} * static_cast<uint32_t>(model.Bits()) / 8);
+  framesLeft_ = kMaxDataBytes / (uint64_t{format.channels} * static_cast<uint32_t>(format.bits) / 8);
 }
 
 AudioWriter::AudioWriter(AudioWriter &&other) noexcept

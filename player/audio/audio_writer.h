@@ -13,11 +13,16 @@
 
 namespace kest::player {
 
+struct AudioFormat {
+  uint32_t channels;
+  uint32_t sampleRate;  // Hz
+  SampleBits bits;
+};
+
 class AudioWriter {
  public:
-  // The file takes channels, rate and sample width from the model; an existing file is overwritten. Throws
-  // PlayerError when it cannot be created.
-  AudioWriter(const std::string &path, const AudioReader &model);
+  // An existing file is overwritten. Throws PlayerError when it cannot be created.
+  AudioWriter(const std::string &path, const AudioFormat &format);
   AudioWriter(AudioWriter &&other) noexcept;
   AudioWriter &operator=(AudioWriter &&) = delete;
   ~AudioWriter();

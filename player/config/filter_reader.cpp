@@ -36,6 +36,9 @@ class ReadValue {
   std::variant<int, std::string> operator()(const FileNameRange &) const {
     return (directory_ / value_.FileName()).string();
   }
+  std::variant<int, std::string> operator()(const TextRange &range) const {
+    return value_.Text(range.needed);
+  }
   std::variant<int, std::string> operator()(const WholeNumberRange &range) const {
     return value_.WholeNumber(range.min, range.max);
   }
@@ -45,10 +48,20 @@ class ReadValue {
   const std::filesystem::path &directory_;
 };
 
-void CheckHasFiles(const JsonValue &value, const FilterLayout &filter) {
+// What a setting's value has to be.
+struct Needed {
+  std::string operator()(const FileNameRange &) const { return "the name of a file"; }
+  std::string operator()(const TextRange &range) const { return range.needed; }
+  std::string operator()(const WholeNumberRange &range) const {
+    return "a whole number from " + std::to_string(range.min) + " to " + std::to_string(range.max);
+  }
+};
+
+void CheckIsComplete(const JsonValue &value, const FilterLayout &filter) {
   for (const Setting &setting : filter.kind->settings) {
-    if (std::holds_alternative<FileNameRange>(setting.range) && filter.settings.count(setting.key) == 0) {
-      value.Fail("\"" + std::string(setting.key) + "\" is missing; the name of a file is needed");
+    if (setting.isMandatory && filter.settings.count(setting.key) == 0) {
+      value.Fail("\"" + std::string(setting.key) + "\" is missing; " + std::visit(Needed{}, setting.range) +
+                 " is needed");
     }
   }
 }
@@ -62,7 +75,7 @@ FilterLayout ReadFilter(const JsonValue &value, const FilterKinds &kinds,
     const Setting &setting = FindSetting(member, filter.kind->settings);
     filter.settings[setting.key] = std::visit(ReadValue(member, directory), setting.range);
   }
-  CheckHasFiles(value, filter);
+  CheckIsComplete(value, filter);
   return filter;
 }
 

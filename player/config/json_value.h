@@ -23,8 +23,9 @@ class JsonValue {
   // The members of an object in the order of the text. Throws PlayerError when a name occurs twice.
   [[nodiscard]] std::vector<JsonValue> Members() const;
   [[nodiscard]] int WholeNumber(int min, int max) const;
-  // A non-empty string.
-  [[nodiscard]] std::string FileName() const;
+  // Non-empty strings.
+  [[nodiscard]] std::string FileName() const { return Text("the name of a file"); }
+  [[nodiscard]] std::string Text(const std::string &needed) const;
 
   // "PLACE: reason"
   [[noreturn]] void Fail(const std::string &reason) const;

@@ -40,8 +40,7 @@ std::string KindsFor(FilterPlace place, const FilterKinds &kinds) {
   FilterKinds fitting;
   std::copy_if(kinds.begin(), kinds.end(), std::back_inserter(fitting),
                [place](const FilterKind *kind) { return kind->place == place; });
-  return ListNames(
-      fitting, [](const auto *kind) { return kind->name; }, " and ");
+  return ListNames(fitting, [](const auto *kind) { return kind->name; });
 }
 
 std::string Describe(const Chain &chain, const FilterKinds &kinds) {

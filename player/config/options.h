@@ -11,7 +11,7 @@
 namespace kest::player {
 
 struct Options {
-  std::optional<std::string> config;  // instead of inputs, output, gainDb and delayMs
+  std::optional<std::string> config;  // instead of inputs, output, gainDb, delayMs, rateHz and mixMatrix
   std::vector<std::string> inputs;
   std::string output;
   bool fast = false;
@@ -19,6 +19,8 @@ struct Options {
   std::optional<double> seconds;
   int gainDb = 0;
   uint32_t delayMs = 0;
+  std::optional<int> rateHz;
+  std::optional<std::string> mixMatrix;
   bool wide = false;
   bool logcat = false;
 };

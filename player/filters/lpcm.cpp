@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "player/filters/lpcm.h"
 
-#include "ze_kest/utility.h"
-
 #include "player/filters/filter_material.h"
 #include "player/framework/parameter_rows.h"
 
@@ -28,11 +26,11 @@ constexpr Parameter kParameters[] = {
     Fixed<uint32_t{0}>("DolbyTb11Enable", "1 is on"),
     Fixed<kOtherSignal>("RfSignalType", "0 Dvb, 1 Atsc, 2 Dtmb, 3 others"),
 };
-constexpr Setting kSettings[] = {{Lpcm::kFileSetting, FileNameRange{}}};
+constexpr Setting kSettings[] = {{Lpcm::kFileSetting, FileNameRange{}, true}};
 
 // The file is open already: the format of the run depends on it.
 std::unique_ptr<Filter> Make(const FilterLayout & /*layout*/, const FilterMaterial &material) {
-  return std::make_unique<Lpcm>(material.format, std::move(material.reader), material.source, material.loop);
+  return std::make_unique<Lpcm>(material.format, std::move(*material.reader), material.source, material.loop);
 }
 
 }  // namespace
@@ -40,10 +38,8 @@ std::unique_ptr<Filter> Make(const FilterLayout & /*layout*/, const FilterMateri
 const FilterKind Lpcm::kKind = {"Lpcm", FilterPlace::kInputStart, Make, kSettings, kParameters, {}};
 
 Lpcm::Lpcm(const PcmFormat &format, AudioReader reader, uint32_t source, bool loop)
-    : Filter(kKind, format), reader_(std::move(reader)), loop_(loop) {
+    : Filter(kKind, format), reader_(std::move(reader)), loop_(loop), metadata_(source) {
   Record().pszConfig = "InputSource=MM";
-  block_.source = source;
-  block_.payloadLength = kMetadataPayloadBytes;
 }
 
 void Lpcm::Process() {
@@ -53,7 +49,7 @@ void Lpcm::Process() {
     const uint32_t frames = ReadFile(samples, FramesWanted());
     if (frames == 0) return;
     WriteFrames(samples, frames);
-    WriteMetadata(frames);
+    blocksDecoded_ += metadata_.Write(Record(), frames);
   });
 }
 
@@ -77,21 +73,6 @@ bool Lpcm::StartOver() {
   framesSinceStart_ = 0;
   Log(ZE_KEST_LEVEL_INFO, "starts %s over", reader_.Path().c_str());
   return true;
-}
-
-// A block is written with the last of its frames, so that it never waits for frames downstream.
-void Lpcm::WriteMetadata(uint32_t frames) {
-  framesOfBlock_ += frames;
-  for (; framesOfBlock_ >= ZE_KEST_METADATA_SAMPLES; framesOfBlock_ -= ZE_KEST_METADATA_SAMPLES) {
-    ZE_KEST_DataBuffer_s &ring = Record().apstOutPort[0]->stMeta;
-    ze_kest_Utility_CopyFromRingToRingBuffer(
-        ring.pu8Buf, ring.sztSize, ring.sztReadOffset, ring.sztLevel + ring.sztWriteSize,
-        reinterpret_cast<const uint8_t *>(&block_), kMetadataBlockBytes, 0, 0, kMetadataBlockBytes);
-    ze_kest_Utility_UpdateAllOutputPortMetadataWriteSize(&Record(), kMetadataBlockBytes);
-    ++block_.number;
-    ++blocksDecoded_;
-    block_.framePosition += ZE_KEST_METADATA_SAMPLES;
-  }
 }
 
 }  // namespace kest::player

@@ -2,6 +2,7 @@
 #include "player/filters/speaker_output.h"
 
 #include <algorithm>
+#include <cmath>
 
 #include "ze_kest/utility.h"
 
@@ -12,12 +13,18 @@ namespace kest::player {
 
 namespace {
 
-constexpr Setting kSettings[] = {{SpeakerOutput::kFileSetting, FileNameRange{}}};
+constexpr Setting kSettings[] = {{SpeakerOutput::kFileSetting, FileNameRange{}, true}};
+
+uint64_t FrameLimit(const FilterMaterial &material) {
+  if (!material.seconds) return SpeakerOutput::kNoLimit;
+  return static_cast<uint64_t>(std::round(*material.seconds * material.format.sampleRate));
+}
 
 std::unique_ptr<Filter> Make(const FilterLayout &layout, const FilterMaterial &material) {
-  AudioWriter writer(layout.FileName(SpeakerOutput::kFileSetting), material.reader);
-  return std::make_unique<SpeakerOutput>(material.format, std::move(writer), material.frameLimit,
-                                         material.realTime);
+  const PcmFormat &format = material.format;
+  AudioWriter writer(layout.FileName(SpeakerOutput::kFileSetting),
+                     {format.channels, format.sampleRate, material.outputBits});
+  return std::make_unique<SpeakerOutput>(format, std::move(writer), FrameLimit(material), material.realTime);
 }
 
 }  // namespace

@@ -16,6 +16,7 @@ class SpeakerOutput : public Filter {
  public:
   static const FilterKind kKind;
   static constexpr const char *kFileSetting = "file";
+  static constexpr uint64_t kNoLimit = UINT64_MAX;
 
   // frameLimit: number of frames after which the output ends.
   SpeakerOutput(const PcmFormat &format, AudioWriter writer, uint64_t frameLimit, bool realTime);
@@ -24,6 +25,9 @@ class SpeakerOutput : public Filter {
 
   // Callable from any thread.
   [[nodiscard]] uint64_t FramesPlayed() const { return framesPlayed_; }
+  [[nodiscard]] double SecondsPlayed() const {
+    return static_cast<double>(framesPlayed_) / Format().sampleRate;
+  }
   // Only after the run.
   [[nodiscard]] const MetadataCounter &Metadata() const { return metadata_; }
 

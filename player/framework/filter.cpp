@@ -29,7 +29,8 @@ uint32_t WriteAllOutputs(const ZE_KEST_Filter_s *pstFilter, uint32_t frames, int
 
 }  // namespace
 
-Filter::Filter(const FilterKind &kind, const PcmFormat &format) : kind_(kind), format_(format) {
+Filter::Filter(const FilterKind &kind, const PcmFormat &input, const PcmFormat &output)
+    : kind_(kind), input_(input), output_(output) {
   ze_kest_Utility_Strncpy(record_.szName, kind.name, sizeof(record_.szName) - 1);
   record_.filter = this;
   record_.pfnGetParameter = GetFilterParameter;
@@ -57,8 +58,8 @@ void Filter::ConnectOutput(PortStorage &port) {
 }
 
 void Filter::AnnounceFormat() {
-  const ZE_KEST_PcmInfo_s info = format_.Info();
-  const PcmGroups groups = format_.Groups();
+  const ZE_KEST_PcmInfo_s info = output_.Info();
+  const PcmGroups groups = output_.Groups();
   ze_kest_Utility_UpdatePcmInfoToAllOutputPort(&record_, &info);
   ze_kest_Utility_UpdatePcmGroupToAllOutputPort(&record_, 0, groups.data());
 }
@@ -156,18 +157,18 @@ void Filter::CountInputXrun(uint32_t port) {
 
 template <typename Sample>
 void Filter::ReadFrames(uint32_t port, Sample *interleaved, uint32_t frames) const {
-  ze_kest_Utility_ReadInputPortPcmBuffer(&record_, port, interleaved, frames, format_.FirstChannel(),
-                                         format_.LastChannel(), format_.channels);
+  ze_kest_Utility_ReadInputPortPcmBuffer(&record_, port, interleaved, frames, input_.FirstChannel(),
+                                         input_.LastChannel(), input_.channels);
 }
 
 template <typename Sample>
 void Filter::WriteFrames(Sample *interleaved, uint32_t frames) {
   std::array<Sample *, ZE_KEST_PCM_CHANNEL_ENTRIES> channels{};
   std::array<uint16_t, ZE_KEST_PCM_CHANNEL_ENTRIES> strides{};
-  const uint32_t first = format_.Group() * ZE_KEST_PCM_GROUP_ENTRIES;
-  for (uint32_t slot = 0; slot < format_.channels; ++slot) {
+  const uint32_t first = output_.Group() * ZE_KEST_PCM_GROUP_ENTRIES;
+  for (uint32_t slot = 0; slot < output_.channels; ++slot) {
     channels[first + slot] = interleaved + slot;
-    strides[first + slot] = static_cast<uint16_t>(format_.channels);
+    strides[first + slot] = static_cast<uint16_t>(output_.channels);
   }
   WriteChannels<Sample>(channels.data(), strides.data(), frames);
 }

@@ -18,7 +18,8 @@ namespace kest::player {
 
 class Filter {
  public:
-  Filter(const FilterKind &kind, const PcmFormat &format);
+  Filter(const FilterKind &kind, const PcmFormat &format) : Filter(kind, format, format) {}
+  Filter(const FilterKind &kind, const PcmFormat &input, const PcmFormat &output);
   virtual ~Filter() = default;
   Filter(const Filter &) = delete;
   Filter &operator=(const Filter &) = delete;
@@ -26,6 +27,7 @@ class Filter {
   [[nodiscard]] const FilterKind &Kind() const { return kind_; }
   [[nodiscard]] ZE_KEST_Filter_s &Record() { return record_; }
   [[nodiscard]] const ZE_KEST_Filter_s &Record() const { return record_; }
+  [[nodiscard]] const PcmFormat &OutputFormat() const { return output_; }
   // The capacity that its input ports must have.
   [[nodiscard]] virtual PortCapacity InputCapacity() const;
 
@@ -54,7 +56,8 @@ class Filter {
   virtual void Process() = 0;
   [[nodiscard]] virtual bool IsComplete() const;
 
-  [[nodiscard]] const PcmFormat &Format() const { return format_; }
+  // Of the input; that of most filters' output too.
+  [[nodiscard]] const PcmFormat &Format() const { return input_; }
   [[nodiscard]] bool UpstreamEnded() const { return upstreamEnded_; }
 
   // Number of frames that all inputs can deliver, that all outputs can take, and the smaller of both; never
@@ -83,7 +86,8 @@ class Filter {
   [[nodiscard]] uint32_t MetadataBytesToForward() const;
 
   const FilterKind &kind_;
-  PcmFormat format_;
+  PcmFormat input_;
+  PcmFormat output_;
   FilterRecord record_{};
   std::vector<PortStorage *> inputs_;
   std::vector<PortStorage *> outputs_;

@@ -26,8 +26,11 @@ enum class FilterPlace {
   kBetween       // any number of them, in any order, behind the first one
 };
 
-// A mandatory setting: nothing can be played without the file.
 struct FileNameRange {};
+
+struct TextRange {
+  const char *needed;  // what it says, for an error message
+};
 
 struct WholeNumberRange {
   int min;
@@ -36,7 +39,8 @@ struct WholeNumberRange {
 
 struct Setting {
   const char *key;
-  std::variant<FileNameRange, WholeNumberRange> range;
+  std::variant<FileNameRange, TextRange, WholeNumberRange> range;
+  bool isMandatory = false;
 };
 
 struct ParameterRange {
