@@ -4,6 +4,7 @@
 #include <array>
 #include <cerrno>
 #include <cstring>
+#include <utility>
 
 #include <fcntl.h>
 
@@ -49,14 +50,6 @@ AudioWriter::AudioWriter(const std::string &path, const AudioFormat &format)
   framesLeft_ = kMaxDataBytes / (uint64_t{format.channels} * static_cast<uint32_t>(format.bits) / 8);
 }
 
-AudioWriter::AudioWriter(AudioWriter &&other) noexcept
-    : path_(std::move(other.path_)),
-      fd_(std::move(other.fd_)),
-      file_(std::exchange(other.file_, nullptr)),
-      channels_(other.channels_),
-      collected_(std::move(other.collected_)),
-      framesLeft_(other.framesLeft_) {}
-
 // What a run that failed has played so far belongs into the file; that this may fail too is no news.
 AudioWriter::~AudioWriter() {
   if (file_ == nullptr) return;
@@ -65,7 +58,7 @@ AudioWriter::~AudioWriter() {
 }
 
 template <typename Sample>
-void AudioWriter::Write(const Sample *interleaved, uint32_t frames) {
+void AudioWriter::Collect(const Sample *interleaved, uint32_t frames) {
   CheckSize(frames);
   auto &collected = std::get<FrameChunk<Sample>>(collected_);
   for (uint32_t done = 0; done < frames;) {
@@ -74,8 +67,15 @@ void AudioWriter::Write(const Sample *interleaved, uint32_t frames) {
   }
 }
 
-template void AudioWriter::Write(const int16_t *, uint32_t);
-template void AudioWriter::Write(const int32_t *, uint32_t);
+bool AudioWriter::Write(const int16_t *interleaved, uint32_t frames) {
+  Collect(interleaved, frames);
+  return true;
+}
+
+bool AudioWriter::Write(const int32_t *interleaved, uint32_t frames) {
+  Collect(interleaved, frames);
+  return true;
+}
 
 template <typename Sample>
 bool AudioWriter::Flush() {

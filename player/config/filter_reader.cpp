@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <variant>
 
+#include "player/audio/sound_card.h"
 #include "player/config/text_list.h"
 
 namespace kest::player {
@@ -34,7 +35,8 @@ class ReadValue {
       : value_(value), directory_(directory) {}
 
   std::variant<int, std::string> operator()(const FileNameRange &) const {
-    return (directory_ / value_.FileName()).string();
+    const std::string name = value_.FileName();
+    return SoundCardIn(name) ? name : (directory_ / name).string();
   }
   std::variant<int, std::string> operator()(const TextRange &range) const {
     return value_.Text(range.needed);

@@ -58,7 +58,8 @@ void AddOptions(CLI::App &app, Options &options) {
   app.add_option("IN", options.inputs, "Audio files that libsndfile reads, such as WAV, FLAC and OGG")
       ->expected(1, ZE_KEST_MAX_PORTS)
       ->type_name("FILE");
-  app.add_option("-o,--output", options.output, "WAV file to write; overwritten when it exists")
+  app.add_option("-o,--output", options.output,
+                 "WAV file to write, overwritten when it exists; or alsa:DEVICE, a sound card")
       ->type_name("OUT.wav");
   app.add_option("--config", options.config,
                  "Read files, pipelines, filters and their settings from a JSON file")

@@ -3,9 +3,12 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include "ze_kest/utility.h"
 
+#include "player/audio/audio_writer.h"
+#include "player/audio/sound_card.h"
 #include "player/filters/filter_material.h"
 #include "player/framework/filter_layout.h"
 
@@ -20,20 +23,30 @@ uint64_t FrameLimit(const FilterMaterial &material) {
   return static_cast<uint64_t>(std::round(*material.seconds * material.format.sampleRate));
 }
 
+// A sound card gets the samples as wide as the ports have them.
+std::unique_ptr<AudioSink> OpenSink(const std::string &name, const FilterMaterial &material) {
+  const auto &[channels, sampleRate, bitsPerSample] = material.format;
+  if (const auto device = SoundCardIn(name)) {
+    const SampleBits bits = bitsPerSample == 16 ? SampleBits::k16 : SampleBits::k32;
+    return std::make_unique<SoundCard>(*device, AudioFormat{channels, sampleRate, bits});
+  }
+  return std::make_unique<AudioWriter>(name, AudioFormat{channels, sampleRate, material.outputBits});
+}
+
 std::unique_ptr<Filter> Make(const FilterLayout &layout, const FilterMaterial &material) {
-  const PcmFormat &format = material.format;
-  AudioWriter writer(layout.FileName(SpeakerOutput::kFileSetting),
-                     {format.channels, format.sampleRate, material.outputBits});
-  return std::make_unique<SpeakerOutput>(format, std::move(writer), FrameLimit(material), material.realTime);
+  const std::string name = layout.FileName(SpeakerOutput::kFileSetting);
+  return std::make_unique<SpeakerOutput>(material.format, OpenSink(name, material), FrameLimit(material),
+                                         material.realTime);
 }
 
 }  // namespace
 
 const FilterKind SpeakerOutput::kKind = {"SpeakerOutput", FilterPlace::kOutputEnd, Make, kSettings, {}, {}};
 
-SpeakerOutput::SpeakerOutput(const PcmFormat &format, AudioWriter writer, uint64_t frameLimit, bool realTime)
-    : Filter(kKind, format), writer_(std::move(writer)), frameLimit_(frameLimit) {
-  if (realTime) clock_.emplace(format.sampleRate);
+SpeakerOutput::SpeakerOutput(const PcmFormat &format, std::unique_ptr<AudioSink> sink, uint64_t frameLimit,
+                             bool realTime)
+    : Filter(kKind, format), sink_(std::move(sink)), frameLimit_(frameLimit) {
+  if (realTime && !sink_->SetsThePace()) clock_.emplace(format.sampleRate);
 }
 
 void SpeakerOutput::Process() {
@@ -52,7 +65,7 @@ void SpeakerOutput::PlayFrames(uint32_t frames) {
   WithSampleType(Format(), [&](auto sample) {
     auto *samples = buffer_.Samples<decltype(sample)>();
     ReadFrames(0, samples, frames);
-    writer_.Write(samples, frames);
+    if (!sink_->Write(samples, frames)) CountInputXrun(0);
   });
   ze_kest_Utility_UpdateAllInputPortPcmReadSize(&Record(), frames);
   framesPlayed_ += frames;
