@@ -4,7 +4,8 @@ root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 debug_dir=/mnt/vendor/tmp/kest/
 
 build_packages=(g++ cmake make pkg-config android-liblog-dev libjsmn-dev
-  libsndfile1-dev libsoxr-dev libasound2-dev libcli11-dev alsa-utils libfmt-dev nlohmann-json3-dev libedit-dev libncurses-dev)
+  libsndfile1-dev libsoxr-dev libasound2-dev libcli11-dev alsa-utils
+  libfmt-dev nlohmann-json3-dev libedit-dev libncurses-dev)
 test_packages=(libgtest-dev libgmock-dev dpkg-dev file python3-jsonschema mksh toybox)
 arm_packages=(g++-arm-linux-gnueabihf qemu-user
   android-liblog-dev:armhf libsndfile1-dev:armhf libsoxr-dev:armhf libasound2-dev:armhf
