@@ -19,8 +19,8 @@ class AudioWriter : public AudioSink {
   AudioWriter(const std::string &path, const AudioFormat &format);
   ~AudioWriter() override;
 
-  // A narrower file keeps the upper bits of the samples. Frames are collected: that they cannot be written may
-  // be said of a later call's frames or when it is closed.
+  // A narrower file keeps the upper bits of the samples. Frames are collected: that they cannot be written
+  // may be said of a later call's frames or when it is closed.
   bool Write(const int16_t *interleaved, uint32_t frames) override;
   bool Write(const int32_t *interleaved, uint32_t frames) override;
 
