@@ -150,7 +150,8 @@ TEST_F(Instrumented, EveryInstrumentMayComeAndGoWhileThePipelinesRun) {
       "kest_debug_list=status;kest_debug_set_parameter=Decoder_13,Volume,Gain,-1,4;"
       "kest_process_status=pipeline,SpeakerOutput;kest_send_test_tone=SpeakerOutput,Mixer:0;"
       "kest_calpcmlev=,,20;kest_calpcmlev=Decoder_13,Volume,50;kest_calculate_data_rate=,Volume:0,0;"
-      "kest_filter_debug_level=Lpcm,trace;kest_debug_send_cmd=2,get;kest_debug_watch_current_tids=off;kest_debug_watch_current_tids=on",
+      "kest_filter_debug_level=Lpcm,trace;kest_debug_send_cmd=2,get;kest_debug_watch_current_tids=off;kest_"
+      "debug_watch_current_tids=on",
       ';');
   Playback playback(player::MakeLayout(options, player::BuiltInKinds()), options);
   playback.Start();
