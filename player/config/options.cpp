@@ -112,6 +112,7 @@ void RefuseEndlessFastRun(const Options &options) {
 std::variant<Options, int> ParseOptions(int argc, const char *const *argv) {
   CLI::App app(kDescription, "kest-player");
   app.footer(kFooter);
+  app.set_version_flag("--version", "kest-player " KEST_VERSION);
   app.formatter(std::make_shared<HelpFormatter>());
   Options options;
   AddOptions(app, options);
