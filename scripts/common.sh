@@ -11,6 +11,7 @@ arm_packages=(g++-arm-linux-gnueabihf qemu-user
 fuzz_packages=(clang libclang-rt-14-dev)
 bench_packages=(libbenchmark-dev libswresample-dev)
 android_bp_packages=(blueprint-tools mini-soong)
+abi_packages=(abigail-tools)
 
 # Prints each argument on a line of its own.
 say() { printf '%s\n' "$@"; }
