@@ -10,6 +10,8 @@ arm_packages=(g++-arm-linux-gnueabihf qemu-user
   android-liblog-dev:armhf libsndfile1-dev:armhf libgtest-dev:armhf libgmock-dev:armhf)
 fuzz_packages=(clang libclang-rt-14-dev)
 bench_packages=(libbenchmark-dev libswresample-dev)
+android_bp_packages=(blueprint-tools mini-soong)
+abi_packages=(abigail-tools)
 
 # Prints each argument on a line of its own.
 say() { printf '%s\n' "$@"; }
