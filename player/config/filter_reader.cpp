@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <variant>
 
-#include "player/config/text_list.h"
+#include "player/base/text_list.h"
 
 namespace kest::player {
 namespace {

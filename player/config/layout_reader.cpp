@@ -10,7 +10,7 @@
 
 #include "player/config/filter_reader.h"
 #include "player/config/json_document.h"
-#include "player/config/text_list.h"
+#include "player/base/text_list.h"
 
 namespace kest::player {
 namespace {
