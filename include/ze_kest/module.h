@@ -120,19 +120,20 @@ typedef void (*ZE_KEST_ModuleDestroy)(void *pvSelf);
  *
  * After the end the filter reads what is left, writes what it still holds (pfnPending), and then moves
  * nothing. As long as the output has space, it may pause for a limited number of calls only: a host may give
- * up on a filter that no longer moves. kest-player does after 1000 such calls in a row and reports it.
+ * up on a filter that no longer moves. kest-player ends its run with an error after 1000 such calls in a row.
  *
  * The host does the rest: it calls ze_kest_Debug_MeasureLatency before and ze_kest_Debug_Filter after the
  * call, releases what was read and commits what was written, and announces the format to the output before
  * the first turn. */
 typedef void (*ZE_KEST_ModuleProcess)(void *pvSelf, ZE_KEST_Filter_s *pstFilter, uint32_t bEnded);
 
-/* Samples per channel by which the output lags behind the input; constant for the instance's life. [main
- * thread] */
+/* Samples per channel by which the output lags behind the input: what input sample n holds comes out as
+ * output sample n + latency. Constant for the instance's life. [main thread] */
 typedef uint32_t (*ZE_KEST_ModuleLatency)(void *pvSelf);
 
-/* Samples per channel that the instance still has to write once its input has ended and is empty; falls to 0.
- * Called after each pfnProcess with bEnded. [audio thread; real-time safe] */
+/* Samples per channel that the instance would still write if its input port held nothing and nothing
+ * followed; falls to 0 after the end. A filter that delays by its latency holds that many, a reverberation
+ * its tail. Called after each pfnProcess with bEnded. [audio thread; real-time safe] */
 typedef uint32_t (*ZE_KEST_ModulePending)(void *pvSelf);
 
 /* The instance's parameter u32Index, from 0; NULL past the last one. The records stay valid and unchanged
