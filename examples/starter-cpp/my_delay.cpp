@@ -21,8 +21,10 @@
 namespace {
 
 constexpr uint32_t kMostDelay = 48000;
+constexpr uint32_t kUsualDelay = 480;
 
 uint32_t ParseDelay(std::string_view text) {
+  if (text.empty()) return kUsualDelay;
   uint32_t samples = 0;
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), samples);
   if (error != std::errc() || end != text.data() + text.size() || samples > kMostDelay) {

@@ -19,11 +19,13 @@ std::string RangeText(const ZE_KEST_ModuleParameter_s &parameter) {
 
 std::optional<int32_t> ParseValue(std::string_view text, const ZE_KEST_ModuleParameter_s &parameter) {
   const size_t point = text.find('.');
-  const std::string_view fraction = point == text.npos ? "" : text.substr(point + 1);
-  if (point != text.npos && (fraction.empty() || point == 0 || text[point - 1] == '-')) return std::nullopt;
-  if (fraction.size() > parameter.u32Decimals) return std::nullopt;
+  const std::string_view whole = text.substr(0, point);
+  const std::string_view fraction = point == std::string_view::npos ? "" : text.substr(point + 1);
+  const bool hasDigits =
+      !whole.empty() && whole != "-" && (point == std::string_view::npos || !fraction.empty());
+  if (!hasDigits || fraction.size() > parameter.u32Decimals) return std::nullopt;
 
-  std::string digits(text.substr(0, point));
+  std::string digits(whole);
   digits += fraction;
   digits.append(parameter.u32Decimals - fraction.size(), '0');
   int64_t value = 0;
