@@ -26,7 +26,9 @@ install(DIRECTORY "${PROJECT_SOURCE_DIR}/include/ze_kest" DESTINATION "${CMAKE_I
 install(FILES "${PROJECT_SOURCE_DIR}/README.md" "${PROJECT_SOURCE_DIR}/LICENSE"
   DESTINATION "${CMAKE_INSTALL_DOCDIR}")
 # To copy and begin with.
-install(DIRECTORY "${PROJECT_SOURCE_DIR}/examples/" DESTINATION "${CMAKE_INSTALL_DATADIR}/kest")
+foreach(example IN ITEMS starter starter-cpp ladspa host)
+  install(DIRECTORY "${PROJECT_SOURCE_DIR}/examples/${example}" DESTINATION "${CMAKE_INSTALL_DATADIR}/kest")
+endforeach()
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/docs" DESTINATION "${CMAKE_INSTALL_DOCDIR}")
 
 # Users of the library do not need its dependencies, so the exported targets file serves as the package configuration.

@@ -16,8 +16,8 @@ namespace {
 
 const std::string kModules = KEST_TEST_MODULES;
 const std::string kBroken = kModules + "/broken.so";
-const std::string kMyFilter = kModules + "/my_filter.so";
-const std::string kMyDelay = kModules + "/my_delay.so";
+const std::string kMyFilter = KEST_EXAMPLE_MODULES "/my_filter.so";
+const std::string kMyDelay = KEST_EXAMPLE_MODULES "/my_delay.so";
 constexpr player::PcmFormat kStereo = {2, 48000, 32};
 
 std::string WithoutPath(std::string text, const std::string &path) {
@@ -47,7 +47,7 @@ TEST_F(Module, WhatCannotBeLoadedIsNamedWithTheLoadersWords) {
   EXPECT_EQ("x: is not a regular file; give the name of a shared object", Refusal("/tmp"));
   EXPECT_THAT(Refusal(text), StartsWith("x: cannot be loaded: "));
   EXPECT_THAT(Refusal(unresolved), AllOf(StartsWith("x: cannot be loaded: "), HasSubstr("MissingFunction")));
-  EXPECT_THAT(Refusal(kModules + "/libnone.so"),
+  EXPECT_THAT(Refusal(kModules + "/none.so"),
               StartsWith("x: is no module: it exports no ze_kest_module: "));
   EXPECT_EQ("x: has no filter \"Other\"; it has: Plain, Narrow", Refusal(kBroken, "Other"));
   EXPECT_EQ("x: say which of its filters is meant; it has: Plain, Narrow", Refusal(kBroken, ""));
