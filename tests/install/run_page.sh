@@ -1,7 +1,7 @@
 #!/bin/sh
 # run_page.sh PAGE PREFIX DIRECTORY: types the commands of PAGE, those between "```sh" and "```", as they are, into a
-# shell with PREFIX in its environment, in the empty DIRECTORY. Those of a block "```sh live" come beside a player: each
-# waits until the command pipe is there, and the player is ended after them.
+# shell with PREFIX in its environment, in the empty DIRECTORY. Those of a block "```sh live" begin a process in the
+# background; the next one waits until its command pipe is there, and it is ended after the last one.
 set -eu
 page=$1 PREFIX=$2 directory=$3
 export PREFIX
