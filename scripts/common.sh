@@ -5,7 +5,9 @@ debug_dir=/mnt/vendor/tmp/kest/
 
 build_packages=(g++ cmake make pkg-config android-liblog-dev libjsmn-dev libsndfile1-dev libcli11-dev alsa-utils
   libfmt-dev nlohmann-json3-dev libedit-dev libncurses-dev)
-test_packages=(libgtest-dev libgmock-dev dpkg-dev file python3-jsonschema mksh toybox)
+test_packages=(libgtest-dev libgmock-dev dpkg-dev file python3-jsonschema mksh toybox
+  ladspa-sdk cmt swh-plugins)
+demo_packages=(ladspa-sdk)
 arm_packages=(g++-arm-linux-gnueabihf qemu-user
   android-liblog-dev:armhf libsndfile1-dev:armhf libgtest-dev:armhf libgmock-dev:armhf)
 fuzz_packages=(clang libclang-rt-14-dev)

@@ -19,12 +19,17 @@ class JsonValue {
 
   // Its name within the object that it is a member of.
   [[nodiscard]] const std::string &Name() const { return name_; }
+  // For error messages.
+  [[nodiscard]] const std::string &Place() const { return place_; }
 
   // The members of an object in the order of the text. Throws PlayerError when a name occurs twice.
   [[nodiscard]] std::vector<JsonValue> Members() const;
   [[nodiscard]] int WholeNumber(int min, int max) const;
   // A non-empty string.
   [[nodiscard]] std::string FileName() const;
+  [[nodiscard]] std::string Text() const;
+  // As it is written.
+  [[nodiscard]] std::string Number() const;
 
   // "PLACE: reason"
   [[noreturn]] void Fail(const std::string &reason) const;

@@ -7,6 +7,7 @@
 
 #include "player/filters/delay.h"
 #include "player/filters/volume.h"
+#include "player/modules/record_check.h"
 
 namespace kest::player {
 namespace {
@@ -30,19 +31,40 @@ constexpr const char *kFooter =
     "A configuration is a JSON file such as player/example.json: an object of pipelines;\n"
     "each is an object of filters, in the order of the chain; each is an object of\n"
     "settings. 1 to 8 pipelines feed the one named SpeakerOutput:\n"
-    "  input          Lpcm, then any of Volume and Delay\n"
-    "  SpeakerOutput  Mixer, then any of Volume and Delay, then SpeakerOutput\n"
+    "  input          Lpcm, then any of Volume, Delay and modules\n"
+    "  SpeakerOutput  Mixer, then any of Volume, Delay and modules, then SpeakerOutput\n"
     "Settings: \"file\" of Lpcm and SpeakerOutput, relative to the configuration's\n"
-    "directory; \"gain_db\" of Volume and \"delay_ms\" of Delay, 0 when left out.\n"
+    "directory; \"gain_db\" of Volume and \"delay_ms\" of Delay, 0 when left out. A filter\n"
+    "with a \"module\" (a file, relative too) may have any other name; \"filter\" tells which\n"
+    "of the module's it is, \"config\" is a text for it, \"parameters\" an object of numbers.\n"
     "\n"
     "Exit code: 0 played, also when ended by SIGINT, SIGTERM or SIGHUP; 1 an error; 2 a\n"
-    "wrong command line.";
+    "wrong command line; 3 --inspect could not load the module.";
+
+ModuleOption ParseModule(const std::string &text) {
+  std::vector<std::string> parts = CLI::detail::split(text, ',');
+  ModuleOption module{parts.front(), "", {}};
+  const size_t colon = module.file.rfind(':');
+  if (colon != std::string::npos && IsName(module.file.c_str() + colon + 1)) {
+    module.kind = module.file.substr(colon + 1);
+    module.file.resize(colon);
+  }
+  for (auto part = parts.begin() + 1; part != parts.end(); ++part) {
+    const size_t sign = part->find('=');
+    if (sign == std::string::npos)
+      throw CLI::ValidationError("--module " + text, *part + " is not NAME=VALUE");
+    const std::string name = part->substr(0, sign);
+    module.parameters.push_back({name, part->substr(sign + 1), "--module " + module.file + ": " + name});
+  }
+  return module;
+}
 
 class HelpFormatter : public CLI::Formatter {
  public:
   std::string make_usage(const CLI::App *, std::string) const override {
     return "\nUsage: kest-player IN... -o OUT.wav [OPTIONS]\n"
-           "       kest-player --config FILE [OPTIONS]\n";
+           "       kest-player --config FILE [OPTIONS]\n"
+           "       kest-player --inspect FILE[:KIND] [--json]\n";
   }
 };
 
@@ -50,6 +72,16 @@ std::string CheckSeconds(const std::string &text) {
   double seconds = 0.0;
   const bool isNumber = CLI::detail::lexical_cast(text, seconds);
   return isNumber && seconds >= 0.001 && seconds <= 1e9 ? "" : text + " is not 0.001 to 1000000000 seconds";
+}
+
+void SetModuleConfig(Options &options, const std::string &text) {
+  if (options.inspect) {
+    options.inspect->config = text;
+  } else if (!options.modules.empty()) {
+    options.modules.back().config = text;
+  } else {
+    throw CLI::ValidationError("--module-config", "the module must be named before it");
+  }
 }
 
 void AddOptions(CLI::App &app, Options &options) {
@@ -72,15 +104,40 @@ void AddOptions(CLI::App &app, Options &options) {
   app.add_option("--delay-ms", options.delayMs, "Silence before the sound, milliseconds")
       ->check(CLI::Range(0u, Delay::kMaxDelayMs))
       ->type_name("N");
+  app.add_option_function<std::string>(
+         "--module", [&](const std::string &text) { options.modules.push_back(ParseModule(text)); },
+         "Add a filter from a module behind the Volume of every input; may be given\nseveral times")
+      ->type_name("FILE[:KIND][,NAME=VALUE...]")
+      ->trigger_on_parse();
+  app.add_option_function<std::string>(
+         "--module-config", [&](const std::string &text) { SetModuleConfig(options, text); },
+         "Configuration text of the module named before it")
+      ->type_name("TEXT")
+      ->trigger_on_parse();
+  app.add_option_function<std::string>(
+         "--inspect", [&](const std::string &text) { options.inspect = ParseModule(text); },
+         "Show a module's filters and their parameters instead of playing")
+      ->type_name("FILE[:KIND]")
+      ->trigger_on_parse();
+  app.add_flag("--json", options.json, "With --inspect: as JSON");
   app.add_flag("--wide", options.wide,
                "Use 32-bit samples in the pipelines even where 16 bits hold the input");
   app.add_flag("--logcat", options.logcat, "Show the library's Android log on stderr");
 }
 
+// Without playing, only what asks about the module may be given.
+void CheckInspection(const CLI::App &app) {
+  for (const CLI::Option *option : app.get_options()) {
+    const std::string name = option->get_name();
+    const bool belongs = name == "--inspect" || name == "--json" || name == "--module-config";
+    if (!belongs && option->count() > 0) throw CLI::ValidationError(name, "cannot be given with --inspect");
+  }
+}
+
 // With --config these options are refused; without it the files must be given.
 void CheckSourceOfLayout(const CLI::App &app) {
   const bool hasConfig = app.count("--config") > 0;
-  for (const char *name : {"IN", "--output", "--gain-db", "--delay-ms"}) {
+  for (const char *name : {"IN", "--output", "--gain-db", "--delay-ms", "--module", "--module-config"}) {
     if (hasConfig && app.count(name) > 0) {
       throw CLI::ValidationError(name, "cannot be given with --config; the configuration file sets it");
     }
@@ -107,8 +164,13 @@ std::variant<Options, int> ParseOptions(int argc, const char *const *argv) {
   AddOptions(app, options);
   try {
     app.parse(argc, argv);
-    CheckSourceOfLayout(app);
-    RefuseEndlessFastRun(options);
+    if (options.inspect) {
+      CheckInspection(app);
+    } else {
+      if (options.json) throw CLI::ValidationError("--json", "works with --inspect only");
+      CheckSourceOfLayout(app);
+      RefuseEndlessFastRun(options);
+    }
   } catch (const CLI::ParseError &error) {
     return app.exit(error) == 0 ? 0 : kMisuse;
   }

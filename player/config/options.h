@@ -8,10 +8,20 @@
 #include <variant>
 #include <vector>
 
+#include "player/framework/filter_layout.h"
+
 namespace kest::player {
 
+// A filter from a module, "FILE[:KIND][,NAME=VALUE...]".
+struct ModuleOption {
+  std::string file;
+  std::string kind;  // empty: the only one of the module
+  std::vector<GivenParameter> parameters;
+  std::string config{};
+};
+
 struct Options {
-  std::optional<std::string> config;  // instead of inputs, output, gainDb and delayMs
+  std::optional<std::string> config;  // instead of inputs, output, gainDb, delayMs and modules
   std::vector<std::string> inputs;
   std::string output;
   bool fast = false;
@@ -19,8 +29,11 @@ struct Options {
   std::optional<double> seconds;
   int gainDb = 0;
   uint32_t delayMs = 0;
+  std::vector<ModuleOption> modules;  // behind the Volume of every input
   bool wide = false;
   bool logcat = false;
+  std::optional<ModuleOption> inspect;  // instead of playing
+  bool json = false;
 };
 
 // The options, or the exit code when the command line asked for help or was wrong; the help or the error has

@@ -26,6 +26,7 @@ class Pipeline {
   void Append(std::unique_ptr<Filter> filter);
   void FeedInto(Pipeline &fed, PipelineLink &link);
   [[nodiscard]] const Filter &LastFilter() const { return *filters_.back(); }
+  [[nodiscard]] const std::vector<std::unique_ptr<Filter>> &Filters() const { return filters_; }
 
   // Returns once the library has registered the pipeline, so that its lists keep the order of the starts.
   void Start();

@@ -124,7 +124,8 @@ TEST_F(Config, AFaultIsSaidWithItsPlaceAndWhatIsAllowed) {
       {R"({"A": 5})", "x: A is 5; an object is needed"},
       {R"({"A": {"Volume": "loud"}})", "x: A: Volume is \"loud\"; an object is needed"},
       {R"({"A": {"Echo": {}}})",
-       "x: A: Echo: unknown filter; known: Lpcm, Volume, Delay, Mixer, SpeakerOutput"},
+       "x: A: Echo: unknown filter; known: Lpcm, Volume, Delay, Mixer, SpeakerOutput, and those of a "
+       "\"module\""},
       {R"({"A": {"Volume": {"gain": 1}}})", "x: A: Volume: gain: unknown setting; known: gain_db"},
       {R"({"A": {"Mixer": {"file": "a"}}})", "x: A: Mixer: file: unknown setting; known: none"},
       {R"({"A": {"Volume": {"gain_db": "loud"}}})",
@@ -149,10 +150,12 @@ TEST_F(Config, AFaultIsSaidWithItsPlaceAndWhatIsAllowed) {
       {R"({"A": {"Lpcm": {"file": "a\u0062"}}})",
        "x: A: Lpcm: file: \"a\\u0062\" has an escape other than \\\" \\\\ \\/; write the character itself"},
       {R"({"A": {"Volume": {}, )" + input + "}}",
-       "x: A: has Volume, Lpcm; an input is Lpcm, then any of Volume and Delay, in any order"},
-      {R"({"A": {}})", "x: A: has no filters; an input is Lpcm, then any of Volume and Delay, in any order"},
+       "x: A: has Volume, Lpcm; an input is Lpcm, then any of Volume, Delay and modules, in any order"},
+      {R"({"A": {}})",
+       "x: A: has no filters; an input is Lpcm, then any of Volume, Delay and modules, in any order"},
       {R"({"SpeakerOutput": {"Mixer": {}}})",
-       "x: SpeakerOutput: has Mixer; the output is Mixer, then any of Volume and Delay, in any order, then "
+       "x: SpeakerOutput: has Mixer; the output is Mixer, then any of Volume, Delay and modules, in any "
+       "order, then "
        "SpeakerOutput"},
       {"{\"A\": {" + input + "}}", "x: the pipeline \"SpeakerOutput\" is missing"},
       {"{" + output + "}", "x: 0 pipelines feed SpeakerOutput; 1 to 8 are needed"},
@@ -175,7 +178,8 @@ TEST_F(Config, ARunThatCannotBeginLeavesTheOutputAlone) {
   EXPECT_EQ(1, missing.exitCode);
   EXPECT_THAT(missing.err, HasSubstr("kest-player: cannot read " + Path("in.wav")));
 
-  const Texts conflicts[] = {{"in.wav"}, {"-o", out_}, {"--gain-db", "0"}, {"--delay-ms", "0"}};
+  const Texts conflicts[] = {
+      {"in.wav"}, {"-o", out_}, {"--gain-db", "0"}, {"--delay-ms", "0"}, {"--module", "x.so"}};
   for (Texts arguments : conflicts) {
     arguments.insert(arguments.end(), {"--config", path_});
     const PlayerResult result = PlayFast(arguments);
