@@ -4,8 +4,8 @@ root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 debug_dir=/mnt/vendor/tmp/kest/
 
 build_packages=(g++ cmake make pkg-config android-liblog-dev libjsmn-dev libsndfile1-dev libcli11-dev alsa-utils
-  libfmt-dev nlohmann-json3-dev libedit-dev libncurses-dev)
-test_packages=(libgtest-dev libgmock-dev dpkg-dev file python3-jsonschema mksh toybox
+  libfmt-dev nlohmann-json3-dev libedit-dev libncurses-dev libkissfft-dev)
+test_packages=(libgtest-dev libgmock-dev dpkg-dev file python3-jsonschema mksh toybox gnuplot-nox
   ladspa-sdk cmt swh-plugins)
 demo_packages=(ladspa-sdk)
 arm_packages=(g++-arm-linux-gnueabihf qemu-user

@@ -67,6 +67,8 @@ class Host {
   // Whether the process still has the pipe open; cheaper than looking for all readers.
   virtual bool IsReader(int pid, const FileFacts &pipe) = 0;
   virtual std::vector<OpenFile> OpenFiles(int pid) = 0;
+  // False when the file is still there.
+  virtual bool Remove(const std::string &path) = 0;
   // Bytes that can still be written beside the path; -1 when unknown.
   virtual int64_t FreeBytes(const std::string &path) = 0;
   // Pids that hold a lock on the file.

@@ -151,6 +151,10 @@ std::vector<OpenFile> LocalHost::OpenFiles(int pid) {
   return files;
 }
 
+bool LocalHost::Remove(const std::string &path) {
+  return unlink(path.c_str()) == 0 || errno == ENOENT;
+}
+
 int64_t LocalHost::FreeBytes(const std::string &path) {
   struct statvfs facts = {};
   if (statvfs(path.c_str(), &facts) != 0) return -1;

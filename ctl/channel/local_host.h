@@ -16,6 +16,7 @@ class LocalHost final : public Host {
   Readers FindReaders(const FileFacts &pipe) override;
   bool IsReader(int pid, const FileFacts &pipe) override;
   std::vector<OpenFile> OpenFiles(int pid) override;
+  bool Remove(const std::string &path) override;
   int64_t FreeBytes(const std::string &path) override;
   std::vector<int> LockHolders(const FileFacts &file) override;
   std::shared_ptr<void> LockOut(const std::string &path, std::chrono::milliseconds timeout) override;

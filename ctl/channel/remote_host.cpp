@@ -210,6 +210,10 @@ std::vector<OpenFile> RemoteHost::OpenFiles(int pid) {
   return files;
 }
 
+bool RemoteHost::Remove(const std::string &path) {
+  return shell_.Run(fmt::format("rm -f -- {}", Quote(path))).status == 0;
+}
+
 int64_t RemoteHost::FreeBytes(const std::string &path) {
   std::istringstream fields(shell_.Run(fmt::format("stat -f -c '%a %S' -- {}", Quote(path))).bytes);
   int64_t blocks = 0;

@@ -23,6 +23,7 @@ class RemoteHost final : public Host {
   Readers FindReaders(const FileFacts &pipe) override;
   bool IsReader(int pid, const FileFacts &pipe) override;
   std::vector<OpenFile> OpenFiles(int pid) override;
+  bool Remove(const std::string &path) override;
   int64_t FreeBytes(const std::string &path) override;
   std::vector<int> LockHolders(const FileFacts &file) override;
   // Keeps out those that reach the same path by the same command from this system.
