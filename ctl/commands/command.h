@@ -30,7 +30,8 @@ enum class Offer {
   kCommand,
   kShellName,
   kColour,
-  kDirectory
+  kDirectory,
+  kFile
 };
 
 struct ArgumentInfo {

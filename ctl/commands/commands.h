@@ -19,6 +19,8 @@ Result RunTop(Context &context, const Arguments &arguments);
 Result RunWatch(Context &context, const Arguments &arguments);
 Result RunPerf(Context &context, const Arguments &arguments);
 Result RunTrace(Context &context, const Arguments &arguments);
+Result RunMetrics(Context &context, const Arguments &arguments);
+Result RunReport(Context &context, const Arguments &arguments);
 Result RunShell(Context &context, const Arguments &arguments);
 Result RunCompletion(Context &context, const Arguments &arguments);
 Result RunHelp(Context &context, const Arguments &arguments);

@@ -261,6 +261,7 @@ constexpr OfferInfo kOffers[] = {
     {Offer::kShellName, OfferWords<kShells, std::size(kShells)>},
     {Offer::kColour, OfferWords<kColours, std::size(kColours)>},
     {Offer::kDirectory, OfferDirectories},
+    {Offer::kFile, OfferDirectories},
 };
 
 Offer OfferAt(const Position &position) {

@@ -43,6 +43,9 @@ TEST_F(Schema, HoldsForEveryCommandOnAPlayingPlayer) {
                                 "send help", "log -n 200", "help set", "completion bash"}) {
     Keep(arguments, 0);
   }
+  Keep("metrics", 0);
+  Keep("metrics --device tv -o " + Path("kest.prom"), 0);
+  Keep("report -o " + Path("bug.tar.gz"), 0);
   Keep("set Dec/Lpcm MdVol 3", 1);
   Keep("cmd Dec/Vol mute=maybe", 1);
   Keep("set Dec/Vol gain 3", 6);
@@ -55,7 +58,7 @@ TEST_F(Schema, HoldsForEveryLineOfAFollowedLog) {
   StartPlayer();
   Ctl("level all");
   Ctl("send no_such_command");
-  const CtlResult followed = Ctl("--json log -f -n 20", "timeout --signal=INT 0.5");
+  const CtlResult followed = Ctl("--json log -f --raw -n 20", "timeout --signal=INT 0.5");
   std::istringstream lines(followed.out);
   for (std::string line; std::getline(lines, line);)
     KeepText(line);
