@@ -168,7 +168,7 @@ void CompleteCheck(Options &options, const CheckRequest &request) {
 }
 
 bool BelongsToCheck(const std::string &name) {
-  for (const char *known : {"--only", "--seed", "--time-limit", "--in-process", "--list", "--report-fd"}) {
+  for (const char *known : {"--only", "--seed", "--time-limit", "--in-process", "--list"}) {
     if (name == known) return true;
   }
   return false;
@@ -178,7 +178,7 @@ bool BelongsToCheck(const std::string &name) {
 void RefuseWhatDoesNotBelong(const CLI::App &app, const std::string &purpose) {
   for (const CLI::Option *option : app.get_options()) {
     const std::string name = option->get_name();
-    if (option->count() == 0 || name == purpose) continue;
+    if (option->count() == 0 || name == purpose || name.empty()) continue;  // a hidden one has no name
     if (purpose != kCheck && BelongsToCheck(name))
       throw CLI::ValidationError(name, "works with --check only");
     if (purpose.empty() || name == "--json" || name == "--module-config") continue;
