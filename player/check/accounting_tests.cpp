@@ -35,14 +35,17 @@ Finding Total(const Subject &subject) {
                 std::to_string(rig->Latency()) + ", " + std::to_string(stream.written) + " came out");
 }
 
+// The output is so short that what is pending needs several turns.
 Finding Pending(const Subject &subject) {
-  const auto rig = MakeRig(subject, UsualShape(subject.Load()));
+  Shape shape = UsualShape(subject.Load());
+  shape.outputSamples = 4;
+  const auto rig = MakeRig(subject, shape);
   Stream stream;
-  Feed(*rig, QuietNoise(*rig, 5000, subject.seed), {256, 0}, stream);
+  Feed(*rig, QuietNoise(*rig, 1000, subject.seed), {256, 0}, stream);
   const ZE_KEST_PcmBuffer_s &input = ze_kest_Harness_Filter(rig->Get())->apstInPort[0]->stPcm;
   ZE_KEST_HarnessTurn_s turn = rig->Turn(true);
   TakeAll(*rig, stream);
-  for (int i = 0; input.sztPcmLevel > 0 && i < 1000; ++i) {
+  for (int i = 0; input.sztPcmLevel > 0 && i < 2000; ++i) {
     turn = rig->Turn(true);
     TakeAll(*rig, stream);
   }
@@ -125,6 +128,7 @@ Finding Impulse(const Subject &subject) {
   constexpr uint32_t kPosition = 1000;
   const Shape shape = UsualShape(subject.Load());
   const auto rig = MakeRig(subject, shape);
+  rig->Turn(false);
   if (rig->MayDiffer()) return Skipped("two runs of it may differ");
   const auto response = ImpulseResponse(subject, shape, kPosition);
   if (!response) return Skipped("an impulse changes nothing of its output");

@@ -41,9 +41,9 @@ TwoMarkers RunWithBoth(const Subject &subject, Shape shape) {
   const Rig ports(subject, shape);
   const Samples in = QuietNoise(ports, 2000, subject.seed);
   shape.marker = kMarkerA;
-  Samples a = Run(subject, shape, in, {100, 0}).out;
+  Samples a = Run(subject, shape, in, {70, 0}).out;
   shape.marker = kMarkerB;
-  return {std::move(a), Run(subject, shape, in, {100, 0}).out};
+  return {std::move(a), Run(subject, shape, in, {70, 0}).out};
 }
 
 int32_t SampleOf(uint8_t marker, uint32_t bits) {

@@ -18,16 +18,19 @@ void AnnounceInterposedCalls() {
   g_bInterposed = true;
 }
 
-bool NoteAllocation(const char *name) {
+bool NoteAllocation(const char *name, bool isNew) {
   CallWatch &watch = t_callWatch;
   if (!watch.active) return true;
   if (watch.firstAllocation == nullptr) watch.firstAllocation = name;
+  if (isNew) ++watch.blocksHeld;
   return ++watch.allocations != watch.failingAllocation;
 }
 
 void NoteFree(const char *name) {
   CallWatch &watch = t_callWatch;
-  if (!watch.active || watch.failingAllocation > 0) return;
+  if (!watch.active) return;
+  --watch.blocksHeld;
+  if (watch.failingAllocation > 0) return;
   if (watch.firstAllocation == nullptr) watch.firstAllocation = name;
   ++watch.allocations;
 }

@@ -11,6 +11,7 @@ struct CallWatch {
   bool active = false;
   uint32_t allocations = 0;  // frees among them
   uint32_t locks = 0;
+  int64_t blocksHeld = 0;  // allocated and not freed
   const char *firstAllocation = nullptr;
   const char *firstLock = nullptr;
   uint32_t failingAllocation = 0;  // number of the one that fails, from 1; 0: none
@@ -23,8 +24,8 @@ bool CallsAreWatched();
 
 // From what stands in for the calls.
 void AnnounceInterposedCalls();
-// False when the allocation is to fail.
-bool NoteAllocation(const char *name);
+// False when the allocation is to fail. isNew: not a realloc of something.
+bool NoteAllocation(const char *name, bool isNew = true);
 void NoteFree(const char *name);
 void NoteLock(const char *name);
 

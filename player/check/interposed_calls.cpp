@@ -51,7 +51,7 @@ void *calloc(size_t count, size_t bytes) noexcept {
 }
 
 void *realloc(void *old, size_t bytes) noexcept {
-  return NoteAllocation("realloc") ? __libc_realloc(old, bytes) : NoMemory();
+  return NoteAllocation("realloc", old == nullptr) ? __libc_realloc(old, bytes) : NoMemory();
 }
 
 void *memalign(size_t alignment, size_t bytes) noexcept {

@@ -83,6 +83,7 @@ Finding FullScale(const Subject &subject) {
   const ModuleKind &kind = subject.Load();
   for (const Shape &shape : SomeShapes(kind)) {
     const auto rig = MakeRig(subject, shape);
+    rig->Turn(false);
     const Samples loud = Noise(*rig, 2000, subject.seed);
     const size_t parameters = ParametersOf(*rig).size();
     for (size_t i = 0; i <= parameters; ++i) {

@@ -79,7 +79,7 @@ Samples Wander(const Subject &subject, Shape shape, bool placed) {
 // A filter that takes only what lies in one piece splits at the ring's end.
 bool DependsOnSplits(const Subject &subject, const Shape &shape) {
   const Rig ports(subject, shape);
-  const Samples in = QuietNoise(ports, kFrames, subject.seed);
+  const Samples in = QuietNoise(ports, shape.inputSamples, subject.seed);  // as many as need no wrap
   return !Difference(Run(subject, shape, in, {kShortRing, 0}).out, Run(subject, shape, in, {7, 0}).out,
                      shape.channels)
               .empty();

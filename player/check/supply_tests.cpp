@@ -76,7 +76,9 @@ Finding Starved(const Subject &subject) {
 }
 
 Finding FullOutput(const Subject &subject) {
-  Trial trial(subject);
+  Shape shape = UsualShape(subject.Load());
+  shape.outputSamples = 300;
+  Trial trial(subject, shape);
   const uint32_t fed = ze_kest_Harness_Fill(trial.rig->Get(), trial.in.data(), kFrames);
   trial.IdleTurns();
   TakeAll(*trial.rig, trial.stream);

@@ -23,13 +23,14 @@
 #define KINDS(X)                                                                                         \
   X(Sound)                                                                                               \
   X(SoundDelay)                                                                                          \
-  X(SoundMetadata) X(MayDiffer) X(MayBlock) X(Leak) X(DestroyNeedsTurn) X(FloatingPoint) X(Descriptor)   \
-      X(SharedState) X(RefusesSilently) X(ConfigSilently) X(UncheckedAllocation) X(RefusesThree)         \
-          X(StuckAtSeventeen) X(IgnoresWrap) X(WritesBehind) X(WritesUnasked) X(ForgetsWhenStarved)      \
-              X(LosesWhenFull) X(NeedsRoomForTwo) X(NeedsConnection) X(LeavesLast) X(PendingForever)     \
-                  X(ChangesInput) X(ChangesRecord) X(ChangesOutput) X(LeavesUnwritten) X(UsesUnheld)     \
-                      X(ReadsTooMuch) X(WritesTooMuch) X(MovesTooMuch) X(LosesFirst) X(PendingTwice)     \
-                          X(Drifts) X(WrongLatency) X(TouchesMetadata) X(CorruptsBlock) X(LosesBlock)    \
+  X(SoundMetadata)                                                                                       \
+  X(MayDiffer) X(MayBlock) X(Leak) X(DestroyNeedsTurn) X(FloatingPoint) X(Descriptor) X(SharedState)     \
+      X(RefusesSilently) X(ConfigSilently) X(UncheckedAllocation) X(RefusesThree) X(StuckAtSeventeen)    \
+          X(IgnoresWrap) X(WritesBehind) X(WritesUnasked) X(ForgetsWhenStarved) X(LosesWhenFull)         \
+              X(NeedsRoomForTwo) X(NeedsConnection) X(LeavesLast) X(PendingForever) X(ChangesInput)      \
+                  X(ChangesRecord) X(ChangesOutput) X(LeavesUnwritten) X(UsesUnheld) X(ReadsTooMuch)     \
+                      X(WritesTooMuch) X(MovesTooMuch) X(LosesFirst) X(PendingTwice) X(Drifts)           \
+                          X(WrongLatency) X(TouchesMetadata) X(CorruptsBlock) X(LosesBlock)              \
                               X(AccountsForNoBlock) X(DropsWhenFull) X(OutOfStep) X(Differs)             \
                                   X(DependsOnSplits) X(WrapsAround) X(CallsSystem) X(Allocates) X(Locks) \
                                       X(Slow) X(NoUnit) X(WrongDefault) X(RoundsValue) X(DividesByLeast) \
@@ -50,7 +51,7 @@ typedef struct Faulty_s {
   uint32_t u32BitWidth, u32Delay, u32Pending, u32Turns, u32MetaRemainder;
   int bStuck, bHasRead;
   uint64_t u64Read;
-  uint32_t *pu32Early; /* allocated by the first turn where a fault says so */
+  uint32_t *pu32Early; /* set by the first turn where a fault says so */
   _Atomic int32_t s32Gain;
   pthread_t stSetter;
   int bHasSetter;
@@ -61,6 +62,7 @@ typedef struct Faulty_s {
 } Faulty_s;
 
 static uint32_t s_u32Creates;
+static uint32_t s_u32Turned;
 static int32_t s_s32Shared;
 static pthread_mutex_t s_stMutex = PTHREAD_MUTEX_INITIALIZER;
 static volatile uint32_t s_u32Sink;
@@ -205,8 +207,7 @@ static void WaitForSet(const Faulty_s *pst) {
 static void BeforeTurn(Faulty_s *pst, ZE_KEST_Filter_s *pstFilter) {
   const ZE_KEST_PcmBuffer_s *pstIn = &pstFilter->apstInPort[0]->stPcm;
   ++pst->u32Turns;
-  if (pst->eFault == kDestroyNeedsTurn && pst->pu32Early == NULL)
-    pst->pu32Early = calloc(1, sizeof(uint32_t));
+  if (pst->eFault == kDestroyNeedsTurn && pst->pu32Early == NULL) pst->pu32Early = &s_u32Turned;
   if (pst->eFault == kForgetsWhenStarved && pstIn->sztPcmLevel == 0) {
     memset(pst->as32Previous, 0, sizeof(pst->as32Previous));
   }
@@ -244,7 +245,6 @@ static void Damage(Faulty_s *pst, ZE_KEST_Filter_s *pstFilter, uint32_t u32Sampl
   const uint32_t u32Next =
       (pstOut->sztPcmReadOffset + pstOut->sztPcmLevel + u32Samples) % pstOut->sztPcmRingSamples;
   const uint32_t u32Unheld = (pstIn->sztPcmReadOffset + pstIn->sztPcmLevel) % pstIn->sztPcmRingSamples;
-  if (pst->eFault == kChangesInput) pstIn->apu8PcmGroupBuf[g][pstIn->sztPcmReadOffset * u32Bytes] ^= 1;
   if (pst->eFault == kChangesRecord) ++pstFilter->apstInPort[0]->au32Reserved[1];
   if (pst->eFault == kChangesOutput) pstOut->apu8PcmGroupBuf[g][u32Next * u32Bytes] ^= 1;
   if (pst->eFault == kWritesBehind) pstOut->apu8PcmGroupBuf[g][pstOut->asztPcmAllocSize[g]] ^= 1;
@@ -253,6 +253,13 @@ static void Damage(Faulty_s *pst, ZE_KEST_Filter_s *pstFilter, uint32_t u32Sampl
   }
   if (pst->eFault == kTouchesMetadata && pstFilter->apstInPort[0]->stMeta.sztLevel > 0) {
     ze_kest_Utility_UpdateAllInputPortMetadataReadSize(pstFilter, 32);
+  }
+}
+
+static void ChangeInput(const ZE_KEST_PcmBuffer_s *pstIn) {
+  const uint32_t u32Byte = pstIn->sztPcmReadOffset * (pstIn->stPcmInfo.u32BitWidth / 8);
+  for (uint32_t g = 0; g < ZE_KEST_PCM_GROUPS; ++g) {
+    if (pstIn->apu8PcmGroupBuf[g] != NULL) pstIn->apu8PcmGroupBuf[g][u32Byte] ^= 1;
   }
 }
 
@@ -274,7 +281,7 @@ static uint32_t WrittenOf(Faulty_s *pst, const ZE_KEST_Filter_s *pstFilter, uint
 static void AccountFor(const Faulty_s *pst, ZE_KEST_Filter_s *pstFilter, uint32_t u32Read,
                        uint32_t u32Written) {
   const uint32_t u32Level = pstFilter->apstInPort[0]->stPcm.sztPcmLevel;
-  const int bMore = pst->eFault == kReadsTooMuch && u32Read == u32Level;
+  const int bMore = pst->eFault == kReadsTooMuch && u32Read == u32Level && u32Read < 256;
   ze_kest_Utility_UpdateAllOutputPortPcmWriteSize(pstFilter, u32Written);
   ze_kest_Utility_UpdateAllInputPortPcmReadSize(pstFilter, bMore ? u32Read + 1 : u32Read);
 }
@@ -308,6 +315,7 @@ static void Process(void *pvSelf, ZE_KEST_Filter_s *pstFilter, uint32_t bEnded) 
   uint32_t u32Written = WrittenOf(pst, pstFilter, u32Read);
   Damage(pst, pstFilter, u32Written);
   Move(pst, pstFilter, u32Read, u32Written);
+  if (pst->eFault == kChangesInput) ChangeInput(pstIn);
   if (pst->eFault == kLosesWhenFull && u32Read == pstOut->sztPcmSpace && pstIn->sztPcmLevel > u32Read)
     ++u32Read;
   AccountFor(pst, pstFilter, u32Read, u32Written);
@@ -365,7 +373,6 @@ static void Destroy(void *pvSelf) {
   Faulty_s *pst = pvSelf;
   if (pst->eFault == kDestroyNeedsTurn) *pst->pu32Early = 1;
   s_s32Shared = 0;
-  free(pst->pu32Early);
   free(pst);
 }
 
