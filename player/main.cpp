@@ -10,6 +10,7 @@
 #include <android/log.h>
 #include <unistd.h>
 
+#include "player/check/check.h"
 #include "player/config/layout.h"
 #include "player/config/options.h"
 #include "player/modules/inspection.h"
@@ -69,6 +70,11 @@ int Main(int argc, char **argv) {
   if (options.inspect) {
     __android_log_set_logger(LogNowhere);
     return Inspect(*options.inspect, options.json);
+  }
+
+  if (options.check) {
+    __android_log_set_logger(LogNowhere);
+    return Check(*options.check);
   }
 
   const sigset_t endSignals = BlockEndSignals();

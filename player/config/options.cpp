@@ -39,7 +39,8 @@ constexpr const char *kFooter =
     "of the module's it is, \"config\" is a text for it, \"parameters\" an object of numbers.\n"
     "\n"
     "Exit code: 0 played, also when ended by SIGINT, SIGTERM or SIGHUP; 1 an error; 2 a\n"
-    "wrong command line; 3 --inspect could not load the module.";
+    "wrong command line; 3 --inspect or --check could not load the module. --check also\n"
+    "ends with 1 when a test failed; warnings do not matter.";
 
 ModuleOption ParseModule(const std::string &text) {
   std::vector<std::string> parts = CLI::detail::split(text, ',');
@@ -64,7 +65,8 @@ class HelpFormatter : public CLI::Formatter {
   std::string make_usage(const CLI::App *, std::string) const override {
     return "\nUsage: kest-player IN... -o OUT.wav [OPTIONS]\n"
            "       kest-player --config FILE [OPTIONS]\n"
-           "       kest-player --inspect FILE[:KIND] [--json]\n";
+           "       kest-player --inspect FILE[:KIND] [--json]\n"
+           "       kest-player --check FILE[:KIND] [--json] [--only TEST] [--seed N]\n";
   }
 };
 
@@ -77,6 +79,8 @@ std::string CheckSeconds(const std::string &text) {
 void SetModuleConfig(Options &options, const std::string &text) {
   if (options.inspect) {
     options.inspect->config = text;
+  } else if (options.check) {
+    options.check->config = text;
   } else if (!options.modules.empty()) {
     options.modules.back().config = text;
   } else {
@@ -119,18 +123,67 @@ void AddOptions(CLI::App &app, Options &options) {
          "Show a module's filters and their parameters instead of playing")
       ->type_name("FILE[:KIND]")
       ->trigger_on_parse();
-  app.add_flag("--json", options.json, "With --inspect: as JSON");
+  app.add_flag("--json", options.json, "With --inspect and --check: as JSON");
   app.add_flag("--wide", options.wide,
                "Use 32-bit samples in the pipelines even where 16 bits hold the input");
   app.add_flag("--logcat", options.logcat, "Show the library's Android log on stderr");
 }
 
-// Without playing, only what asks about the module may be given.
-void CheckInspection(const CLI::App &app) {
+constexpr const char *kCheck = "--check";
+constexpr const char *kInspect = "--inspect";
+
+void AddCheckOptions(CLI::App &app, Options &options, CheckRequest &request) {
+  app.add_option_function<std::string>(
+         kCheck,
+         [&](const std::string &text) {
+           const ModuleOption module = ParseModule(text);
+           options.check.emplace();
+           options.check->file = module.file;
+           options.check->kind = module.kind;
+         },
+         "Test a module's filters, each test in a process of its own, instead of playing")
+      ->type_name("FILE[:KIND]")
+      ->trigger_on_parse();
+  app.add_option("--only", request.only, "With --check: one test, or a group such as Life")
+      ->type_name("TEST");
+  app.add_option("--seed", request.seed, "With --check: of everything random; what a report names repeats it")
+      ->type_name("N");
+  app.add_option("--time-limit", request.timeLimitSeconds, "With --check: seconds that a test may take")
+      ->check(CLI::Range(1u, 86400u))
+      ->type_name("N");
+  app.add_flag("--in-process", request.inProcess,
+               "With --check: run the tests in this process, for a debugger");
+  app.add_flag("--list", request.list, "With --check: name the tests and what each expects");
+  app.add_option("--report-fd", request.reportFd)->group("");  // of a process that --check started
+}
+
+// What was given beside --check.
+void CompleteCheck(Options &options, const CheckRequest &request) {
+  CheckRequest complete = request;
+  complete.file = options.check->file;
+  complete.kind = options.check->kind;
+  complete.config = options.check->config;
+  complete.json = options.json;
+  options.check = complete;
+}
+
+bool BelongsToCheck(const std::string &name) {
+  for (const char *known : {"--only", "--seed", "--time-limit", "--in-process", "--list"}) {
+    if (name == known) return true;
+  }
+  return false;
+}
+
+// Without playing, only what asks about the module may be given. purpose: --inspect, --check, or none.
+void RefuseWhatDoesNotBelong(const CLI::App &app, const std::string &purpose) {
   for (const CLI::Option *option : app.get_options()) {
     const std::string name = option->get_name();
-    const bool belongs = name == "--inspect" || name == "--json" || name == "--module-config";
-    if (!belongs && option->count() > 0) throw CLI::ValidationError(name, "cannot be given with --inspect");
+    if (option->count() == 0 || name == purpose || name.empty()) continue;  // a hidden one has no name
+    if (purpose != kCheck && BelongsToCheck(name))
+      throw CLI::ValidationError(name, "works with --check only");
+    if (purpose.empty() || name == "--json" || name == "--module-config") continue;
+    if (purpose == kCheck && BelongsToCheck(name)) continue;
+    throw CLI::ValidationError(name, "cannot be given with " + purpose);
   }
 }
 
@@ -161,13 +214,16 @@ std::variant<Options, int> ParseOptions(int argc, const char *const *argv) {
   app.footer(kFooter);
   app.formatter(std::make_shared<HelpFormatter>());
   Options options;
+  CheckRequest check;
   AddOptions(app, options);
+  AddCheckOptions(app, options, check);
   try {
     app.parse(argc, argv);
-    if (options.inspect) {
-      CheckInspection(app);
-    } else {
-      if (options.json) throw CLI::ValidationError("--json", "works with --inspect only");
+    RefuseWhatDoesNotBelong(app, options.inspect ? kInspect : options.check ? kCheck : "");
+    if (options.check) {
+      CompleteCheck(options, check);
+    } else if (!options.inspect) {
+      if (options.json) throw CLI::ValidationError("--json", "works with --inspect and --check only");
       CheckSourceOfLayout(app);
       RefuseEndlessFastRun(options);
     }

@@ -8,6 +8,7 @@
 #include <variant>
 #include <vector>
 
+#include "player/check/check.h"
 #include "player/framework/filter_layout.h"
 
 namespace kest::player {
@@ -34,6 +35,7 @@ struct Options {
   bool logcat = false;
   std::optional<ModuleOption> inspect;  // instead of playing
   bool json = false;
+  std::optional<CheckRequest> check;  // instead of playing
 };
 
 // The options, or the exit code when the command line asked for help or was wrong; the help or the error has
