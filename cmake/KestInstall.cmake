@@ -21,10 +21,14 @@ if(KEST_BUILD_CTL)
 endif()
 
 set(kest_cmake_dir "${CMAKE_INSTALL_LIBDIR}/cmake/kest")
-install(TARGETS kest EXPORT kest INCLUDES DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}")
+install(TARGETS kest kest_harness EXPORT kest INCLUDES DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}")
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/include/ze_kest" DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}")
 install(FILES "${PROJECT_SOURCE_DIR}/README.md" "${PROJECT_SOURCE_DIR}/LICENSE"
   DESTINATION "${CMAKE_INSTALL_DOCDIR}")
+# To copy and begin with.
+foreach(example IN ITEMS starter starter-cpp ladspa host)
+  install(DIRECTORY "${PROJECT_SOURCE_DIR}/examples/${example}" DESTINATION "${CMAKE_INSTALL_DATADIR}/kest")
+endforeach()
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/docs" DESTINATION "${CMAKE_INSTALL_DOCDIR}")
 
 # Users of the library do not need its dependencies, so the exported targets file serves as the package configuration.

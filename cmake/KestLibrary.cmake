@@ -14,7 +14,7 @@ if(CMAKE_SYSTEM_PROCESSOR STREQUAL "x86_64")
     PROPERTIES COMPILE_OPTIONS -falign-loops=32)
 endif()
 # What no cycle runs is optimised for size: commands, start-up, the registry and its listings, the test threads.
-# Android.bp says the same.
+# Android.bp lists the same files.
 file(GLOB kest_cold_sources CONFIGURE_DEPENDS
   "${PROJECT_SOURCE_DIR}/debug/control/*.cpp" "${PROJECT_SOURCE_DIR}/debug/registry/*.cpp"
   "${PROJECT_SOURCE_DIR}/debug/requests/*.cpp" "${PROJECT_SOURCE_DIR}/debug/thread/*_test.cpp"

@@ -5,6 +5,8 @@
 #include <string>
 
 #include "ctl/channel/verdict.h"
+#include "ctl/parse/dump.h"
+#include "ctl/parse/latency.h"
 #include "ctl/parse/lines.h"
 #include "ctl/parse/listing.h"
 #include "ctl/parse/log_line.h"
@@ -38,6 +40,12 @@ void CheckLines(const std::vector<std::string> &lines) {
   static_cast<void>(ctl::ParseParameters(lines));
   static_cast<void>(ctl::ParseParameterValues(lines, "Decoder_13", "Volume"));
   static_cast<void>(ctl::ParseSettings(lines));
+  static_cast<void>(ctl::ParseDumpRun(lines, true));
+  static_cast<void>(ctl::ParseLatencyRun(lines));
+  ctl::LatencyReport report;
+  for (const std::string &line : lines)
+    ctl::TakeLatencyLine(line, report);
+  Expect(report.isInserted || !report.totalBytes, "a burst that was found before it was inserted");
   ctl::Reply reply;
   reply.lines = lines;
   const ctl::Verdict verdict = ctl::Judge(reply, true, 0);

@@ -10,8 +10,11 @@
 #include <android/log.h>
 #include <unistd.h>
 
+#include "player/check/check.h"
 #include "player/config/layout.h"
 #include "player/config/options.h"
+#include "player/modules/inspection.h"
+#include "player/modules/module_error.h"
 #include "player/session/capabilities.h"
 #include "player/session/debug_session.h"
 #include "player/session/playback.h"
@@ -20,6 +23,7 @@
 namespace kest::player {
 namespace {
 
+constexpr int kCannotBeLoaded = 3;
 constexpr timespec kWatchPeriod = {0, 20'000'000};
 
 void LogToStderr(const __android_logger_data *data, const char *message) {
@@ -39,10 +43,22 @@ void WaitForEnd(Playback &playback, const sigset_t &endSignals, bool showProgres
 
 void Play(const Options &options, const FilterKinds &kinds, const sigset_t &endSignals) {
   Playback playback(MakeLayout(options, kinds), options);
+  AnnounceCapabilities(kinds, playback.Filters());
   playback.Start();
   WaitForEnd(playback, endSignals, isatty(STDERR_FILENO) != 0 && !options.logcat);
   playback.Finish();
   std::cout << playback.Summary() << std::endl;
+}
+
+int Inspect(const ModuleOption &module, bool json) {
+  const Inspection inspection{module.file, module.kind, module.config};
+  try {
+    std::cout << (json ? InspectAsJson(inspection) : InspectAsText(inspection)) << std::flush;
+  } catch (const ModuleError &error) {
+    std::fprintf(stderr, "kest-player: %s\n", error.what());
+    return kCannotBeLoaded;
+  }
+  return 0;
 }
 
 int Main(int argc, char **argv) {
@@ -51,12 +67,21 @@ int Main(int argc, char **argv) {
   if (const int *exitCode = std::get_if<int>(&parsed)) return *exitCode;
   const Options &options = std::get<Options>(parsed);
 
+  if (options.inspect) {
+    __android_log_set_logger(LogNowhere);
+    return Inspect(*options.inspect, options.json);
+  }
+
+  if (options.check) {
+    __android_log_set_logger(LogNowhere);
+    return Check(*options.check);
+  }
+
   const sigset_t endSignals = BlockEndSignals();
   IgnoreWriteSignals();
   __android_log_set_logger(options.logcat ? LogToStderr : LogNowhere);
   const DebugSession session;
   const FilterKinds kinds = BuiltInKinds();
-  AnnounceCapabilities(kinds);
   Play(options, kinds, endSignals);
   return 0;
 }

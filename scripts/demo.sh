@@ -51,7 +51,7 @@ stop_tail() { kill "$log_tail" 2>/dev/null && wait "$log_tail" 2>/dev/null || tr
 
 stop_player() { kill "${player:-}" 2>/dev/null || true; }
 
-need "${build_packages[@]}"
+need "${build_packages[@]}" "${demo_packages[@]}"
 [ -r "$audio" ] || fail "There is no readable audio file $audio"
 
 if why=$(make_debug_dir 2>&1); then
@@ -70,9 +70,10 @@ output=$root/build/demo.wav
 touch "${debug_dir}KestLog.txt"
 trap stop_player EXIT
 
-say "Playing $audio through Decoder_13 (Lpcm, Volume) and SpeakerOutput (Mixer, Delay, SpeakerOutput) ..."
+say "Playing $audio through Decoder_13 (Lpcm, Volume, a LADSPA low-pass in a module) and SpeakerOutput (Mixer, Delay, SpeakerOutput) ..."
 rm -f "$debug_dir"{Dump{In,Out}SpeakerOutputMixer*,Out{,Sig}MixerDelay_*.pcm,Decoder.txt}
-"$build_dir/kest-player" "$audio" -o "$output" --loop --seconds 22 --delay-ms 50 --wide &
+"$build_dir/kest-player" "$audio" -o "$output" --loop --seconds 22 --delay-ms 50 --wide \
+  --module "$build_dir/modules/ladspa_host.so:Ladspa,Cutoff_Frequency=8000" --module-config filter:lpf &
 player=$!
 start_tail
 wait_for_pipe || { wait "$player"; exit 1; }
@@ -90,6 +91,8 @@ ctl ls
 ctl ls parameters
 ctl set Decoder_13/Volume Gain -6
 ctl set Decoder_13/Volume gain -6
+say "" "The low-pass of the module takes thousandths of a hertz:"
+ctl set Decoder_13/Ladspa Cutoff_Frequency 900000
 ctl status
 start_tail
 command_to_pipe kest_debug_send_cmd_by_text=Decoder_13,Volume,state

@@ -120,10 +120,11 @@ WriteResult LocalHost::WriteToPipe(const std::string &path, const std::string &b
   return written == static_cast<ssize_t>(bytes.size()) ? WriteResult::kWritten : ReasonFor(errno);
 }
 
-int LocalHost::UnreadBytes(const std::string &path) {
+std::optional<size_t> LocalHost::UnreadBytes(const std::string &path) {
   const UniqueFd pipe = OpenPipe(path);
   int count = 0;
-  return pipe.IsOpen() && ioctl(pipe.Get(), FIONREAD, &count) == 0 ? count : -1;
+  if (!pipe.IsOpen() || ioctl(pipe.Get(), FIONREAD, &count) != 0) return std::nullopt;
+  return static_cast<size_t>(count);
 }
 
 Readers LocalHost::FindReaders(const FileFacts &pipe) {
@@ -149,6 +150,10 @@ std::vector<OpenFile> LocalHost::OpenFiles(int pid) {
     files.push_back({FactsOf(facts), std::filesystem::read_symlink(entry.path(), error).string()});
   }
   return files;
+}
+
+bool LocalHost::Remove(const std::string &path) {
+  return unlink(path.c_str()) == 0 || errno == ENOENT;
 }
 
 int64_t LocalHost::FreeBytes(const std::string &path) {

@@ -134,8 +134,8 @@ WriteResult RemoteHost::FinishWrite() {
   return Contains(output->bytes, "opened") ? WriteResult::kFull : WriteResult::kNoReader;
 }
 
-int RemoteHost::UnreadBytes(const std::string & /*path*/) {
-  return -1;
+std::optional<size_t> RemoteHost::UnreadBytes(const std::string & /*path*/) {
+  return std::nullopt;
 }
 
 std::string RemoteHost::Cat(const std::string &path) {
@@ -208,6 +208,10 @@ std::vector<OpenFile> RemoteHost::OpenFiles(int pid) {
     }
   }
   return files;
+}
+
+bool RemoteHost::Remove(const std::string &path) {
+  return shell_.Run(fmt::format("rm -f -- {}", Quote(path))).status == 0;
 }
 
 int64_t RemoteHost::FreeBytes(const std::string &path) {

@@ -15,14 +15,16 @@ class RemoteHost final : public Host {
 
   FileFacts Look(const std::string &path) override;
   FilePart Read(const std::string &path, uint64_t offset, size_t maxBytes) override;
+  std::string ReadProc(const std::string &path) override { return Cat(path); }
   // May take a second to find that nobody reads or that the pipe is full.
   std::string ReadProc(const std::string &path) override { return Cat(path); }
   WriteResult WriteToPipe(const std::string &path, const std::string &bytes) override;
-  // Always unknown.
-  int UnreadBytes(const std::string &path) override;
+  // Never known.
+  std::optional<size_t> UnreadBytes(const std::string &path) override;
   Readers FindReaders(const FileFacts &pipe) override;
   bool IsReader(int pid, const FileFacts &pipe) override;
   std::vector<OpenFile> OpenFiles(int pid) override;
+  bool Remove(const std::string &path) override;
   int64_t FreeBytes(const std::string &path) override;
   std::vector<int> LockHolders(const FileFacts &file) override;
   // Keeps out those that reach the same path by the same command from this system.

@@ -30,7 +30,9 @@ enum class Offer {
   kCommand,
   kShellName,
   kColour,
-  kDirectory
+  kDirectory,
+  kFile,
+  kPicture
 };
 
 struct ArgumentInfo {

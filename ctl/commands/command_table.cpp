@@ -81,13 +81,14 @@ const std::vector<Command> &Commands() {
        RunLevel},
       {"log",
        "Show the log",
-       "",
+       "Without the empty lines between commands and the lines by which kestctl finds its answers.",
        {},
        {{"-f,--follow", nullptr, "Go on as the log grows, through its restarts"},
         {"-n,--lines", "N", "The last N lines; 20 unless given"},
         {"--level", "LEVEL", "Only lines of this level and of more serious ones", Offer::kSeverity},
         {"--tid", "TID", "Only lines of this thread", Offer::kThread},
-        {"--plain", nullptr, "Without prefixes and colours"}},
+        {"--plain", nullptr, "Without prefixes and colours"},
+        {"--raw", nullptr, "Every line"}},
        RunLog},
       {"top",
        "Show live how full the ports are, what the threads cost and what goes wrong",
@@ -129,6 +130,76 @@ const std::vector<Command> &Commands() {
         {"--levels", "MS", "How often port levels are taken; 100 unless given, 0 for never"},
         {"--convert", nullptr, "Convert files that were recorded before"}},
        RunTrace},
+      {"dump",
+       "Dump what a filter reads and writes into WAV files",
+       "One file for each port and channel group, with every channel that it has storage for; metadata and "
+       "raw "
+       "data\n"
+       "beside them. Existing files are overwritten. Ctrl-C ends it early and keeps what came.",
+       {{"PIPELINE/FILTER", Offer::kFilter}},
+       {{"--in", nullptr, "Only what it reads"},
+        {"--out", nullptr, "Only what it writes"},
+        {"--seconds", "N", "How long; 5 unless given"},
+        {"-o,--output", "DIR", "Where the files go; made when missing; the current directory unless given",
+         Offer::kDirectory},
+        {"--rate", "HZ", "The sample rate, which a process does not tell; 48000 unless given"},
+        {"--channels", "N", "Only the first N channels"},
+        {"--bits", "N", "16, 24 or 32; needed only where the storage leaves it open"}},
+       RunDump},
+      {"latency",
+       "Measure the delay from one filter's input to another's output",
+       "Silences the input for 500 cycles, puts a short burst in and waits for it; asks before it does so. "
+       "Exact to\n"
+       "the sample where all ports on the way have 32 bits. Exit code 1 when a burst was not found.",
+       {{"FROM", Offer::kFilter}, {"TO", Offer::kFilter}},
+       {{"--repeat", "N", "Measure N times; once unless given"},
+        {"--wait", "SECONDS", "How long to wait for a burst; 5 unless given"},
+        {"--yes", nullptr, "Do not ask"}},
+       RunLatency},
+      {"check",
+       "Look for what is wrong with a recording",
+       "Finds clipping, clicks, gaps, repeated blocks, silence and offsets, and phase jumps of a tone, whose "
+       "SNR it\n"
+       "gives; with a reference also channels that are missing, swapped, inverted or different. Exit code 1 "
+       "when\n"
+       "something is.",
+       {{"FILE", Offer::kFile}},
+       {{"--reference", "FILE", "What the recording should hold; it may begin anywhere in it", Offer::kFile},
+        {"--min-snr", "DB", "A tone with a lower SNR is wrong"}},
+       RunCheck},
+      {"plot",
+       "Draw a picture for a bug report",
+       "KIND is waveform, spectrogram or levels, of an audio file; cycles, of the file of a timing trace "
+       "(PIPELINE.txt);\n"
+       "or latency, of what kestctl --json latency printed. Needs gnuplot.",
+       {{"KIND", Offer::kPicture}, {"INPUT", Offer::kFile}},
+       {{"-o,--output", "FILE", "The PNG file to write", Offer::kFile},
+        {"--channel", "N", "Only this channel; a spectrogram shows the first unless given"},
+        {"--from", "SECONDS", "Where the picture begins"},
+        {"--seconds", "N", "How much of the recording it shows"}},
+       RunPlot},
+      {"metrics",
+       "Give figures to a monitoring system",
+       "Whether a process answers, and the levels and counters of its filters and ports, as text that the "
+       "text-file\n"
+       "collector of a node exporter reads. Exit code 0 also when nothing answers: kest_up is then 0.",
+       {},
+       {{"-o,--output", "FILE",
+         "Replaces the file at once, for the collector FILE.prom; standard output unless given",
+         Offer::kFile},
+        {"--openmetrics", nullptr, "In the format of the OpenMetrics standard"},
+        {"--watch", "SEC", "Again every SEC seconds, into the file"},
+        {"--device", "NAME", "Adds the label device to every figure"}},
+       RunMetrics},
+      {"report",
+       "Put all that a bug report needs into one archive",
+       "What runs, settings, log, timing, versions, state of the process and of the system, what doctor "
+       "says; no audio.\n"
+       "Takes about two seconds. Also when nothing answers: then with what can be seen from outside.",
+       {},
+       {{"-o,--output", "FILE", "The archive, FILE.tar.gz", Offer::kFile},
+        {"-n,--lines", "N", "The last N lines of the log; 2000 unless given"}},
+       RunReport},
       {"shell",
        "Take commands at a prompt",
        "Each line is a command as it stands behind kestctl; a line that begins with kest_ is sent as it is. "

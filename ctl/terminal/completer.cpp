@@ -214,19 +214,28 @@ Candidates OfferThreads(Context &context, const Position & /*position*/) {
   return candidates;
 }
 
-// As on this system, which is the one of --dir unless it is behind a remote shell.
-Candidates OfferDirectories(Context &context, const Position &position) {
-  if (!context.GetSettings().via.empty()) return {};
+Candidates FilesAt(const Position &position, bool onlyDirectories) {
   const std::string parent = position.typed.substr(0, position.typed.rfind('/') + 1);
   std::error_code error;
   Candidates candidates;
   for (std::filesystem::directory_iterator entry(parent.empty() ? "." : parent, error), end;
        !error && entry != end; entry.increment(error)) {
     std::error_code notSeen;
-    if (entry->is_directory(notSeen))
-      candidates.push_back({parent + entry->path().filename().string() + "/", ""});
+    const bool isDirectory = entry->is_directory(notSeen);
+    if (isDirectory || !onlyDirectories)
+      candidates.push_back({parent + entry->path().filename().string() + (isDirectory ? "/" : ""), ""});
   }
   return candidates;
+}
+
+// As on this system, which is the one of --dir unless it is behind a remote shell.
+Candidates OfferDirectories(Context &context, const Position &position) {
+  return context.GetSettings().via.empty() ? FilesAt(position, true) : Candidates{};
+}
+
+// Recordings and pictures are always on this system.
+Candidates OfferFiles(Context & /*context*/, const Position &position) {
+  return FilesAt(position, false);
 }
 
 template <const char *const *kWords, size_t kCount>
@@ -239,6 +248,7 @@ Candidates OfferWords(Context & /*context*/, const Position & /*position*/) {
 
 constexpr const char *kListings[] = {"pipelines", "filters", "ports", "parameters"};
 constexpr const char *kSeverities[] = {"err", "wrn", "info", "trace", "all"};
+constexpr const char *kPictures[] = {"waveform", "spectrogram", "levels", "cycles", "latency"};
 constexpr const char *kShells[] = {"bash", "zsh", "fish"};
 constexpr const char *kColours[] = {"auto", "always", "never"};
 
@@ -261,6 +271,8 @@ constexpr OfferInfo kOffers[] = {
     {Offer::kShellName, OfferWords<kShells, std::size(kShells)>},
     {Offer::kColour, OfferWords<kColours, std::size(kColours)>},
     {Offer::kDirectory, OfferDirectories},
+    {Offer::kFile, OfferFiles},
+    {Offer::kPicture, OfferWords<kPictures, std::size(kPictures)>},
 };
 
 Offer OfferAt(const Position &position) {

@@ -5,15 +5,24 @@
 #include <variant>
 
 #include "player/audio/sound_card.h"
-#include "player/config/text_list.h"
+#include "player/base/text_list.h"
+#include "player/modules/module_error.h"
+#include "player/modules/module_kinds.h"
+#include "player/modules/record_check.h"
 
 namespace kest::player {
 namespace {
 
+constexpr const char *kModule = "module";
+constexpr const char *kFilter = "filter";
+constexpr const char *kConfig = "config";
+constexpr const char *kParameters = "parameters";
+
 const FilterKind &KindOf(const JsonValue &value, const FilterKinds &kinds) {
   const FilterKind *kind = FindKind(kinds, value.Name());
   if (kind == nullptr) {
-    value.Fail("unknown filter; known: " + ListNames(kinds, [](const auto *known) { return known->name; }));
+    value.Fail("unknown filter; known: " + ListNames(kinds, [](const auto *known) { return known->name; }) +
+               ", and those of a \"module\"");
   }
   return *kind;
 }
@@ -39,7 +48,7 @@ class ReadValue {
     return SoundCardIn(name) ? name : (directory_ / name).string();
   }
   std::variant<int, std::string> operator()(const TextRange &range) const {
-    return value_.Text(range.needed);
+    return value_.NonEmptyText(range.needed);
   }
   std::variant<int, std::string> operator()(const WholeNumberRange &range) const {
     return value_.WholeNumber(range.min, range.max);
@@ -68,10 +77,59 @@ void CheckIsComplete(const JsonValue &value, const FilterLayout &filter) {
   }
 }
 
+void ReadParameters(const JsonValue &value, FilterLayout &filter) {
+  for (const JsonValue &member : value.Members()) {
+    filter.parameters.push_back({member.Name(), member.Number(), member.Place()});
+  }
+}
+
+const FilterKind &LoadKindFor(const JsonValue &value, const FilterKinds &kinds, const std::string &module,
+                              const std::string &name) {
+  try {
+    return LoadKind(kinds, module, name);
+  } catch (const ModuleError &error) {
+    value.Fail(error.what());
+  }
+}
+
+// The value's name is that of the filter; the module tells which kind it is.
+FilterLayout ReadModuleFilter(const JsonValue &value, const FilterKinds &kinds,
+                              const std::filesystem::path &directory) {
+  if (FindKind(kinds, value.Name()) != nullptr) value.Fail("is a built-in filter; choose another name");
+  if (!IsName(value.Name().c_str())) value.Fail("a name of 1 to 63 letters, digits and '_' is needed");
+  FilterLayout filter{};
+  std::string module;
+  std::string kind;
+  for (const JsonValue &member : value.Members()) {
+    if (member.Name() == kModule) {
+      module = (directory / member.FileName()).string();
+    } else if (member.Name() == kFilter) {
+      kind = member.Text();
+    } else if (member.Name() == kConfig) {
+      filter.config = member.Text();
+    } else if (member.Name() == kParameters) {
+      ReadParameters(member, filter);
+    } else {
+      member.Fail("unknown setting; known: module, filter, config, parameters");
+    }
+  }
+  filter.kind = &LoadKindFor(value, kinds, module, kind);
+  filter.name = value.Name();
+  filter.directory = directory.string();
+  return filter;
+}
+
+bool IsOfModule(const JsonValue &value) {
+  const std::vector<JsonValue> members = value.Members();
+  return std::any_of(members.begin(), members.end(),
+                     [](const JsonValue &member) { return member.Name() == kModule; });
+}
+
 }  // namespace
 
 FilterLayout ReadFilter(const JsonValue &value, const FilterKinds &kinds,
                         const std::filesystem::path &directory) {
+  if (IsOfModule(value)) return ReadModuleFilter(value, kinds, directory);
   FilterLayout filter{&KindOf(value, kinds)};
   for (const JsonValue &member : value.Members()) {
     const Setting &setting = FindSetting(member, filter.kind->settings);

@@ -10,9 +10,9 @@
 
 namespace kest::player {
 
-// The filter of the kind that the value is named after, with the settings given in the value; names of files
-// that are relative start at the directory. Throws PlayerError for an unknown kind, an unknown or missing
-// setting, or a wrong value.
+// The filter of the kind that the value is named after, or of the module that it names, with the settings
+// given in the value; names of files that are relative start at the directory. Throws PlayerError for an
+// unknown kind, an unknown or missing setting, a wrong value, or a module that cannot be used.
 FilterLayout ReadFilter(const JsonValue &value, const FilterKinds &kinds,
                         const std::filesystem::path &directory);
 

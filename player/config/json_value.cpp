@@ -56,11 +56,24 @@ int JsonValue::WholeNumber(int min, int max) const {
   return number;
 }
 
-std::string JsonValue::Text(const std::string &needed) const {
+std::string JsonValue::NonEmptyText(const std::string &needed) const {
   if (token_->type != ZE_KEST_JSMN_STRING || Raw(*token_).empty()) {
     Refuse(needed + ", in quotes, is needed");
   }
   return Decoded(*token_);
+}
+
+std::string JsonValue::Text() const {
+  if (token_->type != ZE_KEST_JSMN_STRING) Refuse("a text, in quotes, is needed");
+  return Decoded(*token_);
+}
+
+std::string JsonValue::Number() const {
+  const std::string_view text = Raw(*token_);
+  const bool isNumber = token_->type == ZE_KEST_JSMN_PRIMITIVE &&
+                        text.find_first_not_of("+-.0123456789eE") == std::string_view::npos;
+  if (!isNumber) Refuse("a number is needed");
+  return std::string(text);
 }
 
 void JsonValue::Fail(const std::string &reason) const {

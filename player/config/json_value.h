@@ -19,13 +19,18 @@ class JsonValue {
 
   // Its name within the object that it is a member of.
   [[nodiscard]] const std::string &Name() const { return name_; }
+  // For error messages.
+  [[nodiscard]] const std::string &Place() const { return place_; }
 
   // The members of an object in the order of the text. Throws PlayerError when a name occurs twice.
   [[nodiscard]] std::vector<JsonValue> Members() const;
   [[nodiscard]] int WholeNumber(int min, int max) const;
-  // Non-empty strings.
-  [[nodiscard]] std::string FileName() const { return Text("the name of a file"); }
-  [[nodiscard]] std::string Text(const std::string &needed) const;
+  // Non-empty strings. needed: what it says, for the error message.
+  [[nodiscard]] std::string FileName() const { return NonEmptyText("the name of a file"); }
+  [[nodiscard]] std::string NonEmptyText(const std::string &needed) const;
+  [[nodiscard]] std::string Text() const;
+  // As it is written.
+  [[nodiscard]] std::string Number() const;
 
   // "PLACE: reason"
   [[noreturn]] void Fail(const std::string &reason) const;

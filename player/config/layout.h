@@ -25,7 +25,8 @@ struct Layout {
 };
 
 // The layout from the configuration file, with filters of these kinds, or the default one with the files and
-// settings of the command line. Throws PlayerError when the configuration is wrong.
+// settings of the command line. Throws PlayerError when the configuration is
+// wrong or a module cannot be used.
 Layout MakeLayout(const Options &options, const FilterKinds &kinds);
 
 }  // namespace kest::player

@@ -8,9 +8,9 @@
 
 #include "ze_kest/model.h"
 
+#include "player/base/text_list.h"
 #include "player/config/filter_reader.h"
 #include "player/config/json_document.h"
-#include "player/config/text_list.h"
 
 namespace kest::player {
 namespace {
@@ -36,21 +36,23 @@ bool Fits(const std::vector<FilterLayout> &filters, const Chain &chain) {
                      [](const auto &filter) { return filter.kind->place == FilterPlace::kBetween; });
 }
 
-std::string KindsFor(FilterPlace place, const FilterKinds &kinds) {
+std::string KindsFor(FilterPlace place, const FilterKinds &kinds, const char *separator) {
   FilterKinds fitting;
   std::copy_if(kinds.begin(), kinds.end(), std::back_inserter(fitting),
                [place](const FilterKind *kind) { return kind->place == place; });
-  return ListNames(fitting, [](const auto *kind) { return kind->name; });
+  return ListNames(
+      fitting, [](const auto *kind) { return kind->name; }, separator);
 }
 
 std::string Describe(const Chain &chain, const FilterKinds &kinds) {
-  return std::string(chain.owner) + " is " + KindsFor(chain.first, kinds) + ", then any of " +
-         KindsFor(FilterPlace::kBetween, kinds) + ", in any order" +
-         (chain.last ? ", then " + KindsFor(*chain.last, kinds) : "");
+  return std::string(chain.owner) + " is " + KindsFor(chain.first, kinds, " or ") + ", then any of " +
+         KindsFor(FilterPlace::kBetween, kinds, ", ") + " and modules, in any order" +
+         (chain.last ? ", then " + KindsFor(*chain.last, kinds, " or ") : "");
 }
 
 std::string Names(const std::vector<FilterLayout> &filters) {
-  const std::string names = ListNames(filters, [](const auto &filter) { return filter.kind->name; });
+  const std::string names = ListNames(
+      filters, [](const auto &filter) { return filter.name.empty() ? filter.kind->name : filter.name; });
   return names.empty() ? "no filters" : names;
 }
 

@@ -29,9 +29,11 @@ uint32_t WriteAllOutputs(const ZE_KEST_Filter_s *pstFilter, uint32_t frames, int
 
 }  // namespace
 
-Filter::Filter(const FilterKind &kind, const PcmFormat &input, const PcmFormat &output)
+Filter::Filter(const FilterKind &kind, const PcmFormat &input, const PcmFormat &output,
+               const std::string &name)
     : kind_(kind), input_(input), output_(output) {
-  ze_kest_Utility_Strncpy(record_.szName, kind.name, sizeof(record_.szName) - 1);
+  ze_kest_Utility_Strncpy(record_.szName, name.empty() ? kind.name : name.c_str(),
+                          sizeof(record_.szName) - 1);
   record_.filter = this;
   record_.pfnGetParameter = GetFilterParameter;
   record_.pfnSetParameter = SetFilterParameter;

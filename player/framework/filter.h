@@ -2,6 +2,7 @@
 // A filter: its record, its turn in the cycle, and the steps that most filters share.
 #pragma once
 
+#include <string>
 #include <vector>
 
 #include "ze_kest/model.h"
@@ -18,8 +19,11 @@ namespace kest::player {
 
 class Filter {
  public:
-  Filter(const FilterKind &kind, const PcmFormat &format) : Filter(kind, format, format) {}
-  Filter(const FilterKind &kind, const PcmFormat &input, const PcmFormat &output);
+  // name: of its record; without one, the kind's.
+  Filter(const FilterKind &kind, const PcmFormat &format, const std::string &name = {})
+      : Filter(kind, format, format, name) {}
+  Filter(const FilterKind &kind, const PcmFormat &input, const PcmFormat &output,
+         const std::string &name = {});
   virtual ~Filter() = default;
   Filter(const Filter &) = delete;
   Filter &operator=(const Filter &) = delete;
@@ -28,6 +32,11 @@ class Filter {
   [[nodiscard]] ZE_KEST_Filter_s &Record() { return record_; }
   [[nodiscard]] const ZE_KEST_Filter_s &Record() const { return record_; }
   [[nodiscard]] const PcmFormat &OutputFormat() const { return output_; }
+  // Valid as long as the filter.
+  [[nodiscard]] virtual Table<Parameter> Parameters() const { return kind_.parameters; }
+  // A command that is not in the tables; false when the filter does not know it either. Called on the command
+  // thread while the filter runs.
+  virtual bool RunCommand(const char * /*text*/) { return false; }
   // The capacity that its input ports must have.
   [[nodiscard]] virtual PortCapacity InputCapacity() const;
 
@@ -65,6 +74,8 @@ class Filter {
   [[nodiscard]] uint32_t FramesAvailable() const;
   [[nodiscard]] uint32_t FramesWanted();
   [[nodiscard]] uint32_t FramesToProcess();
+  // What FramesToProcess counts, for a filter that asks the library for its sizes itself.
+  void CountOverrun() { static_cast<void>(FramesToProcess()); }
 
   // Reads without marking the frames as read.
   template <typename Sample>

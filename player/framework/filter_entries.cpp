@@ -16,7 +16,7 @@ namespace {
 // nullptr unless the name is known and the size is right.
 const Parameter *FindParameter(const Filter &filter, const char *name, const void *value, uint32_t size) {
   if (name == nullptr || value == nullptr) return nullptr;
-  for (const Parameter &parameter : filter.Kind().parameters) {
+  for (const Parameter &parameter : filter.Parameters()) {
     if (std::string_view(name) == parameter.name) return parameter.size == size ? &parameter : nullptr;
   }
   return nullptr;
@@ -31,7 +31,7 @@ void LogPort(const ZE_KEST_Filter_s &record, const char *side, uint32_t number, 
 
 void LogParameters(Filter &filter) {
   const ZE_KEST_Filter_s &record = filter.Record();
-  for (const Parameter &parameter : filter.Kind().parameters) {
+  for (const Parameter &parameter : filter.Parameters()) {
     ze_kest_Debug_Log(ZE_KEST_LEVEL_PRINT, "%s %s %s\n", record.pstParentPipeline->szName, record.szName,
                       ParameterText(filter, parameter).c_str());
   }
@@ -66,7 +66,7 @@ uint32_t GetFilterParameter(ZE_KEST_Filter_s *pstFilter, const char *pszParamete
   const Filter &filter = FilterOf(*pstFilter);
   const Parameter *parameter = FindParameter(filter, pszParameterName, pData, u32Size);
   if (parameter == nullptr) return ZE_KEST_INVALID_ARGUMENT;
-  parameter->get(filter, pData);
+  parameter->get(filter, parameter->index, pData);
   return ZE_KEST_OK;
 }
 
@@ -75,7 +75,7 @@ uint32_t SetFilterParameter(ZE_KEST_Filter_s *pstFilter, const char *pszParamete
   Filter &filter = FilterOf(*pstFilter);
   const Parameter *parameter = FindParameter(filter, pszParameterName, pData, u32Size);
   if (parameter == nullptr || parameter->set == nullptr) return ZE_KEST_INVALID_ARGUMENT;
-  parameter->set(filter, pData);
+  parameter->set(filter, parameter->index, pData);
   filter.Log(ZE_KEST_LEVEL_INFO, "%s", ParameterText(filter, *parameter).c_str());
   return ZE_KEST_OK;
 }
@@ -83,9 +83,9 @@ uint32_t SetFilterParameter(ZE_KEST_Filter_s *pstFilter, const char *pszParamete
 unsigned int RunFilterCommand(ZE_KEST_Filter_s *pstFilter, signed char *pszCommand) {
   if (pszCommand == nullptr) return ZE_KEST_INVALID_ARGUMENT;
   Filter &filter = FilterOf(*pstFilter);
-  const std::string_view text(reinterpret_cast<const char *>(pszCommand));
-  const bool taken =
-      RunOneOf(kCommandsOfEveryKind, filter, text) || RunOneOf(filter.Kind().commands, filter, text);
+  const char *text = reinterpret_cast<const char *>(pszCommand);
+  const bool taken = RunOneOf(kCommandsOfEveryKind, filter, text) ||
+                     RunOneOf(filter.Kind().commands, filter, text) || filter.RunCommand(text);
   return taken ? ZE_KEST_OK : ZE_KEST_INVALID_ARGUMENT;
 }
 

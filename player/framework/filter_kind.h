@@ -55,8 +55,9 @@ struct Parameter {
   const char *description;
   ParameterRange range;
   uint32_t size;  // bytes of its value, at most 8
-  void (*get)(const Filter &filter, void *value);
-  void (*set)(Filter &filter, const void *value);  // nullptr: it can only be read
+  void (*get)(const Filter &filter, uint32_t index, void *value);
+  void (*set)(Filter &filter, uint32_t index, const void *value);  // nullptr: it can only be read
+  uint32_t index = 0;  // handed to both; tells parameters apart that share these functions
 };
 
 struct FilterCommand {
@@ -70,7 +71,7 @@ struct FilterKind {
   // Throws PlayerError when a file is needed and cannot be created. layout.kind is this kind.
   std::unique_ptr<Filter> (*make)(const FilterLayout &layout, const FilterMaterial &material);
   Table<Setting> settings;
-  Table<Parameter> parameters;
+  Table<Parameter> parameters;    // that all its filters have; see Filter::Parameters
   Table<FilterCommand> commands;  // in addition to those that every kind has
 };
 

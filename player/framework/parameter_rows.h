@@ -24,7 +24,7 @@ void PutValue(void *data, Value value) {
 
 template <typename Value, auto kGet>
 constexpr Parameter ReadOnly(const char *name, const char *description, const ParameterRange &range) {
-  const auto get = [](const Filter &filter, void *data) {
+  const auto get = [](const Filter &filter, uint32_t, void *data) {
     PutValue(data, static_cast<Value>((static_cast<const ClassOf<kGet> &>(filter).*kGet)()));
   };
   return {name, description, range, sizeof(Value), get, nullptr};
@@ -33,7 +33,7 @@ constexpr Parameter ReadOnly(const char *name, const char *description, const Pa
 template <typename Value, auto kGet, auto kSet>
 constexpr Parameter Settable(const char *name, const char *description, const ParameterRange &range) {
   Parameter parameter = ReadOnly<Value, kGet>(name, description, range);
-  parameter.set = [](Filter &filter, const void *data) {
+  parameter.set = [](Filter &filter, uint32_t, const void *data) {
     Value value{};
     std::memcpy(&value, data, sizeof(value));
     (static_cast<ClassOf<kSet> &>(filter).*kSet)(value);
@@ -44,7 +44,7 @@ constexpr Parameter Settable(const char *name, const char *description, const Pa
 // A value that never changes in this player.
 template <auto kValue>
 constexpr Parameter Fixed(const char *name, const char *description) {
-  const auto get = [](const Filter &, void *data) { PutValue(data, kValue); };
+  const auto get = [](const Filter &, uint32_t, void *data) { PutValue(data, kValue); };
   return {name, description, {"", kValue, kValue, 0}, sizeof(decltype(kValue)), get, nullptr};
 }
 

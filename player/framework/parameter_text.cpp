@@ -13,7 +13,7 @@ bool IsSettable(const Parameter &parameter) {
 // The value's bytes with its sign in front of them.
 int64_t NumberOf(const Filter &filter, const Parameter &parameter) {
   uint64_t bytes = 0;
-  parameter.get(filter, &bytes);  // the least significant bytes come first
+  parameter.get(filter, parameter.index, &bytes);  // the least significant bytes come first
   const uint32_t unusedBits = 64 - 8 * parameter.size;
   const auto high = static_cast<int64_t>(bytes << unusedBits);
   return parameter.range.least < 0 ? high >> unusedBits : static_cast<int64_t>(bytes);

@@ -29,6 +29,7 @@ class Pipeline {
   void FeedInto(Pipeline &fed, PipelineLink &link);
   [[nodiscard]] const PcmFormat &OutputFormat() const { return filters_.back()->OutputFormat(); }
   [[nodiscard]] const Filter &LastFilter() const { return *filters_.back(); }
+  [[nodiscard]] const std::vector<std::unique_ptr<Filter>> &Filters() const { return filters_; }
 
   // Returns once the library has registered the pipeline, so that its lists keep the order of the starts.
   void Start();

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
-// The rows of a static array, or none.
+// Rows that lie in an array elsewhere, or none.
 #pragma once
 
 #include <cstddef>
+#include <vector>
 
 namespace kest::player {
 
@@ -12,6 +13,8 @@ class Table {
   constexpr Table() = default;
   template <size_t kSize>
   constexpr Table(const Row (&rows)[kSize]) : begin_(rows), end_(rows + kSize) {}
+  // Valid until the vector changes.
+  Table(const std::vector<Row> &rows) : begin_(rows.data()), end_(rows.data() + rows.size()) {}
 
   [[nodiscard]] constexpr const Row *begin() const { return begin_; }
   [[nodiscard]] constexpr const Row *end() const { return end_; }

@@ -1,8 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "player/session/capabilities.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
+#include <cstring>
+#include <string>
 #include <vector>
 
 #include "ze_kest/debug.h"
@@ -14,20 +17,36 @@ namespace {
 
 using SupportedParameter = ZE_KEST_SupportedParameter_s;
 
-SupportedParameter Describe(const FilterKind &kind, const Parameter &parameter) {
+SupportedParameter Describe(const char *owner, const Parameter &parameter) {
   SupportedParameter supported{};
   std::snprintf(supported.szName, sizeof(supported.szName), "%s", parameter.name);
-  std::snprintf(supported.szDescription, sizeof(supported.szDescription), "%s: %s", kind.name,
-                DescriptionOf(parameter).c_str());
+  const std::string description = std::string(owner) + ": " + DescriptionOf(parameter);
+  std::snprintf(supported.szDescription, sizeof(supported.szDescription), "%s", description.c_str());
   supported.sztSize = parameter.size;
   return supported;
 }
 
-std::vector<SupportedParameter> SupportedParameters(const FilterKinds &kinds) {
+// Filters that several inputs have are listed once.
+void AddNew(std::vector<SupportedParameter> &list, const SupportedParameter &parameter) {
+  const bool isThere = std::any_of(list.begin(), list.end(), [&](const SupportedParameter &earlier) {
+    return std::strcmp(earlier.szName, parameter.szName) == 0 &&
+           std::strcmp(earlier.szDescription, parameter.szDescription) == 0;
+  });
+  if (!isThere) list.push_back(parameter);
+}
+
+std::vector<SupportedParameter> SupportedParameters(const FilterKinds &kinds,
+                                                    const std::vector<const Filter *> &filters) {
   std::vector<SupportedParameter> list;
   for (const FilterKind *kind : kinds) {
     for (const Parameter &parameter : kind->parameters) {
-      list.push_back(Describe(*kind, parameter));
+      list.push_back(Describe(kind->name, parameter));
+    }
+  }
+  for (const Filter *filter : filters) {
+    if (FindKind(kinds, filter->Kind().name) != nullptr) continue;
+    for (const Parameter &parameter : filter->Parameters()) {
+      AddNew(list, Describe(filter->Record().szName, parameter));
     }
   }
   for (size_t i = 1; i < list.size(); ++i) {
@@ -50,9 +69,9 @@ std::array<uint8_t, ZE_KEST_SAD_SIZE> OutputFormats() {
 
 }  // namespace
 
-void AnnounceCapabilities(const FilterKinds &kinds) {
-  static const std::vector<SupportedParameter> parameters =
-      SupportedParameters(kinds);  // the library keeps the pointer
+void AnnounceCapabilities(const FilterKinds &kinds, const std::vector<const Filter *> &filters) {
+  static std::vector<SupportedParameter> parameters;  // the library keeps the pointer
+  parameters = SupportedParameters(kinds, filters);
   ze_kest_Debug_SetSupportedParameterList(parameters.data());
   const auto formats = OutputFormats();
   ze_kest_Debug_SetSAD(formats.data(), ZE_KEST_SAD_SIZE);

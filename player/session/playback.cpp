@@ -122,6 +122,16 @@ std::unique_ptr<Pipeline> Playback::Build(const PipelineLayout &layout, FilterMa
   return pipeline;
 }
 
+std::vector<const Filter *> Playback::Filters() const {
+  std::vector<const Filter *> filters;
+  for (const auto &pipeline : pipelines_) {
+    for (const auto &filter : pipeline->Filters()) {
+      filters.push_back(filter.get());
+    }
+  }
+  return filters;
+}
+
 void Playback::Start() {
   for (const auto &pipeline : pipelines_) {
     pipeline->Start();

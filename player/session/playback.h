@@ -25,6 +25,9 @@ class Playback {
   Playback(const Playback &) = delete;
   Playback &operator=(const Playback &) = delete;
 
+  // In no particular order.
+  [[nodiscard]] std::vector<const Filter *> Filters() const;
+
   void Start();
   void RequestStop();
   [[nodiscard]] bool HasEnded() const;

@@ -25,9 +25,10 @@ nlohmann::json CtlJson(const std::string &arguments, const std::string &before) 
   return nlohmann::json::parse(Ctl("--json " + arguments, before).out);
 }
 
-PlayerProcess &CtlTest::StartPlayer(const std::vector<std::string> &more, const std::string &preparation) {
-  std::vector<std::string> arguments = {kRecording, "-o",
-                                        Path("out" + std::to_string(players_.size()) + ".wav"), "--loop"};
+PlayerProcess &CtlTest::StartPlayer(const std::vector<std::string> &more, const std::string &preparation,
+                                    const std::string &input) {
+  std::vector<std::string> arguments = {input, "-o", Path("out" + std::to_string(players_.size()) + ".wav"),
+                                        "--loop"};
   arguments.insert(arguments.end(), more.begin(), more.end());
   players_.push_back(std::make_unique<PlayerProcess>(arguments, preparation));
   EXPECT_TRUE(WaitFor([this] {
@@ -37,6 +38,24 @@ PlayerProcess &CtlTest::StartPlayer(const std::vector<std::string> &more, const 
     return players_.size() > 1 || CtlJson("ls")["data"]["pipelines"].size() >= 2;
   }));
   return *players_.back();
+}
+
+std::map<std::string, uint64_t> CtlTest::FilesOf(const std::string &beginning) {
+  std::map<std::string, uint64_t> files;
+  for (const auto &entry : std::filesystem::directory_iterator(KEST_DEBUG_DIR)) {
+    const std::string name = entry.path().filename().string();
+    if (name.compare(0, beginning.size(), beginning) == 0) files[name] = entry.file_size();
+  }
+  return files;
+}
+
+bool CtlTest::IsQuiet(const std::string &beginning) {
+  const auto blocks = [] {
+    return CtlJson("status Dec/Lpcm")["data"]["filters"][0]["values"]["OkFrmCnt"].get<int>();
+  };
+  const auto before = FilesOf(beginning);
+  const int first = blocks();
+  return WaitFor([&] { return blocks() > first + 20; }) && FilesOf(beginning) == before;
 }
 
 }  // namespace kest::test

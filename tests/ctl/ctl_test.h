@@ -2,6 +2,7 @@
 // A test of kestctl: a player that plays on and on, and the tool run beside it.
 #pragma once
 
+#include <map>
 #include <string>
 #include <vector>
 
@@ -28,7 +29,12 @@ class CtlTest : public PlayerTest {
  protected:
   // Starts a player and waits until it reads the pipe and its pipelines are registered.
   // preparation: see PlayerProcess.
-  PlayerProcess &StartPlayer(const std::vector<std::string> &more = {}, const std::string &preparation = "");
+  PlayerProcess &StartPlayer(const std::vector<std::string> &more = {}, const std::string &preparation = "",
+                             const std::string &input = kRecording);
+  // Files of the debug directory whose names begin so, with their sizes.
+  static std::map<std::string, uint64_t> FilesOf(const std::string &beginning);
+  // Whether the process writes nothing into such files while it plays on: an instrument is off.
+  bool IsQuiet(const std::string &beginning);
 
   std::vector<std::unique_ptr<PlayerProcess>> players_;
 };

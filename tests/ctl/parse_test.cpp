@@ -13,6 +13,7 @@
 #include "ctl/parse/port_line.h"
 #include "ctl/parse/status.h"
 #include "ctl/render/escape.h"
+#include "ctl/render/fit.h"
 #include "tests/ctl/ctl_test.h"
 
 namespace kest::test {
@@ -142,6 +143,24 @@ TEST_F(Parsers, ReadPortLinesWhateverTheNamesAreAndWhereverTheyAreCut) {
   }
 }
 
+TEST_F(Parsers, ReadTheSameBetweenLinesOfTheAudioThreads) {
+  TestPipeline pipeline("Dec");
+  const TestFilter filter(pipeline.Get(), "Volume");
+  for (const char *command : {"kest_debug_list=print", "kest_debug_list=status"}) {
+    const std::vector<std::string> lines = Print(command);
+    std::vector<std::string> mixed;
+    for (const std::string &line : lines) {
+      mixed.push_back(line);
+      mixed.emplace_back(
+          "[raw  level] 14292358809 Dec            :Volume            in0:cnt:0         ,0 ,0");
+    }
+    const bool isList = std::string(command) == "kest_debug_list=print";
+    EXPECT_TRUE(isList ? ctl::ParseListing(mixed).isWhole : ctl::ParseStatus(mixed).isWhole);
+    EXPECT_THAT(isList ? ctl::ParseListing(mixed).unknown : ctl::ParseStatus(mixed).unknown,
+                testing::IsEmpty());
+  }
+}
+
 TEST_F(Parsers, TakeTheRightHalfOfALineIntoWhichAnotherThreadLogged) {
   channel_.Send({"kest_log_level=info"});
   const std::string log = ReadFile(kLogFile);
@@ -166,6 +185,17 @@ TEST(Names, AreFoundWhenTheyAreExactOrTheOnlyOnesThatBeginSo) {
   EXPECT_EQ("Decoder_13", ctl::FindTarget(listing, "Decoder_13").pipeline->name);
   EXPECT_THROW(ctl::FindTarget(listing, "Dec"), ctl::CtlError);
   EXPECT_THROW(ctl::FindTarget(listing, "Mixer"), ctl::CtlError);
+}
+
+TEST(Fit, BreaksWideLinesBelowTheirLastColumn) {
+  EXPECT_EQ("NAME  REPORTS\nLpcm  some words that are\n      long, and even more of\n      them\n",
+            ctl::FitTo(28, "NAME  REPORTS\nLpcm  some words that are long, and even more of them\n"));
+  EXPECT_EQ("a line without columns\nis broken too\n",
+            ctl::FitTo(22, "a line without columns is broken too\n"));
+  EXPECT_EQ("\033[1mas wide as its place\033[0m\n", ctl::FitTo(20, "\033[1mas wide as its place\033[0m\n"));
+  const std::string path = "NAME  /a/path/that/has/no/blank/to/break/at\n";
+  EXPECT_EQ(path, ctl::FitTo(30, path));
+  EXPECT_EQ(path, ctl::FitTo(0, path));
 }
 
 TEST(Escape, ShowsControlCharactersAndBrokenUtf8) {

@@ -7,6 +7,7 @@
 #include "ze_kest/debug.h"
 #include "ze_kest/json.h"
 #include "ze_kest/model.h"
+#include "ze_kest/module.h"
 #include "ze_kest/performance.h"
 
 namespace {
@@ -133,5 +134,26 @@ KEST_AT(64, ZE_KEST_SupportedParameter_s, szDescription);
 KEST_AT(128, ZE_KEST_SupportedParameter_s, sztSize);
 KEST_AT(136, ZE_KEST_SupportedParameter_s, pstNext);
 KEST_SIZE(ZE_KEST_SupportedParameter_s, 140);
+
+KEST_AT(4, ZE_KEST_ModuleSetup_s, u32MaxSamples);
+KEST_AT(8, ZE_KEST_ModuleSetup_s, stPcmInfo);
+KEST_AT(28, ZE_KEST_ModuleSetup_s, astPcmGroup);
+KEST_AT(172, ZE_KEST_ModuleSetup_s, pszConfig);
+KEST_AT(176, ZE_KEST_ModuleSetup_s, pszDirectory);
+KEST_AT(180, ZE_KEST_ModuleSetup_s, pszError);
+KEST_AT(184, ZE_KEST_ModuleSetup_s, u32ErrorSize);
+KEST_SIZE(ZE_KEST_ModuleSetup_s, 188);
+
+KEST_AT(8, ZE_KEST_ModuleParameter_s, pszName);
+KEST_AT(20, ZE_KEST_ModuleParameter_s, u32Decimals);
+KEST_AT(32, ZE_KEST_ModuleParameter_s, s32Default);
+KEST_SIZE(ZE_KEST_ModuleParameter_s, 36);
+
+KEST_AT(12, ZE_KEST_ModuleFilter_s, u32Flags);
+KEST_AT(16, ZE_KEST_ModuleFilter_s, pszName);
+KEST_AT(28, ZE_KEST_ModuleFilter_s, u32Widths);
+KEST_AT(40, ZE_KEST_ModuleFilter_s, pfnCreate);
+KEST_AT(72, ZE_KEST_ModuleFilter_s, pfnCommand);
+KEST_SIZE(ZE_KEST_ModuleFilter_s, 76);
 
 }  // namespace

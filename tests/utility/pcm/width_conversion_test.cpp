@@ -48,7 +48,7 @@ Bytes Model(const Conversion &conversion, Bytes memory, size_t src, size_t dst, 
     std::array<uint8_t, 5> sample = {};  // and a zero byte before it
     std::copy_n(&memory[src], conversion.srcBytes, &sample[1]);
     for (const int byte : conversion.bytes)
-      memory[dst++] = sample[static_cast<size_t>(byte + 1)];
+      memory[dst++] = sample[static_cast<size_t>(byte) + 1];
   }
   return memory;
 }
