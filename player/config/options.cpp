@@ -213,6 +213,7 @@ std::variant<Options, int> ParseOptions(int argc, const char *const *argv) {
   CLI::App app(kDescription, "kest-player");
   app.footer(kFooter);
   app.formatter(std::make_shared<HelpFormatter>());
+  app.set_version_flag("--version", "kest-player " KEST_VERSION, "Print the version and exit");
   Options options;
   CheckRequest check;
   AddOptions(app, options);
