@@ -225,6 +225,7 @@ std::variant<Options, int> ParseOptions(int argc, const char *const *argv) {
   app.footer(kFooter);
   app.set_version_flag("--version", "kest-player " KEST_VERSION);
   app.formatter(std::make_shared<HelpFormatter>());
+  app.set_version_flag("--version", "kest-player " KEST_VERSION, "Print the version and exit");
   Options options;
   CheckRequest check;
   AddOptions(app, options);

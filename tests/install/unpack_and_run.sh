@@ -1,10 +1,28 @@
 #!/bin/sh
-# unpack_and_run.sh CPACK BUILD OUTPUT LAUNCHER...: packs BUILD for Debian, unpacks the package and runs its player.
+# unpack_and_run.sh CPACK BUILD OUTPUT LAUNCHER...: packs BUILD for Debian, unpacks the packages, runs the player and
+# looks whether each file that should be in a package is in it.
 set -eu
 cpack=$1 build=$2 output=$3
 shift 3
 rm -rf "$output"
 "$cpack" -G DEB --config "$build/CPackConfig.cmake" -B "$output"
-dpkg-deb -f "$output"/*.deb Depends | grep -E 'android-liblog.*libsndfile1'
-dpkg-deb -x "$output"/*.deb "$output/unpacked"
-exec "$@" "$output/unpacked/usr/bin/kest-player" --help
+holds() {
+  package=$1
+  shift
+  for file in "$@"; do
+    dpkg-deb -c "$output/${package}_"*.deb | grep -q "$file" || {
+      echo "$package does not hold $file"
+      exit 1
+    }
+  done
+}
+holds libkest1 'lib.*/libkest\.so\.1' /copyright /changelog.gz
+holds libkest-dev ze_kest/port.h 'libkest\.so ->' kestConfig.cmake kest.pc /copyright
+holds kest-tools bin/kest-player man1/kest-player.1.gz examples/example.json commands.md /copyright
+for package in libkest-dev kest-tools; do
+  dpkg-deb -f "$output/${package}_"*.deb Depends | grep -F 'libkest1 (= '
+done
+dpkg-deb -f "$output"/libkest1_*.deb Depends | grep android-liblog
+dpkg-deb -f "$output"/kest-tools_*.deb Depends | grep libsndfile1
+for package in "$output"/*.deb; do dpkg-deb -x "$package" "$output/unpacked"; done
+exec "$@" "$output/unpacked/usr/bin/kest-player" --version
