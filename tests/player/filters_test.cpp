@@ -198,8 +198,8 @@ TEST(ParameterText, ShowsTheValueWithItsUnitAndRange) {
                          "between channels",
                          {"ms", -32768, 32767, 1},
                          sizeof(value),
-                         [](const Filter &, void *data) { memcpy(data, &value, sizeof(value)); },
-                         [](Filter &, const void *) {}};
+                         [](const Filter &, uint32_t, void *data) { memcpy(data, &value, sizeof(value)); },
+                         [](Filter &, uint32_t, const void *) {}};
   const Volume volume(kMono);
   const std::tuple<int, const char *> values[] = {
       {0, "0.0"}, {-5, "-0.5"}, {10, "1.0"}, {-32768, "-3276.8"}, {32767, "3276.7"}};
