@@ -20,6 +20,7 @@ namespace {
 
 constexpr std::chrono::milliseconds kReadersStayFresh{500};
 constexpr std::chrono::microseconds kAnyonePause{500};
+constexpr std::chrono::milliseconds kFirstPatience{100};
 constexpr int kTries = 3;
 constexpr const char *kLockName = "kestctl.lock";
 
@@ -99,13 +100,18 @@ std::shared_ptr<void> Channel::LockOut() {
   return lock;
 }
 
-CtlError Channel::Silence() {
+CtlError Channel::Silence(bool logRestarted) {
   const Surroundings around(host_, settings_.directory);
-  const Finding why = ExplainSilence(around);
-  if (around.unreadBytes > 0)
+  const std::optional<Finding> reason = ReasonOfSilence(around);
+  if (!reason && logRestarted) return AnswerLost("the answer was lost");
+  if (around.unreadBytes.value_or(0) > 0)
     Warn("the lines stay in the pipe and will be carried out when it is read again");
-  return {ExitCode::kNoAnswer,
-          fmt::format("no answer within {} ms: {}", settings_.timeout.count(), why.found), why.remedy};
+  const std::string noAnswer = fmt::format("no answer within {} ms: ", settings_.timeout.count());
+  if (reason) return {ExitCode::kNoAnswer, noAnswer + reason->found, reason->remedy};
+  return {ExitCode::kNoAnswer, noAnswer + "the lines were read, but no answer came into the log",
+          fmt::format("the command thread may be excluded from the log: echo kest_debug_watch_tid=0 >{0} and "
+                      "echo kest_debug_watch_current_tids=on >{0}",
+                      around.PipePath())};
 }
 
 Reply Channel::Exchanged(const std::vector<std::string> &lines) {
@@ -114,7 +120,7 @@ Reply Channel::Exchanged(const std::vector<std::string> &lines) {
   Exchange exchange(host_, settings_.directory);
   exchange.Send(lines);
   std::optional<Reply> reply = exchange.Receive(settings_.timeout);
-  if (!reply) throw Silence();
+  if (!reply) throw Silence(exchange.SawRestart());
   if (reply->strayLine)
     Warn("somebody had left a line without an end in the pipe; it was ended and executed");
   elapsedMs_ = reply->elapsedMs;
@@ -133,15 +139,20 @@ Reply Channel::Ask(const std::vector<std::string> &lines) {
   }
 }
 
-Lines Channel::AskAnyone(const std::string &line, const std::function<bool(const Lines &)> &isWhole) {
+std::optional<Lines> Channel::AskAnyone(const std::string &line,
+                                        const std::function<bool(const Lines &)> &isWhole,
+                                        Clock::duration patience, Clock::time_point deadline) {
   LogFollower log(host_, settings_.directory + "KestLog.txt");
   const std::string pipe = settings_.directory + "D";
   const WriteResult written = host_.WriteToPipe(pipe, line + "\n");
   if (written != WriteResult::kWritten) throw WriteFailure(host_, pipe, written);
-  const auto deadline = Clock::now() + settings_.timeout;
+  const auto giveUp = Clock::now() + patience;
   std::string text;
   Lines lines;
-  while (!isWhole(lines) && Clock::now() < deadline) {
+  while (!isWhole(lines)) {
+    const auto now = Clock::now();
+    if (now > deadline) return std::nullopt;
+    if (now > giveUp && host_.UnreadBytes(pipe).value_or(0) == 0) return std::nullopt;
     const int restarts = log.Restarts();
     const std::string more = log.ReadMore();
     if (log.Restarts() != restarts) text.clear();
@@ -159,19 +170,26 @@ std::vector<ProcessReply> Channel::AskEach(const std::string &line,
   std::vector<Process> silent = GetReaders().processes;
   std::vector<ProcessReply> replies;
   const auto deadline = Clock::now() + settings_.timeout;
+  Clock::duration patience = kFirstPatience;
+  bool anyAnswered = false;
   while (!silent.empty() && Clock::now() < deadline) {
-    Lines lines = AskAnyone(line, isWhole);
-    if (!isWhole(lines)) throw Silence();
-    const std::vector<int> tids = tidsIn(lines);
+    std::optional<Lines> lines = AskAnyone(line, isWhole, patience, deadline);
+    if (!lines) {  // from a process that does not log, or a restart of the log took it
+      patience *= 2;
+      continue;
+    }
+    anyAnswered = true;
+    const std::vector<int> tids = tidsIn(*lines);
     const auto isFrom = [&](const Process &process) {
       return std::find_first_of(process.threads.begin(), process.threads.end(), tids.begin(), tids.end()) !=
              process.threads.end();
     };
     const auto sender = std::find_if(silent.begin(), silent.end(), isFrom);
     if (sender == silent.end()) continue;
-    replies.push_back({std::move(*sender), std::move(lines)});
+    replies.push_back({std::move(*sender), *std::move(lines)});
     silent.erase(sender);
   }
+  if (!anyAnswered) throw Silence(false);
   for (const Process &process : silent)
     Warn(fmt::format("{} ({}) has not answered, or has nothing registered", process.name, process.pid));
   return replies;

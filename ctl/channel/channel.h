@@ -75,10 +75,12 @@ class Channel {
 
   bool AreReadersFresh();
   Reply Exchanged(const std::vector<std::string> &lines);
-  CtlError Silence();
-  // The lines that are added to the log after a line was sent, until they are an answer; fewer after a
-  // time-out.
-  Lines AskAnyone(const std::string &line, const std::function<bool(const Lines &)> &isWhole);
+  // Why there is no answer.
+  CtlError Silence(bool logRestarted);
+  // The lines that are added to the log after a line was sent, once they are an answer; empty when none has
+  // come after patience although the line was read, or at the deadline.
+  std::optional<Lines> AskAnyone(const std::string &line, const std::function<bool(const Lines &)> &isWhole,
+                                 Clock::duration patience, Clock::time_point deadline);
 
   Host &host_;
   ChannelSettings settings_;

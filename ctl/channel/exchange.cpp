@@ -5,28 +5,19 @@
 
 #include "ctl/channel/interrupt.h"
 #include "ctl/channel/write_failure.h"
-#include "ctl/error.h"
 #include "ctl/parse/lines.h"
 
 namespace kest::ctl {
 namespace {
 
-using Clock = std::chrono::steady_clock;
-
-constexpr std::chrono::microseconds kFirstPause{50};
 constexpr std::chrono::microseconds kLongestPause{5000};
-constexpr std::chrono::milliseconds kGraceAfterRestart{100};
-constexpr const char *kRetryHint = "the log was restarted or replaced meanwhile; repeat the command";
+constexpr std::chrono::milliseconds kLongestProbePause{400};
 
 std::string JoinLines(const std::vector<std::string> &lines, const Marker &marker) {
   std::string bytes = marker.Begin() + "\n";
   for (const std::string &line : lines)
     bytes += line + "\n";
   return bytes + marker.End() + "\n";
-}
-
-[[noreturn]] void ThrowLost(const std::string &what) {
-  throw CtlError(ExitCode::kLost, what, kRetryHint);
 }
 
 bool HasTag(const std::vector<std::string> &lines, size_t index, const std::string &tag) {
@@ -51,6 +42,10 @@ size_t FirstLineWith(const std::vector<std::string> &lines, const std::string &t
 
 }  // namespace
 
+CtlError AnswerLost(const std::string &what) {
+  return {ExitCode::kLost, what, "the log was restarted or replaced meanwhile; repeat the command"};
+}
+
 Exchange::Exchange(Host &host, const std::string &directory)
     : host_(host),
       pipePath_(directory + "D"),
@@ -69,23 +64,30 @@ void Exchange::Send(const std::vector<std::string> &lines) {
 
 std::optional<Reply> Exchange::Receive(std::chrono::milliseconds timeout) {
   const auto start = Clock::now();
-  for (auto pause = kFirstPause; !TakeMore(); pause = std::min(pause * 5 / 4, kLongestPause)) {
+  nextProbe_ = start + probePause_;
+  for (; !TakeMore(); pause_ = std::min(pause_ * 5 / 4, kLongestPause)) {
+    if (overtaken_) throw AnswerLost("the end of the answer was lost");
     if (Clock::now() - start > timeout) return std::nullopt;
-    if (IsGone()) ThrowLost("the end of the answer was lost");
-    Pause(pause);
+    ProbeWhenQuiet();
+    Pause(pause_);
   }
-  if (!begun_ || !IsStillInLog()) ThrowLost("the beginning of the answer was lost");
+  if (!begun_ || !IsStillInLog()) throw AnswerLost("the beginning of the answer was lost");
   Reply reply = CutOut();
   reply.elapsedMs = std::chrono::duration<double, std::milli>(Clock::now() - start).count();
   return reply;
 }
 
-// After a restart the answer may be gone. It is when all lines have been read and the end has not come soon
-// after.
-bool Exchange::IsGone() {
+// A restart of the log takes the answer with it, and need not leave a trace: a log may be empty before and
+// after, or begin with the same lines. So a process that keeps silent is asked again: lines are carried out
+// one after the other, and when the later one is answered, the earlier answer is gone. In the pipe of a
+// process that does not read, these few lines do no harm.
+void Exchange::ProbeWhenQuiet() {
   const auto now = Clock::now();
-  if (!readSince_ && log_.Restarts() > 0 && host_.UnreadBytes(pipePath_) <= 0) readSince_ = now;
-  return readSince_ && now - *readSince_ > kGraceAfterRestart;
+  if (now < nextProbe_) return;
+  static_cast<void>(host_.WriteToPipe(pipePath_, marker_.Probe() + "\n"));
+  pause_ = kFirstPause;  // the next restart may come soon
+  nextProbe_ = now + probePause_;
+  probePause_ = std::min(2 * probePause_, kLongestProbePause);
 }
 
 // True when the end marker has come.
@@ -100,6 +102,7 @@ bool Exchange::TakeMore() {
   const size_t searched = text_.size() - std::min(text_.size(), marker_.EndOfEcho().size());
   text_ += more;
   DropWhatCameBefore();
+  overtaken_ = overtaken_ || text_.find(marker_.ProbeEcho()) != std::string::npos;
   const size_t end = text_.find(marker_.EndOfEcho(), begun_ ? 0 : searched);
   return end != std::string::npos && text_.find('\n', end) != std::string::npos;
 }
@@ -111,8 +114,7 @@ void Exchange::DropWhatCameBefore() {
   const size_t begin = text_.find(marker_.BeginTag());
   begun_ = begin != std::string::npos;
   size_t keepFrom = begun_ ? begin : text_.size() - std::min(text_.size(), 2 * kLongestLine);
-  if (text_.find(marker_.EndTag()) != std::string::npos)
-    keepFrom = std::min(keepFrom, text_.find(marker_.EndTag()));
+  keepFrom = std::min({keepFrom, text_.find(marker_.EndTag()), text_.find(marker_.ProbeTag())});
   text_.erase(0, keepFrom);
   textOffset_ += keepFrom;
 }

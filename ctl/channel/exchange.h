@@ -11,8 +11,12 @@
 #include "ctl/channel/log_follower.h"
 #include "ctl/channel/marker.h"
 #include "ctl/channel/reply.h"
+#include "ctl/error.h"
 
 namespace kest::ctl {
+
+// For an answer that a restart of the log took.
+CtlError AnswerLost(const std::string &what);
 
 class Exchange {
  public:
@@ -22,10 +26,16 @@ class Exchange {
   void Send(const std::vector<std::string> &lines);
   // The answer; empty when it did not come in time. Throws when a part of it was lost.
   std::optional<Reply> Receive(std::chrono::milliseconds timeout);
+  // Whether the log was seen to be emptied or replaced, and may have taken the answer with it.
+  [[nodiscard]] bool SawRestart() const { return log_.Restarts() > 0; }
 
  private:
+  using Clock = std::chrono::steady_clock;
+
+  static constexpr std::chrono::microseconds kFirstPause{50};
+
   [[nodiscard]] bool TakeMore();
-  [[nodiscard]] bool IsGone();
+  void ProbeWhenQuiet();
   [[nodiscard]] bool IsStillInLog() const;
   void DropWhatCameBefore();
   [[nodiscard]] Reply CutOut() const;
@@ -37,7 +47,10 @@ class Exchange {
   std::string text_;         // from the begin marker on, once it has come
   uint64_t textOffset_ = 0;  // where the text is in the log
   bool begun_ = false;
-  std::optional<std::chrono::steady_clock::time_point> readSince_;  // all lines, after a restart of the log
+  bool overtaken_ = false;  // by the answer to a probe
+  Clock::time_point nextProbe_{};
+  std::chrono::milliseconds probePause_{100};
+  std::chrono::microseconds pause_ = kFirstPause;  // between two looks at the log
 };
 
 }  // namespace kest::ctl

@@ -5,6 +5,7 @@
 #include <chrono>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -61,8 +62,8 @@ class Host {
   virtual std::string ReadProc(const std::string &path) = 0;
   // Writes all bytes at once or none. Never waits and never creates the file.
   virtual WriteResult WriteToPipe(const std::string &path, const std::string &bytes) = 0;
-  // Bytes that nobody has read yet; -1 when unknown.
-  virtual int UnreadBytes(const std::string &path) = 0;
+  // Bytes that nobody has read yet; empty when that cannot be seen.
+  virtual std::optional<size_t> UnreadBytes(const std::string &path) = 0;
   virtual Readers FindReaders(const FileFacts &pipe) = 0;
   // Whether the process still has the pipe open; cheaper than looking for all readers.
   virtual bool IsReader(int pid, const FileFacts &pipe) = 0;

@@ -120,10 +120,11 @@ WriteResult LocalHost::WriteToPipe(const std::string &path, const std::string &b
   return written == static_cast<ssize_t>(bytes.size()) ? WriteResult::kWritten : ReasonFor(errno);
 }
 
-int LocalHost::UnreadBytes(const std::string &path) {
+std::optional<size_t> LocalHost::UnreadBytes(const std::string &path) {
   const UniqueFd pipe = OpenPipe(path);
   int count = 0;
-  return pipe.IsOpen() && ioctl(pipe.Get(), FIONREAD, &count) == 0 ? count : -1;
+  if (!pipe.IsOpen() || ioctl(pipe.Get(), FIONREAD, &count) != 0) return std::nullopt;
+  return static_cast<size_t>(count);
 }
 
 Readers LocalHost::FindReaders(const FileFacts &pipe) {

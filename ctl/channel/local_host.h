@@ -12,7 +12,7 @@ class LocalHost final : public Host {
   FilePart Read(const std::string &path, uint64_t offset, size_t maxBytes) override;
   std::string ReadProc(const std::string &path) override;
   WriteResult WriteToPipe(const std::string &path, const std::string &bytes) override;
-  int UnreadBytes(const std::string &path) override;
+  std::optional<size_t> UnreadBytes(const std::string &path) override;
   Readers FindReaders(const FileFacts &pipe) override;
   bool IsReader(int pid, const FileFacts &pipe) override;
   std::vector<OpenFile> OpenFiles(int pid) override;

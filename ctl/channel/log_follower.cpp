@@ -19,8 +19,11 @@ LogFollower::LogFollower(Host &host, std::string path)
 
 void LogFollower::GoTo(uint64_t offset) {
   const size_t remembered = std::min<uint64_t>(offset, kRememberedBytes);
-  before_ = host_.Read(path_, offset - remembered, remembered).bytes;
+  const FilePart part = host_.Read(path_, offset - remembered, remembered);
   offset_ = offset;
+  before_ = part.bytes;
+  // Emptied since the offset was known.
+  if (before_.size() < remembered) NoteRestart(part.facts);
 }
 
 bool LogFollower::IsContinued(const FilePart &part) const {

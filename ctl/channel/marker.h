@@ -17,18 +17,25 @@ class Marker {
 
   [[nodiscard]] std::string Begin() const { return Line(begin_); }
   [[nodiscard]] std::string End() const { return Line(end_); }
+  // A question whether lines are still answered: its echo comes behind those of all lines before it.
+  [[nodiscard]] std::string Probe() const { return Line(probe_); }
   // What every echo of the line contains.
   [[nodiscard]] const std::string &BeginTag() const { return begin_; }
   [[nodiscard]] const std::string &EndTag() const { return end_; }
+  [[nodiscard]] const std::string &ProbeTag() const { return probe_; }
   // What the last line of its echo contains.
-  [[nodiscard]] std::string EndOfEcho() const { return end_ + ": set parameter "; }
+  [[nodiscard]] std::string EndOfEcho() const { return end_ + kEchoed; }
+  [[nodiscard]] std::string ProbeEcho() const { return probe_ + kEchoed; }
 
  private:
-  explicit Marker(const std::string &name) : begin_(name + ".b"), end_(name + ".e") {}
+  static constexpr const char *kEchoed = ": set parameter ";
+
+  explicit Marker(const std::string &name) : begin_(name + ".b"), end_(name + ".e"), probe_(name + ".p") {}
   static std::string Line(const std::string &tag) { return "kest_debug_set_parameter=" + tag + ",,,0,4"; }
 
   std::string begin_;
   std::string end_;
+  std::string probe_;
 };
 
 }  // namespace kest::ctl

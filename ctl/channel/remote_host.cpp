@@ -134,8 +134,8 @@ WriteResult RemoteHost::FinishWrite() {
   return Contains(output->bytes, "opened") ? WriteResult::kFull : WriteResult::kNoReader;
 }
 
-int RemoteHost::UnreadBytes(const std::string & /*path*/) {
-  return -1;
+std::optional<size_t> RemoteHost::UnreadBytes(const std::string & /*path*/) {
+  return std::nullopt;
 }
 
 std::string RemoteHost::Cat(const std::string &path) {

@@ -18,8 +18,8 @@ class RemoteHost final : public Host {
   // May take a second to find that nobody reads or that the pipe is full.
   std::string ReadProc(const std::string &path) override { return Cat(path); }
   WriteResult WriteToPipe(const std::string &path, const std::string &bytes) override;
-  // Always unknown.
-  int UnreadBytes(const std::string &path) override;
+  // Never known.
+  std::optional<size_t> UnreadBytes(const std::string &path) override;
   Readers FindReaders(const FileFacts &pipe) override;
   bool IsReader(int pid, const FileFacts &pipe) override;
   std::vector<OpenFile> OpenFiles(int pid) override;

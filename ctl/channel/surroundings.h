@@ -2,6 +2,7 @@
 // What can be seen from outside of the pipe, the log and the processes that use them.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -21,7 +22,7 @@ struct Surroundings {
   FileFacts pipe;
   FileFacts log;
   Readers readers;
-  int unreadBytes = -1;  // -1: unknown
+  std::optional<size_t> unreadBytes;  // of the pipe; empty when that cannot be seen
 };
 
 // One thing that was looked at.
@@ -51,7 +52,7 @@ Finding CheckLogFile(const Surroundings &around);
 Finding CheckDisk(const Surroundings &around);
 Finding CheckSharedBlock(const Surroundings &around);
 
-// Why no answer has come to a line that the pipe took.
-Finding ExplainSilence(const Surroundings &around);
+// Why no answer has come to a line that the pipe took; empty when nothing is wrong that can be seen.
+std::optional<Finding> ReasonOfSilence(const Surroundings &around);
 
 }  // namespace kest::ctl

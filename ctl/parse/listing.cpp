@@ -226,8 +226,10 @@ class ListingParser {
 
   bool TakeSum(std::string_view line) {
     Scanner scanner(line);
-    hasSum_ = scanner.Text("u64TotalIoSize=") && scanner.Number(parsed_.listing.ioBytes) && scanner.AtEnd();
-    return hasSum_;
+    uint64_t ioBytes = 0;
+    if (!scanner.Text("u64TotalIoSize=") || !scanner.Number(ioBytes) || !scanner.AtEnd()) return false;
+    parsed_.listing.ioBytes = ioBytes;
+    return hasSum_ = true;
   }
 
   [[nodiscard]] bool IsSumRight() const { return sum_ == parsed_.listing.ioBytes; }

@@ -142,6 +142,24 @@ TEST_F(Parsers, ReadPortLinesWhateverTheNamesAreAndWhereverTheyAreCut) {
   }
 }
 
+TEST_F(Parsers, ReadTheSameBetweenLinesOfTheAudioThreads) {
+  TestPipeline pipeline("Dec");
+  const TestFilter filter(pipeline.Get(), "Volume");
+  for (const char *command : {"kest_debug_list=print", "kest_debug_list=status"}) {
+    const std::vector<std::string> lines = Print(command);
+    std::vector<std::string> mixed;
+    for (const std::string &line : lines) {
+      mixed.push_back(line);
+      mixed.emplace_back(
+          "[raw  level] 14292358809 Dec            :Volume            in0:cnt:0         ,0 ,0");
+    }
+    const bool isList = std::string(command) == "kest_debug_list=print";
+    EXPECT_TRUE(isList ? ctl::ParseListing(mixed).isWhole : ctl::ParseStatus(mixed).isWhole);
+    EXPECT_THAT(isList ? ctl::ParseListing(mixed).unknown : ctl::ParseStatus(mixed).unknown,
+                testing::IsEmpty());
+  }
+}
+
 TEST_F(Parsers, TakeTheRightHalfOfALineIntoWhichAnotherThreadLogged) {
   channel_.Send({"kest_log_level=info"});
   const std::string log = ReadFile(kLogFile);

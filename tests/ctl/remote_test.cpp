@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 // Work on another system: the far side is a shell whose PATH holds nothing but the programs that kestctl may
 // use.
+#include <atomic>
 #include <filesystem>
 #include <numeric>
+#include <thread>
 
 #include <fcntl.h>
 #include <sys/file.h>
@@ -143,7 +145,7 @@ TEST_P(FarHost, WritesToThePipeAllAtOnceOrNothing) {
   const int reader = open(kPipe, O_RDONLY | O_NONBLOCK | O_CLOEXEC);
   EXPECT_EQ(WriteResult::kWritten, far_->WriteToPipe(kPipe, ""));
   EXPECT_EQ(WriteResult::kWritten, far_->WriteToPipe(kPipe, bytes));
-  EXPECT_EQ(static_cast<ssize_t>(bytes.size()), near_.UnreadBytes(kPipe));
+  EXPECT_EQ(bytes.size(), near_.UnreadBytes(kPipe));
   fcntl(reader, F_SETPIPE_SZ, 4096);
   EXPECT_EQ(WriteResult::kFull, far_->WriteToPipe(kPipe, bytes));
   std::string read(2 * bytes.size(), '\0');
@@ -190,6 +192,34 @@ TEST_F(FarSideOfKestctl, SilenceIsExplainedFromThere) {
   EXPECT_THAT(level.err, HasSubstr("is stopped"));
   player.Signal(SIGCONT);
   EXPECT_TRUE(WaitFor([&] { return FarCtl("level").exitCode == 0; }));
+}
+
+TEST_F(FarSideOfKestctl, AnInterruptAtAnyMomentLeavesTheLevel) {
+  StartPlayer();
+  for (int ms = 1; ms < 120; ms += 4) {
+    for (const char *signal : {"INT", "KILL"}) {
+      Ctl("--via " + ctl::Quote(via_) + " set Dec/Lpcm MdVol 1",
+          elsewhere_ + " timeout -s " + signal + " 0." + std::to_string(1000 + ms).substr(1));
+    }
+  }
+  const auto level = CtlJson("level")["data"];
+  EXPECT_EQ("none", level["level"]);
+  EXPECT_EQ("none", level["shared_level"]);
+}
+
+TEST_F(FarSideOfKestctl, ALostAnswerIsSaidToBeLost) {
+  StartPlayer();
+  std::atomic<bool> done{false};
+  std::thread restarts([&] {
+    while (!done) {
+      WriteToPipe("kest_log_restart\n");
+      std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    }
+  });
+  for (int i = 0; i < 10; ++i)
+    EXPECT_THAT(FarCtl("--timeout 20000 send kest_print_current_shm").exitCode, testing::AnyOf(0, 7));
+  done = true;
+  restarts.join();
 }
 
 TEST_F(CtlTest, ACommandThatGivesNoUsableShellIsUnreachable) {
