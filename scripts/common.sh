@@ -4,9 +4,9 @@ root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 debug_dir=/mnt/vendor/tmp/kest/
 
 build_packages=(g++ cmake make pkg-config android-liblog-dev libjsmn-dev libsndfile1-dev libcli11-dev alsa-utils
-  libfmt-dev nlohmann-json3-dev libedit-dev libncurses-dev libkissfft-dev)
+  libfmt-dev nlohmann-json3-dev libedit-dev libncurses-dev libkissfft-dev libarchive-dev)
 test_packages=(libgtest-dev libgmock-dev dpkg-dev file python3-jsonschema mksh toybox gnuplot-nox
-  ladspa-sdk cmt swh-plugins)
+  ladspa-sdk cmt swh-plugins prometheus prometheus-node-exporter python3-prometheus-client)
 demo_packages=(ladspa-sdk)
 arm_packages=(g++-arm-linux-gnueabihf qemu-user
   android-liblog-dev:armhf libsndfile1-dev:armhf libgtest-dev:armhf libgmock-dev:armhf)

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 namespace kest::ctl {
 
@@ -12,6 +13,8 @@ constexpr size_t kLongestWrite = 4096;  // what a pipe takes in one piece
 
 class Marker {
  public:
+  // Whether a line of the log is a part of any marker's echo.
+  static bool IsEcho(std::string_view line);
   // A marker that no other run has used.
   static Marker Next();
 
@@ -28,6 +31,7 @@ class Marker {
   [[nodiscard]] std::string ProbeEcho() const { return probe_ + kEchoed; }
 
  private:
+  static constexpr const char *kName = "kestctl.";
   static constexpr const char *kEchoed = ": set parameter ";
 
   explicit Marker(const std::string &name) : begin_(name + ".b"), end_(name + ".e"), probe_(name + ".p") {}

@@ -23,6 +23,8 @@ Result RunDump(Context &context, const Arguments &arguments);
 Result RunLatency(Context &context, const Arguments &arguments);
 Result RunCheck(Context &context, const Arguments &arguments);
 Result RunPlot(Context &context, const Arguments &arguments);
+Result RunMetrics(Context &context, const Arguments &arguments);
+Result RunReport(Context &context, const Arguments &arguments);
 Result RunShell(Context &context, const Arguments &arguments);
 Result RunCompletion(Context &context, const Arguments &arguments);
 Result RunHelp(Context &context, const Arguments &arguments);

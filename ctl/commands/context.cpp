@@ -11,6 +11,7 @@
 #include "ctl/channel/remote_host.h"
 #include "ctl/parse/listing.h"
 #include "ctl/parse/parameters.h"
+#include "ctl/parse/status.h"
 
 namespace kest::ctl {
 namespace {
@@ -59,9 +60,21 @@ const std::vector<Parameter> &Context::GetParameters() {
   return *parameters_;
 }
 
-void Context::Forget() {
+StatusReport Context::AskStatus() {
+  ParsedStatus parsed = ParseStatus(channel_.Ask({"kest_debug_list=status"}).lines);
+  if (!parsed.isWhole) throw CtlError(ExitCode::kLost, "the status report was not understood");
+  for (const std::string &line : parsed.unknown)
+    channel_.Warn(fmt::format("not part of the report: {}", line));
+  return std::move(parsed.report);
+}
+
+void Context::ForgetAnswers() {
   listing_.reset();
   parameters_.reset();
+}
+
+void Context::Forget() {
+  ForgetAnswers();
   channel_.ForgetWarnings();
 }
 

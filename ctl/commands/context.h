@@ -11,6 +11,7 @@
 #include "ctl/channel/host.h"
 #include "ctl/model/listing.h"
 #include "ctl/model/parameter.h"
+#include "ctl/model/status.h"
 
 namespace kest::ctl {
 
@@ -41,6 +42,9 @@ class Context {
   // What runs. Asked once for each command.
   const Listing &GetListing();
   const std::vector<Parameter> &GetParameters();
+  StatusReport AskStatus();
+  // Asks again what runs.
+  void ForgetAnswers();
   // For the next line of a shell: asks again, and warns again.
   void Forget();
 

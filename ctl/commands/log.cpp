@@ -8,6 +8,7 @@
 #include "ctl/channel/interrupt.h"
 #include "ctl/channel/log_follower.h"
 #include "ctl/channel/log_tail.h"
+#include "ctl/channel/marker.h"
 #include "ctl/commands/commands.h"
 #include "ctl/commands/context.h"
 #include "ctl/parse/lines.h"
@@ -41,9 +42,15 @@ struct Severity {
 
 constexpr Severity kSeverityOptions[] = {{"err", 0}, {"wrn", 1}, {"info", 2}, {"trace", 3}, {"all", 5}};
 
+// Nobody reads the log for the lines by which answers are found, nor for those between commands.
+bool IsNoise(const LogLine &line) {
+  return line.text.empty() || Marker::IsEcho(line.text);
+}
+
 class LineChoice {
  public:
-  explicit LineChoice(const Arguments &arguments) : tid_(NumberOf(arguments, "tid", 0)) {
+  explicit LineChoice(const Arguments &arguments)
+      : isRaw_(arguments.Has("raw")), tid_(NumberOf(arguments, "tid", 0)) {
     const auto level = arguments.Option("level");
     if (!level) return;
     const auto found = std::find_if(std::begin(kSeverityOptions), std::end(kSeverityOptions),
@@ -57,6 +64,7 @@ class LineChoice {
 
   [[nodiscard]] bool Takes(const LogLine &line) const {
     if (tid_ != 0 && line.tid != tid_) return false;
+    if (!isRaw_ && IsNoise(line)) return false;
     if (!lastSeverity_) return true;
     for (size_t i = 0; i <= *lastSeverity_; ++i) {
       if (line.level == kSeverities[i]) return true;
@@ -65,6 +73,7 @@ class LineChoice {
   }
 
  private:
+  bool isRaw_;
   int tid_;
   std::optional<size_t> lastSeverity_;
 };

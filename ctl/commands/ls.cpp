@@ -65,17 +65,15 @@ std::string ShowFilters(const Listing &listing) {
                {"PIPELINE"},
                {"FILTER"},
                {"STATE"},
-               {"TID", kRight},
                {"THREAD"},
                {"DS", kRight},
                {"TGT", kRight},
-               {"AUTO-CONSUME"},
-               {"COMMANDS"}});
+               {"AUTO"},
+               {"CMDS"}});
   for (const Pipeline &pipeline : listing.pipelines) {
     for (const Filter &filter : pipeline.filters) {
-      table.Add({std::to_string(filter.index), pipeline.name, filter.name, filter.state,
-                 std::to_string(filter.tid), filter.thread, std::to_string(filter.ds),
-                 std::to_string(filter.tgt), filter.autoConsume ? "yes" : "no",
+      table.Add({std::to_string(filter.index), pipeline.name, filter.name, filter.state, filter.thread,
+                 std::to_string(filter.ds), std::to_string(filter.tgt), filter.autoConsume ? "yes" : "no",
                  filter.takesCommands ? "yes" : "no"});
     }
   }
@@ -86,8 +84,8 @@ std::string ShowPortTable(const Listing &listing) {
   Table table({{"PIPELINE"},
                {"FILTER"},
                {"PORT"},
-               {"CONNECTED"},
-               {"PCM SAMPLES", kRight},
+               {"CONN"},
+               {"SAMPLES", kRight},
                {"GROUP BYTES"},
                {"METADATA", kRight},
                {"RAW", kRight}});

@@ -1,6 +1,4 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "ctl/parse/status.h"
-
 #include <algorithm>
 
 #include <fmt/format.h>
@@ -13,14 +11,6 @@
 
 namespace kest::ctl {
 namespace {
-
-StatusReport AskStatus(Context &context) {
-  ParsedStatus parsed = ParseStatus(context.GetChannel().Ask({"kest_debug_list=status"}).lines);
-  if (!parsed.isWhole) throw CtlError(ExitCode::kLost, "the status report was not understood");
-  for (const std::string &line : parsed.unknown)
-    context.GetChannel().Warn(fmt::format("not part of the report: {}", line));
-  return std::move(parsed.report);
-}
 
 void KeepOnly(const Target &target, std::vector<FilterStatus> &filters) {
   const auto isOther = [&](const FilterStatus &filter) {
@@ -51,7 +41,7 @@ std::string ShowSink(const StatusReport &report) {
 }  // namespace
 
 Result RunStatus(Context &context, const Arguments &arguments) {
-  StatusReport report = AskStatus(context);
+  StatusReport report = context.AskStatus();
   if (!arguments.words.empty())
     KeepOnly(FindTarget(context.GetListing(), arguments.words[0]), report.filters);
   Table table({{"PIPELINE"}, {"FILTER"}, {"REPORTS"}});

@@ -135,6 +135,20 @@ Json ToJson(const Finding &finding) {
           {"remedy", ToJson(finding.remedy)}};
 }
 
+Json ToJson(const MetricFamily &family) {
+  Json samples = Json::array();
+  for (const MetricSample &sample : family.samples) {
+    Json labels = Json::object();
+    for (const auto &[name, value] : sample.labels)
+      labels[name] = ToJson(value);
+    samples.push_back({{"labels", std::move(labels)}, {"value", sample.value}});
+  }
+  return {{"name", family.kind.name},
+          {"type", family.kind.type == MetricKind::Type::kCounter ? "counter" : "gauge"},
+          {"help", family.kind.help},
+          {"samples", std::move(samples)}};
+}
+
 std::string Dump(const Json &json) {
   return json.dump(-1, ' ', false, Json::error_handler_t::replace);
 }

@@ -7,6 +7,7 @@
 #include "ctl/channel/surroundings.h"
 #include "ctl/model/listing.h"
 #include "ctl/model/log_line.h"
+#include "ctl/model/metric.h"
 #include "ctl/model/parameter.h"
 #include "ctl/model/process.h"
 #include "ctl/model/status.h"
@@ -27,6 +28,7 @@ Json ToJson(const FilterStatus &filter);
 Json ToJson(const StatusReport &report);
 Json ToJson(const LogLine &line);
 Json ToJson(const Finding &finding);
+Json ToJson(const MetricFamily &family);
 
 // On one line, without an end; never fails on odd bytes.
 std::string Dump(const Json &json);

@@ -8,6 +8,7 @@
 
 #include "ctl/commands/command_table.h"
 #include "ctl/commands/help_text.h"
+#include "ctl/commands/names.h"
 
 namespace kest::ctl {
 namespace {
@@ -51,6 +52,19 @@ void CheckWords(const Command &command, const Arguments &arguments) {
     throw CtlError(ExitCode::kUsage,
                    fmt::format("\"{}\" is one word too many", arguments.words[infos.size()]), usage);
   }
+}
+
+// What is wrong with a word that nothing takes.
+CtlError NotUnderstood(const std::string &word, const Command &command) {
+  std::vector<std::string> names;
+  for (const std::vector<OptionInfo> *options : {&command.options, &GlobalOptions()}) {
+    for (const OptionInfo &option : *options)
+      names.push_back("--" + LongName(option));
+  }
+  const std::string nearest = Nearest(names, word);
+  return {ExitCode::kUsage, fmt::format("\"{}\" is not understood", word),
+          nearest.empty() ? fmt::format("kestctl {}", Synopsis(command))
+                          : fmt::format("did you mean {}?", nearest)};
 }
 
 int PositiveNumber(const Arguments &arguments, const std::string &name) {
@@ -119,10 +133,7 @@ std::variant<CommandLine, Notice> ParseCommandLine(const std::vector<std::string
   CommandLine line;
   line.command = FindCommand(subcommands[0]->get_name());
   if (help) return Notice{HelpText(*line.command)};
-  if (!app.remaining(true).empty()) {
-    throw CtlError(ExitCode::kUsage, fmt::format("\"{}\" is not understood", app.remaining(true)[0]),
-                   fmt::format("kestctl {}", Synopsis(*line.command)));
-  }
+  if (!app.remaining(true).empty()) throw NotUnderstood(app.remaining(true)[0], *line.command);
   const Parsed &parsed = own[line.command->name];
   line.arguments.words = parsed.words;
   KeepGiven(*subcommands[0], line.command->options, parsed, line.arguments);

@@ -119,6 +119,8 @@ TEST_F(Commands, LogShowsTheLastLinesThatAreChosen) {
   const CtlResult log = Ctl("log --level err -n 1 --plain");
   EXPECT_EQ("Err! SetParameter failed(0x8)!\n", log.out);
   EXPECT_EQ(3u, CtlJson("log -n 3")["data"]["lines"].size());
+  EXPECT_THAT(Ctl("log -n 100").out, Not(HasSubstr("kestctl.")));
+  EXPECT_THAT(Ctl("log -n 100 --raw").out, HasSubstr("kestctl."));
   const auto line = CtlJson("log --level err -n 1")["data"]["lines"][0];
   EXPECT_EQ("_ZE_KEST_Debug_RuntimeMonitor", line["function"]);
   EXPECT_EQ("ERR", line["level"]);
@@ -166,6 +168,7 @@ TEST_F(Commands, AnswersAboutTheWordsOfTheCommandLine) {
   EXPECT_EQ(2, Ctl("").exitCode);
   EXPECT_THAT(Ctl("stat").err, HasSubstr("did you mean status?"));
   EXPECT_EQ(2, Ctl("ls --nonsense").exitCode);
+  EXPECT_THAT(Ctl("ls --timout 3").err, HasSubstr("did you mean --timeout?"));
   EXPECT_EQ(2, Ctl("ls everything").exitCode);
   const auto wrong = CtlJson("nonsense");
   EXPECT_EQ("usage", wrong["error"]["code"]);

@@ -196,7 +196,7 @@ TEST_F(FarSideOfKestctl, SilenceIsExplainedFromThere) {
 
 TEST_F(FarSideOfKestctl, AnInterruptAtAnyMomentLeavesTheLevel) {
   StartPlayer();
-  for (int ms = 1; ms < 120; ms += 4) {
+  for (int ms = 1; ms < 400; ms += 19) {
     for (const char *signal : {"INT", "KILL"}) {
       Ctl("--via " + ctl::Quote(via_) + " set Dec/Lpcm MdVol 1",
           elsewhere_ + " timeout -s " + signal + " 0." + std::to_string(1000 + ms).substr(1));

@@ -49,6 +49,9 @@ TEST_F(Schema, HoldsForEveryCommandOnAPlayingPlayer) {
   Keep(std::string("plot levels ") + kRecording + " -o " + Path("levels.png"), 0);
   WriteAudio(Path("silent.wav"), {2, 48000, kWav16, Samples(96000, 0)});
   Keep("check " + Path("silent.wav"), 1);
+  Keep("metrics", 0);
+  Keep("metrics --device tv -o " + Path("kest.prom"), 0);
+  Keep("report -o " + Path("bug.tar.gz"), 0);
   Keep("set Dec/Lpcm MdVol 3", 1);
   Keep("cmd Dec/Vol mute=maybe", 1);
   Keep("set Dec/Vol gain 3", 6);
@@ -61,7 +64,7 @@ TEST_F(Schema, HoldsForEveryLineOfAFollowedLog) {
   StartPlayer();
   Ctl("level all");
   Ctl("send no_such_command");
-  const CtlResult followed = Ctl("--json log -f -n 20", "timeout --signal=INT 0.5");
+  const CtlResult followed = Ctl("--json log -f --raw -n 20", "timeout --signal=INT 0.5");
   std::istringstream lines(followed.out);
   for (std::string line; std::getline(lines, line);)
     KeepText(line);
