@@ -1,12 +1,16 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "ctl/terminal/answer.h"
 
+#include <algorithm>
 #include <cstdio>
+#include <string_view>
 
 #include <fmt/format.h>
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 #include "ctl/render/escape.h"
+#include "ctl/render/fit.h"
 
 namespace kest::ctl {
 namespace {
@@ -37,8 +41,21 @@ Json DocumentOf(Context *context, const Command *command, const Result &result) 
   return json;
 }
 
-void PrintForPeople(Context *context, const Result &result, bool quiet) {
-  fmt::print("{}", result.text);
+// What is no table is shown as it is: lines of the log, replies, metrics.
+bool HasTables(const Command *command) {
+  constexpr std::string_view kCommands[] = {"ps", "doctor", "ls", "status"};
+  return command != nullptr &&
+         std::find(std::begin(kCommands), std::end(kCommands), command->name) != std::end(kCommands);
+}
+
+// 0: as wide as the text is.
+size_t TerminalWidth() {
+  winsize size = {};
+  return ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 ? size.ws_col : 0;
+}
+
+void PrintForPeople(Context *context, const Command *command, const Result &result, bool quiet) {
+  fmt::print("{}", HasTables(command) ? FitTo(TerminalWidth(), result.text) : result.text);
   std::fflush(stdout);
   if (context != nullptr && !quiet) {
     for (const std::string &warning : context->GetChannel().Warnings())
@@ -55,7 +72,7 @@ int Print(Context *context, const Command *command, const Result &result, const 
   if (settings.json) {
     fmt::print("{}\n", Dump(DocumentOf(context, command, result)));
   } else {
-    PrintForPeople(context, result, settings.quiet);
+    PrintForPeople(context, command, result, settings.quiet);
   }
   std::fflush(stdout);
   return static_cast<int>(result.exit);

@@ -3,10 +3,10 @@
 #include <csignal>
 #include <filesystem>
 #include <regex>
-#include <set>
 
 #include <arpa/inet.h>
 #include <sys/socket.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include "ctl/render/metrics.h"
@@ -27,26 +27,27 @@ struct Ran {
   std::string output;
 };
 
-Ran Run(const std::string &command) {
+Ran Shell(const std::string &command) {
   const std::string path = PlayerTest::Path("ran");
   const int status = std::system(("{ " + command + "\n} >" + path + " 2>&1").c_str());
   return {WEXITSTATUS(status), ReadFile(path)};
 }
 
 bool IsInstalled(const std::string &program) {
-  return Run("command -v " + program).exitCode == 0;
+  return Shell("command -v " + program).exitCode == 0;
 }
 
 // What the monitoring system's own tool finds wrong with the text.
 std::string Complaints(const std::string &text) {
   WriteFile(PlayerTest::Path("text"), text);
-  const Ran checked = Run("promtool check metrics <" + PlayerTest::Path("text"));
+  const Ran checked = Shell("promtool check metrics <" + PlayerTest::Path("text"));
   return checked.exitCode == 0 ? checked.output : "promtool: " + checked.output;
 }
 
 std::string OpenMetricsComplaints(const std::string &text) {
   WriteFile(PlayerTest::Path("text"), text);
-  return Run("/usr/bin/python3 -c 'import sys; from prometheus_client.openmetrics.parser import *; "
+  return Shell(
+             "/usr/bin/python3 -c 'import sys; from prometheus_client.openmetrics.parser import *; "
              "list(text_string_to_metric_families(sys.stdin.read()))' <" +
              PlayerTest::Path("text"))
       .output;
@@ -82,8 +83,8 @@ class NodeExporter {
   [[nodiscard]] std::string Scrape() const {
     std::string scraped;
     EXPECT_TRUE(WaitFor([&] {
-      scraped = Run("/usr/bin/python3 -c 'import urllib.request as u; print(u.urlopen(\"http://" + address_ +
-                    "/metrics\").read().decode())'")
+      scraped = Shell("/usr/bin/python3 -c 'import urllib.request as u; print(u.urlopen(\"http://" +
+                      address_ + "/metrics\").read().decode())'")
                     .output;
       return scraped.find("node_textfile_scrape_error") != std::string::npos;
     })) << scraped;
@@ -172,8 +173,8 @@ TEST_F(Metrics, AreWrittenAgainUntilItIsInterrupted) {
 TEST_F(Metrics, AreWhatRulesAndDashboardAskFor) {
   const std::string directory = KEST_CTL_MONITORING;
   const Ran rules =
-      Run("cd " + directory +
-          " && promtool check rules kest-alerts.yml && promtool test rules kest-alerts-test.yml");
+      Shell("cd " + directory +
+            " && promtool check rules kest-alerts.yml && promtool test rules kest-alerts-test.yml");
   EXPECT_EQ(0, rules.exitCode) << rules.output;
   EXPECT_TRUE(nlohmann::json::accept(ReadFile(directory + "/kest-dashboard.json")));
   const std::string names = ReadFile(directory + "/../../ctl/render/metrics.cpp");
@@ -188,7 +189,7 @@ class Report : public CtlTest {
  protected:
   // Takes the archive apart; its manifest.
   static nlohmann::json Unpack(const std::string &path) {
-    const Ran tar = Run("cd " + Path("") + " && rm -rf kest-report && tar -xzf " + path);
+    const Ran tar = Shell("cd " + Path("") + " && rm -rf kest-report && tar -xzf " + path);
     EXPECT_EQ(0, tar.exitCode) << tar.output;
     return nlohmann::json::parse(ReadFile(Path("kest-report/manifest.json")));
   }

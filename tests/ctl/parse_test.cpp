@@ -13,6 +13,7 @@
 #include "ctl/parse/port_line.h"
 #include "ctl/parse/status.h"
 #include "ctl/render/escape.h"
+#include "ctl/render/fit.h"
 #include "tests/ctl/ctl_test.h"
 
 namespace kest::test {
@@ -184,6 +185,17 @@ TEST(Names, AreFoundWhenTheyAreExactOrTheOnlyOnesThatBeginSo) {
   EXPECT_EQ("Decoder_13", ctl::FindTarget(listing, "Decoder_13").pipeline->name);
   EXPECT_THROW(ctl::FindTarget(listing, "Dec"), ctl::CtlError);
   EXPECT_THROW(ctl::FindTarget(listing, "Mixer"), ctl::CtlError);
+}
+
+TEST(Fit, BreaksWideLinesBelowTheirLastColumn) {
+  EXPECT_EQ("NAME  REPORTS\nLpcm  some words that\n      are long, and\n      even more\n",
+            ctl::FitTo(26, "NAME  REPORTS\nLpcm  some words that are long, and even more\n"));
+  EXPECT_EQ("a line without columns\nis broken too\n",
+            ctl::FitTo(22, "a line without columns is broken too\n"));
+  EXPECT_EQ("\033[1mas wide as its place\033[0m\n", ctl::FitTo(20, "\033[1mas wide as its place\033[0m\n"));
+  const std::string path = "NAME  /a/path/that/has/no/blank/to/break/at\n";
+  EXPECT_EQ(path, ctl::FitTo(30, path));
+  EXPECT_EQ(path, ctl::FitTo(0, path));
 }
 
 TEST(Escape, ShowsControlCharactersAndBrokenUtf8) {
