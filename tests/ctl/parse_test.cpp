@@ -188,8 +188,8 @@ TEST(Names, AreFoundWhenTheyAreExactOrTheOnlyOnesThatBeginSo) {
 }
 
 TEST(Fit, BreaksWideLinesBelowTheirLastColumn) {
-  EXPECT_EQ("NAME  REPORTS\nLpcm  some words that\n      are long, and\n      even more\n",
-            ctl::FitTo(26, "NAME  REPORTS\nLpcm  some words that are long, and even more\n"));
+  EXPECT_EQ("NAME  REPORTS\nLpcm  some words that are\n      long, and even more of\n      them\n",
+            ctl::FitTo(28, "NAME  REPORTS\nLpcm  some words that are long, and even more of them\n"));
   EXPECT_EQ("a line without columns\nis broken too\n",
             ctl::FitTo(22, "a line without columns is broken too\n"));
   EXPECT_EQ("\033[1mas wide as its place\033[0m\n", ctl::FitTo(20, "\033[1mas wide as its place\033[0m\n"));

@@ -83,7 +83,7 @@ TEST_F(Shell, CtrlCEndsALineOrACommandAndSigtermTheShell) {
   ASSERT_TRUE(shell.Shows("no such command")) << shell.Rest();
   shell.Type(kCtrlC);
   EXPECT_TRUE(shell.Shows(PromptOf(player))) << shell.Rest();
-  shell.Type("log -f -n 1\n");
+  shell.Type("log -f -n 1 --raw\n");
   ASSERT_TRUE(shell.Shows("kestctl.")) << shell.Rest();  // a marker
   shell.Type(kCtrlC);
   EXPECT_TRUE(shell.Shows("interrupted")) << shell.Rest();
