@@ -84,7 +84,7 @@ class Watch {
   // Another kestctl may have switched the lines off, or no filter runs.
   void SwitchOnAgain() {
     if (context_.GetChannel().TheProcess().pid != process_.pid) ThrowEnded();
-    if (context_.GetHost().UnreadBytes(context_.GetSettings().directory + "D") <= 0)
+    if (context_.GetHost().UnreadBytes(context_.GetSettings().directory + "D").value_or(0) == 0)
       static_cast<void>(context_.GetChannel().Send({kPortLinesOn}));
   }
 

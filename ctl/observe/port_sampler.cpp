@@ -21,7 +21,7 @@ constexpr std::chrono::milliseconds kUnreadPatience{50};
 bool ReadsItsCommands(Channel &channel) {
   const std::string pipe = channel.Settings().directory + "D";
   const auto deadline = Clock::now() + kUnreadPatience;
-  while (channel.GetHost().UnreadBytes(pipe) > 0) {
+  while (channel.GetHost().UnreadBytes(pipe).value_or(0) > 0) {
     if (Clock::now() > deadline) return false;
     Pause(kPause);
   }
@@ -74,7 +74,7 @@ PortSample SamplePorts(Channel &channel, const std::vector<FilterKey> &filters,
     TakeLines(log, sample);
   }
   sample.isWhole = HasAll(sample, filters);
-  if (!sample.isWhole && channel.GetHost().UnreadBytes(pipe) > 0) {
+  if (!sample.isWhole && channel.GetHost().UnreadBytes(pipe).value_or(0) > 0) {
     sample.isRead = false;
     portLines.LeaveOff();
     return sample;
