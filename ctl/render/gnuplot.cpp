@@ -10,7 +10,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include "ctl/channel/unique_fd.h"
+#include "programs/unique_fd.h"
 #include "ctl/error.h"
 #include "ctl/parse/lines.h"
 #include "ctl/render/escape.h"

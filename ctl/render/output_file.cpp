@@ -10,7 +10,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "ctl/channel/unique_fd.h"
+#include "programs/unique_fd.h"
 #include "ctl/error.h"
 
 namespace kest::ctl {

@@ -16,8 +16,8 @@
 #include <unistd.h>
 
 #include "player/base/player_error.h"
-#include "player/base/unique_fd.h"
 #include "player/check/rig.h"
+#include "programs/unique_fd.h"
 
 namespace kest::player {
 namespace {
