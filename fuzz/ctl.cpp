@@ -10,6 +10,7 @@
 #include "ctl/parse/lines.h"
 #include "ctl/parse/listing.h"
 #include "ctl/parse/log_line.h"
+#include "ctl/parse/parameter_values.h"
 #include "ctl/parse/parameters.h"
 #include "ctl/parse/perf_line.h"
 #include "ctl/parse/port_line.h"
@@ -37,6 +38,7 @@ void CheckLines(const std::vector<std::string> &lines) {
   Expect(ports <= lines.size(), "more ports than lines");
   static_cast<void>(ctl::ParseStatus(lines));
   static_cast<void>(ctl::ParseParameters(lines));
+  static_cast<void>(ctl::ParseParameterValues(lines, "Decoder_13", "Volume"));
   static_cast<void>(ctl::ParseSettings(lines));
   static_cast<void>(ctl::ParseDumpRun(lines, true));
   static_cast<void>(ctl::ParseLatencyRun(lines));

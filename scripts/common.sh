@@ -3,13 +3,15 @@ set -euo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 debug_dir=/mnt/vendor/tmp/kest/
 
-build_packages=(g++ cmake make pkg-config android-liblog-dev libjsmn-dev libsndfile1-dev libcli11-dev alsa-utils
+build_packages=(g++ cmake make pkg-config android-liblog-dev libjsmn-dev
+  libsndfile1-dev libsoxr-dev libasound2-dev libcli11-dev alsa-utils
   libfmt-dev nlohmann-json3-dev libedit-dev libncurses-dev libkissfft-dev libarchive-dev)
 test_packages=(libgtest-dev libgmock-dev dpkg-dev file python3-jsonschema mksh toybox gnuplot-nox
   ladspa-sdk cmt swh-plugins prometheus prometheus-node-exporter python3-prometheus-client)
 demo_packages=(ladspa-sdk)
 arm_packages=(g++-arm-linux-gnueabihf qemu-user
-  android-liblog-dev:armhf libsndfile1-dev:armhf libgtest-dev:armhf libgmock-dev:armhf)
+  android-liblog-dev:armhf libsndfile1-dev:armhf libsoxr-dev:armhf libasound2-dev:armhf
+  libgtest-dev:armhf libgmock-dev:armhf)
 fuzz_packages=(clang libclang-rt-14-dev)
 bench_packages=(libbenchmark-dev libswresample-dev)
 android_bp_packages=(blueprint-tools mini-soong)

@@ -10,6 +10,7 @@ Result RunPs(Context &context, const Arguments &arguments);
 Result RunDoctor(Context &context, const Arguments &arguments);
 Result RunLs(Context &context, const Arguments &arguments);
 Result RunStatus(Context &context, const Arguments &arguments);
+Result RunGet(Context &context, const Arguments &arguments);
 Result RunSet(Context &context, const Arguments &arguments);
 Result RunCmd(Context &context, const Arguments &arguments);
 Result RunSend(Context &context, const Arguments &arguments);

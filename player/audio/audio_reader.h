@@ -9,13 +9,11 @@
 #include <sndfile.h>
 #include <sys/types.h>
 
+#include "player/audio/audio_sink.h"
 #include "player/audio/frame_chunk.h"
 #include "programs/unique_fd.h"
 
 namespace kest::player {
-
-// The width of a file's samples. Floating-point and lossy formats count as 32 bits.
-enum class SampleBits : uint32_t { k16 = 16, k24 = 24, k32 = 32 };
 
 class AudioReader {
  public:

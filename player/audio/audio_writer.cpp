@@ -4,6 +4,7 @@
 #include <array>
 #include <cerrno>
 #include <cstring>
+#include <utility>
 
 #include <fcntl.h>
 
@@ -29,33 +30,25 @@ int SubFormat(SampleBits bits) {
 }
 
 // With more than two channels the header must say which speakers they belong to.
-int FileFormat(const AudioReader &model) {
-  return model.Channels() > 2 ? SF_FORMAT_WAVEX : SF_FORMAT_WAV;
+int FileFormat(const AudioFormat &format) {
+  return format.channels > 2 ? SF_FORMAT_WAVEX : SF_FORMAT_WAV;
 }
 
 }  // namespace
 
-AudioWriter::AudioWriter(const std::string &path, const AudioReader &model)
+AudioWriter::AudioWriter(const std::string &path, const AudioFormat &format)
     : path_(path),
       fd_(open(path.c_str(), O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC, kFileMode)),
-      channels_(model.Channels()) {
+      channels_(format.channels) {
   if (!fd_.IsOpen()) throw PlayerError("cannot create " + path + ": " + std::strerror(errno));
   SF_INFO info{};
-  info.channels = static_cast<int>(model.Channels());
-  info.samplerate = static_cast<int>(model.SampleRate());
-  info.format = FileFormat(model) | SubFormat(model.Bits());
+  info.channels = static_cast<int>(format.channels);
+  info.samplerate = static_cast<int>(format.sampleRate);
+  info.format = FileFormat(format) | SubFormat(format.bits);
   file_ = sf_open_fd(fd_.Get(), SFM_WRITE, &info, SF_FALSE);
   if (file_ == nullptr) Fail(sf_strerror(nullptr));
-  framesLeft_ = kMaxDataBytes / (uint64_t{model.Channels()} * static_cast<uint32_t>(model.Bits()) / 8);
+  framesLeft_ = kMaxDataBytes / (uint64_t{format.channels} * static_cast<uint32_t>(format.bits) / 8);
 }
-
-AudioWriter::AudioWriter(AudioWriter &&other) noexcept
-    : path_(std::move(other.path_)),
-      fd_(std::move(other.fd_)),
-      file_(std::exchange(other.file_, nullptr)),
-      channels_(other.channels_),
-      collected_(std::move(other.collected_)),
-      framesLeft_(other.framesLeft_) {}
 
 // What a run that failed has played so far belongs into the file; that this may fail too is no news.
 AudioWriter::~AudioWriter() {
@@ -65,7 +58,7 @@ AudioWriter::~AudioWriter() {
 }
 
 template <typename Sample>
-void AudioWriter::Write(const Sample *interleaved, uint32_t frames) {
+void AudioWriter::Collect(const Sample *interleaved, uint32_t frames) {
   CheckSize(frames);
   auto &collected = std::get<FrameChunk<Sample>>(collected_);
   for (uint32_t done = 0; done < frames;) {
@@ -74,8 +67,15 @@ void AudioWriter::Write(const Sample *interleaved, uint32_t frames) {
   }
 }
 
-template void AudioWriter::Write(const int16_t *, uint32_t);
-template void AudioWriter::Write(const int32_t *, uint32_t);
+bool AudioWriter::Write(const int16_t *interleaved, uint32_t frames) {
+  Collect(interleaved, frames);
+  return true;
+}
+
+bool AudioWriter::Write(const int32_t *interleaved, uint32_t frames) {
+  Collect(interleaved, frames);
+  return true;
+}
 
 template <typename Sample>
 bool AudioWriter::Flush() {

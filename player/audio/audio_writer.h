@@ -7,31 +7,29 @@
 
 #include <sndfile.h>
 
-#include "player/audio/audio_reader.h"
+#include "player/audio/audio_sink.h"
 #include "player/audio/frame_chunk.h"
 #include "programs/unique_fd.h"
 
 namespace kest::player {
 
-class AudioWriter {
+class AudioWriter : public AudioSink {
  public:
-  // The file takes channels, rate and sample width from the model; an existing file is overwritten. Throws
-  // PlayerError when it cannot be created.
-  AudioWriter(const std::string &path, const AudioReader &model);
-  AudioWriter(AudioWriter &&other) noexcept;
-  AudioWriter &operator=(AudioWriter &&) = delete;
-  ~AudioWriter();
+  // An existing file is overwritten. Throws PlayerError when it cannot be created.
+  AudioWriter(const std::string &path, const AudioFormat &format);
+  ~AudioWriter() override;
 
-  // Writes interleaved frames with left-aligned samples; a narrower file keeps the upper bits. Throws
-  // PlayerError when they cannot be written, which may be said of a later call's frames or when it is closed:
-  // frames are collected.
-  template <typename Sample>
-  void Write(const Sample *interleaved, uint32_t frames);
+  // A narrower file keeps the upper bits of the samples. Frames are collected: that they cannot be written
+  // may be said of a later call's frames or when it is closed.
+  bool Write(const int16_t *interleaved, uint32_t frames) override;
+  bool Write(const int32_t *interleaved, uint32_t frames) override;
 
-  // Completes the file. Throws PlayerError when that fails. Without it, what is collected is still written.
-  void Close();
+  // Without it, what is collected is still written.
+  void Close() override;
 
  private:
+  template <typename Sample>
+  void Collect(const Sample *interleaved, uint32_t frames);
   void CheckSize(uint32_t frames);
   template <typename Sample>
   [[nodiscard]] bool Flush();

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <variant>
 
+#include "player/audio/sound_card.h"
 #include "player/base/text_list.h"
 #include "player/modules/module_error.h"
 #include "player/modules/module_kinds.h"
@@ -43,7 +44,11 @@ class ReadValue {
       : value_(value), directory_(directory) {}
 
   std::variant<int, std::string> operator()(const FileNameRange &) const {
-    return (directory_ / value_.FileName()).string();
+    const std::string name = value_.FileName();
+    return SoundCardIn(name) ? name : (directory_ / name).string();
+  }
+  std::variant<int, std::string> operator()(const TextRange &range) const {
+    return value_.NonEmptyText(range.needed);
   }
   std::variant<int, std::string> operator()(const WholeNumberRange &range) const {
     return value_.WholeNumber(range.min, range.max);
@@ -54,10 +59,20 @@ class ReadValue {
   const std::filesystem::path &directory_;
 };
 
-void CheckHasFiles(const JsonValue &value, const FilterLayout &filter) {
+// What a setting's value has to be.
+struct Needed {
+  std::string operator()(const FileNameRange &) const { return "the name of a file"; }
+  std::string operator()(const TextRange &range) const { return range.needed; }
+  std::string operator()(const WholeNumberRange &range) const {
+    return "a whole number from " + std::to_string(range.min) + " to " + std::to_string(range.max);
+  }
+};
+
+void CheckIsComplete(const JsonValue &value, const FilterLayout &filter) {
   for (const Setting &setting : filter.kind->settings) {
-    if (std::holds_alternative<FileNameRange>(setting.range) && filter.settings.count(setting.key) == 0) {
-      value.Fail("\"" + std::string(setting.key) + "\" is missing; the name of a file is needed");
+    if (setting.isMandatory && filter.settings.count(setting.key) == 0) {
+      value.Fail("\"" + std::string(setting.key) + "\" is missing; " + std::visit(Needed{}, setting.range) +
+                 " is needed");
     }
   }
 }
@@ -120,7 +135,7 @@ FilterLayout ReadFilter(const JsonValue &value, const FilterKinds &kinds,
     const Setting &setting = FindSetting(member, filter.kind->settings);
     filter.settings[setting.key] = std::visit(ReadValue(member, directory), setting.range);
   }
-  CheckHasFiles(value, filter);
+  CheckIsComplete(value, filter);
   return filter;
 }
 

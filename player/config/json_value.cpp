@@ -56,9 +56,9 @@ int JsonValue::WholeNumber(int min, int max) const {
   return number;
 }
 
-std::string JsonValue::FileName() const {
+std::string JsonValue::NonEmptyText(const std::string &needed) const {
   if (token_->type != ZE_KEST_JSMN_STRING || Raw(*token_).empty()) {
-    Refuse("the name of a file, in quotes, is needed");
+    Refuse(needed + ", in quotes, is needed");
   }
   return Decoded(*token_);
 }

@@ -25,8 +25,9 @@ class JsonValue {
   // The members of an object in the order of the text. Throws PlayerError when a name occurs twice.
   [[nodiscard]] std::vector<JsonValue> Members() const;
   [[nodiscard]] int WholeNumber(int min, int max) const;
-  // A non-empty string.
-  [[nodiscard]] std::string FileName() const;
+  // Non-empty strings. needed: what it says, for the error message.
+  [[nodiscard]] std::string FileName() const { return NonEmptyText("the name of a file"); }
+  [[nodiscard]] std::string NonEmptyText(const std::string &needed) const;
   [[nodiscard]] std::string Text() const;
   // As it is written.
   [[nodiscard]] std::string Number() const;

@@ -6,6 +6,7 @@
 #include "ze_kest/model.h"
 
 #include "player/filters/delay.h"
+#include "player/filters/src.h"
 #include "player/filters/volume.h"
 #include "player/modules/record_check.h"
 
@@ -23,18 +24,19 @@ constexpr const char *kDescription =
     "While it plays, the library's debug commands work; see the pipe D and the log in\n" KEST_DEBUG_DIR;
 
 constexpr const char *kFooter =
-    "The output has the channels, the sample rate and the sample width of the first\n"
-    "input: 16, 24 or 32 bits; 8-bit files become 16 bits, floating-point and lossy\n"
-    "ones 32 bits, saturated. A narrower output keeps the upper bits. All inputs need\n"
-    "the same channels (1 to 10) and sample rate.\n"
+    "The output has the sample width of the first input: 16, 24 or 32 bits; 8-bit files\n"
+    "become 16 bits, floating-point and lossy ones 32 bits, saturated. A narrower output\n"
+    "keeps the upper bits. Without --rate and --mix it has its channels and sample rate\n"
+    "too. All inputs need the same channels (1 to 10) and, without --rate, sample rate.\n"
     "\n"
     "A configuration is a JSON file such as player/example.json: an object of pipelines;\n"
     "each is an object of filters, in the order of the chain; each is an object of\n"
     "settings. 1 to 8 pipelines feed the one named SpeakerOutput:\n"
-    "  input          Lpcm, then any of Volume, Delay and modules\n"
-    "  SpeakerOutput  Mixer, then any of Volume, Delay and modules, then SpeakerOutput\n"
+    "  input          Lpcm, then any of Volume, Delay, Src, DownMix and modules\n"
+    "  SpeakerOutput  Mixer, then any of these, then SpeakerOutput\n"
     "Settings: \"file\" of Lpcm and SpeakerOutput, relative to the configuration's\n"
-    "directory; \"gain_db\" of Volume and \"delay_ms\" of Delay, 0 when left out. A filter\n"
+    "directory; \"gain_db\" of Volume and \"delay_ms\" of Delay, 0 when left out;\n"
+    "\"rate_hz\" of Src; \"matrix\" of DownMix, a text as for --mix. A filter\n"
     "with a \"module\" (a file, relative too) may have any other name; \"filter\" tells which\n"
     "of the module's it is, \"config\" is a text for it, \"parameters\" an object of numbers.\n"
     "\n"
@@ -92,7 +94,8 @@ void AddOptions(CLI::App &app, Options &options) {
   app.add_option("IN", options.inputs, "Audio files that libsndfile reads, such as WAV, FLAC and OGG")
       ->expected(1, ZE_KEST_MAX_PORTS)
       ->type_name("FILE");
-  app.add_option("-o,--output", options.output, "WAV file to write; overwritten when it exists")
+  app.add_option("-o,--output", options.output,
+                 "WAV file to write, overwritten when it exists; or alsa:DEVICE, a sound card")
       ->type_name("OUT.wav");
   app.add_option("--config", options.config,
                  "Read files, pipelines, filters and their settings from a JSON file")
@@ -108,6 +111,13 @@ void AddOptions(CLI::App &app, Options &options) {
   app.add_option("--delay-ms", options.delayMs, "Silence before the sound, milliseconds")
       ->check(CLI::Range(0u, Delay::kMaxDelayMs))
       ->type_name("N");
+  app.add_option("--rate", options.rateHz, "Convert every input to this sample rate, Hz")
+      ->check(CLI::Range(Src::kMinRateHz, Src::kMaxRateHz))
+      ->type_name("N");
+  app.add_option("--mix", options.mixMatrix,
+                 "Make other channels of the mixed ones: a row of factors for each output channel, such as "
+                 "\"1 0 0.5; 0 1 0.5\" for 3 channels to 2")
+      ->type_name("MATRIX");
   app.add_option_function<std::string>(
          "--module", [&](const std::string &text) { options.modules.push_back(ParseModule(text)); },
          "Add a filter from a module behind the Volume of every input; may be given\nseveral times")
@@ -190,7 +200,8 @@ void RefuseWhatDoesNotBelong(const CLI::App &app, const std::string &purpose) {
 // With --config these options are refused; without it the files must be given.
 void CheckSourceOfLayout(const CLI::App &app) {
   const bool hasConfig = app.count("--config") > 0;
-  for (const char *name : {"IN", "--output", "--gain-db", "--delay-ms", "--module", "--module-config"}) {
+  for (const char *name :
+       {"IN", "--output", "--gain-db", "--delay-ms", "--rate", "--mix", "--module", "--module-config"}) {
     if (hasConfig && app.count(name) > 0) {
       throw CLI::ValidationError(name, "cannot be given with --config; the configuration file sets it");
     }
@@ -212,6 +223,7 @@ void RefuseEndlessFastRun(const Options &options) {
 std::variant<Options, int> ParseOptions(int argc, const char *const *argv) {
   CLI::App app(kDescription, "kest-player");
   app.footer(kFooter);
+  app.set_version_flag("--version", "kest-player " KEST_VERSION);
   app.formatter(std::make_shared<HelpFormatter>());
   app.set_version_flag("--version", "kest-player " KEST_VERSION, "Print the version and exit");
   Options options;

@@ -22,7 +22,8 @@ struct ModuleOption {
 };
 
 struct Options {
-  std::optional<std::string> config;  // instead of inputs, output, gainDb, delayMs and modules
+  std::optional<std::string>
+      config;  // instead of inputs, output, gainDb, delayMs, rateHz, mixMatrix, modules
   std::vector<std::string> inputs;
   std::string output;
   bool fast = false;
@@ -30,6 +31,8 @@ struct Options {
   std::optional<double> seconds;
   int gainDb = 0;
   uint32_t delayMs = 0;
+  std::optional<int> rateHz;
+  std::optional<std::string> mixMatrix;
   std::vector<ModuleOption> modules;  // behind the Volume of every input
   bool wide = false;
   bool logcat = false;

@@ -13,7 +13,8 @@ namespace kest::player {
 namespace {
 
 constexpr Parameter kParameters[] = {
-    Settable<uint32_t, &Delay::DelayMs, &Delay::SetDelayMs>("DelayTime", "of PCM, ms, 0 to 1000"),
+    Settable<uint32_t, &Delay::DelayMs, &Delay::SetDelayMs>("DelayTime", "of PCM",
+                                                            {"ms", 0, Delay::kMaxDelayMs, 0}),
     Fixed<uint32_t{0}>("RawDelayTime", "of compressed data, which it has none of"),
 };
 constexpr Setting kSettings[] = {

@@ -4,15 +4,18 @@
 #include <algorithm>
 
 #include "player/filters/delay.h"
+#include "player/filters/down_mix.h"
 #include "player/filters/lpcm.h"
 #include "player/filters/mixer.h"
 #include "player/filters/speaker_output.h"
+#include "player/filters/src.h"
 #include "player/filters/volume.h"
 
 namespace kest::player {
 
 FilterKinds BuiltInKinds() {
-  return {&Lpcm::kKind, &Volume::kKind, &Delay::kKind, &Mixer::kKind, &SpeakerOutput::kKind};
+  return {&Lpcm::kKind,    &Volume::kKind, &Delay::kKind,        &Src::kKind,
+          &DownMix::kKind, &Mixer::kKind,  &SpeakerOutput::kKind};
 }
 
 const FilterKind *FindKind(const FilterKinds &kinds, std::string_view name) {

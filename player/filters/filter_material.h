@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 
 #include "player/audio/audio_reader.h"
 #include "player/framework/pcm_format.h"
@@ -10,14 +11,13 @@
 namespace kest::player {
 
 struct FilterMaterial {
-  static constexpr uint64_t kNoLimit = UINT64_MAX;
-
-  const PcmFormat &format;
-  AudioReader &reader;  // Lpcm takes over its input's reader; the output copies the format
-  uint32_t source;      // number of the input, from 1
-  bool loop;            // an input starts over at its end
+  PcmFormat format;       // of what comes in
+  AudioReader *reader;    // Lpcm takes over its input's reader
+  SampleBits outputBits;  // of the output's file
+  uint32_t source;        // number of the input, from 1; 0 in the output's pipeline
+  bool loop;              // an input starts over at its end
   bool realTime;
-  uint64_t frameLimit;  // after which the output ends
+  std::optional<double> seconds;  // after which the output ends
 };
 
 }  // namespace kest::player

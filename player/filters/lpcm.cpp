@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "player/filters/lpcm.h"
 
-#include "ze_kest/utility.h"
-
 #include "player/filters/filter_material.h"
 #include "player/framework/parameter_rows.h"
 
@@ -18,7 +16,8 @@ constexpr uint32_t kOtherSignal = 3;
 
 // After the counts: what other decoders do to the sound, while this one does nothing.
 constexpr Parameter kParameters[] = {
-    ReadOnly<uint32_t, &Lpcm::BlocksDecoded>("OkFrmCnt", "blocks of 256 frames decoded"),
+    ReadOnly<uint32_t, &Lpcm::BlocksDecoded>("OkFrmCnt", "blocks of 256 frames decoded",
+                                             {"", 0, UINT32_MAX, 0}),
     Fixed<uint32_t{0}>("ErrFrmCnt", "damaged blocks; none, since one ends the run"),
     Fixed<kUnityVolume>("MdVol", "volume of the main programme"),
     Fixed<kNoVolume>("AdVol", "volume of an associated programme"),
@@ -27,11 +26,11 @@ constexpr Parameter kParameters[] = {
     Fixed<uint32_t{0}>("DolbyTb11Enable", "1 is on"),
     Fixed<kOtherSignal>("RfSignalType", "0 Dvb, 1 Atsc, 2 Dtmb, 3 others"),
 };
-constexpr Setting kSettings[] = {{Lpcm::kFileSetting, FileNameRange{}}};
+constexpr Setting kSettings[] = {{Lpcm::kFileSetting, FileNameRange{}, true}};
 
 // The file is open already: the format of the run depends on it.
 std::unique_ptr<Filter> Make(const FilterLayout & /*layout*/, const FilterMaterial &material) {
-  return std::make_unique<Lpcm>(material.format, std::move(material.reader), material.source, material.loop);
+  return std::make_unique<Lpcm>(material.format, std::move(*material.reader), material.source, material.loop);
 }
 
 }  // namespace
@@ -39,10 +38,8 @@ std::unique_ptr<Filter> Make(const FilterLayout & /*layout*/, const FilterMateri
 const FilterKind Lpcm::kKind = {"Lpcm", FilterPlace::kInputStart, Make, kSettings, kParameters, {}};
 
 Lpcm::Lpcm(const PcmFormat &format, AudioReader reader, uint32_t source, bool loop)
-    : Filter(kKind, format), reader_(std::move(reader)), loop_(loop) {
+    : Filter(kKind, format), reader_(std::move(reader)), loop_(loop), metadata_(source) {
   Record().pszConfig = "InputSource=MM";
-  block_.source = source;
-  block_.payloadLength = kMetadataPayloadBytes;
 }
 
 void Lpcm::Process() {
@@ -52,7 +49,7 @@ void Lpcm::Process() {
     const uint32_t frames = ReadFile(samples, FramesWanted());
     if (frames == 0) return;
     WriteFrames(samples, frames);
-    WriteMetadata(frames);
+    blocksDecoded_ += metadata_.Write(Record(), frames);
   });
 }
 
@@ -74,22 +71,8 @@ bool Lpcm::StartOver() {
   if (!loop_ || fileIsEmpty) return false;
   reader_.Rewind();
   framesSinceStart_ = 0;
+  Log(ZE_KEST_LEVEL_INFO, "starts %s over", reader_.Path().c_str());
   return true;
-}
-
-// A block is written with the last of its frames, so that it never waits for frames downstream.
-void Lpcm::WriteMetadata(uint32_t frames) {
-  framesOfBlock_ += frames;
-  for (; framesOfBlock_ >= ZE_KEST_METADATA_SAMPLES; framesOfBlock_ -= ZE_KEST_METADATA_SAMPLES) {
-    ZE_KEST_DataBuffer_s &ring = Record().apstOutPort[0]->stMeta;
-    ze_kest_Utility_CopyFromRingToRingBuffer(
-        ring.pu8Buf, ring.sztSize, ring.sztReadOffset, ring.sztLevel + ring.sztWriteSize,
-        reinterpret_cast<const uint8_t *>(&block_), kMetadataBlockBytes, 0, 0, kMetadataBlockBytes);
-    ze_kest_Utility_UpdateAllOutputPortMetadataWriteSize(&Record(), kMetadataBlockBytes);
-    ++block_.number;
-    ++blocksDecoded_;
-    block_.framePosition += ZE_KEST_METADATA_SAMPLES;
-  }
 }
 
 }  // namespace kest::player

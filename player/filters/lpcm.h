@@ -6,7 +6,7 @@
 
 #include "player/audio/audio_reader.h"
 #include "player/framework/filter.h"
-#include "player/framework/metadata_block.h"
+#include "player/framework/metadata_writer.h"
 
 namespace kest::player {
 
@@ -29,15 +29,13 @@ class Lpcm : public Filter {
   template <typename Sample>
   uint32_t ReadFile(Sample *interleaved, uint32_t frames);
   bool StartOver();
-  void WriteMetadata(uint32_t frames);
 
   AudioReader reader_;
   bool loop_;
   bool atEnd_ = false;
   uint64_t framesSinceStart_ = 0;  // of the file, in this round
-  uint32_t framesOfBlock_ = 0;     // already produced for the next block
   std::atomic<uint32_t> blocksDecoded_{0};
-  MetadataBlock block_{};
+  MetadataWriter metadata_;
   FrameBuffer buffer_;
 };
 

@@ -39,8 +39,9 @@ void SwitchMute(Filter &filter) {
 }
 
 constexpr Parameter kParameters[] = {
-    Settable<int32_t, &Volume::GainDb, &Volume::SetGainDb>("Gain", "dB, -144 to 53"),
-    Settable<uint32_t, &Volume::Mute, &Volume::SetMute>("Mute", "1 is silence"),
+    Settable<int32_t, &Volume::GainDb, &Volume::SetGainDb>("Gain", "of every channel",
+                                                           {"dB", Volume::kMinGainDb, Volume::kMaxGainDb, 0}),
+    Settable<uint32_t, &Volume::Mute, &Volume::SetMute>("Mute", "1 is silence", {"", 0, 1, 0}),
 };
 constexpr Setting kSettings[] = {
     {Volume::kGainSetting, WholeNumberRange{Volume::kMinGainDb, Volume::kMaxGainDb}}};

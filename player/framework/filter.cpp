@@ -2,6 +2,8 @@
 #include "player/framework/filter.h"
 
 #include <algorithm>
+#include <cstdarg>
+#include <cstdio>
 
 #include "ze_kest/debug.h"
 #include "ze_kest/utility.h"
@@ -27,8 +29,9 @@ uint32_t WriteAllOutputs(const ZE_KEST_Filter_s *pstFilter, uint32_t frames, int
 
 }  // namespace
 
-Filter::Filter(const FilterKind &kind, const PcmFormat &format, const std::string &name)
-    : kind_(kind), format_(format) {
+Filter::Filter(const FilterKind &kind, const PcmFormat &input, const PcmFormat &output,
+               const std::string &name)
+    : kind_(kind), input_(input), output_(output) {
   ze_kest_Utility_Strncpy(record_.szName, name.empty() ? kind.name : name.c_str(),
                           sizeof(record_.szName) - 1);
   record_.filter = this;
@@ -57,8 +60,8 @@ void Filter::ConnectOutput(PortStorage &port) {
 }
 
 void Filter::AnnounceFormat() {
-  const ZE_KEST_PcmInfo_s info = format_.Info();
-  const PcmGroups groups = format_.Groups();
+  const ZE_KEST_PcmInfo_s info = output_.Info();
+  const PcmGroups groups = output_.Groups();
   ze_kest_Utility_UpdatePcmInfoToAllOutputPort(&record_, &info);
   ze_kest_Utility_UpdatePcmGroupToAllOutputPort(&record_, 0, groups.data());
 }
@@ -69,19 +72,47 @@ void Filter::RunCycle(bool upstreamEnded) {
     const MeasuredWork measured(record_.pstParentPipeline->szName, record_.szName, measure_);
     TakeTurn();
   }
-  ended_ = IsComplete();
+  const bool complete = IsComplete();
+  if (complete && !ended_) Log(ZE_KEST_LEVEL_INFO, "has passed everything on");
+  ended_ = complete;
 }
 
 void Filter::TakeTurn() {
+  requests_.TurnBegins(record_);
   ze_kest_Debug_MeasureLatency(&record_, ZE_KEST_LATENCY_START);
   Process();
   ze_kest_Debug_Filter(&record_);
+  requests_.TurnEnds(record_);
+  if (Logs(ZE_KEST_LEVEL_TRACE)) LogTurn();
   for (PortStorage *input : inputs_) {
     input->ReleaseRead();
   }
   for (PortStorage *output : outputs_) {
     output->CommitWritten();
   }
+}
+
+void Filter::LogTurn() const {
+  for (size_t i = 0; i < inputs_.size(); ++i) {
+    const ZE_KEST_Port_s &port = inputs_[i]->Record();
+    Log(ZE_KEST_LEVEL_TRACE, "in%zu read %u of %u samples, %u of %u bytes of metadata", i,
+        port.stPcm.sztPcmReadSize, port.stPcm.sztPcmLevel, port.stMeta.sztReadSize, port.stMeta.sztLevel);
+  }
+  for (size_t i = 0; i < outputs_.size(); ++i) {
+    const ZE_KEST_Port_s &port = outputs_[i]->Record();
+    Log(ZE_KEST_LEVEL_TRACE, "out%zu wrote %u of %u samples, %u of %u bytes of metadata", i,
+        port.stPcm.sztPcmWriteSize, port.stPcm.sztPcmSpace, port.stMeta.sztWriteSize, port.stMeta.sztSpace);
+  }
+}
+
+void Filter::Log(uint32_t level, const char *format, ...) const {
+  if (!Logs(level)) return;
+  char text[256];
+  va_list arguments;
+  va_start(arguments, format);
+  std::vsnprintf(text, sizeof(text), format, arguments);
+  va_end(arguments);
+  ze_kest_Debug_Log(level, "%s %s: %s\n", record_.pstParentPipeline->szName, record_.szName, text);
 }
 
 bool Filter::IsComplete() const {
@@ -115,24 +146,31 @@ uint32_t Filter::FramesToProcess() {
 
 void Filter::CountOverruns() {
   for (PortStorage *output : outputs_) {
-    if (output->Record().stPcm.sztPcmSpace == 0) output->CountXrun();
+    if (output->Record().stPcm.sztPcmSpace > 0) continue;
+    output->CountXrun();
+    Log(ZE_KEST_LEVEL_WRN, "an output is full");
   }
+}
+
+void Filter::CountInputXrun(uint32_t port) {
+  inputs_[port]->CountXrun();
+  Log(ZE_KEST_LEVEL_WRN, "in%u came too late", port);
 }
 
 template <typename Sample>
 void Filter::ReadFrames(uint32_t port, Sample *interleaved, uint32_t frames) const {
-  ze_kest_Utility_ReadInputPortPcmBuffer(&record_, port, interleaved, frames, format_.FirstChannel(),
-                                         format_.LastChannel(), format_.channels);
+  ze_kest_Utility_ReadInputPortPcmBuffer(&record_, port, interleaved, frames, input_.FirstChannel(),
+                                         input_.LastChannel(), input_.channels);
 }
 
 template <typename Sample>
 void Filter::WriteFrames(Sample *interleaved, uint32_t frames) {
   std::array<Sample *, ZE_KEST_PCM_CHANNEL_ENTRIES> channels{};
   std::array<uint16_t, ZE_KEST_PCM_CHANNEL_ENTRIES> strides{};
-  const uint32_t first = format_.Group() * ZE_KEST_PCM_GROUP_ENTRIES;
-  for (uint32_t slot = 0; slot < format_.channels; ++slot) {
+  const uint32_t first = output_.Group() * ZE_KEST_PCM_GROUP_ENTRIES;
+  for (uint32_t slot = 0; slot < output_.channels; ++slot) {
     channels[first + slot] = interleaved + slot;
-    strides[first + slot] = static_cast<uint16_t>(format_.channels);
+    strides[first + slot] = static_cast<uint16_t>(output_.channels);
   }
   WriteChannels<Sample>(channels.data(), strides.data(), frames);
 }

@@ -13,13 +13,17 @@
 #include "player/framework/measured_work.h"
 #include "player/framework/pcm_format.h"
 #include "player/framework/port_storage.h"
+#include "player/requests/filter_requests.h"
 
 namespace kest::player {
 
 class Filter {
  public:
   // name: of its record; without one, the kind's.
-  Filter(const FilterKind &kind, const PcmFormat &format, const std::string &name = {});
+  Filter(const FilterKind &kind, const PcmFormat &format, const std::string &name = {})
+      : Filter(kind, format, format, name) {}
+  Filter(const FilterKind &kind, const PcmFormat &input, const PcmFormat &output,
+         const std::string &name = {});
   virtual ~Filter() = default;
   Filter(const Filter &) = delete;
   Filter &operator=(const Filter &) = delete;
@@ -27,6 +31,7 @@ class Filter {
   [[nodiscard]] const FilterKind &Kind() const { return kind_; }
   [[nodiscard]] ZE_KEST_Filter_s &Record() { return record_; }
   [[nodiscard]] const ZE_KEST_Filter_s &Record() const { return record_; }
+  [[nodiscard]] const PcmFormat &OutputFormat() const { return output_; }
   // Valid as long as the filter.
   [[nodiscard]] virtual Table<Parameter> Parameters() const { return kind_.parameters; }
   // A command that is not in the tables; false when the filter does not know it either. Called on the command
@@ -48,11 +53,20 @@ class Filter {
   // Called after the last cycle, on the thread that ran it.
   virtual void Finish() {}
 
+  // An input did not come in time.
+  void CountInputXrun(uint32_t port);
+
+  // Logs a line about the filter when its own debug level lets it through ("kest_filter_debug_level"). The
+  // text is cut at 255 characters and ends without a newline. Callable from any thread.
+  [[nodiscard]] bool Logs(uint32_t level) const { return LoadRelaxed(record_.u32DbgLvl) >= level; }
+  void Log(uint32_t level, const char *format, ...) const ZE_KEST_PRINTF(3, 4);
+
  protected:
   virtual void Process() = 0;
   [[nodiscard]] virtual bool IsComplete() const;
 
-  [[nodiscard]] const PcmFormat &Format() const { return format_; }
+  // Of the input; that of most filters' output too.
+  [[nodiscard]] const PcmFormat &Format() const { return input_; }
   [[nodiscard]] bool UpstreamEnded() const { return upstreamEnded_; }
 
   // Number of frames that all inputs can deliver, that all outputs can take, and the smaller of both; never
@@ -75,20 +89,21 @@ class Filter {
   // Of the only input's metadata, forwards what belongs to its next frames, and accounts for it.
   void ForwardMetadata(uint32_t frames);
 
-  void CountInputXrun(uint32_t port) { inputs_[port]->CountXrun(); }
-
  private:
   void TakeTurn();
+  void LogTurn() const;
   [[nodiscard]] bool InputsAreEmpty() const;
   void CountOverruns();
   [[nodiscard]] uint32_t MetadataBytesToForward() const;
 
   const FilterKind &kind_;
-  PcmFormat format_;
+  PcmFormat input_;
+  PcmFormat output_;
   FilterRecord record_{};
   std::vector<PortStorage *> inputs_;
   std::vector<PortStorage *> outputs_;
   PerformanceMeasure measure_;
+  FilterRequests requests_;
   uint32_t metadataRemainder_ = 0;  // frames whose metadata has not been forwarded
   bool upstreamEnded_ = false;
   bool ended_ = false;

@@ -6,8 +6,9 @@
 
 #include "ze_kest/debug.h"
 
+#include "player/base/relaxed.h"
 #include "player/framework/filter.h"
-#include "player/framework/relaxed.h"
+#include "player/framework/parameter_text.h"
 
 namespace kest::player {
 namespace {
@@ -28,6 +29,14 @@ void LogPort(const ZE_KEST_Filter_s &record, const char *side, uint32_t number, 
                     LoadRelaxed(port.stMeta.sztLevel), port.stMeta.sztSize);
 }
 
+void LogParameters(Filter &filter) {
+  const ZE_KEST_Filter_s &record = filter.Record();
+  for (const Parameter &parameter : filter.Parameters()) {
+    ze_kest_Debug_Log(ZE_KEST_LEVEL_PRINT, "%s %s %s\n", record.pstParentPipeline->szName, record.szName,
+                      ParameterText(filter, parameter).c_str());
+  }
+}
+
 void LogState(Filter &filter) {
   const ZE_KEST_Filter_s &record = filter.Record();
   for (uint32_t i = 0; i < record.u32InPortCount; ++i) {
@@ -36,15 +45,17 @@ void LogState(Filter &filter) {
   for (uint32_t i = 0; i < record.u32OutPortCount; ++i) {
     LogPort(record, "out", i, *record.apstOutPort[i]);
   }
+  LogParameters(filter);
 }
 
-constexpr FilterCommand kCommandsOfEveryKind[] = {{"state", LogState}};
+constexpr FilterCommand kCommandsOfEveryKind[] = {{"state", LogState}, {"get", LogParameters}};
 
 bool RunOneOf(const Table<FilterCommand> &commands, Filter &filter, std::string_view text) {
   const auto *command = std::find_if(commands.begin(), commands.end(),
                                      [&](const FilterCommand &candidate) { return text == candidate.text; });
   if (command == commands.end()) return false;
   command->run(filter);
+  filter.Log(ZE_KEST_LEVEL_INFO, "took the command \"%s\"", command->text);
   return true;
 }
 
@@ -65,6 +76,7 @@ uint32_t SetFilterParameter(ZE_KEST_Filter_s *pstFilter, const char *pszParamete
   const Parameter *parameter = FindParameter(filter, pszParameterName, pData, u32Size);
   if (parameter == nullptr || parameter->set == nullptr) return ZE_KEST_INVALID_ARGUMENT;
   parameter->set(filter, parameter->index, pData);
+  filter.Log(ZE_KEST_LEVEL_INFO, "%s", ParameterText(filter, *parameter).c_str());
   return ZE_KEST_OK;
 }
 

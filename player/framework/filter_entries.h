@@ -15,7 +15,8 @@ uint32_t GetFilterParameter(ZE_KEST_Filter_s *pstFilter, const char *pszParamete
 uint32_t SetFilterParameter(ZE_KEST_Filter_s *pstFilter, const char *pszParameterName, const void *pData,
                             uint32_t u32Size);
 
-// A debug command: "state", or one of the filter's kind. ZE_KEST_INVALID_ARGUMENT for any other.
+// A debug command: "get" logs the parameters with their values, "state" what the ports hold and the
+// parameters; or one of the filter's kind. ZE_KEST_INVALID_ARGUMENT for any other.
 unsigned int RunFilterCommand(ZE_KEST_Filter_s *pstFilter, signed char *pszCommand);
 
 }  // namespace kest::player

@@ -26,8 +26,11 @@ enum class FilterPlace {
   kBetween       // any number of them, in any order, behind the first one
 };
 
-// A mandatory setting: nothing can be played without the file.
 struct FileNameRange {};
+
+struct TextRange {
+  const char *needed;  // what it says, for an error message
+};
 
 struct WholeNumberRange {
   int min;
@@ -36,13 +39,22 @@ struct WholeNumberRange {
 
 struct Setting {
   const char *key;
-  std::variant<FileNameRange, WholeNumberRange> range;
+  std::variant<FileNameRange, TextRange, WholeNumberRange> range;
+  bool isMandatory = false;
+};
+
+struct ParameterRange {
+  const char *unit;  // "" for none
+  int64_t least;     // below 0: the value is signed
+  int64_t most;
+  uint32_t decimals;  // the value counts units of 10 to the power of -decimals
 };
 
 struct Parameter {
   const char *name;
   const char *description;
-  uint32_t size;  // bytes of its value
+  ParameterRange range;
+  uint32_t size;  // bytes of its value, at most 8
   void (*get)(const Filter &filter, uint32_t index, void *value);
   void (*set)(Filter &filter, uint32_t index, const void *value);  // nullptr: it can only be read
   uint32_t index = 0;  // handed to both; tells parameters apart that share these functions

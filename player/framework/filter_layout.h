@@ -31,6 +31,7 @@ struct FilterLayout {
   // A setting that is not given is 0, or empty.
   [[nodiscard]] int WholeNumber(std::string_view key) const { return Value<int>(key); }
   [[nodiscard]] std::string FileName(std::string_view key) const { return Value<std::string>(key); }
+  [[nodiscard]] std::string Text(std::string_view key) const { return Value<std::string>(key); }
 
  private:
   template <typename Type>

@@ -23,16 +23,16 @@ void PutValue(void *data, Value value) {
 }
 
 template <typename Value, auto kGet>
-constexpr Parameter ReadOnly(const char *name, const char *description) {
+constexpr Parameter ReadOnly(const char *name, const char *description, const ParameterRange &range) {
   const auto get = [](const Filter &filter, uint32_t, void *data) {
     PutValue(data, static_cast<Value>((static_cast<const ClassOf<kGet> &>(filter).*kGet)()));
   };
-  return {name, description, sizeof(Value), get, nullptr};
+  return {name, description, range, sizeof(Value), get, nullptr};
 }
 
 template <typename Value, auto kGet, auto kSet>
-constexpr Parameter Settable(const char *name, const char *description) {
-  Parameter parameter = ReadOnly<Value, kGet>(name, description);
+constexpr Parameter Settable(const char *name, const char *description, const ParameterRange &range) {
+  Parameter parameter = ReadOnly<Value, kGet>(name, description, range);
   parameter.set = [](Filter &filter, uint32_t, const void *data) {
     Value value{};
     std::memcpy(&value, data, sizeof(value));
@@ -45,7 +45,7 @@ constexpr Parameter Settable(const char *name, const char *description) {
 template <auto kValue>
 constexpr Parameter Fixed(const char *name, const char *description) {
   const auto get = [](const Filter &, uint32_t, void *data) { PutValue(data, kValue); };
-  return {name, description, sizeof(decltype(kValue)), get, nullptr};
+  return {name, description, {"", kValue, kValue, 0}, sizeof(decltype(kValue)), get, nullptr};
 }
 
 }  // namespace kest::player

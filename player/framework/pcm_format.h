@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// The PCM format shared by all ports of a run, and where its channels lie in the channel groups.
+// The PCM format of a port, and where its channels lie in the channel groups. All ports of a run have samples
+// of the same width.
 #pragma once
 
 #include <array>
@@ -25,6 +26,11 @@ struct PcmFormat {
   // Numbers of the first and the last channel, counted over all groups.
   [[nodiscard]] uint32_t FirstChannel() const;
   [[nodiscard]] uint32_t LastChannel() const { return FirstChannel() + channels - 1; }
+
+  bool operator==(const PcmFormat &other) const {
+    return channels == other.channels && sampleRate == other.sampleRate &&
+           bitsPerSample == other.bitsPerSample;
+  }
 
   [[nodiscard]] ZE_KEST_PcmInfo_s Info() const;
   [[nodiscard]] PcmGroups Groups() const;

@@ -7,9 +7,9 @@
 
 #include "ze_kest/utility.h"
 
+#include "player/base/relaxed.h"
 #include "player/framework/cycle_trace.h"
 #include "player/framework/registration.h"
-#include "player/framework/relaxed.h"
 
 namespace kest::player {
 namespace {
@@ -18,8 +18,7 @@ enum PipelineState : uint32_t { kStop = 2, kPrepare = 3, kRun = 4, kDrain = 6 };
 
 }  // namespace
 
-Pipeline::Pipeline(const char *name, const PcmFormat &format, PipelineLink::Patience inputPatience)
-    : format_(format), inputPatience_(inputPatience) {
+Pipeline::Pipeline(const char *name, PipelineLink::Patience inputPatience) : inputPatience_(inputPatience) {
   ze_kest_Utility_Strncpy(record_.szName, name, sizeof(record_.szName) - 1);
   record_.u8AutoConsume = 1;
   SetState(kPrepare);
@@ -33,29 +32,29 @@ Pipeline::~Pipeline() {
 void Pipeline::Append(std::unique_ptr<Filter> filter) {
   filter->SetParent(record_);
   if (!filters_.empty()) {
-    PortStorage &port = AddPort(filter->InputCapacity());
+    PortStorage &port = AddPort(OutputFormat(), filter->InputCapacity());
     filters_.back()->ConnectOutput(port);
     filter->ConnectInput(port);
   }
   filters_.push_back(std::move(filter));
 }
 
-void Pipeline::FeedFrom(PipelineLink &link) {
-  PortStorage &port = AddPort(filters_.front()->InputCapacity());
+void Pipeline::FeedFrom(const PcmFormat &format, PipelineLink &link) {
+  PortStorage &port = AddPort(format, filters_.front()->InputCapacity());
   filters_.front()->ConnectInput(port);
   inputs_.push_back({&link, &port});
 }
 
 void Pipeline::FeedInto(Pipeline &fed, PipelineLink &link) {
-  PortStorage &port = AddPort(PortCapacity::ForFrames(kCycleFrames));
+  PortStorage &port = AddPort(OutputFormat(), PortCapacity::ForFrames(kCycleFrames));
   filters_.back()->ConnectOutput(port);
   outputs_.push_back({&link, &port});
   fedPipelines_.emplace_back(fed.record_.szName);
-  fed.FeedFrom(link);
+  fed.FeedFrom(OutputFormat(), link);
 }
 
-PortStorage &Pipeline::AddPort(PortCapacity capacity) {
-  ports_.push_back(std::make_unique<PortStorage>(format_, capacity));
+PortStorage &Pipeline::AddPort(const PcmFormat &format, PortCapacity capacity) {
+  ports_.push_back(std::make_unique<PortStorage>(format, capacity));
   return *ports_.back();
 }
 
@@ -126,7 +125,7 @@ bool Pipeline::Collect(LinkedPort &input, PipelineLink::Patience patience) {
   if (!input.ended) {
     auto supply = input.link->Pull(*input.port, kCycleFrames, patience);
     if (supply == PipelineLink::Supply::kLate) {
-      input.port->CountXrun();
+      filters_.front()->CountInputXrun(static_cast<uint32_t>(&input - inputs_.data()));
       supply = input.link->Pull(*input.port, kCycleFrames, std::nullopt);
     }
     if (supply == PipelineLink::Supply::kAbandoned) return false;
@@ -141,6 +140,7 @@ bool Pipeline::RunFilters() {
   bool upstreamEnded =
       std::all_of(inputs_.begin(), inputs_.end(), [](const LinkedPort &input) { return input.ended; });
   const MeasuredWork measured(record_.szName, nullptr, measure_);
+  status_.CycleBegins(record_);
   const CycleTrace trace(record_.szName);
   for (const auto &filter : filters_) {
     trace.FilterStarts(filter->Record().szName);
@@ -149,6 +149,7 @@ bool Pipeline::RunFilters() {
     upstreamEnded = filter->Ended();
   }
   trace.PipelineEnds();
+  status_.CycleEnds(record_);
   if (filters_.front()->Ended()) SetState(kDrain);
   return upstreamEnded;
 }

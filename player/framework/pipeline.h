@@ -11,20 +11,23 @@
 
 #include "player/framework/filter.h"
 #include "player/framework/pipeline_link.h"
+#include "player/requests/process_status.h"
 
 namespace kest::player {
 
 class Pipeline {
  public:
   // inputPatience: how long an input may keep a running cycle waiting before it counts as an underrun.
-  Pipeline(const char *name, const PcmFormat &format, PipelineLink::Patience inputPatience);
+  Pipeline(const char *name, PipelineLink::Patience inputPatience);
   ~Pipeline();
   Pipeline(const Pipeline &) = delete;
   Pipeline &operator=(const Pipeline &) = delete;
 
-  // Set up the chain before Start. FeedInto connects the last filter to the first one of the other pipeline.
+  // Set up the chain before Start. FeedInto connects the last filter to the first one of the other pipeline;
+  // the link has the format of this one's output.
   void Append(std::unique_ptr<Filter> filter);
   void FeedInto(Pipeline &fed, PipelineLink &link);
+  [[nodiscard]] const PcmFormat &OutputFormat() const { return filters_.back()->OutputFormat(); }
   [[nodiscard]] const Filter &LastFilter() const { return *filters_.back(); }
   [[nodiscard]] const std::vector<std::unique_ptr<Filter>> &Filters() const { return filters_; }
 
@@ -43,8 +46,8 @@ class Pipeline {
     bool ended = false;
   };
 
-  PortStorage &AddPort(PortCapacity capacity);
-  void FeedFrom(PipelineLink &link);
+  PortStorage &AddPort(const PcmFormat &format, PortCapacity capacity);
+  void FeedFrom(const PcmFormat &format, PipelineLink &link);
   void Run();
   void RunRegistered();
   void RunCycles();
@@ -57,7 +60,7 @@ class Pipeline {
 
   ZE_KEST_Pipeline_s record_{};
   PerformanceMeasure measure_;
-  PcmFormat format_;
+  PipelineStatus status_;
   PipelineLink::Patience inputPatience_;
   std::vector<std::unique_ptr<PortStorage>> ports_;
   std::vector<std::unique_ptr<Filter>> filters_;

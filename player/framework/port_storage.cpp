@@ -5,8 +5,8 @@
 
 #include "ze_kest/utility.h"
 
+#include "player/base/relaxed.h"
 #include "player/framework/metadata_block.h"
-#include "player/framework/relaxed.h"
 
 namespace kest::player {
 namespace {

@@ -6,8 +6,8 @@
 
 #include "ze_kest/debug.h"
 
+#include "player/base/relaxed.h"
 #include "player/base/text_list.h"
-#include "player/framework/relaxed.h"
 #include "player/modules/module_error.h"
 #include "player/modules/parameter_value.h"
 
@@ -21,10 +21,8 @@ bool IsReadOnly(const ZE_KEST_ModuleParameter_s &parameter) {
   return (parameter.u32Flags & ZE_KEST_MODULE_READ_ONLY) != 0;
 }
 
-std::string Describe(const ZE_KEST_ModuleParameter_s &parameter) {
-  std::string text = parameter.pszDescription;
-  if (*parameter.pszUnit != '\0') text += std::string(", ") + parameter.pszUnit;
-  return IsReadOnly(parameter) ? text : text + ", " + RangeText(parameter);
+ParameterRange RangeOf(const ZE_KEST_ModuleParameter_s &parameter) {
+  return {parameter.pszUnit, parameter.s32Least, parameter.s32Most, parameter.u32Decimals};
 }
 
 }  // namespace
@@ -51,12 +49,15 @@ void ModuleFilter::DescribeParameters() {
     static_cast<ModuleFilter &>(filter).instance_.Set(index, number);
   };
   const auto &parameters = instance_.Parameters();
-  descriptions_.reserve(parameters.size());
   rows_.reserve(parameters.size());
   for (const ZE_KEST_ModuleParameter_s &parameter : parameters) {
-    const char *description = descriptions_.emplace_back(Describe(parameter)).c_str();
-    Parameter row{
-        parameter.pszName, description, sizeof(int32_t), get, set, static_cast<uint32_t>(rows_.size())};
+    Parameter row{parameter.pszName,
+                  parameter.pszDescription,
+                  RangeOf(parameter),
+                  sizeof(int32_t),
+                  get,
+                  set,
+                  static_cast<uint32_t>(rows_.size())};
     if (IsReadOnly(parameter)) row.set = nullptr;
     rows_.push_back(row);
   }

@@ -33,7 +33,6 @@ class ModuleFilter : public Filter {
 
   std::string config_;
   ModuleInstance instance_;
-  std::vector<std::string> descriptions_;
   std::vector<Parameter> rows_;
   uint32_t pending_ = 0;  // samples that it still holds after the end
   uint32_t idleTurns_ = 0;

@@ -10,6 +10,8 @@
 
 #include "ze_kest/debug.h"
 
+#include "player/framework/parameter_text.h"
+
 namespace kest::player {
 namespace {
 
@@ -18,7 +20,7 @@ using SupportedParameter = ZE_KEST_SupportedParameter_s;
 SupportedParameter Describe(const char *owner, const Parameter &parameter) {
   SupportedParameter supported{};
   std::snprintf(supported.szName, sizeof(supported.szName), "%s", parameter.name);
-  const std::string description = std::string(owner) + ": " + parameter.description;
+  const std::string description = std::string(owner) + ": " + DescriptionOf(parameter);
   std::snprintf(supported.szDescription, sizeof(supported.szDescription), "%s", description.c_str());
   supported.sztSize = parameter.size;
   return supported;

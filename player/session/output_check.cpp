@@ -8,6 +8,7 @@
 
 #include <sys/stat.h>
 
+#include "player/audio/sound_card.h"
 #include "player/base/player_error.h"
 
 namespace kest::player {
@@ -47,6 +48,7 @@ bool IsOfDebugLayer(const std::string &output) {
 
 void CheckOutput(const std::string &output, const std::vector<AudioReader> &inputs,
                  const std::optional<std::string> &config) {
+  if (SoundCardIn(output)) return;
   const auto refuseAs = [&](const char *what) {
     throw PlayerError("the output " + output + " is " + what + "; choose another output");
   };

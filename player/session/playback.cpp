@@ -2,7 +2,6 @@
 #include "player/session/playback.h"
 
 #include <algorithm>
-#include <cmath>
 #include <cstdio>
 
 #include "player/base/player_error.h"
@@ -25,20 +24,16 @@ std::vector<AudioReader> OpenInputs(const Layout &layout) {
   return readers;
 }
 
-std::string LayoutText(const AudioReader &reader) {
-  return reader.Path() + " (" + std::to_string(reader.Channels()) + " channels, " +
-         std::to_string(reader.SampleRate()) + " Hz)";
+std::string FormatText(const std::string &path, uint32_t channels, uint32_t sampleRate) {
+  return path + " (" + std::to_string(channels) + " channels, " + std::to_string(sampleRate) + " Hz)";
 }
 
 void CheckInputs(const std::vector<AudioReader> &readers, bool loop) {
   for (const AudioReader &reader : readers) {
     if (reader.Channels() > kMaxChannels) {
-      throw PlayerError("unsupported layout: " + LayoutText(reader) + "; at most " +
-                        std::to_string(kMaxChannels) + " channels can be played");
-    }
-    if (reader.Channels() != readers[0].Channels() || reader.SampleRate() != readers[0].SampleRate()) {
-      throw PlayerError("inputs differ: " + LayoutText(readers[0]) + " and " + LayoutText(reader) +
-                        "; convert one of them first");
+      throw PlayerError(
+          "unsupported layout: " + FormatText(reader.Path(), reader.Channels(), reader.SampleRate()) +
+          "; at most " + std::to_string(kMaxChannels) + " channels can be played");
     }
     if (loop && !reader.CanRewind()) {
       throw PlayerError("cannot loop over " + reader.Path() + ": it cannot be read from its start again");
@@ -47,16 +42,24 @@ void CheckInputs(const std::vector<AudioReader> &readers, bool loop) {
 }
 
 // 16 bits when that holds every input exactly and --wide is not given.
-PcmFormat CommonFormat(const std::vector<AudioReader> &readers, bool wide) {
+uint32_t BitsOfPorts(const std::vector<AudioReader> &readers, bool wide) {
   const bool all16 = !wide && std::all_of(readers.begin(), readers.end(), [](const AudioReader &reader) {
     return reader.Bits() == SampleBits::k16;
   });
-  return {readers[0].Channels(), readers[0].SampleRate(), all16 ? 16u : 32u};
+  return all16 ? 16 : 32;
 }
 
-uint64_t FrameLimit(const Options &options, uint32_t sampleRate) {
-  if (!options.seconds) return FilterMaterial::kNoLimit;
-  return static_cast<uint64_t>(std::round(*options.seconds * sampleRate));
+// Each input as its filters leave it.
+void CheckAgreement(const Layout &layout, const std::vector<PcmFormat> &formats) {
+  const auto textOf = [&](size_t input) {
+    return FormatText(layout.inputs[input].filters.front().FileName(Lpcm::kFileSetting),
+                      formats[input].channels, formats[input].sampleRate);
+  };
+  for (size_t input = 1; input < formats.size(); ++input) {
+    if (formats[input] == formats[0]) continue;
+    throw PlayerError("inputs differ: " + textOf(0) + " and " + textOf(input) +
+                      "; convert one of them with Src or DownMix");
+  }
 }
 
 }  // namespace
@@ -66,24 +69,42 @@ Playback::Playback(const Layout &layout, const Options &options)
   std::vector<AudioReader> readers = OpenInputs(layout);
   CheckInputs(readers, options.loop);
   CheckOutput(outputPath_, readers, options.config);
-  format_ = CommonFormat(readers, options.wide);
-  // In real time an input may take as long as a cycle lasts.
-  if (!options.fast)
-    inputPatience_ = std::chrono::microseconds(kCycleFrames * 1000000ull / format_.sampleRate);
+  const FilterMaterial material = {{},           nullptr,       readers[0].Bits(), 0,
+                                   options.loop, !options.fast, options.seconds};
+  BuildInputs(layout, readers, material, BitsOfPorts(readers, options.wide));
+  BuildOutput(layout, material);
+}
 
-  const uint64_t limit = FrameLimit(options, format_.sampleRate);
-  Pipeline &output = Build(layout.output, {format_, readers[0], 0, options.loop, !options.fast, limit});
-  output_ = &static_cast<const SpeakerOutput &>(output.LastFilter());
-  // In real time what comes is used at once; with --fast a pipeline sleeps until it has work for a while.
-  const uint32_t linkFrames = options.fast ? kFastLinkFrames : kLinkFrames;
-  const uint32_t wakeFrames = options.fast ? kFastLinkFrames / 2 : 1;
-  for (uint32_t i = 0; i < readers.size(); ++i) {
-    Pipeline &input =
-        Build(layout.inputs[i], {format_, readers[i], i + 1, options.loop, !options.fast, limit});
-    links_.push_back(
-        std::make_unique<PipelineLink>(format_, PortCapacity::ForFrames(linkFrames), wakeFrames));
-    input.FeedInto(output, *links_.back());
+void Playback::BuildInputs(const Layout &layout, std::vector<AudioReader> &readers, FilterMaterial material,
+                           uint32_t bitsOfPorts) {
+  std::vector<PcmFormat> formats;
+  for (AudioReader &reader : readers) {
+    material.format = {reader.Channels(), reader.SampleRate(), bitsOfPorts};
+    material.reader = &reader;
+    const PipelineLayout &input = layout.inputs[material.source++];
+    pipelines_.push_back(Build(input, material, std::nullopt));
+    formats.push_back(pipelines_.back()->OutputFormat());
   }
+  CheckAgreement(layout, formats);
+}
+
+void Playback::BuildOutput(const Layout &layout, FilterMaterial material) {
+  material.format = pipelines_.front()->OutputFormat();
+  // In real time an input may take as long as a cycle lasts.
+  PipelineLink::Patience patience;
+  if (material.realTime)
+    patience = std::chrono::microseconds(kCycleFrames * 1000000ull / material.format.sampleRate);
+  auto output = Build(layout.output, material, patience);
+  output_ = &static_cast<const SpeakerOutput &>(output->LastFilter());
+  // In real time what comes is used at once; with --fast a pipeline sleeps until it has work for a while.
+  const uint32_t linkFrames = material.realTime ? kLinkFrames : kFastLinkFrames;
+  const uint32_t wakeFrames = material.realTime ? 1 : kFastLinkFrames / 2;
+  for (const auto &input : pipelines_) {
+    links_.push_back(
+        std::make_unique<PipelineLink>(material.format, PortCapacity::ForFrames(linkFrames), wakeFrames));
+    input->FeedInto(*output, *links_.back());
+  }
+  pipelines_.insert(pipelines_.begin(), std::move(output));
 }
 
 // No pipeline may wait for one that is already destroyed.
@@ -91,12 +112,14 @@ Playback::~Playback() {
   RequestStop();
 }
 
-Pipeline &Playback::Build(const PipelineLayout &layout, const FilterMaterial &material) {
-  pipelines_.push_back(std::make_unique<Pipeline>(layout.name.c_str(), format_, inputPatience_));
+std::unique_ptr<Pipeline> Playback::Build(const PipelineLayout &layout, FilterMaterial material,
+                                          PipelineLink::Patience inputPatience) {
+  auto pipeline = std::make_unique<Pipeline>(layout.name.c_str(), inputPatience);
   for (const FilterLayout &filter : layout.filters) {
-    pipelines_.back()->Append(filter.kind->make(filter, material));
+    pipeline->Append(filter.kind->make(filter, material));
+    material.format = pipeline->OutputFormat();
   }
-  return *pipelines_.back();
+  return pipeline;
 }
 
 std::vector<const Filter *> Playback::Filters() const {
@@ -139,7 +162,7 @@ void Playback::Finish() {
 }
 
 double Playback::SecondsPlayed() const {
-  return static_cast<double>(output_->FramesPlayed()) / format_.sampleRate;
+  return output_->SecondsPlayed();
 }
 
 std::string Playback::Summary() const {

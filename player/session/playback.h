@@ -39,10 +39,13 @@ class Playback {
   [[nodiscard]] std::string Summary() const;
 
  private:
-  Pipeline &Build(const PipelineLayout &layout, const FilterMaterial &material);
+  static std::unique_ptr<Pipeline> Build(const PipelineLayout &layout, FilterMaterial material,
+                                         PipelineLink::Patience inputPatience);
+  // The inputs come first: what they give is what the output takes.
+  void BuildInputs(const Layout &layout, std::vector<AudioReader> &readers, FilterMaterial material,
+                   uint32_t bitsOfPorts);
+  void BuildOutput(const Layout &layout, FilterMaterial material);
 
-  PcmFormat format_;
-  PipelineLink::Patience inputPatience_;
   std::string outputPath_;
   std::vector<std::unique_ptr<PipelineLink>> links_;
   std::vector<std::unique_ptr<Pipeline>> pipelines_;  // the output first, then the inputs

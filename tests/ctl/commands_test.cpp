@@ -49,6 +49,23 @@ TEST_F(Commands, SetChangesAParameterNamedInShort) {
   EXPECT_EQ(-6, ValuesOf("Dec/Vol")["Gain"]);
 }
 
+TEST_F(Commands, GetReadsTheParametersBack) {
+  StartPlayer();
+  Ctl("set Dec/Vol Gain -6");
+  const auto gain = CtlJson("get Dec/Vol")["data"]["parameters"][0];
+  EXPECT_EQ(nlohmann::json({{"pipeline", "Decoder_13"},
+                            {"filter", "Volume"},
+                            {"name", "Gain"},
+                            {"value", -6},
+                            {"unit", "dB"},
+                            {"least", -144},
+                            {"most", 53}}),
+            gain);
+  EXPECT_THAT(Ctl("get").out, AllOf(ContainsRegex("Lpcm +OkFrmCnt +[0-9]+ +read only\n"),
+                                    ContainsRegex("Delay +DelayTime +0 +ms +0 to 1000\n")));
+  EXPECT_EQ("no filter reads its parameters back\n", Ctl("get SpeakerOutput/Mixer").out);
+}
+
 TEST_F(Commands, SetExplainsWhatItRefusesAndWhatTheProcessRefuses) {
   StartPlayer();
   const struct {

@@ -39,7 +39,7 @@ class Schema : public CtlTest {
 TEST_F(Schema, HoldsForEveryCommandOnAPlayingPlayer) {
   StartPlayer();
   for (const char *arguments : {"ps", "doctor", "ls", "ls ports", "ls parameters", "status", "status Dec/Vol",
-                                "level", "level info", "set Dec/Vol Gain -6", "cmd Dec/Vol state",
+                                "get", "level", "level info", "set Dec/Vol Gain -6", "cmd Dec/Vol state",
                                 "send help", "log -n 200", "help set", "completion bash"}) {
     Keep(arguments, 0);
   }

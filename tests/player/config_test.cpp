@@ -124,7 +124,8 @@ TEST_F(Config, AFaultIsSaidWithItsPlaceAndWhatIsAllowed) {
       {R"({"A": 5})", "x: A is 5; an object is needed"},
       {R"({"A": {"Volume": "loud"}})", "x: A: Volume is \"loud\"; an object is needed"},
       {R"({"A": {"Echo": {}}})",
-       "x: A: Echo: unknown filter; known: Lpcm, Volume, Delay, Mixer, SpeakerOutput, and those of a "
+       "x: A: Echo: unknown filter; known: Lpcm, Volume, Delay, Src, DownMix, Mixer, SpeakerOutput, and "
+       "those of a "
        "\"module\""},
       {R"({"A": {"Volume": {"gain": 1}}})", "x: A: Volume: gain: unknown setting; known: gain_db"},
       {R"({"A": {"Mixer": {"file": "a"}}})", "x: A: Mixer: file: unknown setting; known: none"},
@@ -150,11 +151,20 @@ TEST_F(Config, AFaultIsSaidWithItsPlaceAndWhatIsAllowed) {
       {R"({"A": {"Lpcm": {"file": "a\u0062"}}})",
        "x: A: Lpcm: file: \"a\\u0062\" has an escape other than \\\" \\\\ \\/; write the character itself"},
       {R"({"A": {"Volume": {}, )" + input + "}}",
-       "x: A: has Volume, Lpcm; an input is Lpcm, then any of Volume, Delay and modules, in any order"},
+       "x: A: has Volume, Lpcm; an input is Lpcm, then any of Volume, Delay, Src, DownMix and modules, in "
+       "any order"},
+      {R"({"A": {"Src": {}}})",
+       "x: A: Src: \"rate_hz\" is missing; a whole number from 4000 to 768000 is needed"},
+      {R"({"A": {"DownMix": {"matrix": 1}}})",
+       "x: A: DownMix: matrix is 1; a row of numbers for each output channel, a number for each input "
+       "channel, "
+       "such as \"1 0 0.5; 0 1 0.5\", in quotes, is needed"},
       {R"({"A": {}})",
-       "x: A: has no filters; an input is Lpcm, then any of Volume, Delay and modules, in any order"},
+       "x: A: has no filters; an input is Lpcm, then any of Volume, Delay, Src, DownMix and modules, in any "
+       "order"},
       {R"({"SpeakerOutput": {"Mixer": {}}})",
-       "x: SpeakerOutput: has Mixer; the output is Mixer, then any of Volume, Delay and modules, in any "
+       "x: SpeakerOutput: has Mixer; the output is Mixer, then any of Volume, Delay, Src, DownMix and "
+       "modules, in any "
        "order, then "
        "SpeakerOutput"},
       {"{\"A\": {" + input + "}}", "x: the pipeline \"SpeakerOutput\" is missing"},
@@ -178,8 +188,8 @@ TEST_F(Config, ARunThatCannotBeginLeavesTheOutputAlone) {
   EXPECT_EQ(1, missing.exitCode);
   EXPECT_THAT(missing.err, HasSubstr("kest-player: cannot read " + Path("in.wav")));
 
-  const Texts conflicts[] = {
-      {"in.wav"}, {"-o", out_}, {"--gain-db", "0"}, {"--delay-ms", "0"}, {"--module", "x.so"}};
+  const Texts conflicts[] = {{"in.wav"},         {"-o", out_},   {"--gain-db", "0"},  {"--delay-ms", "0"},
+                             {"--rate", "8000"}, {"--mix", "1"}, {"--module", "x.so"}};
   for (Texts arguments : conflicts) {
     arguments.insert(arguments.end(), {"--config", path_});
     const PlayerResult result = PlayFast(arguments);

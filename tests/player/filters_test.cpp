@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // What filters do when they are changed while they run, and when their output is full.
 #include <chrono>
+#include <cstring>
 #include <thread>
 
 #include "ze_kest/result.h"
@@ -11,6 +12,7 @@
 #include "player/filters/playback_clock.h"
 #include "player/filters/volume.h"
 #include "player/framework/filter_entries.h"
+#include "player/framework/parameter_text.h"
 #include "tests/player/player_test.h"
 #include "tests/player/port_access.h"
 
@@ -187,6 +189,25 @@ TEST(FilterEntries, ReadAndWriteWhatTheFilterWorksWith) {
   EXPECT_EQ(ZE_KEST_OK, Set(delay, "DelayTime", uint32_t{20}));
   EXPECT_EQ(20u, delay.DelayMs());
   EXPECT_EQ(20u, Get<uint32_t>(delay, "DelayTime"));
+}
+
+// A filter with a parameter of its own: tenths of a millisecond, signed, in two bytes.
+TEST(ParameterText, ShowsTheValueWithItsUnitAndRange) {
+  static int16_t value;
+  const Parameter row = {"Skew",
+                         "between channels",
+                         {"ms", -32768, 32767, 1},
+                         sizeof(value),
+                         [](const Filter &, void *data) { memcpy(data, &value, sizeof(value)); },
+                         [](Filter &, const void *) {}};
+  const Volume volume(kMono);
+  const std::tuple<int, const char *> values[] = {
+      {0, "0.0"}, {-5, "-0.5"}, {10, "1.0"}, {-32768, "-3276.8"}, {32767, "3276.7"}};
+  for (const auto &[number, text] : values) {
+    value = static_cast<int16_t>(number);
+    EXPECT_EQ("Skew = " + std::string(text) + " ms (-3276.8 to 3276.7)", ParameterText(volume, row));
+  }
+  EXPECT_EQ("between channels, ms, -3276.8 to 3276.7", DescriptionOf(row));
 }
 
 TEST(FilterEntries, RefuseWhatTheFilterDoesNotHaveAndChangeNothing) {

@@ -148,7 +148,10 @@ TEST_F(Instrumented, EveryInstrumentMayComeAndGoWhileThePipelinesRun) {
       "kest_debug_filter_io=restart;kest_debug_filter_io=release;kest_filter_debug_level=V,all;"
       "kest_perf_event_target=pipeline,SpeakerOutput;kest_perf_event_target=none;kest_debug_list=print;"
       "kest_debug_list=status;kest_debug_set_parameter=Decoder_13,Volume,Gain,-1,4;"
-      "kest_debug_watch_current_tids=off;kest_debug_watch_current_tids=on",
+      "kest_process_status=pipeline,SpeakerOutput;kest_send_test_tone=SpeakerOutput,Mixer:0;"
+      "kest_calpcmlev=,,20;kest_calpcmlev=Decoder_13,Volume,50;kest_calculate_data_rate=,Volume:0,0;"
+      "kest_filter_debug_level=Lpcm,trace;kest_debug_send_cmd=2,get;kest_debug_watch_current_tids=off;kest_"
+      "debug_watch_current_tids=on",
       ';');
   Playback playback(player::MakeLayout(options, player::BuiltInKinds()), options);
   playback.Start();

@@ -86,7 +86,7 @@ using LateInput = test::PlayerTest;
 TEST_F(LateInput, IsCountedInRealTimeOnlyAndTheMixIsRight) {
   FilterKind slowLpcm = Lpcm::kKind;
   slowLpcm.make = [](const FilterLayout &, const FilterMaterial &material) -> std::unique_ptr<Filter> {
-    return std::make_unique<SlowLpcm>(material.format, std::move(material.reader), material.source, false);
+    return std::make_unique<SlowLpcm>(material.format, std::move(*material.reader), material.source, false);
   };
   FilterKind watchedMixer = Mixer::kKind;
   watchedMixer.make = [](const FilterLayout &, const FilterMaterial &material) -> std::unique_ptr<Filter> {

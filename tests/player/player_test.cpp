@@ -2,6 +2,7 @@
 #include "tests/player/player_test.h"
 
 #include <algorithm>
+#include <csignal>
 
 namespace kest::test {
 
@@ -55,6 +56,32 @@ player::Options PlayerTest::Fast(const Texts &inputs) const {
   options.output = out_;
   options.fast = true;
   return options;
+}
+
+void RunningPlayerTest::Start(Texts arguments) {
+  arguments.insert(arguments.end(), {"-o", out_});
+  player_.emplace(arguments);
+  ASSERT_TRUE(PlayOn(*player_, kPlentyOfBytes)) << player_->Wait().err;
+}
+
+void RunningPlayerTest::End() {
+  player_->Signal(SIGINT);
+  const PlayerResult result = player_->Wait();
+  EXPECT_EQ(0, result.exitCode) << result.err;
+  EXPECT_EQ("", result.err);
+}
+
+std::string RunningPlayerTest::AskUntil(const testing::Matcher<std::string> &answer,
+                                        const std::string &command) {
+  const size_t before = ReadFile(kLogFile).size();
+  std::string added;
+  WriteToPipe(command + "\n");
+  WaitWhilePlaying(*player_, [&] {
+    added = ReadFile(kLogFile).erase(0, before);
+    return answer.Matches(added);
+  });
+  EXPECT_THAT(added, answer);
+  return added;
 }
 
 std::string Ask(const std::string &command) {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <filesystem>
+#include <optional>
 
 #include "player/config/options.h"
 #include "tests/player/audio_data.h"
@@ -33,6 +34,20 @@ class PlayerTest : public testing::Test {
   [[nodiscard]] player::Options Fast(const std::vector<std::string> &inputs) const;
 
   const std::string out_ = Path("out.wav");
+};
+
+// A player, asked while it plays and ended as its user does.
+class RunningPlayerTest : public PlayerTest {
+ protected:
+  // Far more than what the pipelines hold of 16-bit stereo.
+  static constexpr uint64_t kPlentyOfBytes = 100000;
+
+  void Start(Texts arguments);
+  void End();
+  // Types a command, waits until what the log adds is the answer, and gives that.
+  std::string AskUntil(const testing::Matcher<std::string> &answer, const std::string &command);
+
+  std::optional<PlayerProcess> player_;
 };
 
 }  // namespace kest::test

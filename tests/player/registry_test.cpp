@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // A playing player seen through the registry's commands, and changed by them.
 #include <cmath>
-#include <csignal>
-#include <optional>
 
 #include <unistd.h>
 
@@ -11,26 +9,7 @@
 namespace kest::test {
 namespace {
 
-// Far more than what the pipelines hold of 16-bit stereo.
-constexpr uint64_t kPlentyOfBytes = 100000;
-
-// A player, asked while it plays and ended as its user does.
-class PlayerRegistry : public PlayerTest {
- protected:
-  void Start(Texts arguments) {
-    arguments.insert(arguments.end(), {"-o", out_});
-    player_.emplace(arguments);
-    ASSERT_TRUE(PlayOn(*player_, kPlentyOfBytes)) << player_->Wait().err;
-  }
-  void End() {
-    player_->Signal(SIGINT);
-    const PlayerResult result = player_->Wait();
-    EXPECT_EQ(0, result.exitCode) << result.err;
-    EXPECT_EQ("", result.err);
-  }
-
-  std::optional<PlayerProcess> player_;
-};
+using PlayerRegistry = RunningPlayerTest;
 
 // The thread of a process that bears the name, as the lists print it.
 std::string ThreadNamed(pid_t pid, const std::string &name) {
@@ -143,6 +122,12 @@ TEST_F(PlayerRegistry, CommandsReachOneFilterAndRefusalsAreReported) {
   EXPECT_THAT(state, ContainsRegex("\nSpeakerOutput Mixer in 0: [0-9]+/1024 frames, [0-9]+/192 bytes of"));
   EXPECT_THAT(state, ContainsRegex("\nSpeakerOutput Mixer out 0: [0-9]+/1024 frames"));
   EXPECT_THAT(state, AllOf(Not(HasSubstr("Delay")), Not(HasSubstr(kRefused))));
+  EXPECT_THAT(
+      Ask("kest_debug_send_cmd=6,get"),
+      EndsWith("\nDecoder_13 Volume Gain = 0 dB (-144 to 53)\nDecoder_13 Volume Mute = 0 (0 to 1)\n"));
+  EXPECT_THAT(Ask("kest_debug_send_cmd=5,state"),
+              AllOf(ContainsRegex("\nDecoder_13 Lpcm out 0: [0-9]+/1024 frames"),
+                    ContainsRegex("\nDecoder_13 Lpcm OkFrmCnt = [1-9][0-9]* \\(read only\\)\n")));
 
   EXPECT_THAT(Ask("kest_debug_send_cmd=0,state"), HasSubstr(kRefused)) << "a pipeline takes no commands";
   EXPECT_THAT(Ask("kest_debug_send_cmd_by_text=Decoder_13,Volume,louder"), HasSubstr(kRefused));
