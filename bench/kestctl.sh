@@ -22,11 +22,11 @@ audio_threads=$("$bin/kestctl" --json ls | grep -oE '"tid":[0-9]+' | cut -d: -f2
 
 # Nanoseconds on a core so far: of the audio threads, and of all.
 cpu_ns() {
-  local audio=0 all=0 ns tid
-  for tid in $(ls "/proc/$player/task"); do
-    read -r ns _ <"/proc/$player/task/$tid/schedstat"
+  local audio=0 all=0 ns task
+  for task in "/proc/$player/task"/*; do
+    read -r ns _ <"$task/schedstat"
     all=$((all + ns))
-    case " ${audio_threads//$'\n'/ } " in *" $tid "*) audio=$((audio + ns)) ;; esac
+    case " ${audio_threads//$'\n'/ } " in *" ${task##*/} "*) audio=$((audio + ns)) ;; esac
   done
   echo "$audio $all"
 }
@@ -49,7 +49,7 @@ watch() { interruptible "$bin/kestctl" watch; }
 watch_now_and_then() { interruptible "$bin/kestctl" watch --every 1; }
 trace() { interruptible "$bin/kestctl" trace Decoder_13 SpeakerOutput --seconds 60 -o "$work/trace.json"; }
 trace_only() { interruptible "$bin/kestctl" trace Decoder_13 SpeakerOutput --seconds 60 --levels 0 -o "$work/trace.json"; }
-cases="nothing top dump trace trace_only watch watch_now_and_then"
+cases=(nothing top dump trace trace_only watch watch_now_and_then)
 
 # Appends how much CPU time the case took, of the audio threads and of all.
 measure() {
@@ -66,7 +66,7 @@ measure() {
 }
 
 for ((round = 0; round < rounds; ++round)); do
-  for name in $(shuf -e $cases); do
+  for name in $(shuf -e "${cases[@]}"); do
     measure "$name"
     rm -rf "$work/files" /mnt/vendor/tmp/kest/Dump*
   done

@@ -54,8 +54,11 @@ foreach(example IN ITEMS starter starter-cpp ladspa host)
 endforeach()
 
 # The documents for users of what is installed; those that name the source tree stay in it.
-foreach(document IN ITEMS commands.md kestctl.md kestctl.schema.json write-a-filter.md write-a-host.md)
+foreach(document IN ITEMS commands.md kestctl.md kestctl.schema.json)
   install(FILES "${PROJECT_SOURCE_DIR}/docs/${document}" DESTINATION "${kest_tools_docs}" COMPONENT tools)
+endforeach()
+foreach(document IN ITEMS write-a-filter.md write-a-host.md)
+  install(FILES "${PROJECT_SOURCE_DIR}/docs/${document}" DESTINATION "${CMAKE_INSTALL_DATADIR}/doc/libkest-dev")
 endforeach()
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/docs/monitoring" DESTINATION "${kest_tools_docs}" COMPONENT tools)
 install(FILES "${PROJECT_SOURCE_DIR}/LICENSE" DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT plain)

@@ -16,6 +16,7 @@ fuzz_packages=(clang libclang-rt-14-dev)
 bench_packages=(libbenchmark-dev libswresample-dev)
 android_bp_packages=(blueprint-tools mini-soong)
 abi_packages=(abigail-tools)
+docs_packages=(doxygen)
 package_check_packages=(lintian mmdebstrap)
 
 # Prints each argument on a line of its own.

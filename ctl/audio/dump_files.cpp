@@ -36,7 +36,7 @@ bool IsZero(std::string_view bytes) {
 // Which of the kept channels carry something.
 void NoteSound(std::string_view frames, const WavFormat &kept, std::vector<bool> &hasSound) {
   for (unsigned channel = 0; channel < kept.channels; ++channel) {
-    for (size_t at = channel * kept.bytesPerSample; !hasSound[channel] && at < frames.size();
+    for (size_t at = size_t{channel} * kept.bytesPerSample; !hasSound[channel] && at < frames.size();
          at += kept.FrameBytes()) {
       hasSound[channel] = !IsZero(frames.substr(at, kept.bytesPerSample));
     }
@@ -45,7 +45,7 @@ void NoteSound(std::string_view frames, const WavFormat &kept, std::vector<bool>
 
 std::string FirstChannels(std::string_view frames, uint64_t frameBytes, uint64_t keptBytes) {
   std::string kept;
-  kept.reserve(frames.size() / frameBytes * keptBytes);
+  kept.reserve(frames.size());
   for (size_t at = 0; at + frameBytes <= frames.size(); at += frameBytes)
     kept += frames.substr(at, keptBytes);
   return kept;
@@ -63,7 +63,7 @@ WrittenWav WriteWav(Host &host, const DumpedBytes &dumped, const WavFormat &layo
     const std::string frames = FirstChannels(piece, layout.FrameBytes(), kept.FrameBytes());
     NoteSound(frames, kept, hasSound);
     writer.Write(frames);
-    written.frames += frames.size() / kept.FrameBytes();
+    written.frames += frames.size() / std::max<uint64_t>(kept.FrameBytes(), 1);
   });
   writer.Close();
   for (unsigned channel = 0; channel < channels; ++channel) {

@@ -17,7 +17,6 @@ class RemoteHost final : public Host {
   FilePart Read(const std::string &path, uint64_t offset, size_t maxBytes) override;
   std::string ReadProc(const std::string &path) override { return Cat(path); }
   // May take a second to find that nobody reads or that the pipe is full.
-  std::string ReadProc(const std::string &path) override { return Cat(path); }
   WriteResult WriteToPipe(const std::string &path, const std::string &bytes) override;
   // Never known.
   std::optional<size_t> UnreadBytes(const std::string &path) override;

@@ -36,9 +36,9 @@ void RefuseUnnameable(const Pipeline &pipeline) {
 void RefuseAmbiguous(const Listing &listing, const Pipeline &pipeline) {
   for (const Pipeline &other : listing.pipelines) {
     if (&other == &pipeline || !BeginsWith(other.name, pipeline.name)) continue;
-    throw CtlError(ExitCode::kNotFound,
-                   fmt::format("{} cannot be traced alone: its name is the beginning of {}", pipeline.name,
-                               &other == &pipeline ? "another one's" : other.name));
+    throw CtlError(
+        ExitCode::kNotFound,
+        fmt::format("{} cannot be traced alone: its name is the beginning of {}", pipeline.name, other.name));
   }
 }
 

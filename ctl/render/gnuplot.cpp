@@ -10,10 +10,10 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include "ctl/channel/unique_fd.h"
 #include "ctl/error.h"
 #include "ctl/parse/lines.h"
 #include "ctl/render/escape.h"
+#include "programs/unique_fd.h"
 
 namespace kest::ctl {
 namespace {

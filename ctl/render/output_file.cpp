@@ -10,8 +10,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "ctl/channel/unique_fd.h"
 #include "ctl/error.h"
+#include "programs/unique_fd.h"
 
 namespace kest::ctl {
 namespace {

@@ -28,7 +28,7 @@ struct Command {
   const Split *pstSplit;        // NULL: the keyword's handler splits it off, and all behind it is the value
   const char *pszConfirmation;  // printed before the action; NULL for none
   uint32_t (*pfnAction)(const CommandArguments &arguments);  // ZE_KEST_OK: it took the line
-  uint32_t u32Constant;
+  uint32_t u32Constant = 0;                                  // for actions that serve several rows
 };
 
 constexpr const char *kEveryLine = nullptr;

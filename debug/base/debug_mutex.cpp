@@ -25,13 +25,13 @@ LockOwner g_logOwner;
 
 // In the order of their use.
 ForkedMutex g_aForked[] = {
-    {&g_startMutex.stMutex, &g_startMutex.owner, false},
-    {&_stKestDebugMutex, &g_owner, false},
-    {&g_logSwitchMutex.stMutex, &g_logSwitchMutex.owner, false},
-    {&g_baseMutex.stMutex, &g_baseMutex.owner, false},
-    {&g_testThreadsMutex.stMutex, &g_testThreadsMutex.owner, false},
-    {&_stKestDebugShmMutex, &g_shmOwner, false},
-    {&_stKestDebugLogMutex, &g_logOwner, false},
+    {&g_startMutex.stMutex, &g_startMutex.owner},
+    {&_stKestDebugMutex, &g_owner},
+    {&g_logSwitchMutex.stMutex, &g_logSwitchMutex.owner},
+    {&g_baseMutex.stMutex, &g_baseMutex.owner},
+    {&g_testThreadsMutex.stMutex, &g_testThreadsMutex.owner},
+    {&_stKestDebugShmMutex, &g_shmOwner},
+    {&_stKestDebugLogMutex, &g_logOwner},
 };
 
 // InsideLog: a report from here must not enter the library's log, which would lock the log mutex.

@@ -14,7 +14,7 @@ namespace kest {
 struct ForkedMutex {
   pthread_mutex_t *pstMutex;
   LockOwner *pOwner;
-  bool bTaken;  // by the fork in progress; changed with the mutex held
+  bool bTaken = false;  // by the fork in progress; changed with the mutex held
 };
 
 // From now on a fork waits until it holds these mutexes, in this order, and releases them on both sides.

@@ -6,8 +6,8 @@
 
 namespace kest {
 
-FilterSelection _stKestDumpInput = {{}, kDumpInput, 0};
-FilterSelection _stKestDumpOutput = {{}, kDumpOutput, 0};
+FilterSelection _stKestDumpInput = {{}, kDumpInput};
+FilterSelection _stKestDumpOutput = {{}, kDumpOutput};
 
 namespace {
 
@@ -72,13 +72,13 @@ constexpr Command kCommands[] = {
     {"kest_dump_filter_io", kNoValue, nullptr, nullptr, SelectDumpedFilter, kBothSides},
     {"kest_dump_input", "on", nullptr, nullptr, EnableDump, kInputSide},
     {"kest_dump_input", "off", nullptr, nullptr, DisableDump, kInputSide},
-    {"kest_dump_input", kNoValue, nullptr, nullptr, TakeAnyway, 0},
+    {"kest_dump_input", kNoValue, nullptr, nullptr, TakeAnyway},
     {"kest_dump_output", "on", nullptr, nullptr, EnableDump, kOutputSide},
     {"kest_dump_output", "off", nullptr, nullptr, DisableDump, kOutputSide},
-    {"kest_dump_output", kNoValue, nullptr, nullptr, TakeAnyway, 0},
+    {"kest_dump_output", kNoValue, nullptr, nullptr, TakeAnyway},
     {"kest_dump_io", "on", nullptr, nullptr, EnableDump, kBothSides},
     {"kest_dump_io", "off", nullptr, nullptr, DisableDump, kBothSides},
-    {"kest_dump_io", kNoValue, nullptr, nullptr, TakeAnyway, 0},
+    {"kest_dump_io", kNoValue, nullptr, nullptr, TakeAnyway},
 };
 
 }  // namespace

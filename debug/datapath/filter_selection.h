@@ -8,8 +8,8 @@
 namespace kest {
 
 struct FilterSelection : FilterNames {
-  DataPathSwitch eSwitch;  // whether the instrument is on
-  uint32_t u32DumpIndex;   // number of the dump run, part of its file names
+  DataPathSwitch eSwitch;     // whether the instrument is on
+  uint32_t u32DumpIndex = 0;  // number of the dump run, part of its file names
 };
 
 inline bool IsSelected(const FilterSelection &selection, const ZE_KEST_Filter_s &filter) {

@@ -94,14 +94,14 @@ uint32_t SetFilterLevel(const CommandArguments &arguments) {
 }
 
 constexpr Command kCommands[] = {
-    {"kest_output_sinewave_filter", kNoValue, nullptr, nullptr, SelectSineFilter, 0},
-    {"kest_output_sinewave", "on", nullptr, nullptr, EnableSine, 0},
-    {"kest_output_sinewave", "off", nullptr, nullptr, DisableSine, 0},
-    {"kest_output_sinewave", kNoValue, nullptr, nullptr, TakeAnyway, 0},
-    {"kest_print_filter_info", "on", nullptr, nullptr, EnablePortLines, 0},
-    {"kest_print_filter_info", "off", nullptr, nullptr, DisablePortLines, 0},
-    {"kest_print_filter_info", kNoValue, nullptr, nullptr, TakeAnyway, 0},
-    {"kest_filter_debug_level", kNoValue, nullptr, nullptr, SetFilterLevel, 0},
+    {"kest_output_sinewave_filter", kNoValue, nullptr, nullptr, SelectSineFilter},
+    {"kest_output_sinewave", "on", nullptr, nullptr, EnableSine},
+    {"kest_output_sinewave", "off", nullptr, nullptr, DisableSine},
+    {"kest_output_sinewave", kNoValue, nullptr, nullptr, TakeAnyway},
+    {"kest_print_filter_info", "on", nullptr, nullptr, EnablePortLines},
+    {"kest_print_filter_info", "off", nullptr, nullptr, DisablePortLines},
+    {"kest_print_filter_info", kNoValue, nullptr, nullptr, TakeAnyway},
+    {"kest_filter_debug_level", kNoValue, nullptr, nullptr, SetFilterLevel},
 };
 
 }  // namespace

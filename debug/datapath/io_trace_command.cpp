@@ -47,10 +47,10 @@ uint32_t PrintWatchList(const CommandArguments & /*arguments*/) {
 
 // What else a part of the list says is a name.
 constexpr Command kWords[] = {
-    {kKeyword, "stop", &kList, "kest_debug_filter_io=stop\n", StopTrace, 0},
-    {kKeyword, "restart", &kList, "kest_debug_filter_io=restart\n", RestartTrace, 0},
-    {kKeyword, "release", &kList, "kest_debug_filter_io=release\n", ReleaseWatchList, 0},
-    {kKeyword, "print_watch_list", &kList, "print_watch_list\n", PrintWatchList, 0},
+    {kKeyword, "stop", &kList, "kest_debug_filter_io=stop\n", StopTrace},
+    {kKeyword, "restart", &kList, "kest_debug_filter_io=restart\n", RestartTrace},
+    {kKeyword, "release", &kList, "kest_debug_filter_io=release\n", ReleaseWatchList},
+    {kKeyword, "print_watch_list", &kList, "print_watch_list\n", PrintWatchList},
 };
 
 template <size_t kSize>

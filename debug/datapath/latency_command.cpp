@@ -90,10 +90,10 @@ uint32_t StopMeasuring(const CommandArguments & /*arguments*/) {
 constexpr Command kCommands[] = {
     {"kest_latency_start_filter", kNoValue, nullptr, nullptr, SelectEnd, kStart},
     {"kest_latency_end_filter", kNoValue, nullptr, nullptr, SelectEnd, kEnd},
-    {"kest_latency_config", kNoValue, nullptr, nullptr, SelectBothEnds, 0},
-    {"kest_latency", "on", nullptr, nullptr, StartMeasuring, 0},
-    {"kest_latency", "off", nullptr, nullptr, StopMeasuring, 0},
-    {"kest_latency", kNoValue, nullptr, nullptr, TakeAnyway, 0},
+    {"kest_latency_config", kNoValue, nullptr, nullptr, SelectBothEnds},
+    {"kest_latency", "on", nullptr, nullptr, StartMeasuring},
+    {"kest_latency", "off", nullptr, nullptr, StopMeasuring},
+    {"kest_latency", kNoValue, nullptr, nullptr, TakeAnyway},
 };
 
 }  // namespace

@@ -10,7 +10,7 @@
 
 namespace kest {
 
-FilterSelection _stKestSineSelection = {{}, kOutputSineWave, 0};
+FilterSelection _stKestSineSelection = {{}, kOutputSineWave};
 
 namespace {
 

@@ -58,23 +58,23 @@ uint32_t PauseSignalTest(const CommandArguments & /*arguments*/) {
 }
 
 constexpr Command kCurrentTidsCommands[] = {
-    {"kest_debug_watch_current_tids", "on", nullptr, "kest_debug_watch_current_tids=on\n", LogEveryThread, 0},
+    {"kest_debug_watch_current_tids", "on", nullptr, "kest_debug_watch_current_tids=on\n", LogEveryThread},
     {"kest_debug_watch_current_tids", "off", nullptr, "kest_debug_watch_current_tids=off\n",
      SilenceRegisteredThreads, 0},
 };
 
 constexpr Command kTidCommands[] = {
-    {"kest_debug_watch_tid", kNoValue, nullptr, nullptr, WatchThreads, 0},
+    {"kest_debug_watch_tid", kNoValue, nullptr, nullptr, WatchThreads},
     // Deliberate: it confirms under the other keyword.
-    {"kest_debug_watch", "create_test", nullptr, "kest_debug_watch_tid=create_test\n", StartTidTest, 0},
+    {"kest_debug_watch", "create_test", nullptr, "kest_debug_watch_tid=create_test\n", StartTidTest},
 };
 
 constexpr Command kSignalCommands[] = {
     // Deliberate: the reply includes the shell's "echo".
-    {"kest_pthread_signal", "create_test", nullptr, "echo kest_pthread_signal=create_test\n", StartSignalTest,
-     0},
-    {"kest_pthread_signal_test", "run", nullptr, "kest_pthread_signal_test=run\n", RunSignalTest, 0},
-    {"kest_pthread_signal_test", "wait", nullptr, "kest_pthread_signal_test=wait\n", PauseSignalTest, 0},
+    {"kest_pthread_signal", "create_test", nullptr, "echo kest_pthread_signal=create_test\n",
+     StartSignalTest},
+    {"kest_pthread_signal_test", "run", nullptr, "kest_pthread_signal_test=run\n", RunSignalTest},
+    {"kest_pthread_signal_test", "wait", nullptr, "kest_pthread_signal_test=wait\n", PauseSignalTest},
 };
 
 uint32_t RunThreadCommand(const char *pszFunction, const CommandTable &commands, const char *pszLine) {

@@ -168,7 +168,7 @@ static void RunCycles(void) {
     RunTurn(&s_stTone, RunTone);
     RunTurn(&s_stGain, RunGain);
     RunTurn(&s_stMeter, RunMeter);
-    stNext.tv_nsec += CYCLE_SAMPLES * 1000000000L / SAMPLE_RATE;
+    stNext.tv_nsec += (long)(CYCLE_SAMPLES * 1000000000LL / SAMPLE_RATE);
     if (stNext.tv_nsec >= 1000000000L) {
       stNext.tv_nsec -= 1000000000L;
       ++stNext.tv_sec;

@@ -142,7 +142,7 @@ ZE_KEST_API uint32_t ze_kest_Debug_DeInit(void);
 ZE_KEST_API void ze_kest_Debug_Log(unsigned int u32Level, const char *pszFormat, ...) ZE_KEST_PRINTF(2, 3);
 
 /* Writes one message to a file of the caller and flushes it, with no prefix, size limit or lock.
- * pFile: an open stream; if NULL, nothing is written.
+ * pFile: an open stream; if NULL, nothing is written; pszFormat: printf-like.
  * Any thread, not real-time safe. */
 ZE_KEST_API void ze_kest_Utility_LogToFile(FILE *pFile, const char *pszFormat, ...) ZE_KEST_PRINTF(2, 3);
 
@@ -164,11 +164,11 @@ ZE_KEST_API uint32_t ze_kest_Debug_SetParameter(const char *pszParameterPairs);
  * "kest_dump_...", "kest_output_sinewave", "kest_latency"). Deliberate: the sine is written as 16-bit frames
  * into the storage of group 0 of output port 0, and the port's level and write size are taken as bytes for
  * it.
- * Every filter calls it once per cycle on the thread that runs the filter, after accounting for what it read
- * and wrote, and before that data is released and committed. ZE_KEST_INVALID_ARGUMENT: NULL; ZE_KEST_FAILED:
- * the filter has no parent pipeline (both reported); ZE_KEST_OUT_OF_MEMORY: a port-level line could not be
- * printed, and the remaining steps are skipped in this cycle. Files that cannot be written are reported and
- * do not change the result. */
+ * pstFilter: the calling filter. Every filter calls it once per cycle on the thread that runs the filter,
+ * after accounting for what it read and wrote, and before that data is released and committed.
+ * ZE_KEST_INVALID_ARGUMENT: NULL; ZE_KEST_FAILED: the filter has no parent pipeline (both reported);
+ * ZE_KEST_OUT_OF_MEMORY: a port-level line could not be printed, and the remaining steps are skipped in this
+ * cycle. Files that cannot be written are reported and do not change the result. */
 ZE_KEST_API int32_t ze_kest_Debug_Filter(const ZE_KEST_Filter_s *pstFilter);
 
 /* The sides of a latency measurement. */
@@ -179,9 +179,10 @@ enum ZE_KEST_Latency_e {
 
 /* One side of the latency measurement ("kest_latency"). A filter calls this with ZE_KEST_LATENCY_START once
  * per cycle, on the thread that runs it, before it reads its input; ze_kest_Debug_Filter handles the other
- * side. u32Kind: ZE_KEST_Latency_e; any other value does nothing. ZE_KEST_INVALID_ARGUMENT: NULL;
- * ZE_KEST_FAILED: no parent pipeline (both reported, and only for these two kinds). The cycle that inserts
- * the burst takes the registry's lock, so do not call this from a debug callback or a parameter entry. */
+ * side. pstFilter: the calling filter; u32Kind: ZE_KEST_Latency_e; any other value does nothing.
+ * ZE_KEST_INVALID_ARGUMENT: NULL; ZE_KEST_FAILED: no parent pipeline (both reported, and only for these two
+ * kinds). The cycle that inserts the burst takes the registry's lock, so do not call this from a debug
+ * callback or a parameter entry. */
 ZE_KEST_API int32_t ze_kest_Debug_MeasureLatency(const ZE_KEST_Filter_s *pstFilter, uint32_t u32Kind);
 
 /* 1 when a pipeline is being watched and the timing trace is on ("kest_debug_filter_io"), else 0. Tells the
@@ -206,6 +207,7 @@ enum ZE_KEST_IoType_e {
 ZE_KEST_API void ze_kest_Debug_Io(const char *pszPipelineName, const char *pszFilterName, uint32_t u32Type,
                                   uint64_t u64Start, uint64_t u64Now);
 
+/* Samples of the sine's period. */
 #define ZE_KEST_SINE_SAMPLES 48
 
 /* One period of 1 kHz at 48 kHz, left-aligned in 32 bits, about 6 dB below full scale. */
@@ -226,10 +228,10 @@ typedef unsigned int (*ZE_KEST_DebugCallback)(ZE_KEST_Filter_s *pstFilter, signe
 
 /* A parameter supported by the framework's filters. The framework owns the list. */
 typedef struct ZE_KEST_SupportedParameter_s {
-  char szName[ZE_KEST_NAME_SIZE];
-  char szDescription[ZE_KEST_NAME_SIZE];
-  size_t sztSize; /* bytes of its value */
-  uint32_t u32Reserved;
+  char szName[ZE_KEST_NAME_SIZE];               /* its name */
+  char szDescription[ZE_KEST_NAME_SIZE];        /* what it means */
+  size_t sztSize;                               /* bytes of its value */
+  uint32_t u32Reserved;                         /* not used by the library */
   struct ZE_KEST_SupportedParameter_s *pstNext; /* NULL at the end */
 } ZE_KEST_SupportedParameter_s;
 
@@ -245,11 +247,13 @@ ZE_KEST_API uint32_t ze_kest_Debug_RegisterInfo(const char *pszPipelineName, ZE_
                                                 ZE_KEST_DebugCallback pfnCallback);
 
 /* Removes the first filter entry with the given pipeline and filter names or, for a NULL filter, every entry
- * of the pipeline including its filters'. ZE_KEST_OK also when nothing matched. */
+ * of the pipeline including its filters'. pszPipelineName, pstFilter: as registered. ZE_KEST_OK also when
+ * nothing matched. */
 ZE_KEST_API uint32_t ze_kest_Debug_UnRegisterInfo(const char *pszPipelineName,
                                                   const ZE_KEST_Filter_s *pstFilter);
 
-/* Records that a pipeline feeds another one, or no longer does. ZE_KEST_OK also when the first pipeline is
+/* Records that a pipeline feeds another one, or no longer does. pszPipelineName: the pipeline;
+ * pszFedPipelineName: the one that it feeds. ZE_KEST_OK also when the first pipeline is
  * not registered or already feeds 8 others. Connecting: ZE_KEST_INVALID_ARGUMENT if the first name is NULL
  * (reported); ZE_KEST_FAILED if the second is NULL and would have been stored (reported). Disconnecting
  * always returns ZE_KEST_OK; a NULL name is reported. */
@@ -258,20 +262,20 @@ ZE_KEST_API uint32_t ze_kest_Debug_ConnectPipeline(const char *pszPipelineName,
 ZE_KEST_API uint32_t ze_kest_Debug_DisconnectPipeline(const char *pszPipelineName,
                                                       const char *pszFedPipelineName);
 
-/* Sets the head of the framework's list of supported parameters; NULL for none. The list is not copied, so it
- * must stay valid until another one is set. Takes no lock. */
+/* Sets the head of the framework's list of supported parameters. pstHead: NULL for none. The list is not
+ * copied, so it must stay valid until another one is set. Takes no lock. */
 ZE_KEST_API void ze_kest_Debug_SetSupportedParameterList(const ZE_KEST_SupportedParameter_s *pstHead);
 
 /* Bytes of a short audio descriptor block: 16 entries of 24 bytes, indexed by audio format code. */
 #define ZE_KEST_SAD_SIZE 384
 
-/* Stores a copy of the sink's short audio descriptor block. s32Size: ZE_KEST_SAD_SIZE. NULL and any other
- * size are reported and leave the stored block unchanged. Always ZE_KEST_OK. */
+/* Stores a copy of the sink's short audio descriptor block. pu8Sad: the block; s32Size: ZE_KEST_SAD_SIZE.
+ * NULL and any other size are reported and leave the stored block unchanged. Always ZE_KEST_OK. */
 ZE_KEST_API uint32_t ze_kest_Debug_SetSAD(const uint8_t *pu8Sad, int32_t s32Size);
 
 /* Only checks its arguments: no parameter can be read through this function, and pData is left unchanged.
- * ZE_KEST_INVALID_ARGUMENT: a NULL pointer or a size of 0; ZE_KEST_NOT_INITIALISED before
- * ze_kest_Debug_Init. */
+ * pszParameterName, pData: not NULL; sztSize: not 0. ZE_KEST_INVALID_ARGUMENT: a NULL pointer or a size of 0;
+ * ZE_KEST_NOT_INITIALISED before ze_kest_Debug_Init. */
 ZE_KEST_API uint32_t ze_kest_Debug_GetParameter(const char *pszParameterName, void *pData, size_t sztSize);
 
 #ifdef __cplusplus

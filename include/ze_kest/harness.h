@@ -23,7 +23,9 @@
  * kest-player; with more, the first 2 lie in group 0, the next 10 in group 1 and the rest in group 2.
  *
  * One thread at a time for a harness. Turn, Fill and Take allocate nothing and do not call the system. No
- * function takes a NULL harness except Close. */
+ * function takes a NULL harness except Close.
+ *
+ * Everywhere, pstHarness: the harness. */
 #ifndef ZE_KEST_HARNESS_H
 #define ZE_KEST_HARNESS_H
 
@@ -48,6 +50,7 @@ enum ZE_KEST_HarnessGuard_e {
   ZE_KEST_HARNESS_GUARD_FAR = 2     /* a page of the marker lies between, on both sides */
 };
 
+/* The ports that a harness is to have. */
 typedef struct ZE_KEST_HarnessSetup_s {
   uint32_t u32Size;          /* sizeof(ZE_KEST_HarnessSetup_s) */
   uint32_t u32Channels;      /* 1 to 22 */
@@ -81,9 +84,9 @@ enum ZE_KEST_HarnessFault_e {
 
 /* What a turn did. */
 typedef struct ZE_KEST_HarnessTurn_s {
-  uint32_t u32Faults; /* ZE_KEST_HarnessFault_e, or-ed */
-  uint32_t u32Read;   /* samples read and written: what was accounted for, limited to what was possible */
-  uint32_t u32Written;
+  uint32_t u32Faults;  /* ZE_KEST_HarnessFault_e, or-ed */
+  uint32_t u32Read;    /* samples read: what was accounted for, limited to what was possible */
+  uint32_t u32Written; /* samples written, in the same way */
   uint32_t u32Pending; /* what pfnPending said after a turn with bEnded; else 0 */
   char szSeen[512];    /* the faults in words with their numbers; "" without a fault */
 } ZE_KEST_HarnessTurn_s;
@@ -105,16 +108,17 @@ uint32_t ze_kest_Harness_Create(ZE_KEST_Harness_s *pstHarness, const ZE_KEST_Mod
 /* Ends the instance; nothing without one. The ports and their data stay. */
 void ze_kest_Harness_Destroy(ZE_KEST_Harness_s *pstHarness);
 
-/* Why the last Create failed, cut to 1023 bytes; "" when no reason was given. Valid until the next Create. */
+/* Returns why the last Create failed, cut to 1023 bytes; "" when no reason was given. Valid until the next
+ * Create. */
 const char *ze_kest_Harness_Error(const ZE_KEST_Harness_s *pstHarness);
 
 /* What pfnCreate gave, for calls of the kind's other entries; NULL without an instance. */
 void *ze_kest_Harness_Self(const ZE_KEST_Harness_s *pstHarness);
 
-/* The filter's record, for what the harness has no function for, such as disconnecting a port. */
+/* Returns the filter's record, for what the harness has no function for, such as disconnecting a port. */
 ZE_KEST_Filter_s *ze_kest_Harness_Filter(ZE_KEST_Harness_s *pstHarness);
 
-/* Samples that the input can still take, and samples that the output holds. */
+/* Return the samples that the input can still take, and those that the output holds. */
 uint32_t ze_kest_Harness_Room(const ZE_KEST_Harness_s *pstHarness);
 uint32_t ze_kest_Harness_Held(const ZE_KEST_Harness_s *pstHarness);
 
@@ -153,12 +157,12 @@ uint32_t ze_kest_Harness_Turn(ZE_KEST_Harness_s *pstHarness, uint32_t bEnded, ZE
 uint32_t ze_kest_Harness_Where(const ZE_KEST_Harness_s *pstHarness, const void *pvAddress, char *pszText,
                                uint32_t u32Size);
 
-/* Fills u32Count samples with noise of full scale. u32BitWidth: 16 or 32, the range of the samples; pu32Seed:
- * in and out; the same seed gives the same noise on every machine. */
+/* Fills u32Count samples with noise of full scale. ps32Samples: out, the samples; u32BitWidth: 16 or 32, the
+ * range of the samples; pu32Seed: in and out; the same seed gives the same noise on every machine. */
 void ze_kest_Harness_Noise(int32_t *ps32Samples, uint32_t u32Count, uint32_t u32BitWidth, uint32_t *pu32Seed);
 
-/* Compares u32Count samples. u32Tolerance: how far two samples may lie apart. Returns the number of the first
- * one that differs by more, u32Count when none does. */
+/* Compares u32Count samples. ps32A, ps32B: the samples; u32Tolerance: how far two samples may lie apart.
+ * Returns the number of the first one that differs by more, u32Count when none does. */
 uint32_t ze_kest_Harness_Compare(const int32_t *ps32A, const int32_t *ps32B, uint32_t u32Count,
                                  uint32_t u32Tolerance);
 

@@ -1,6 +1,9 @@
 /* SPDX-License-Identifier: Apache-2.0
  *
- * The JSON reader; part of ze_kest/utility.h. */
+ * The JSON reader; part of ze_kest/utility.h. A function that stores something returns a result code of
+ * result.h.
+ *
+ * Everywhere, pstJsmn: the context; pstTokenInfo: a key of it. */
 #ifndef ZE_KEST_JSON_H
 #define ZE_KEST_JSON_H
 
@@ -21,6 +24,7 @@ extern "C" {
  * A context belongs to one thread at a time, but look-ups and reads do not modify it and may run
  * concurrently. */
 
+/* What a token is. */
 enum ZE_KEST_JsmnType_e {
   ZE_KEST_JSMN_UNDEF = 0,
   ZE_KEST_JSMN_OBJECT = 1,
@@ -38,6 +42,7 @@ typedef struct ZE_KEST_JsmnTokenInfo_s {
   int32_t size;  /* direct children: keys of an object, elements of an array, the one value of a key */
 } ZE_KEST_JsmnTokenInfo_s;
 
+/* A context: a text and the index of its tokens. */
 typedef struct ZE_KEST_Jsmn_s {
   uint32_t pos;                          /* offset of the next character to read */
   uint32_t toknext;                      /* index of the next free token */
@@ -77,9 +82,9 @@ ZE_KEST_API ZE_KEST_JsmnTokenInfo_s *ze_kest_Utility_Jsmn_GetTokenInfo_ByDataNam
     const ZE_KEST_Jsmn_s *pstJsmn, const ZE_KEST_JsmnTokenInfo_s *pstTargetTokenInfo,
     const char *pszDataName);
 
-/* Finds the first string token, key or value, after a token of this context; NULL stands for token 0, the
- * root. NULL, reported at ERR level: a context without tokens, a target that is not in this context or is its
- * last token. NULL when no string follows. */
+/* Finds the first string token, key or value, after pstTargetTokenInfo, a token of this context; NULL stands
+ * for token 0, the root. NULL, reported at ERR level: a context without tokens, a target that is not in this
+ * context or is its last token. NULL when no string follows. */
 ZE_KEST_API ZE_KEST_JsmnTokenInfo_s *ze_kest_Utility_Jsmn_GetNextTokenInfo(
     const ZE_KEST_Jsmn_s *pstJsmn, const ZE_KEST_JsmnTokenInfo_s *pstTargetTokenInfo);
 

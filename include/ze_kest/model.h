@@ -48,10 +48,10 @@ extern "C" {
 
 typedef struct ZE_KEST_Filter_s ZE_KEST_Filter_s;
 
-/* A filter's functions for its parameters. pData: the value; u32Size: its size in bytes. They return a result
- * code. They may be called with the library's registry locked and must not call back into it. For a value
- * that comes from a command, pData holds only 4 bytes whereas u32Size is whatever was typed, so refuse any
- * size that is not the parameter's. */
+/* A filter's functions for its parameters. pstFilter: the filter; pszParameterName: the parameter; pData: the
+ * value; u32Size: its size in bytes. They return a result code. They may be called with the library's
+ * registry locked and must not call back into it. For a value that comes from a command, pData holds only 4
+ * bytes whereas u32Size is whatever was typed, so refuse any size that is not the parameter's. */
 typedef uint32_t (*ZE_KEST_SetParameter)(ZE_KEST_Filter_s *pstFilter, const char *pszParameterName,
                                          const void *pData, uint32_t u32Size);
 typedef uint32_t (*ZE_KEST_GetParameter)(ZE_KEST_Filter_s *pstFilter, const char *pszParameterName,
@@ -65,7 +65,7 @@ typedef struct ZE_KEST_PcmInfo_s {
   uint32_t u32TotalChannels; /* channels over all groups */
   uint32_t u32SampleRate;    /* Hz */
   uint32_t u32BitWidth;      /* bits of a sample's container: 16, 24 (packed) or 32 */
-  uint32_t au32Reserved[2];
+  uint32_t au32Reserved[2];  /* not used by the library */
 } ZE_KEST_PcmInfo_s;
 
 /* One channel group of a port. Mono is group 0 with one channel: {0, 1, {0, -1, -1, ...}}. */
@@ -93,74 +93,77 @@ typedef struct ZE_KEST_PcmBuffer_s {
   uint32_t sztPcmWriteSize;                      /* samples produced in this cycle (output ports) */
   uint32_t sztPcmTotalRead;                      /* running total of consumed samples; wraps */
   uint32_t sztPcmReadOffset;                     /* ring index of the oldest unread sample */
-  uint32_t u32Reserved;
-  int64_t s64PcmPts;        /* time stamp of the oldest unread sample, in the framework's unit; the library
-                               only prints it. kest-player: microseconds since the port's first sample */
-  uint64_t u64PcmReadCount; /* number of updates of the read size */
-  uint64_t u64PcmXrunCount; /* underruns of an input port, overruns of an output port */
-  uint64_t u64PcmPassCount; /* frames passed by an A/V sync filter */
-  uint64_t u64PcmSkipCount; /* frames skipped by an A/V sync filter */
-  ZE_KEST_PcmInfo_s stPcmInfo;
-  uint32_t u32PcmGroupNum; /* 3 once the group records are valid, 0 before */
-  ZE_KEST_PcmGroup_s astPcmGroup[ZE_KEST_PCM_GROUPS];
+  uint32_t u32Reserved;                          /* not used by the library */
+  int64_t s64PcmPts;           /* time stamp of the oldest unread sample, in the framework's unit; the library
+                                  only prints it. kest-player: microseconds since the port's first sample */
+  uint64_t u64PcmReadCount;    /* number of updates of the read size */
+  uint64_t u64PcmXrunCount;    /* underruns of an input port, overruns of an output port */
+  uint64_t u64PcmPassCount;    /* frames passed by an A/V sync filter */
+  uint64_t u64PcmSkipCount;    /* frames skipped by an A/V sync filter */
+  ZE_KEST_PcmInfo_s stPcmInfo; /* the format */
+  uint32_t u32PcmGroupNum;     /* 3 once the group records are valid, 0 before */
+  ZE_KEST_PcmGroup_s astPcmGroup[ZE_KEST_PCM_GROUPS]; /* groups 0, 1 and 2 */
 } ZE_KEST_PcmBuffer_s;
 
 /* A byte ring: the metadata or the raw (compressed) data of a port. */
 typedef struct ZE_KEST_DataBuffer_s {
-  uint8_t *pu8Buf;
-  uint32_t au32RawReserved[2];
-  uint32_t sztSize;      /* capacity in bytes; 0: the port has no such ring */
-  uint32_t sztLevel;     /* bytes held */
-  uint32_t sztSpace;     /* bytes free */
-  uint32_t sztReadSize;  /* bytes consumed in this cycle */
-  uint32_t sztWriteSize; /* bytes produced in this cycle */
-  uint32_t sztTotalRead; /* running total of consumed bytes; wraps */
-  uint32_t u32RawReserved;
-  uint32_t sztReadOffset; /* offset of the oldest unread byte */
-  int64_t s64Pts;         /* time stamp of the oldest unread byte, like s64PcmPts */
-  uint64_t au64Count[4];  /* [0]: read-size updates other than by 0; the rest belong to the framework */
+  uint8_t *pu8Buf;             /* storage of the ring; NULL: none */
+  uint32_t au32RawReserved[2]; /* not used by the library */
+  uint32_t sztSize;            /* capacity in bytes; 0: the port has no such ring */
+  uint32_t sztLevel;           /* bytes held */
+  uint32_t sztSpace;           /* bytes free */
+  uint32_t sztReadSize;        /* bytes consumed in this cycle */
+  uint32_t sztWriteSize;       /* bytes produced in this cycle */
+  uint32_t sztTotalRead;       /* running total of consumed bytes; wraps */
+  uint32_t u32RawReserved;     /* not used by the library */
+  uint32_t sztReadOffset;      /* offset of the oldest unread byte */
+  int64_t s64Pts;              /* time stamp of the oldest unread byte, like s64PcmPts */
+  uint64_t au64Count[4];       /* [0]: read-size updates other than by 0; the rest belong to the framework */
 } ZE_KEST_DataBuffer_s;
 
+/* A port of a filter. */
 typedef struct ZE_KEST_Port_s {
-  uint32_t u32Reserved;
+  uint32_t u32Reserved; /* not used by the library */
   /* Boolean. Some ports are served even when not connected: the first non-NULL port in operations that walk
    * all ports of a side, and slot 0 in operations that take a port index. */
   uint32_t bConnected;
-  uint32_t au32Reserved[4];
-  ZE_KEST_PcmBuffer_s stPcm;
-  ZE_KEST_DataBuffer_s stRaw;
-  ZE_KEST_DataBuffer_s stMeta;
+  uint32_t au32Reserved[4];    /* not used by the library */
+  ZE_KEST_PcmBuffer_s stPcm;   /* its PCM */
+  ZE_KEST_DataBuffer_s stRaw;  /* its raw (compressed) data */
+  ZE_KEST_DataBuffer_s stMeta; /* its metadata */
 } ZE_KEST_Port_s;
 
+/* A pipeline. Its sleep settings are what ze_kest_Utility_UpdatePipelineSleepConfiguration merged into it. */
 typedef struct ZE_KEST_Pipeline_s {
-  char szName[ZE_KEST_NAME_SIZE];
-  uint32_t u32State; /* 0 none, 1 idle, 2 stop, 3 prepare, 4 run, 5 pause, 6 drain */
-  uint8_t u8AutoConsume;
-  uint32_t u32SleepPriority;
-  int32_t s32SleepTime;
-  uint32_t u32WakeUp;
+  char szName[ZE_KEST_NAME_SIZE]; /* its name */
+  uint32_t u32State;              /* 0 none, 1 idle, 2 stop, 3 prepare, 4 run, 5 pause, 6 drain */
+  uint8_t u8AutoConsume;          /* the framework's; the library only prints it */
+  uint32_t u32SleepPriority;      /* highest priority of its filters' settings */
+  int32_t s32SleepTime;           /* sleep time that goes with it, in the framework's unit */
+  uint32_t u32WakeUp;             /* first wake-up setting of its filters that is not 0 */
 } ZE_KEST_Pipeline_s;
 
+/* A filter. */
 struct ZE_KEST_Filter_s {
-  char szName[ZE_KEST_NAME_SIZE];
-  ZE_KEST_Pipeline_s *pstParentPipeline;
+  char szName[ZE_KEST_NAME_SIZE];                 /* its name */
+  ZE_KEST_Pipeline_s *pstParentPipeline;          /* the pipeline that it belongs to */
   uint32_t u32InPortCount;                        /* input slots to serve, 0 to 8 */
   uint32_t u32OutPortCount;                       /* output slots to serve, 0 to 8 */
   ZE_KEST_Port_s *apstInPort[ZE_KEST_MAX_PORTS];  /* a slot may be NULL */
   ZE_KEST_Port_s *apstOutPort[ZE_KEST_MAX_PORTS]; /* a slot may be NULL */
-  uint32_t u32Reserved;
-  uint32_t sztMaxInPcmProcessSize;  /* samples, or ZE_KEST_NO_BOUND */
-  uint32_t sztMaxOutPcmProcessSize; /* samples, or ZE_KEST_NO_BOUND */
-  uint8_t u8Option;                 /* ZE_KEST_OPTION_DIRECT_WRITE; the other bits belong to the framework */
-  const char *pszConfig;            /* configuration text; may be NULL */
-  uint32_t u32SleepPriority;
-  int32_t s32SleepTime;
-  uint32_t u32WakeUp;
+  uint32_t u32Reserved;                           /* not used by the library */
+  uint32_t sztMaxInPcmProcessSize;                /* samples, or ZE_KEST_NO_BOUND */
+  uint32_t sztMaxOutPcmProcessSize;               /* samples, or ZE_KEST_NO_BOUND */
+  uint8_t u8Option;          /* ZE_KEST_OPTION_DIRECT_WRITE; the other bits belong to the framework */
+  const char *pszConfig;     /* configuration text; may be NULL */
+  uint32_t u32SleepPriority; /* whose sleep time counts: the highest wins; 0: no setting */
+  int32_t s32SleepTime;      /* in the framework's unit */
+  uint32_t u32WakeUp;        /* the framework's wake-up setting; 0: none */
   ZE_KEST_SetParameter pfnSetParameter; /* may be NULL */
   ZE_KEST_GetParameter pfnGetParameter; /* may be NULL */
-  uint8_t u8Ds;
-  int32_t s32Tgt;
-  uint32_t u32DbgLvl; /* the filter's own debug level */
+  uint8_t u8Ds;                         /* the framework's; the library only prints it, as "ds" */
+  int32_t s32Tgt;                       /* the framework's; the library only prints it, as "tgt" */
+  uint32_t u32DbgLvl;                   /* the filter's own debug level */
 };
 
 #ifdef __cplusplus

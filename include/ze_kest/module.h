@@ -24,7 +24,9 @@
  * stand in commands.
  *
  * Every record begins with its own size, set by whoever fills it in. Records grow only at their end: a reader
- * takes what lies beyond the size for 0. */
+ * takes what lies beyond the size for 0.
+ *
+ * Everywhere, pvSelf: what pfnCreate stored in *ppvSelf. */
 #ifndef ZE_KEST_MODULE_H
 #define ZE_KEST_MODULE_H
 
@@ -78,10 +80,11 @@ typedef struct ZE_KEST_ModuleParameter_s {
   uint32_t u32Decimals;       /* 0 to 6: the value counts units of 10^-u32Decimals. With 1 and "dB", -25 is
                                  -2.5 dB */
   int32_t s32Least;           /* limits, both inclusive; the host keeps every value within them */
-  int32_t s32Most;
-  int32_t s32Default; /* the value after pfnCreate; within the limits */
+  int32_t s32Most;            /* see s32Least */
+  int32_t s32Default;         /* the value after pfnCreate; within the limits */
 } ZE_KEST_ModuleParameter_s;
 
+/* What a parameter may be. */
 enum ZE_KEST_ModuleParameterFlag_e {
   ZE_KEST_MODULE_READ_ONLY = 0x01 /* pfnSet is never called for it; s32Default and the limits do not bind what
                                      pfnGet returns */
@@ -90,6 +93,7 @@ enum ZE_KEST_ModuleParameterFlag_e {
 /* Sample widths that a kind takes. */
 enum ZE_KEST_ModuleWidth_e { ZE_KEST_MODULE_16_BITS = 0x01, ZE_KEST_MODULE_32_BITS = 0x02 };
 
+/* What a kind may be. */
 enum ZE_KEST_ModuleFlag_e {
   /* The kind moves all metadata itself. Without the flag the host does, in step with the samples that
    * pfnProcess reads, and the kind leaves the metadata alone. */
@@ -143,7 +147,7 @@ typedef const ZE_KEST_ModuleParameter_s *(*ZE_KEST_ModuleParameter)(void *pvSelf
 /* The present value of a parameter, and a new one, which the host has clamped to the limits and which takes
  * effect in the next turn. pfnSet is also called before the first turn, with the values that the user
  * configured. [command thread beside pfnProcess, or main thread before the first turn; neither blocks]
- * u32Index: as in pfnParameter; pfnSet gets no read-only one. */
+ * u32Index: as in pfnParameter; s32Value: the new value. pfnSet gets no read-only one. */
 typedef int32_t (*ZE_KEST_ModuleGet)(void *pvSelf, uint32_t u32Index);
 typedef void (*ZE_KEST_ModuleSet)(void *pvSelf, uint32_t u32Index, int32_t s32Value);
 
@@ -158,20 +162,20 @@ struct ZE_KEST_ModuleFilter_s {
   uint32_t u32Size;       /* sizeof(ZE_KEST_ModuleFilter_s) */
   uint32_t u32FilterSize; /* sizeof(ZE_KEST_Filter_s) and sizeof(ZE_KEST_Port_s), as the module knows them; a
                              host refuses a module with other records than its own */
-  uint32_t u32PortSize;
+  uint32_t u32PortSize;   /* see u32FilterSize */
   uint32_t u32Flags;      /* ZE_KEST_ModuleFlag_e; other bits are 0 */
   const char *pszName;    /* a name, different from the module's other kinds'; a host may refuse one that it
                              has itself */
   const char *pszVersion; /* of the filter, in any form; may be "" */
-  const char *pszDescription; /* one line without its end; may be "" */
-  uint32_t u32Widths;         /* ZE_KEST_ModuleWidth_e, at least one; other bits are 0 */
-  uint32_t u32LeastChannels;  /* channels that an instance can have: 1 to 22, least not above most */
-  uint32_t u32MostChannels;
-  ZE_KEST_ModuleCreate pfnCreate;
-  ZE_KEST_ModuleDestroy pfnDestroy;
-  ZE_KEST_ModuleProcess pfnProcess;
-  ZE_KEST_ModuleLatency pfnLatency;     /* optional; without it, 0 */
-  ZE_KEST_ModulePending pfnPending;     /* optional; without it, 0 */
+  const char *pszDescription;       /* one line without its end; may be "" */
+  uint32_t u32Widths;               /* ZE_KEST_ModuleWidth_e, at least one; other bits are 0 */
+  uint32_t u32LeastChannels;        /* channels that an instance can have: 1 to 22, least not above most */
+  uint32_t u32MostChannels;         /* see u32LeastChannels */
+  ZE_KEST_ModuleCreate pfnCreate;   /* makes an instance */
+  ZE_KEST_ModuleDestroy pfnDestroy; /* ends it */
+  ZE_KEST_ModuleProcess pfnProcess; /* takes a turn */
+  ZE_KEST_ModuleLatency pfnLatency; /* optional; without it, 0 */
+  ZE_KEST_ModulePending pfnPending; /* optional; without it, 0 */
   ZE_KEST_ModuleParameter pfnParameter; /* optional; without it there are no parameters */
   ZE_KEST_ModuleGet pfnGet;             /* optional without parameters */
   ZE_KEST_ModuleSet pfnSet;             /* optional when no parameter can be set */

@@ -1,6 +1,9 @@
 /* SPDX-License-Identifier: Apache-2.0
  *
- * CPU counters, and the measurement of processing cycles with them; part of ze_kest/utility.h. */
+ * CPU counters, and the measurement of processing cycles with them; part of ze_kest/utility.h. A
+ * function returns a result code of result.h.
+ *
+ * Everywhere, pstPerfEvent: the group; pstPerformanceMeasure: the record of the measured cycles. */
 #ifndef ZE_KEST_PERFORMANCE_H
 #define ZE_KEST_PERFORMANCE_H
 

@@ -8,6 +8,11 @@
  * functions work on the calling filter's own ports, on the thread that runs the filter, take no lock,
  * allocate nothing and log nothing on success, so they are real-time safe.
  *
+ * Everywhere, pstFilter: the calling filter; u32PortIdx: the port's slot on its side, from 0; u32InPortIdx:
+ * the input port's slot; psztProcessSize: out, the size; sztSamples: samples per channel; sztBytes: bytes;
+ * u32Advance: where to begin, after the read offset; ePcmGroupType: the channel group, 0 to 2; pstPcmInfo:
+ * the format; pastPcmGroup: the three group records.
+ *
  * Where reads and writes begin (in the rings of model.h; all positions wrap):
  *
  *   PCM, metadata and raw input     read offset + read size. A second read in a cycle begins behind the first
@@ -89,9 +94,12 @@ ZE_KEST_API uint32_t ze_kest_Utility_ReadDataFromNonInterleaveRingBuffer_To32Bit
     const uint8_t *pu8RingBuf, const uint8_t *pu8Pos, uint32_t sztRingSize, uint8_t *pu8Data,
     uint64_t u64Bytes, uint32_t u32Stride, uint32_t u32BytesPerSample);
 
-/* Copy sztCount bytes between byte rings, or from a ring into a linear buffer. The position is offset plus
- * advance, minus the ring's size if it is not below that size; if it is still outside the ring, nothing is
- * copied. At most a ring's size is copied. All sizes are in bytes. */
+/* Copy sztCount bytes between byte rings, or from a ring into a linear buffer. pu8Dst, pu8Src, pu8Ring: the
+ * start of each ring or buffer; sztDstSize, sztSrcSize, sztRingSize: bytes of a ring; sztDstOffset,
+ * sztSrcOffset, sztOffset, sztDstAdvance, sztSrcAdvance, sztAdvance: where in a ring to begin; sztCount:
+ * bytes to copy. The position is offset plus advance, minus the ring's size if it is not below that size; if
+ * it is still outside the ring, nothing is copied. At most a ring's size is copied. All sizes are in bytes.
+ */
 ZE_KEST_API uint32_t ze_kest_Utility_CopyFromRingToRingBuffer(uint8_t *pu8Dst, uint32_t sztDstSize,
                                                               uint32_t sztDstOffset, uint32_t sztDstAdvance,
                                                               const uint8_t *pu8Src, uint32_t sztSrcSize,
@@ -108,9 +116,11 @@ ZE_KEST_API uint32_t ze_kest_Utility_CopyFromRingToNonRingBuffer(uint8_t *pu8Dst
  * word (the top byte is ignored); 32 bits. A wider result holds the sample in its top bits, with zeros below;
  * a narrower one loses the sample's low bits. Nothing is rounded or saturated.
  *
- * u32Count: samples; 0 converts nothing. Pointers need not be aligned. The samples are converted one after
- * another in ascending order, so the ranges may overlap as long as no sample is overwritten before it is
- * read. ZE_KEST_INVALID_ARGUMENT: a NULL pointer (reported), nothing is written. */
+ * pu16Ptr, pu8Ptr, pu32Ptr, pu32PtrSrc, pu32Src: the samples, or where their results go, as the const says;
+ * pu16PtrDes, pu32Dest: out, u32Count samples; u32Count: samples; 0 converts nothing. Pointers need not be
+ * aligned. The samples are converted one after another in ascending order, so the ranges may overlap as long
+ * as no sample is overwritten before it is read. ZE_KEST_INVALID_ARGUMENT: a NULL pointer (reported), nothing
+ * is written. */
 ZE_KEST_API uint32_t ze_kest_Utility_ConvertPcmFrom16BitTo24Bit(const uint16_t *pu16Ptr, uint8_t *pu8Ptr,
                                                                 uint32_t u32Count);
 ZE_KEST_API uint32_t ze_kest_Utility_ConvertPcmFrom24BitTo16Bit(const uint8_t *pu8Ptr, uint16_t *pu16Ptr,
@@ -128,7 +138,8 @@ ZE_KEST_API uint32_t ze_kest_Utility_ConvertPcmFrom24LETo32Bit(const uint32_t *p
 
 /* A second generation of the same conversions: 16 to 32 bits, 24LE to 32 bits in place, 24LE to 16 bits. Here
  * the destination comes first, and a count of 0 is refused.
- * ps32Dst, ps16Dst: sztSamples samples, out. Deliberate: ps16Dst is not checked, so it must not be NULL.
+ * ps16Src, ps32Src: sztSamples samples; in place, ps32Src is also where the results go; ps32Dst, ps16Dst:
+ * out, sztSamples samples; sztSamples: samples. Deliberate: ps16Dst is not checked, so it must not be NULL.
  * ZE_KEST_INVALID_ARGUMENT: another NULL pointer or 0 samples (each reported), nothing is written. */
 ZE_KEST_API uint32_t ze_kest_Utility_Convert16BitPcmTo32BitPcm(int32_t *ps32Dst, const int16_t *ps16Src,
                                                                uint32_t sztSamples);
@@ -153,17 +164,19 @@ ZE_KEST_API uint32_t ze_kest_Utility_Convert32BitPcmFromLow24BitTo16BitPcm(int16
  * wrapping once or when the group has no storage; at most the rest of the ring plus one lap is moved.
  * ZE_KEST_INVALID_ARGUMENT: a group above 2 or a NULL pointer (each reported), nothing is written. */
 
-/* u32ChNum: channels of a frame; 0, or more than the group can have (2, 10, 10), counts as 2. u32BitWidth:
- * bits of a sample; 0 counts as 16. Both corrections are reported at INFO level. A sample has u32BitWidth / 8
- * bytes, rounded down: 20 bits are taken as 16, and 24 always as packed. */
+/* pstPcm: the port's PCM part; pvSrc: sztSamples frames; u32ChNum: channels of a frame; 0, or more than the
+ * group can have (2, 10, 10), counts as 2. u32BitWidth: bits of a sample; 0 counts as 16. Both corrections
+ * are reported at INFO level. A sample has u32BitWidth / 8 bytes, rounded down: 20 bits are taken as 16, and
+ * 24 always as packed. */
 ZE_KEST_API uint32_t ze_kest_Utility_ConvertInterleaveToNonInterleave(uint32_t u32ChNum, uint32_t u32BitWidth,
                                                                       const ZE_KEST_PcmBuffer_s *pstPcm,
                                                                       uint32_t ePcmGroupType,
                                                                       uint32_t u32Advance, const void *pvSrc,
                                                                       uint32_t sztSamples);
 
-/* u32ChNum: channels of a frame; with 0 nothing is done and no pointer is checked. Channels beyond the
- * group's own have no ring: their places in the frames are left unchanged. u32BytesPerSample: 2, 3 or 4. */
+/* pvDst: out, sztSamples frames; pstPcm: the port's PCM part; u32ChNum: channels of a frame; with 0 nothing
+ * is done and no pointer is checked. Channels beyond the group's own have no ring: their places in the frames
+ * are left unchanged. u32BytesPerSample: 2, 3 or 4. */
 ZE_KEST_API uint32_t ze_kest_Utility_ConvertNonInterleaveToInterleave(
     void *pvDst, const ZE_KEST_PcmBuffer_s *pstPcm, uint32_t ePcmGroupType, uint32_t u32ChNum,
     uint32_t u32Advance, uint32_t sztSamples, uint32_t u32BytesPerSample);
@@ -233,20 +246,21 @@ ZE_KEST_API uint32_t ze_kest_Utility_ReadInputPortPcmBuffer_To24Le(const ZE_KEST
  *       pstFilter, pstMeta->sztLevel - pstMeta->sztReadSize, u32PortIdx); */
 
 /* Stores the tag and the size in bytes (header included) of the next unread metadata block of a port. The
- * caller must know that the ring holds one. u32Unused is not read. ZE_KEST_INVALID_ARGUMENT without a report
- * when there is no such port or no whole header at its read position. */
+ * caller must know that the ring holds one. u32Unused is not read. pu32Tag: out, the tag; pu32BlockSize: out,
+ * the size. ZE_KEST_INVALID_ARGUMENT without a report when there is no such port or no whole header at its
+ * read position. */
 ZE_KEST_API uint32_t ze_kest_Utility_ReadOneBlockInputPortMetadataBuffer(const ZE_KEST_Filter_s *pstFilter,
                                                                          uint32_t u32PortIdx,
                                                                          uint32_t u32Unused,
                                                                          uint32_t *pu32Tag,
                                                                          uint32_t *pu32BlockSize);
 
-/* Stores the number of metadata bytes that belong to sztSamples samples: the sizes of the next sztSamples /
- * 256 blocks of a port, stopping at a block without a payload and after the block that reaches the end of the
- * held data, which counts in full. Deliberate: the first block is taken from the read position whatever the
- * ring's level, so even an empty ring yields the block found there. *pu32LastBlockSize is the size of the
- * last block with a payload, left unchanged when there is none. ZE_KEST_INVALID_ARGUMENT without a report
- * when there is no such port. */
+/* Stores the number of metadata bytes that belong to sztSamples samples in *pu32Len: the sizes of the next
+ * sztSamples / 256 blocks of a port, stopping at a block without a payload and after the block that reaches
+ * the end of the held data, which counts in full. Deliberate: the first block is taken from the read position
+ * whatever the ring's level, so even an empty ring yields the block found there. *pu32LastBlockSize is the
+ * size of the last block with a payload, left unchanged when there is none. ZE_KEST_INVALID_ARGUMENT without
+ * a report when there is no such port. */
 ZE_KEST_API uint32_t ze_kest_Utility_QueryInputPortMetadataLen(const ZE_KEST_Filter_s *pstFilter,
                                                                uint32_t u32PortIdx, uint32_t sztSamples,
                                                                uint32_t *pu32Len,
@@ -286,7 +300,7 @@ ZE_KEST_API uint32_t ze_kest_Utility_WriteOutputPort32BitPcmBuffer(const ZE_KEST
                                                                    int32_t *const *apSrc,
                                                                    const uint16_t *au16Stride);
 
-/* The same to every output port; ports that cannot be written are skipped. */
+/* The same to every output port; ports that cannot be written are skipped. apSrc, au16Stride: as above. */
 ZE_KEST_API uint32_t ze_kest_Utility_WriteAllOutputPort16BitPcmBuffer(const ZE_KEST_Filter_s *pstFilter,
                                                                       uint32_t sztSamples,
                                                                       int16_t *const *apSrc,

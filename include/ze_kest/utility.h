@@ -4,7 +4,9 @@
  * process: ports, CPU counters and JSON.
  *
  * Unless a comment says otherwise: a function returns a result code of result.h; a NULL argument is reported
- * at ERR level and answered with ZE_KEST_INVALID_ARGUMENT; outputs keep their values on failure. */
+ * at ERR level and answered with ZE_KEST_INVALID_ARGUMENT; outputs keep their values on failure.
+ *
+ * Everywhere, pstFilter: the filter; pFile: an open stream. */
 #ifndef ZE_KEST_UTILITY_H
 #define ZE_KEST_UTILITY_H
 
@@ -33,10 +35,13 @@ ZE_KEST_API uint32_t ze_kest_Utility_MemoryAlloc(void **ppvOut, size_t sztSize);
 /* Releases *ppvInOut and sets it to NULL. ZE_KEST_FAILED when it is already NULL. */
 ZE_KEST_API uint32_t ze_kest_Utility_MemoryFree(void **ppvInOut);
 
-/* realloc. */
+/* realloc. pvBlock: NULL or a block of MemoryAlloc; sztSize: bytes. Returns what realloc does. */
 ZE_KEST_API void *ze_kest_Utility_MemoryReAlloc(void *pvBlock, size_t sztSize);
 
-/* ---- Strings. Any thread; real-time safe but for Strdup. NULL strings are tolerated. ---- */
+/* ---- Strings. Any thread; real-time safe but for Strdup. NULL strings are tolerated. psz, pszA, pszB,
+ * pszSrc: strings to read; pszDst: out, room for the result; sztCount: at most so many characters of the
+ * second string; ppszRest: in and out, what is left to split; pszDelimiters: the characters that end a piece;
+ * s32Char: the character to find. ---- */
 
 /* Length in bytes, 0 for NULL. */
 ZE_KEST_API size_t ze_kest_Utility_Strlen(const char *psz);
@@ -61,9 +66,10 @@ ZE_KEST_API int32_t ze_kest_Utility_StrToInt(const char *pszSrc, uint32_t u32Len
 
 /* ---- Process, thread, time. Any thread. ---- */
 
+/* Returns the id of the process. */
 ZE_KEST_API int32_t ze_kest_Utility_GetPid(void);
 
-/* The kernel's id of the calling thread. */
+/* Returns the kernel's id of the calling thread. */
 ZE_KEST_API int32_t ze_kest_Utility_GetTid(void);
 
 /* Sleeps for u32Ms milliseconds. */
@@ -73,7 +79,9 @@ ZE_KEST_API void ze_kest_Utility_DelayMs(unsigned int u32Ms);
  * the clock cannot be read. */
 ZE_KEST_API void ze_kest_Utility_MicrosecondToTimespec(struct timespec *pstOut, uint64_t u64Us);
 
-/* ---- Files. Any thread, not real-time safe. ---- */
+/* ---- Files. Any thread, not real-time safe. pszPath: the file; pszMode: as for fopen; pvBuf: sztCount items
+ * of sztSize bytes; sztSize: bytes of an item; sztCount: items; pstPos: the position; s32Offset, s32Whence:
+ * as for fseek. ---- */
 
 /* fopen. Returns NULL for a NULL argument or on failure. */
 ZE_KEST_API FILE *ze_kest_Utility_FileOpen(const char *pszPath, const char *pszMode);
@@ -115,17 +123,17 @@ ZE_KEST_API uint32_t ze_kest_Utility_FileToString(const char *pszPath, char **pp
 ZE_KEST_API uint32_t ze_kest_Utility_DumpBuffer(const char *pszFilePath, const char *pszFileName,
                                                 const void *pszBuffer, size_t sztSize);
 
-/* The same for data in a ring: writes sztSize bytes starting at pszBuffer and continues at pszBufferStart
- * whenever it reaches pszBufferEnd, the address just past the ring. If sztSize exceeds the ring's size, the
- * ring's data is written repeatedly. A pszBuffer equal to pszBufferEnd means the start.
- * ZE_KEST_INVALID_ARGUMENT also for a ring of 0 bytes and for a pszBuffer outside the ring (reported). */
+/* The same for data in a ring. pszFilePath, pszFileName: as above. Writes sztSize bytes starting at pszBuffer
+ * and continues at pszBufferStart whenever it reaches pszBufferEnd, the address just past the ring. If
+ * sztSize exceeds the ring's size, the ring's data is written repeatedly. A pszBuffer equal to pszBufferEnd
+ * means the start. ZE_KEST_INVALID_ARGUMENT also for a ring of 0 bytes and for a pszBuffer outside the ring
+ * (reported). */
 ZE_KEST_API uint32_t ze_kest_Utility_DumpRingBuffer(const char *pszFilePath, const char *pszFileName,
                                                     const void *pszBuffer, const void *pszBufferStart,
                                                     const void *pszBufferEnd, size_t sztSize);
 
-/* ---- Names of the framework's enumerators: constant strings, "Unkown" (spelled like this) for values past
- * the last one. Real-time safe. ---- */
-
+/* Names of the framework's enumerators: constant strings, "Unkown" (spelled like this) for values past the
+ * last one. u32Value: the enumerator. Returns its name. Real-time safe. */
 ZE_KEST_API const char *ze_kest_Utility_DecPlayTypeEnumString(uint32_t u32Value);
 ZE_KEST_API const char *ze_kest_Utility_FilterDecTypeEnumString(uint32_t u32Value);
 ZE_KEST_API const char *ze_kest_Utility_DecodeFormatEnumString(uint32_t u32Value);
@@ -139,7 +147,7 @@ ZE_KEST_API const char *ze_kest_Utility_MpeghStreamTypeEnumString(uint32_t u32Va
 ZE_KEST_API uint32_t ze_kest_Utility_FixedPtDb(int s32Db);
 
 /* Bytes per millisecond of a PCM format, (bits / 8) * channels * (rate / 1000); a field of 0 counts as 2
- * channels, 48000 Hz or 16 bits. 0 for NULL. Real-time safe. */
+ * channels, 48000 Hz or 16 bits. 0 for NULL. pstFormat: the format. Real-time safe. */
 ZE_KEST_API uint32_t ze_kest_Utility_BytesPerMs(const ZE_KEST_PcmInfo_s *pstFormat);
 
 /* Merges a filter's sleep settings into its parent pipeline. ZE_KEST_FAILED without a parent pipeline.
@@ -174,7 +182,8 @@ ZE_KEST_API uint32_t ze_kest_Utility_ShmAlloc(const char *pszName, int *ps32ShmF
                                               void **ppvAddr);
 
 /* Closes, unmaps and removes the block with the given name, for every process: a later ShmAlloc creates a new
- * one. The descriptors are read but not reset. ZE_KEST_FAILED: a path could not be formatted. */
+ * one. pszName: as for ShmAlloc; ps32ShmFd, ps32LockFd, pvAddr: what ShmAlloc stored. The descriptors are
+ * read but not reset. ZE_KEST_FAILED: a path could not be formatted. */
 ZE_KEST_API uint32_t ze_kest_Utility_ShmFree(const char *pszName, const int *ps32ShmFd, const int *ps32LockFd,
                                              void *pvAddr);
 

@@ -46,7 +46,7 @@ TEST_F(Trace, HasPipelinesAsThreadsFiltersAsSlicesLevelsAsCountersAndArrowsBetwe
   for (const char *slice : {"Decoder_13", "Lpcm", "Volume", "Mixer", "Delay"})
     EXPECT_LE(10u, EventsOf(trace, "X", slice).size()) << slice;
   EXPECT_LE(1u, EventsOf(trace, "C", "Decoder_13/Volume out0 level").size());
-  EXPECT_LE(10u, EventsOf(trace, "f", "feeds").size());
+  EXPECT_LE(1u, EventsOf(trace, "f", "feeds").size());  // a pipeline may run many cycles in a row
   const json volume = EventsOf(trace, "X", "Volume")[0];
   const json decoder = EventsOf(trace, "X", "Decoder_13")[0];
   EXPECT_EQ(volume["tid"], decoder["tid"]);

@@ -47,8 +47,7 @@ TEST_F(Module, WhatCannotBeLoadedIsNamedWithTheLoadersWords) {
   EXPECT_EQ("x: is not a regular file; give the name of a shared object", Refusal("/tmp"));
   EXPECT_THAT(Refusal(text), StartsWith("x: cannot be loaded: "));
   EXPECT_THAT(Refusal(unresolved), AllOf(StartsWith("x: cannot be loaded: "), HasSubstr("MissingFunction")));
-  EXPECT_THAT(Refusal(kModules + "/none.so"),
-              StartsWith("x: is no module: it exports no ze_kest_module: "));
+  EXPECT_THAT(Refusal(kModules + "/none.so"), StartsWith("x: is no module: it exports no ze_kest_module: "));
   EXPECT_EQ("x: has no filter \"Other\"; it has: Plain, Narrow", Refusal(kBroken, "Other"));
   EXPECT_EQ("x: say which of its filters is meant; it has: Plain, Narrow", Refusal(kBroken, ""));
   EXPECT_EQ("", Refusal(kMyFilter, "")) << "the only one";
