@@ -212,6 +212,8 @@ TEST_F(Latency, EveryMeasurementPrintsItsResultOnceAndTheOutputGoesOnBeingWritte
     EXPECT_EQ("[latency] a:b -pi:fil StartTime:500 " + std::string(run.pszTimes) + " us\n", prints[5]);
     EXPECT_EQ(size_t{4} * 96 * 4, ReadFile(KEST_DEBUG_DIR "Outbfilter_" + number + ".pcm").size());
     Send("kest_latency=off");
+    const LatencyState &st = _stKestLatency;
+    EXPECT_EQ(0u, st.u32TotalBytes + st.u64StartTime + st.u64EndTime + st.u64ProcTime);
   }
 }
 
@@ -241,6 +243,14 @@ TEST_F(Latency, NothingIsTouchedOfAPortThatContradictsItselfNorOfAFilterThatIsNo
   EXPECT_FALSE(IsMarked(_stKestLatency.bFound));
   EXPECT_EQ(size_t{60} * 4,
             ReadFile(KEST_DEBUG_DIR "Outfilter_0.pcm").size());  // of the last, whatever its width
+
+  // Nor of an output at the start filter.
+  Send("kest_latency_start_filter=,");
+  filter.In(0).st.bConnected = 0;
+  out.sztPcmLevel = 9;
+  const Bytes written = filter.Out(0).groups[0].Content();
+  EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_MeasureLatency(filter, ZE_KEST_LATENCY_START));
+  EXPECT_EQ(written, filter.Out(0).groups[0].Content());
 }
 
 TEST_F(Latency, CommandsSelectAndSwitch) {

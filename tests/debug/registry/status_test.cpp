@@ -40,6 +40,7 @@ TEST_F(Status, AnEmptyRegistryShowsTheCapabilitiesAndTheRules) {
   for (const auto &[s32Format, u8Support, u32Byte3] : aEntries) {
     pu8Sad[24 * s32Format] = u8Support;
     memcpy(&pu8Sad[24 * s32Format + 16], &u32Byte3, 4);
+    pu8Sad[24 * s32Format + 15] = pu8Sad[24 * s32Format + 20] = 0xFF;  // of neither
   }
   EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_SetSAD(pu8Sad, ZE_KEST_SAD_SIZE));
   const Texts expected = {
