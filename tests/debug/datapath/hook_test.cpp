@@ -54,20 +54,24 @@ TEST(Hook, PrintsALineOfPortLevelsForEachKindOfData) {
   in.stPcm.u64PcmSkipCount = 4, in.stPcm.sztPcmLevel = 5, in.stPcm.sztPcmSpace = 6;
   in.stPcm.sztPcmRingSamples = 7, in.stPcm.sztPcmReadSize = 8, in.stPcm.s64PcmPts = -9;
   filter.In(1).st.bConnected = 0;
-  in.stMeta.au64Count[0] = 11, in.stMeta.sztSize = 12;
+  for (uint64_t i = 0; i < 4; ++i)
+    in.stMeta.au64Count[i] = 11 + i;
+  in.stMeta.sztLevel = 15, in.stMeta.sztSpace = 16, in.stMeta.sztSize = 17, in.stMeta.s64Pts = 18;
   in.stRaw.au64Count[3] = 21, in.stRaw.sztReadSize = 22;
   filter.Out(0);
-  filter.Out(3).st.stPcm.sztPcmWriteSize = 31;
-  filter.Out(3).st.stRaw.sztWriteSize = 32;
+  ZE_KEST_PcmBuffer_s &out = filter.Out(3).st.stPcm;
+  out.u64PcmReadCount = 31, out.u64PcmXrunCount = 32, out.u64PcmPassCount = 33, out.u64PcmSkipCount = 34;
+  out.sztPcmLevel = 35, out.sztPcmSpace = 36, out.sztPcmRingSamples = 37, out.sztPcmWriteSize = 38;
+  out.s64PcmPts = 39;
+  filter.Out(3).st.stRaw.sztWriteSize = 40;
 
   const Switched lines("kest_print_filter_info");
   const ReportCapture capture(ZE_KEST_LEVEL_PRINT);
   EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_Filter(filter));
   const std::vector<Report> reports = capture.Reports();
   const std::string names = " [1-9][0-9]* +pipe           :filter          ";
-  const std::string empty = "l:0         ,a:0         ,s:0         ,";
-  const std::string outs = " out0:cnt:0         ,0 ,0 ,0  " + empty +
-                           "w:0          pts:0                   \\| out3:cnt:0         ,0 ,0 ,0  " + empty;
+  const std::string none = ":cnt:0         ,0 ,0 ,0  l:0         ,a:0         ,s:0         ,";
+  const std::string out0 = " out0" + none + "w:0          pts:0                   \\|";
   struct {
     const char *pszFunction;
     std::string line;
@@ -76,15 +80,19 @@ TEST(Hook, PrintsALineOfPortLevelsForEachKindOfData) {
        "\\[pcm  level\\]" + names +
            "  in0:cnt:1         ,2 ,3 ,4  l:5         ,a:6         ,s:7         ,r:8          pts:-9"
            "                  \\|" +
-           outs + "w:31         pts:0                   \\|\n"},
+           out0 +
+           " out3:cnt:31        ,32,33,34 l:35        ,a:36        ,s:37        ,w:38         pts:39"
+           "                  \\|\n"},
       {"_ZE_KEST_Debug_FilterMetadataInfo",
        "\\[meta level\\]" + names +
-           "  in0:cnt:11        ,0 ,0 ,0  l:0         ,a:0         ,s:12        ,r:0          pts:0"
+           "  in0:cnt:11        ,12,13,14 l:15        ,a:16        ,s:17        ,r:0          pts:18"
+           "                  \\|" +
+           out0 + " out3" + none + "w:0          pts:0                   \\|\n"},
+      {"_ZE_KEST_Debug_FilterRawInfo",
+       "\\[raw  level\\]" + names +
+           "  in0:cnt:0         ,0 ,0 ,21 l:0         ,a:0         ,s:0         ,r:22         pts:0"
            "                   \\|" +
-           outs + "w:0          pts:0                   \\|\n"},
-      {"_ZE_KEST_Debug_FilterRawInfo", "\\[raw  level\\]" + names + "  in0:cnt:0         ,0 ,0 ,21 " + empty +
-                                           "r:22         pts:0                   \\|" + outs +
-                                           "w:32         pts:0                   \\|\n"},
+           out0 + " out3" + none + "w:40         pts:0                   \\|\n"},
   };
   ASSERT_EQ(3u, reports.size());
   for (size_t i = 0; i < 3; ++i) {

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <filesystem>
+#include <thread>
 
 #include <unistd.h>
 
@@ -71,9 +72,13 @@ TEST(Log, EveryLevelHasItsColourAndLabelAndPrintHasNoPrefix) {
   EXPECT_EQ("plain\n", LoggedBy([] { ze_kest_Debug_Log(ZE_KEST_LEVEL_PRINT, "plain\n"); }));
 }
 
-TEST(Log, TheChildOfAForkWritesItsOwnIds) {
+TEST(Log, AThreadAndTheChildOfAForkWriteTheirOwnIds) {
   const DebugLayer layer;
   LoggedError();
+  std::thread([] {
+    const std::string tid = std::to_string(ze_kest_Utility_GetTid());
+    EXPECT_THAT(LoggedError(), HasSubstr("m" + std::to_string(getpid()) + " " + tid + " ["));
+  }).join();
   EXPECT_EQ(0, InAnotherProcess([] {
               const std::string id = std::to_string(getpid());
               EXPECT_THAT(LoggedError(), HasSubstr("m" + id + " " + id + " ["));
@@ -87,7 +92,8 @@ TEST(Log, AChangeOfTheTimeZoneShowsInTheNextLine) {
   for (const auto &[zone, s32Hours] :
        {std::pair{"AAA-5", 5}, std::pair{"BBB3", -3}, std::pair{"BBB4", -4}, std::pair{"BBB3", -3},
         std::pair{"BBB3DDD,0/0,J365/25", -2}, std::pair{"BBB3EEE3,0/0,J365/25", -3},
-        std::pair{"CCC3EEE,0/0,J365/25", -2}, std::pair{"CCC-5", 5}}) {
+        std::pair{"EEE3EEE3,0/0,J365/25", -3}, std::pair{"CCC3EEE,0/0,J365/25", -2},
+        std::pair{"EEE3EEE3,0/0,J365/25", -3}, std::pair{"CCC-5", 5}}) {
     setenv("TZ", zone, 1);
     tzset();
     const auto now = [hours = s32Hours] {  // of the log's own clock: time() may lag it
