@@ -26,6 +26,9 @@ uint8_t bKestAtraceEnable = 0;
 FILE *pFileKestDebugPipeline = nullptr;
 
 namespace kest {
+
+int32_t s32KestMonitorSleepTimeMs = 0;
+
 namespace {
 
 enum class Base : uint8_t { kFresh, kReady, kShutDown };
@@ -33,7 +36,6 @@ enum class Base : uint8_t { kFresh, kReady, kShutDown };
 constexpr int32_t kMonitorSleepTimeMs = 2000;
 
 std::atomic<Base> g_base{Base::kFresh};
-int32_t g_s32MonitorSleepTimeMs = kMonitorSleepTimeMs;
 
 void SetBase(Base base) {
   g_base.store(base, std::memory_order_release);
@@ -84,7 +86,7 @@ void _ZE_KEST_Debug_Init() {
 }
 
 void SetMonitorSleepTime(int32_t s32Ms) {
-  Store(g_s32MonitorSleepTimeMs, s32Ms);
+  Store(s32KestMonitorSleepTimeMs, s32Ms);
 }
 
 }  // namespace kest

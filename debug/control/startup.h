@@ -6,7 +6,9 @@
 
 namespace kest {
 
-// In milliseconds. "kest_monitor_sleep_time" sets it; nothing in the library sleeps by it.
+// In milliseconds, 2000 after a start. "kest_monitor_sleep_time" sets it; nothing in the library sleeps by
+// it.
+extern int32_t s32KestMonitorSleepTimeMs;
 void SetMonitorSleepTime(int32_t s32Ms);
 
 }  // namespace kest

@@ -63,5 +63,13 @@ TEST(SharedSettings, ATextOfAnotherProcessWithoutAnEndIsCut) {
   EXPECT_EQ(1, capture.Count("<PRINT>", "DebugPresetCmd:," + std::string(255, 'x') + "\n"));
 }
 
+TEST(SharedSettings, APresetTextIsReportedAsItIsKeptAndAMissingOneRefused) {
+  const ReportCapture capture;
+  EXPECT_EQ(ZE_KEST_OK, SetPresetCommand(std::string(300, 't').c_str()));
+  EXPECT_EQ(1, capture.Count("<INFO>", "szPresetCmd:" + std::string(255, 't') + "\n"));
+  EXPECT_EQ(ZE_KEST_FAILED, SetPresetCommand(nullptr));
+  EXPECT_EQ(1, capture.Count("<ERR>", "Err! Strncpy failed!\n"));
+}
+
 }  // namespace
 }  // namespace kest::test

@@ -94,6 +94,7 @@ TEST(CommandThread, EmptyLinesRubbishAndEndlessLinesAreRefusedAndTheNextCommandW
 }
 
 TEST(CommandThread, SleepsUntilThereIsALine) {
+  { const DebugLayer before; }
   const DebugLayer layer;
   EXPECT_TRUE(SleepsAtMost(0));
 }
@@ -108,6 +109,18 @@ TEST(CommandThread, HardlyEverLooksForAProcessThatStoppedInTheMiddleOfALine) {
   EXPECT_FALSE(capture.Has("<PRINT>", "LogSizeMax:66\n"));
   close(s32Other);
   EXPECT_TRUE(WaitFor([&] { return capture.Has("<PRINT>", "LogSizeMax:66\n"); }));
+}
+
+TEST(CommandThread, AShutDownCountsTheLineThatAnotherProcessIsReading) {
+  const DebugLayer layer;
+  const ReportCapture capture;
+  const int s32Other = open(kPipe, O_RDWR | O_NONBLOCK);
+  ASSERT_EQ(0, flock(s32Other, LOCK_EX));
+  WriteToPipe("kest_log_size=66\n");
+  EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_DeInit());
+  EXPECT_FALSE(capture.Has("<PRINT>", "LogSizeMax:66\n"));
+  EXPECT_FALSE(capture.Has("<ERR>", kRefused));
+  close(s32Other);
 }
 
 }  // namespace kest::test

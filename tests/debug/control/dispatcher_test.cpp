@@ -2,6 +2,7 @@
 #include <cstring>
 #include <filesystem>
 
+#include "debug/control/startup.h"
 #include "tests/support/library_test.h"
 
 namespace kest::test {
@@ -32,6 +33,8 @@ Texts RepliesTo(const std::string &line, uint32_t u32Expected = ZE_KEST_OK,
 TEST(Dispatcher, EveryInlineCommandConfirmsInItsOwnWords) {
   const DebugLayer layer;
   const std::pair<const char *, Texts> aCommands[] = {
+      {"kest_print_current_shm",
+       {"<PRINT>DebugLevel:0x1,0x1\n", "<PRINT>DebugPresetCmd:,\n", "<PRINT>bDebugPresetCmd:0,0\n"}},
       {"kest_log_to_print=on", {"<PRINT>kest_log_to_print=on\n", "<PRINT>Log to console(1)\n"}},
       {"kest_log_to_print=off", {"<PRINT>kest_log_to_print=off\n", "<PRINT>Log to console(0)\n"}},
       {"kest_log_to_file=off", {"<PRINT>kest_log_to_file=off\n", "<PRINT>Log to file(0)\n"}},
@@ -54,6 +57,7 @@ TEST(Dispatcher, EveryInlineCommandConfirmsInItsOwnWords) {
   };
   for (const auto &[pszLine, replies] : aCommands)
     EXPECT_EQ(replies, RepliesTo(pszLine)) << pszLine;
+  EXPECT_EQ(20000, s32KestMonitorSleepTimeMs);
 }
 
 TEST(Dispatcher, EveryLogLevelShowsTheTestLinesThatItLetsThrough) {

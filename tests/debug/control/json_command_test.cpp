@@ -54,6 +54,8 @@ TEST(JsonCommand, PrintsTokensOf64LevelsAndNoneOfATextThatIsDeeperOrLongerThanAM
   WriteFile(kPath, Nested(64));
   EXPECT_EQ(ZE_KEST_OK, _ZE_KEST_Debug_SetParameter(kLine.c_str()));
   EXPECT_TRUE(capture.Has("<PRINT>", "node:   63,    OBJECT, children:     0, data:\n{}, \n"));
+  WriteFile(kPath, "[" + std::string(1048574, ' ') + "]");
+  EXPECT_EQ(ZE_KEST_OK, _ZE_KEST_Debug_SetParameter(kLine.c_str()));
   for (const std::string &text : {Nested(65), Nested(200000), "[" + std::string(1048576, ' ') + "]"}) {
     capture.Clear();
     WriteFile(kPath, text);
@@ -73,6 +75,9 @@ TEST(JsonCommand, LongLinesKeepTheSizeOfTheLog) {
   WriteFile(kPath, std::string(60, '[') + std::string(50000, ' ') + std::string(60, ']'));
   Command(kLine);
   EXPECT_LT(ReadFile(kLogFile).size(), 200000u);
+  WriteFile(kPath, "[]" + std::string(150000, ' '));  // the text alone is long
+  Command(kLine);
+  EXPECT_LT(ReadFile(kLogFile).size(), 1000u);
 }
 
 TEST(JsonCommand, EndsWithTheDebugLayer) {

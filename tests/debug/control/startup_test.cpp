@@ -3,10 +3,14 @@
 
 #include <atomic>
 #include <filesystem>
+#include <future>
 #include <thread>
+
+#include <unistd.h>
 
 #include "debug/base/debug_mutex.h"
 #include "debug/base/shared_settings.h"
+#include "debug/base/started.h"
 #include "debug/control/create_thread.h"
 #include "tests/support/library_test.h"
 
@@ -14,9 +18,11 @@ namespace kest::test {
 
 TEST(StartUp, TheFirstSetsTheLevelToPrintAndOpensThePipeAndASecondDoesNothing) {
   const DebugLayer layer;
+  EXPECT_EQ(2000, s32KestMonitorSleepTimeMs);
   EXPECT_EQ(ZE_KEST_LEVEL_PRINT, u32KestDebugLevel);
   EXPECT_EQ(nullptr, pFileKestDebugPipeline);
   EXPECT_TRUE(WaitFor([] { return std::filesystem::is_fifo(std::filesystem::status(kPipe)); }));
+  EXPECT_EQ(std::filesystem::perms::owner_all, std::filesystem::status(kPipe).permissions());
   EXPECT_TRUE(std::filesystem::exists(kLogFile));
 
   // A second start is reported and starts no second thread.
@@ -36,6 +42,9 @@ TEST(ShutDown, EndsTheThreadAndRemovesTheSharedBlockUntilTheNextStartAndASecondO
     {
       const DebugLayer layer;
       EXPECT_TRUE(std::filesystem::exists(KEST_DEBUG_DIR "shm_global"));
+      PresetText szText;
+      EXPECT_FALSE(CopyPresetCommand(szText));
+      Command("kest_debug_preset_cmd=all,x");
       Command("kest_log_level=info");
       EXPECT_EQ(ZE_KEST_LEVEL_INFO, u32KestDebugLevel);
     }
@@ -45,6 +54,27 @@ TEST(ShutDown, EndsTheThreadAndRemovesTheSharedBlockUntilTheNextStartAndASecondO
   const ReportCapture capture;
   EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_DeInit());
   EXPECT_EQ((Texts{"DeInit\n", "Exit for double DeInit\n"}), capture.Texts("<INFO>"));
+}
+
+TEST(ShutDown, WaitsForTheNextLineOfThePipeAndClosesTheLogThatTheLineOpens) {
+  { const DebugLayer before; }
+  const ReportCapture capture;
+  const auto descriptors = OpenDescriptors();
+  ASSERT_EQ(ZE_KEST_OK, ze_kest_Debug_Init());
+  WriteToPipe("");
+  std::atomic<bool> bDone{false};
+  std::thread ender([&bDone] {
+    EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_DeInit());
+    bDone = true;
+  });
+  EXPECT_TRUE(WaitFor([] { return IsEnding(); }));
+  usleep(700000);  // in which it looks at the pipe's path
+  EXPECT_FALSE(bDone);
+  WriteToPipe("kest_log_to_file=on\n");
+  ender.join();
+  EXPECT_TRUE(capture.Has("<PRINT>", "kest_log_to_file=on\n"));
+  EXPECT_EQ(descriptors, OpenDescriptors());
+  EXPECT_FALSE(IsEnding());
 }
 
 TEST(StartUp, ALaterProcessAdoptsTheLevelAndThePresetCommand) {
@@ -97,7 +127,8 @@ TEST(StartUp, TheThreadsOwnReportsReachTheLogFileButThoseOfItsCreationComeTooEar
     EXPECT_TRUE(capture.Has("<WRN>", "pthread_attr_setschedparam(&_stKestDebugRuntimeMonitorThreadAttr"));
     ASSERT_EQ(ZE_KEST_OK, ShutDown());
     const std::string log = ReadFile(kLogFile);
-    EXPECT_THAT(log, Not(HasSubstr("_ZE_KEST_Debug_CreateThread")));
+    EXPECT_THAT(log, AllOf(Not(HasSubstr("_ZE_KEST_Debug_CreateThread")), Not(HasSubstr(": End\n"))));
+    EXPECT_EQ(1, capture.Count("<PRINT>", "Log to file(1)\n"));
     EXPECT_THAT(log, ContainsRegex("_ZE_KEST_Debug_RuntimeMonitor.*: Start\n"));
   }
 }
@@ -132,6 +163,35 @@ TEST(DebugMutex, AnUnlockByAnotherThreadLeavesTheLockWithItsHolder) {
   _ZE_KEST_Debug_Mutex_Unlock();
   EXPECT_EQ(0, pthread_mutex_trylock(&_stKestDebugMutex));
   EXPECT_EQ(0, pthread_mutex_unlock(&_stKestDebugMutex));
+}
+
+TEST(DebugMutex, AForkReleasesWhatItTookAndLeavesTheRestWithItsThreadUntilTheShutDown) {
+  const DebugLayer layer;
+  const auto expectHeld = [](bool bHeld) {
+    EXPECT_EQ(bHeld ? EBUSY : 0, pthread_mutex_trylock(&_stKestDebugMutex));
+    if (!bHeld) pthread_mutex_unlock(&_stKestDebugMutex);
+  };
+  for (const bool bHeld : {false, true}) {
+    if (bHeld) _ZE_KEST_Debug_Mutex_Lock();
+    EXPECT_EQ(0, InAnotherProcess([&] { expectHeld(bHeld); }));
+    expectHeld(bHeld);
+    if (bHeld) continue;
+    std::promise<void> end;
+    std::atomic<bool> bLocked{false};
+    std::thread other([&] {
+      _ZE_KEST_Debug_Mutex_Lock();
+      bLocked = true;
+      end.get_future().wait();
+      _ZE_KEST_Debug_Mutex_Unlock();
+    });
+    EXPECT_TRUE(WaitFor([&bLocked] { return bLocked.load(); }));
+    _ZE_KEST_Debug_Mutex_Unlock();  // the fork has left nothing to this thread
+    expectHeld(true);
+    end.set_value();
+    other.join();
+  }
+  EXPECT_EQ(ZE_KEST_OK, ShutDown());
+  expectHeld(false);
 }
 
 }  // namespace kest::test

@@ -178,6 +178,9 @@ TEST_F(Dump, NamesThatLeadOutOfTheDirectoryStayInIt) {
   strcpy(filter.st->szName, "/../../S/PDIF");
   filter.In(0).Ring(&ZE_KEST_Port_s::stRaw, 4).sztReadSize = 4;
   EXPECT_EQ(ZE_KEST_OK, _ZE_KEST_Debug_Dump(filter, kInputDump));
+  filter.Out(0).Ring(&ZE_KEST_Port_s::stRaw, 4).sztReadSize = 4;  // no input, whatever it says
+  EXPECT_EQ(ZE_KEST_OK, _ZE_KEST_Debug_Dump(filter, kInputDump));
+  EXPECT_EQ(1u, DumpedFiles().size());
   EXPECT_EQ(1u, DumpedFiles().count("DumpInpipe_.._.._S_PDIF0_0.raw"));
 }
 

@@ -2,7 +2,11 @@
 #include <optional>
 
 #include "debug/datapath/dump.h"
+#include "debug/datapath/dump_selections.h"
+#include "debug/datapath/io_trace.h"
+#include "debug/datapath/latency_state.h"
 #include "debug/datapath/sine_output.h"
+#include "debug/log/log_file.h"
 #include "tests/support/failing_allocator.h"
 #include "tests/support/ports.h"
 
@@ -50,17 +54,24 @@ TEST(Hook, PrintsALineOfPortLevelsForEachKindOfData) {
   in.stPcm.u64PcmSkipCount = 4, in.stPcm.sztPcmLevel = 5, in.stPcm.sztPcmSpace = 6;
   in.stPcm.sztPcmRingSamples = 7, in.stPcm.sztPcmReadSize = 8, in.stPcm.s64PcmPts = -9;
   filter.In(1).st.bConnected = 0;
-  in.stMeta.au64Count[0] = 11, in.stMeta.sztSize = 12;
+  for (uint64_t i = 0; i < 4; ++i)
+    in.stMeta.au64Count[i] = 11 + i;
+  in.stMeta.sztLevel = 15, in.stMeta.sztSpace = 16, in.stMeta.sztSize = 17, in.stMeta.s64Pts = 18;
   in.stRaw.au64Count[3] = 21, in.stRaw.sztReadSize = 22;
-  filter.Out(3).st.stPcm.sztPcmWriteSize = 31;
-  filter.Out(3).st.stRaw.sztWriteSize = 32;
+  filter.Out(0);
+  ZE_KEST_PcmBuffer_s &out = filter.Out(3).st.stPcm;
+  out.u64PcmReadCount = 31, out.u64PcmXrunCount = 32, out.u64PcmPassCount = 33, out.u64PcmSkipCount = 34;
+  out.sztPcmLevel = 35, out.sztPcmSpace = 36, out.sztPcmRingSamples = 37, out.sztPcmWriteSize = 38;
+  out.s64PcmPts = 39;
+  filter.Out(3).st.stRaw.sztWriteSize = 40;
 
   const Switched lines("kest_print_filter_info");
   const ReportCapture capture(ZE_KEST_LEVEL_PRINT);
   EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_Filter(filter));
   const std::vector<Report> reports = capture.Reports();
   const std::string names = " [1-9][0-9]* +pipe           :filter          ";
-  const std::string empty = "l:0         ,a:0         ,s:0         ,";
+  const std::string none = ":cnt:0         ,0 ,0 ,0  l:0         ,a:0         ,s:0         ,";
+  const std::string out0 = " out0" + none + "w:0          pts:0                   \\|";
   struct {
     const char *pszFunction;
     std::string line;
@@ -68,17 +79,20 @@ TEST(Hook, PrintsALineOfPortLevelsForEachKindOfData) {
       {"_ZE_KEST_Debug_FilterPcmInfo",
        "\\[pcm  level\\]" + names +
            "  in0:cnt:1         ,2 ,3 ,4  l:5         ,a:6         ,s:7         ,r:8          pts:-9"
-           "                  \\| out3:cnt:0         ,0 ,0 ,0  " +
-           empty + "w:31         pts:0                   \\|\n"},
+           "                  \\|" +
+           out0 +
+           " out3:cnt:31        ,32,33,34 l:35        ,a:36        ,s:37        ,w:38         pts:39"
+           "                  \\|\n"},
       {"_ZE_KEST_Debug_FilterMetadataInfo",
        "\\[meta level\\]" + names +
-           "  in0:cnt:11        ,0 ,0 ,0  l:0         ,a:0         ,s:12        ,r:0          pts:0"
-           "                   \\| out3:cnt:0         ,0 ,0 ,0  " +
-           empty + "w:0          pts:0                   \\|\n"},
+           "  in0:cnt:11        ,12,13,14 l:15        ,a:16        ,s:17        ,r:0          pts:18"
+           "                  \\|" +
+           out0 + " out3" + none + "w:0          pts:0                   \\|\n"},
       {"_ZE_KEST_Debug_FilterRawInfo",
-       "\\[raw  level\\]" + names + "  in0:cnt:0         ,0 ,0 ,21 " + empty +
-           "r:22         pts:0                   \\| out3:cnt:0         ,0 ,0 ,0  " + empty +
-           "w:32         pts:0                   \\|\n"},
+       "\\[raw  level\\]" + names +
+           "  in0:cnt:0         ,0 ,0 ,21 l:0         ,a:0         ,s:0         ,r:22         pts:0"
+           "                   \\|" +
+           out0 + " out3" + none + "w:40         pts:0                   \\|\n"},
   };
   ASSERT_EQ(3u, reports.size());
   for (size_t i = 0; i < 3; ++i) {
@@ -208,20 +222,50 @@ TEST(Hook, GoesThroughItsStepsInOrderUntilOneFails) {
   EXPECT_NE(before, port.groups[0].Content());
 }
 
+TEST(Hook, EveryInstrumentHasASwitchOfItsOwn) {
+  const DebugLayer layer;
+  for (const auto &[pszKeyword, bOfHook] :
+       {std::pair{"kest_print_filter_info=", true}, std::pair{"kest_dump_input=", true},
+        std::pair{"kest_dump_output=", true}, std::pair{"kest_output_sinewave=", true},
+        std::pair{"kest_latency=", true}, std::pair{"kest_debug_filter_io=re", false}}) {
+    const uint32_t u32Before = _stKestSwitches.u32On;
+    Command(pszKeyword + std::string(bOfHook ? "on" : "start"));
+    const uint32_t u32Own = _stKestSwitches.u32On & ~u32Before;
+    EXPECT_EQ(1, __builtin_popcount(u32Own)) << pszKeyword;
+    EXPECT_EQ(bOfHook, (u32Own & kHookSwitches) != 0) << pszKeyword;
+  }
+  ResetIoTrace();
+}
+
 TEST(Hook, HasNothingOnAfterANewStart) {
   std::optional<DebugLayer> layer(std::in_place);
   for (const char *pszLine :
-       {"kest_print_filter_info=on", "kest_dump_io=on", "kest_latency=on", "kest_output_sinewave=on",
-        "kest_output_sinewave_filter=other,", "kest_debug_filter_io=pipe,restart"}) {
+       {"kest_dump_filter_io=a,b", "kest_dump_io=off", "kest_latency_config=a,b,c,d", "kest_latency=off",
+        "kest_print_filter_info=on", "kest_dump_io=on", "kest_latency=on", "kest_output_sinewave=on",
+        "kest_output_sinewave_filter=other,f", "kest_debug_filter_io=pipe,restart", "kest_atrace=on",
+        "kest_log_to_print=on"}) {
     Command(pszLine);
   }
+  ze_kest_Debug_Io("pipe", nullptr, ZE_KEST_IO_FILTER_START, 0, 7);
+  _stKestLatency.au32SilentCycles[7] = _stKestLatency.u32TotalBytes = 1;
+  _stKestLatency.u64StartTime = _stKestLatency.u64EndTime = _stKestLatency.u64ProcTime = 1;
+  Mark(_stKestLatency.bInserted);
+  Mark(_stKestLatency.bFound);
   layer.reset();
   layer.emplace();
   EXPECT_FALSE(IsAnyHookSwitchOn());
   EXPECT_EQ(0u, ze_kest_Debug_Io_Is_Enable());
   Command("kest_debug_filter_io=restart");
   EXPECT_EQ(0u, ze_kest_Debug_Io_Is_Enable());  // nothing is watched
-  EXPECT_STREQ("", _stKestSineSelection.szPipelineName);
+  Command("kest_debug_filter_io=pipe,restart");
+  ze_kest_Debug_Io("pipe", "eq", ZE_KEST_IO_FILTER_END, 0, 9);
+  EXPECT_EQ("[f:eq,t1:0,t2:9,td:9]\n", ReadFile(KEST_DEBUG_DIR "pipe.txt"));
+  for (const FilterSelection *pst : {&_stKestSineSelection, &_stKestDumpInput, &_stKestDumpOutput})
+    EXPECT_EQ("0", std::string(pst->szPipelineName) + pst->szFilterName + std::to_string(pst->u32DumpIndex));
+  static const LatencyState stNone = {};
+  EXPECT_EQ(0, memcmp(&stNone, &_stKestLatency, sizeof(stNone)));
+  EXPECT_EQ(0, bKestAtraceEnable);
+  EXPECT_FALSE(IsLogToConsole());
 }
 
 }  // namespace

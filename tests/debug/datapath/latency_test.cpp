@@ -55,6 +55,7 @@ TEST_F(Latency, TheInputIsSilentFor500CyclesThenCarriesTheBurstAndIsLeftAlone) {
     ZE_KEST_PcmBuffer_s &pcm = port.Pcm(u32Bits, kRing, {2, 10, 10});
     pcm.sztPcmReadOffset = sztReadOffset;
     pcm.sztPcmLevel = sztLevel;
+    pcm.s64PcmPts = 77;
     Port &unconnected = filter.In(0);
     unconnected.Pcm(16, kRing, {2, 0, 0}).sztPcmLevel = 9;
     unconnected.st.bConnected = 0;
@@ -87,7 +88,7 @@ TEST_F(Latency, TheInputIsSilentFor500CyclesThenCarriesTheBurstAndIsLeftAlone) {
     EXPECT_EQ(0u, _stKestLatency.au32SilentCycles[0] + _stKestLatency.au32SilentCycles[1]);
     _ZE_KEST_Debug_ReleaseDebugInfoList();
   }
-  const std::string insert = "[latency] insert pipe:filter input 248k sine wave pts:0 \n";
+  const std::string insert = "[latency] insert pipe:filter input 248k sine wave pts:77 \n";
   const std::string cut = "[latency] pipe:filter input 2 48k sine waveonly 30 not 48 samples)\n";
   const std::string held = "[latency] p:pipe                 f:filter          outLvl:960       , ";
   const std::string at96 = held + "10   ms\n";
@@ -153,10 +154,12 @@ TEST_F(Latency, TheEndFindsTheFirstLoudWordOfItsOutput) {
     Mark(_stKestLatency.bInserted);
     capture.Clear();
     EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_MeasureLatency(filter, ZE_KEST_LATENCY_END));
-    char szSearched[32];
+    char szSearched[128];
     const size_t sztAt = (c.written.sztReadOffset + c.written.sztLevel) % kRing * sztWidth;
-    snprintf(szSearched, sizeof(szSearched), "%p ", static_cast<void *>(pu8Base + sztAt));
-    EXPECT_THAT(capture.Texts("<PRINT>").at(0), StartsWith(szSearched));
+    const auto at = [pu8Base](size_t sztByte) { return static_cast<void *>(pu8Base + sztByte); };
+    snprintf(szSearched, sizeof(szSearched), "%p %p %p %u %u %u %zu\n", at(sztAt), at(0),
+             at(kRing * sztWidth), c.written.sztReadOffset, kRing, c.written.sztLevel, sztWidth);
+    EXPECT_EQ(szSearched, capture.Texts("<PRINT>").at(0));
     EXPECT_EQ(c.s32Hit >= 0, IsMarked(_stKestLatency.bFound));
     const size_t sztCycle = c.written.sztWriteSize * sztWidth;
     EXPECT_EQ(c.s32Hit >= 0 ? static_cast<size_t>(c.s32Hit) : sztCycle, _stKestLatency.u32TotalBytes);
@@ -212,6 +215,8 @@ TEST_F(Latency, EveryMeasurementPrintsItsResultOnceAndTheOutputGoesOnBeingWritte
     EXPECT_EQ("[latency] a:b -pi:fil StartTime:500 " + std::string(run.pszTimes) + " us\n", prints[5]);
     EXPECT_EQ(size_t{4} * 96 * 4, ReadFile(KEST_DEBUG_DIR "Outbfilter_" + number + ".pcm").size());
     Send("kest_latency=off");
+    const LatencyState &st = _stKestLatency;
+    EXPECT_EQ(0u, st.u32TotalBytes + st.u64StartTime + st.u64EndTime + st.u64ProcTime);
   }
 }
 
@@ -241,6 +246,14 @@ TEST_F(Latency, NothingIsTouchedOfAPortThatContradictsItselfNorOfAFilterThatIsNo
   EXPECT_FALSE(IsMarked(_stKestLatency.bFound));
   EXPECT_EQ(size_t{60} * 4,
             ReadFile(KEST_DEBUG_DIR "Outfilter_0.pcm").size());  // of the last, whatever its width
+
+  // Nor of an output at the start filter.
+  Send("kest_latency_start_filter=,");
+  filter.In(0).st.bConnected = 0;
+  out.sztPcmLevel = 9;
+  const Bytes written = filter.Out(0).groups[0].Content();
+  EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_MeasureLatency(filter, ZE_KEST_LATENCY_START));
+  EXPECT_EQ(written, filter.Out(0).groups[0].Content());
 }
 
 TEST_F(Latency, CommandsSelectAndSwitch) {

@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <filesystem>
+#include <thread>
 
 #include <unistd.h>
 
 #include "debug/log/log_file.h"
+#include "debug/log/log_line.h"
 #include "tests/support/disk.h"
 #include "tests/support/failing_allocator.h"
 #include "tests/support/library_test.h"
@@ -70,9 +72,13 @@ TEST(Log, EveryLevelHasItsColourAndLabelAndPrintHasNoPrefix) {
   EXPECT_EQ("plain\n", LoggedBy([] { ze_kest_Debug_Log(ZE_KEST_LEVEL_PRINT, "plain\n"); }));
 }
 
-TEST(Log, TheChildOfAForkWritesItsOwnIds) {
+TEST(Log, AThreadAndTheChildOfAForkWriteTheirOwnIds) {
   const DebugLayer layer;
   LoggedError();
+  std::thread([] {
+    const std::string tid = std::to_string(ze_kest_Utility_GetTid());
+    EXPECT_THAT(LoggedError(), HasSubstr("m" + std::to_string(getpid()) + " " + tid + " ["));
+  }).join();
   EXPECT_EQ(0, InAnotherProcess([] {
               const std::string id = std::to_string(getpid());
               EXPECT_THAT(LoggedError(), HasSubstr("m" + id + " " + id + " ["));
@@ -82,9 +88,12 @@ TEST(Log, TheChildOfAForkWritesItsOwnIds) {
 
 TEST(Log, AChangeOfTheTimeZoneShowsInTheNextLine) {
   const DebugLayer layer;
-  // The third is summer time all the year.
-  for (const auto &[zone, s32Hours] : {std::pair{"AAA-5", 5}, std::pair{"BBB3", -3},
-                                       std::pair{"BBB3DDD,0/0,J365/25", -2}, std::pair{"CCC-5", 5}}) {
+  // "0/0,J365/25": summer time all the year; "EEE3": which is no other.
+  for (const auto &[zone, s32Hours] :
+       {std::pair{"AAA-5", 5}, std::pair{"BBB3", -3}, std::pair{"BBB4", -4}, std::pair{"BBB3", -3},
+        std::pair{"BBB3DDD,0/0,J365/25", -2}, std::pair{"BBB3EEE3,0/0,J365/25", -3},
+        std::pair{"EEE3EEE3,0/0,J365/25", -3}, std::pair{"CCC3EEE,0/0,J365/25", -2},
+        std::pair{"EEE3EEE3,0/0,J365/25", -3}, std::pair{"CCC-5", 5}}) {
     setenv("TZ", zone, 1);
     tzset();
     const auto now = [hours = s32Hours] {  // of the log's own clock: time() may lag it
@@ -114,6 +123,15 @@ TEST(Log, TheConsoleGetsTheMessageAloneAndOnlyWhenSwitchedOn) {
   ze_kest_Debug_Log(ZE_KEST_LEVEL_ERR, "unseen\n");
   Command("kest_log_to_print=on");
   printf("of the process itself\n");
+  FILE *pConsole = stdout;
+  char *pszMemory = nullptr;
+  size_t sztMemory = 0;
+  stdout = open_memstream(&pszMemory, &sztMemory);
+  ze_kest_Debug_Log(ZE_KEST_LEVEL_ERR, "in memory %d\n", 1);
+  fclose(stdout);
+  stdout = pConsole;
+  EXPECT_STREQ("in memory 1\n", pszMemory);
+  free(pszMemory);
   ze_kest_Debug_Log(ZE_KEST_LEVEL_ERR, "seen %d\n", 1);
   Command("kest_log_to_print=off");
   ze_kest_Debug_Log(ZE_KEST_LEVEL_ERR, "unseen\n");
@@ -156,6 +174,42 @@ TEST(Log, AFileThatHasGrownTooLongIsRestartedAtA1000thMessage) {
   Command("kest_log_size=1000000");
   LogLines(1000, ZE_KEST_LEVEL_PRINT, "0123456789");
   EXPECT_GT(std::filesystem::file_size(kLogFile), 11000u);
+}
+
+TEST(Log, AFileIsTooLongBeyondItsLimitWhichIsFirst20MiBAndEvery1000thMessageLooks) {
+  const DebugLayer layer;
+  for (const auto &[sztBytes, sztKept] : {std::pair{20971520u, 20971520u}, std::pair{20971521u, 0u}}) {
+    std::filesystem::resize_file(kLogFile, sztBytes);
+    LimitLogFile();
+    EXPECT_EQ(sztKept, std::filesystem::file_size(kLogFile));
+  }
+  SetLogSizeMax(0);
+  const auto messagesToTheNextRestart = [] {
+    const int32_t s32Before = LogRestartCount();
+    int s32Count = 0;
+    for (; LogRestartCount() == s32Before && s32Count < 2000; ++s32Count)
+      ze_kest_Debug_Log(ZE_KEST_LEVEL_PRINT, "x\n");
+    return s32Count;
+  };
+  messagesToTheNextRestart();
+  EXPECT_EQ(1000, messagesToTheNextRestart());
+}
+
+TEST(LogLine, TakesTextsOfAnyLengthOrNothingOfThem) {
+  for (size_t sztLength = 1020; sztLength < 1030; ++sztLength) {
+    LogLine line;
+    const std::string text(sztLength, 'x');
+    {
+      const FailingAllocator memory(1);
+      const bool bFits = sztLength < 1024;  // with its end
+      EXPECT_EQ(bFits, line.AppendText(text)) << sztLength;
+      EXPECT_EQ(bFits ? text : "", line.c_str());
+    }
+    const std::string before = line.c_str();
+    EXPECT_TRUE(line.AppendText(text) && line.Append("%d", 12345));
+    EXPECT_EQ(before + text + "12345", line.c_str());
+    EXPECT_EQ(before.size() + sztLength + 5, line.Length());
+  }
 }
 
 TEST(Log, ALongLineIsWholeAndWithoutMemoryForItCutBeforeTheNext) {
@@ -222,6 +276,8 @@ TEST(Log, AFileThatCannotBeOpenedOrWrittenAndAnUnknownModeAreReportedOnceAndLogg
   EXPECT_TRUE(capture.Has("<ERR>", "Err! eMode(2) not found\n"));
 
   std::filesystem::remove(kLogFile);
+  Command("kest_log_restart");
+  EXPECT_EQ("Log to file(0)\n", capture.Reports().back().text);  // the one that failed has switched it off
   Command("kest_log_to_file=on");
   {
     const FileSizeLimit nothing(0);
@@ -251,6 +307,11 @@ TEST(Log, LostAndCutLinesAreCountedInTheNextOneAndForgottenByARestart) {
   std::filesystem::resize_file(kLogFile, 0);  // as another process's restart does
   print();
   EXPECT_EQ("Lost lines: 3\nnext\n", ReadFile(kLogFile));
+  EXPECT_EQ("this one i\nLost lines: 3\nnext\n", LoggedBy([&] {
+              lose();
+              WriteFile(kLogFile, ReadFile(kLogFile) + "\n");  // as another process's next line does
+              print();
+            }));
 }
 
 TEST(Log, RestartsAtOnceAreAllDoneAndKeepTheSwitch) {

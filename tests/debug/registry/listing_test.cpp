@@ -101,6 +101,8 @@ TEST_F(Listing, TheNodeCommandsWorkOnTheTestEntries) {
   };
   confirms("register", "kest_debug_node=register\n");
   EXPECT_EQ((Texts{"Pipeline0:Filter0"}), Entries());
+  EXPECT_EQ(0u, Head()->pstInfo->u32Tid);
+  EXPECT_STREQ("Thread0", Head()->pstInfo->szThreadName);
   AddPipeline("Decoder_13");
   AddPipeline("Loopback");
   AddPipeline("SpeakerOutput");

@@ -98,6 +98,32 @@ TEST_F(RegistryOrder, APresetCommandReachesAFilterBeforeItsEntryExistsWhateverIt
   g_received.clear();
 }
 
+// Told by what is reported on the way.
+TEST_F(RegistryOrder, IsLockedWhileItIsGoneThrough) {
+  static const char *pszReport = nullptr;
+  static int s32Reports = 0;
+  AddPipeline("P");
+  AddFilter("P", "Volume");
+  Command("kest_debug_filter_io=pipe");
+  const ReportCapture everyLevel;
+  __android_log_set_logger([](const __android_logger_data *, const char *pszText) {
+    if (strstr(pszText, pszReport) == nullptr) return;
+    ++s32Reports;
+    EXPECT_TRUE(IsRegistryLocked()) << pszText;
+  });
+  for (const auto &[pszLine, pszText] :
+       {std::pair{"kest_debug_list=print", ": idx:"}, std::pair{"kest_debug_list=status", "p:P "},
+        std::pair{"kest_filter_debug_level=Vol,all", "setDbgLvl"},
+        std::pair{"kest_debug_send_cmd_by_text=P,Volume,x", "Founded"},
+        std::pair{"kest_debug_filter_io=print_watch_list", ": idx:"}}) {
+    pszReport = pszText;
+    s32Reports = 0;
+    ze_kest_Debug_SetParameter(pszLine);
+    EXPECT_LT(0, s32Reports) << pszLine;
+  }
+  Command("kest_debug_filter_io=release");
+}
+
 TEST(RegistryAcrossProcesses, APresetCommandGivenToAnotherProcessReachesAFilterThatRegistersLater) {
   EmptyDebugDirectory();
   ASSERT_EQ(ZE_KEST_OK, ze_kest_Debug_Init());

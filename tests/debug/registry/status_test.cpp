@@ -8,6 +8,9 @@
 namespace kest::test {
 namespace {
 
+std::map<std::string, uint64_t> g_values;
+std::string g_asked;
+
 class Status : public RegistryTest {
  protected:
   // The prints between the two SAD lines and the rule before the graph, joined.
@@ -18,19 +21,17 @@ class Status : public RegistryTest {
     return text;
   }
 
+  // Answers every parameter that is set, in the size that is asked for.
+  static uint32_t Get(ZE_KEST_Filter_s * /*pstFilter*/, const char *pszName, void *pData, uint32_t u32Size) {
+    EXPECT_TRUE(IsRegistryLocked());
+    g_asked += std::string(pszName) + ":" + std::to_string(u32Size) + " ";
+    if (g_values.count(pszName) == 0) return 0x13;
+    memcpy(pData, &g_values[pszName], u32Size);
+    return ZE_KEST_OK;
+  }
+
   static inline const std::string kRule = "===============\n";
 };
-
-std::map<std::string, uint64_t> g_values;
-std::string g_asked;
-
-// Answers every parameter that is set, in the size that is asked for.
-uint32_t Get(ZE_KEST_Filter_s * /*pstFilter*/, const char *pszName, void *pData, uint32_t u32Size) {
-  g_asked += std::string(pszName) + ":" + std::to_string(u32Size) + " ";
-  if (g_values.count(pszName) == 0) return 0x13;
-  memcpy(pData, &g_values[pszName], u32Size);
-  return ZE_KEST_OK;
-}
 
 TEST_F(Status, AnEmptyRegistryShowsTheCapabilitiesAndTheRules) {
   const Pages pages(std::vector<uint8_t>(ZE_KEST_SAD_SIZE));
@@ -40,6 +41,7 @@ TEST_F(Status, AnEmptyRegistryShowsTheCapabilitiesAndTheRules) {
   for (const auto &[s32Format, u8Support, u32Byte3] : aEntries) {
     pu8Sad[24 * s32Format] = u8Support;
     memcpy(&pu8Sad[24 * s32Format + 16], &u32Byte3, 4);
+    pu8Sad[24 * s32Format + 15] = pu8Sad[24 * s32Format + 20] = 0xFF;  // of neither
   }
   EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_SetSAD(pu8Sad, ZE_KEST_SAD_SIZE));
   const Texts expected = {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "debug/thread/test_threads.h"
 
+#include <algorithm>
 #include <future>
 #include <thread>
 
@@ -8,6 +9,7 @@
 #include "debug/thread/signal_test.h"
 #include "debug/thread/thread_commands.h"
 #include "debug/thread/tid_test.h"
+#include "tests/support/fake_counters.h"
 #include "tests/support/library_test.h"
 
 namespace kest::test {
@@ -67,6 +69,8 @@ TEST(TestThreads, AreCreatedOnceWhereTheProcessMayRunThemAndReportedElsewhere) {
 }
 
 TEST(TestThreads, EndWithTheDebugLayerAndStartAnewWithTheNext) {
+  FakeCounters clock;
+  clock.u64NowUs = 1000000000000000;  // so late that no wait ends by itself
   for (int i = 0; i < 3; ++i) {
     const DebugLayer layer;
     Store(s32KestDebugTidTestDelayMs, INT32_MAX);
@@ -74,8 +78,14 @@ TEST(TestThreads, EndWithTheDebugLayerAndStartAnewWithTheNext) {
     const TestThread tidTest(kCreateTidTest, _stKestDebugTidTest);
     const TestThread signalTest(kCreateSignalTest, _stKestDebugPthreadSignalTest);
     WaitForCount(capture, "Pthread signal: wait\n", 1);  // a "run" of the layer before is forgotten
-    if (i == 1) Command("kest_pthread_signal_test=run");
+    if (i == 1) {
+      Command("kest_pthread_signal_test=run");
+      WaitForCount(capture, "Pthread Signal Test: running\n", 2);
+    }
     EXPECT_EQ(ZE_KEST_OK, ShutDown());
+    const Texts prints = capture.Texts("<PRINT>");
+    EXPECT_EQ(1, std::count_if(prints.begin(), prints.end(),
+                               [](const std::string &text) { return text.rfind("[TidTest]", 0) == 0; }));
     WaitForCount(capture, "Pthread Signal Test: end\n", 1);
     EXPECT_EQ(0, ThreadsNamed("KestTidTest") + ThreadsNamed("KestSignalTest"));
   }
