@@ -178,7 +178,9 @@ TEST_F(CheckFile, FindsFaultsOfTheWholeFile) {
       const bool isIt = row["test"] == fault.test;
       if (!isIt && row["test"] == "Load.ScanTime") continue;
       EXPECT_EQ(isIt ? fault.result : "success", row["result"]) << fault.file << " " << row;
-      if (isIt) EXPECT_THAT(std::string(row["seen"]), HasSubstr(fault.seen));
+      if (isIt) {
+        EXPECT_THAT(std::string(row["seen"]), HasSubstr(fault.seen));
+      }
     }
   }
 }
