@@ -71,4 +71,5 @@ install(FILES "${PROJECT_BINARY_DIR}/kestConfigVersion.cmake" DESTINATION "${kes
 file(RELATIVE_PATH kest_prefix_from_pc "${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig" "${CMAKE_INSTALL_PREFIX}")
 string(REGEX REPLACE "/$" "" kest_prefix_from_pc "${kest_prefix_from_pc}")
 configure_file("${CMAKE_CURRENT_LIST_DIR}/kest.pc.in" "${PROJECT_BINARY_DIR}/kest.pc" @ONLY)
-install(FILES "${PROJECT_BINARY_DIR}/kest.pc" DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
+configure_file("${CMAKE_CURRENT_LIST_DIR}/kest-harness.pc.in" "${PROJECT_BINARY_DIR}/kest-harness.pc" @ONLY)
+install(FILES "${PROJECT_BINARY_DIR}/kest.pc" "${PROJECT_BINARY_DIR}/kest-harness.pc" DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig")

@@ -2,6 +2,7 @@
 // The module: an instance of a filter runs a LADSPA plug-in, given by the configuration, on all channels.
 #include <algorithm>
 #include <array>
+#include <cctype>
 #include <cmath>
 #include <cstdio>
 #include <cstring>
@@ -286,7 +287,10 @@ uint32_t Create(const ZE_KEST_ModuleFilter_s * /*pstKind*/, const ZE_KEST_Module
     *ppvSelf = std::make_unique<Filter>(*pstSetup).release();
     return ZE_KEST_OK;
   } catch (const std::exception &error) {
-    std::snprintf(pstSetup->pszError, pstSetup->u32ErrorSize, "%s", error.what());
+    std::string line = error.what();  // may quote a configuration of several lines
+    std::replace_if(
+        line.begin(), line.end(), [](unsigned char c) { return std::iscntrl(c) != 0; }, '?');
+    std::snprintf(pstSetup->pszError, pstSetup->u32ErrorSize, "%s", line.c_str());
     return ZE_KEST_FAILED;
   }
 }

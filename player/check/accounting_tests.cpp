@@ -24,7 +24,7 @@ Finding MaxSamples(const Subject &subject) {
 }
 
 Finding Total(const Subject &subject) {
-  const auto rig = MakeRig(subject, UsualShape(subject.Load()));
+  const auto rig = MakeRig(subject, UsualShape(subject));
   constexpr uint32_t kFrames = 5000;
   Stream stream;
   Feed(*rig, QuietNoise(*rig, kFrames, subject.seed), {0, subject.seed}, stream);
@@ -37,7 +37,7 @@ Finding Total(const Subject &subject) {
 
 // The output is so short that what is pending needs several turns.
 Finding Pending(const Subject &subject) {
-  Shape shape = UsualShape(subject.Load());
+  Shape shape = UsualShape(subject);
   shape.outputSamples = 4;
   const auto rig = MakeRig(subject, shape);
   Stream stream;
@@ -77,7 +77,7 @@ struct Range {
 Finding Drift(const Subject &subject) {
   constexpr uint32_t kFrames = 1u << 20;
   constexpr uint32_t kPiece = 256;
-  Shape shape = UsualShape(subject.Load());
+  Shape shape = UsualShape(subject);
   const auto rig = MakeRig(subject, shape);
   const Samples in = QuietNoise(*rig, kPiece, subject.seed);
   Stream stream;
@@ -126,7 +126,7 @@ std::optional<Response> ImpulseResponse(const Subject &subject, const Shape &sha
 
 Finding Impulse(const Subject &subject) {
   constexpr uint32_t kPosition = 1000;
-  const Shape shape = UsualShape(subject.Load());
+  const Shape shape = UsualShape(subject);
   const auto rig = MakeRig(subject, shape);
   rig->Turn(false);
   if (rig->MayDiffer()) return Skipped("two runs of it may differ");

@@ -55,7 +55,7 @@ Finding Unwritten(const Subject &subject) {
   if (Finding finding = JudgeTour(subject, ZE_KEST_HARNESS_UNWRITTEN); finding.verdict != Verdict::kSuccess) {
     return finding;
   }
-  for (const Shape &shape : SomeShapes(subject.Load())) {
+  for (const Shape &shape : SomeShapes(subject)) {
     const TwoMarkers runs = RunWithBoth(subject, shape);
     for (size_t i = 0; i < runs.a.size() && i < runs.b.size(); ++i) {
       if (runs.a[i] != SampleOf(kMarkerA, shape.bits) || runs.b[i] != SampleOf(kMarkerB, shape.bits))
@@ -70,7 +70,7 @@ Finding Unwritten(const Subject &subject) {
 Finding UnheldBytes(const Subject &subject) {
   const ModuleKind &kind = subject.Load();
   if ((kind.record.u32Flags & ZE_KEST_MODULE_MAY_DIFFER) != 0) return Skipped("two runs of it may differ");
-  for (const Shape &shape : SomeShapes(kind)) {
+  for (const Shape &shape : SomeShapes(subject)) {
     const TwoMarkers runs = RunWithBoth(subject, shape);
     for (size_t i = 0; i < runs.a.size() && i < runs.b.size(); ++i) {
       const bool isUnwritten =

@@ -22,7 +22,7 @@ Finding Leaks(const Subject &subject) {
   constexpr int kWarmUps = 5;
   constexpr int kLives = 100;
   if (!CallsAreWatched()) return Skipped("this build does not watch allocations");
-  Rig rig(subject, UsualShape(subject.Load()));
+  Rig rig(subject, UsualShape(subject));
   const Samples in = QuietNoise(rig, kFrames, subject.seed);
   for (int i = 0; i < kWarmUps; ++i) {
     LiveOnce(rig, in);
@@ -39,7 +39,7 @@ Finding Leaks(const Subject &subject) {
 }
 
 Finding DestroyUnused(const Subject &subject) {
-  for (const Shape &shape : SomeShapes(subject.Load())) {
+  for (const Shape &shape : SomeShapes(subject)) {
     const auto rig = MakeRig(subject, shape);
     rig->Destroy();
   }
@@ -47,7 +47,7 @@ Finding DestroyUnused(const Subject &subject) {
 }
 
 Finding LeavesProcess(const Subject &subject) {
-  Rig rig(subject, UsualShape(subject.Load()));
+  Rig rig(subject, UsualShape(subject));
   const Samples in = QuietNoise(rig, kFrames, subject.seed);
   const ProcessState before = ProcessState::Now();
   LiveOnce(rig, in);
@@ -57,7 +57,7 @@ Finding LeavesProcess(const Subject &subject) {
 
 Finding TwoInstances(const Subject &subject) {
   constexpr int kPieces = 8;
-  const Shape shape = UsualShape(subject.Load());
+  const Shape shape = UsualShape(subject);
   const auto first = MakeRig(subject, shape);
   const auto second = MakeRig(subject, shape);
   Stream alone;
@@ -84,8 +84,7 @@ std::string FaultOfRefusal(const Rig &rig) {
 }
 
 Finding RefusalHasText(const Subject &subject) {
-  const ModuleKind &kind = subject.Load();
-  for (Shape shape : SomeShapes(kind)) {
+  for (Shape shape : SomeShapes(subject)) {
     for (const uint32_t rate : {1u, 8000u, 11025u, 44100u, 96000u, 192000u, 1000000000u}) {
       shape.sampleRate = rate;
       Rig rig(subject, shape);
@@ -126,7 +125,7 @@ std::vector<WrongConfig> WrongConfigs(uint32_t seed) {
 }
 
 Finding WrongConfiguration(const Subject &subject) {
-  const Shape shape = UsualShape(subject.Load());
+  const Shape shape = UsualShape(subject);
   for (const WrongConfig &config : WrongConfigs(subject.seed)) {
     Subject configured = subject;
     configured.config = config.text;
@@ -145,7 +144,7 @@ Finding WrongConfiguration(const Subject &subject) {
 Finding FailedAllocation(const Subject &subject) {
   constexpr uint32_t kMost = 300;
   if (!CallsAreWatched()) return Skipped("this build does not watch allocations");
-  const Shape shape = UsualShape(subject.Load());
+  const Shape shape = UsualShape(subject);
   MakeRig(subject, shape)->Turn(false);
   for (uint32_t number = 1; number <= kMost; ++number) {
     Rig rig(subject, shape);

@@ -15,7 +15,7 @@ bool MovesMetadata(const Subject &subject) {
 }
 
 Shape ShapeWithMetadata(const Subject &subject) {
-  Shape shape = UsualShape(subject.Load());
+  Shape shape = UsualShape(subject);
   shape.metadataBlocks = 8;
   return shape;
 }

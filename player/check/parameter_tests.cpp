@@ -39,7 +39,7 @@ namespace {
 
 // An instance that has taken a turn: that it can be destroyed without one is another test's.
 std::unique_ptr<Rig> MakeUsedRig(const Subject &subject) {
-  auto rig = MakeRig(subject, UsualShape(subject.Load()));
+  auto rig = MakeRig(subject, UsualShape(subject));
   rig->Turn(false);
   return rig;
 }

@@ -23,7 +23,7 @@ bool MayBlock(const Subject &subject) {
 // Turns over noise, the last ones after the end; nothing but pfnProcess allocates, locks or calls the system.
 struct QuietRun {
   explicit QuietRun(const Subject &subject)
-      : rig(MakeRig(subject, UsualShape(subject.Load()))), in(QuietNoise(*rig, kPiece, subject.seed)) {}
+      : rig(MakeRig(subject, UsualShape(subject))), in(QuietNoise(*rig, kPiece, subject.seed)) {}
 
   void Take() {
     for (uint32_t i = 0; i < kTurns; ++i) {
@@ -80,7 +80,7 @@ int64_t ThreadTimeUs() {
 }
 
 Finding WorstTurn(const Subject &subject) {
-  const Shape shape = UsualShape(subject.Load());
+  const Shape shape = UsualShape(subject);
   const auto rig = MakeRig(subject, shape);
   const Samples in = QuietNoise(*rig, kPiece, subject.seed);
   int64_t worstUs = 0;

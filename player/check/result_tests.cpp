@@ -19,7 +19,7 @@ bool MayDiffer(const Subject &subject) {
 
 Finding Repeat(const Subject &subject) {
   if (MayDiffer(subject)) return Skipped(kMayDiffer);
-  for (const Shape &shape : SomeShapes(subject.Load())) {
+  for (const Shape &shape : SomeShapes(subject)) {
     const Samples in = QuietNoise(Rig(subject, shape), kFrames, subject.seed);
     const std::string difference = Difference(Run(subject, shape, in, {256, 0}).out,
                                               Run(subject, shape, in, {256, 0}).out, shape.channels);
@@ -30,7 +30,7 @@ Finding Repeat(const Subject &subject) {
 
 Finding OtherSplits(const Subject &subject) {
   if (MayDiffer(subject)) return Skipped(kMayDiffer);
-  for (const Shape &shape : SomeShapes(subject.Load())) {
+  for (const Shape &shape : SomeShapes(subject)) {
     const Samples in = QuietNoise(Rig(subject, shape), kFrames, subject.seed);
     const Samples whole = Run(subject, shape, in, {256, 0}).out;
     for (const uint32_t amount : {1u, 10u, 255u, 0u}) {
@@ -80,8 +80,7 @@ std::string FaultOfLoud(const Subject &subject, const Shape &shape, const Sample
 
 Finding FullScale(const Subject &subject) {
   if (MayDiffer(subject)) return Skipped(kMayDiffer);
-  const ModuleKind &kind = subject.Load();
-  for (const Shape &shape : SomeShapes(kind)) {
+  for (const Shape &shape : SomeShapes(subject)) {
     const auto rig = MakeRig(subject, shape);
     rig->Turn(false);
     const Samples loud = Noise(*rig, 2000, subject.seed);

@@ -2,6 +2,8 @@
 #include "player/check/rig.h"
 
 #include <algorithm>
+#include <filesystem>
+#include <set>
 #include <utility>
 
 namespace kest::player {
@@ -21,24 +23,45 @@ void Forget(const ZE_KEST_Harness_s *harness) {
                static_cast<const ZE_KEST_Harness_s *>(nullptr));
 }
 
-uint32_t UsualChannels(const ZE_KEST_ModuleFilter_s &filter) {
-  return std::clamp(2u, filter.u32LeastChannels, filter.u32MostChannels);
+uint32_t WiderWidth(const ZE_KEST_ModuleFilter_s &filter) {
+  return (filter.u32Widths & ZE_KEST_MODULE_32_BITS) != 0 ? 32 : 16;
+}
+
+// What the kind takes, ascending. Where the configuration refuses everything, what the kind declares.
+std::vector<uint32_t> ChannelCounts(const Subject &subject) {
+  const ZE_KEST_ModuleFilter_s filter = subject.Load().record;
+  std::vector<uint32_t> declared;
+  std::vector<uint32_t> taken;
+  for (uint32_t count = filter.u32LeastChannels; count <= filter.u32MostChannels; ++count) {
+    declared.push_back(count);
+    if (subject.config.empty()) continue;
+    Rig rig(subject, {count, WiderWidth(filter)});
+    if (rig.TryCreate() != ZE_KEST_OK) continue;
+    rig.Turn(false);
+    taken.push_back(count);
+  }
+  return taken.empty() ? declared : taken;
+}
+
+uint32_t UsualOf(const std::vector<uint32_t> &counts) {
+  const auto two = std::find(counts.begin(), counts.end(), 2u);
+  return two == counts.end() ? counts.front() : *two;
 }
 
 }  // namespace
 
-Shape UsualShape(const ModuleKind &kind) {
-  return {UsualChannels(kind.record), (kind.record.u32Widths & ZE_KEST_MODULE_32_BITS) != 0 ? 32u : 16u};
+Shape UsualShape(const Subject &subject) {
+  return {UsualOf(ChannelCounts(subject)), WiderWidth(subject.Load().record)};
 }
 
-std::vector<Shape> SomeShapes(const ModuleKind &kind) {
-  const ZE_KEST_ModuleFilter_s &filter = kind.record;
-  std::vector<uint32_t> channels = {filter.u32LeastChannels, UsualChannels(filter), filter.u32MostChannels};
-  channels.erase(std::unique(channels.begin(), channels.end()), channels.end());
+std::vector<Shape> SomeShapes(const Subject &subject) {
+  const ZE_KEST_ModuleFilter_s filter = subject.Load().record;
+  const std::vector<uint32_t> counts = ChannelCounts(subject);
+  const std::set<uint32_t> some = {counts.front(), UsualOf(counts), counts.back()};
   std::vector<Shape> shapes;
   for (const auto &[bit, bits] :
        {std::pair(uint32_t{ZE_KEST_MODULE_16_BITS}, 16u), std::pair(uint32_t{ZE_KEST_MODULE_32_BITS}, 32u)}) {
-    for (const uint32_t count : channels) {
+    for (const uint32_t count : some) {
       if ((filter.u32Widths & bit) != 0) shapes.push_back({count, bits});
     }
   }
@@ -64,6 +87,8 @@ Rig::Rig(const Subject &subject, const Shape &shape) : kind_(subject.Load()), sh
   setup.eGuard = shape.guard;
   setup.u8Marker = shape.marker;
   setup.pszConfig = subject.config.c_str();
+  const std::string directory = std::filesystem::current_path();
+  setup.pszDirectory = directory.c_str();
   ZE_KEST_Harness_s *harness = nullptr;
   if (ze_kest_Harness_Open(&setup, &harness) != ZE_KEST_OK)
     throw std::runtime_error("the ports cannot be made");

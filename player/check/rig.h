@@ -30,10 +30,10 @@ struct Shape {
   uint8_t marker = 0xA5;
 };
 
-// Stereo where the kind takes it, and the wider samples.
-Shape UsualShape(const ModuleKind &kind);
+// Stereo where the kind takes it, and the wider samples. A configuration may narrow what it takes.
+Shape UsualShape(const Subject &subject);
 // Every width; the least, the usual and the most channels.
-std::vector<Shape> SomeShapes(const ModuleKind &kind);
+std::vector<Shape> SomeShapes(const Subject &subject);
 std::string TextOf(const Shape &shape);
 
 class NoInstance : public std::runtime_error {

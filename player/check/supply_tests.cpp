@@ -16,8 +16,8 @@ struct Trial {
   Trial(const Subject &subject, const Shape &shape)
       : rig(MakeRig(subject, shape)),
         in(QuietNoise(*rig, kFrames, subject.seed)),
-        plain(Run(subject, UsualShape(rig->Kind()), in, {256, 0})) {}
-  explicit Trial(const Subject &subject) : Trial(subject, UsualShape(subject.Load())) {}
+        plain(Run(subject, UsualShape(subject), in, {256, 0})) {}
+  explicit Trial(const Subject &subject) : Trial(subject, UsualShape(subject)) {}
 
   void IdleTurns() {
     for (uint32_t i = 0; i < kIdleTurns; ++i) {
@@ -76,7 +76,7 @@ Finding Starved(const Subject &subject) {
 }
 
 Finding FullOutput(const Subject &subject) {
-  Shape shape = UsualShape(subject.Load());
+  Shape shape = UsualShape(subject);
   shape.outputSamples = 300;
   Trial trial(subject, shape);
   const uint32_t fed = ze_kest_Harness_Fill(trial.rig->Get(), trial.in.data(), kFrames);
@@ -89,7 +89,7 @@ Finding FullOutput(const Subject &subject) {
 }
 
 Finding RoomForOne(const Subject &subject) {
-  Shape shape = UsualShape(subject.Load());
+  Shape shape = UsualShape(subject);
   shape.outputSamples = 1;
   Trial trial(subject, shape);
   Feed(*trial.rig, trial.in, {256, 0}, trial.stream);
@@ -106,7 +106,7 @@ Finding Disconnected(const Subject &subject) {
 }
 
 Finding TheEnd(const Subject &subject) {
-  const Shape shape = UsualShape(subject.Load());
+  const Shape shape = UsualShape(subject);
   for (const uint32_t before : {0u, 1000u}) {
     for (const uint32_t left : {0u, 1u, 256u}) {
       const auto rig = MakeRig(subject, shape);

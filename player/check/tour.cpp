@@ -20,7 +20,7 @@ void FillUp(Rig &rig, const Samples &in, Stream &stream) {
 // Rings of odd lengths, so that pieces of 256 wrap everywhere.
 std::string FaultsOfTour(const Subject &subject, uint32_t mask, uint32_t guard) {
   constexpr uint32_t kFrames = 1500;
-  for (Shape shape : SomeShapes(subject.Load())) {
+  for (Shape shape : SomeShapes(subject)) {
     shape.inputSamples = 307;
     shape.outputSamples = 283;
     shape.metadataBlocks = 8;

@@ -20,23 +20,20 @@
 #include <fenv.h>
 #endif
 
-#define KINDS(X)                                                                                         \
-  X(Sound)                                                                                               \
-  X(SoundDelay)                                                                                          \
-  X(SoundMetadata)                                                                                       \
-  X(MayDiffer)                                                                                           \
-  X(MayBlock)                                                                                            \
-  X(Leak) X(DestroyNeedsTurn) X(FloatingPoint) X(Descriptor) X(SharedState) X(RefusesSilently)           \
-      X(ConfigSilently) X(UncheckedAllocation) X(RefusesThree) X(StuckAtSeventeen) X(IgnoresWrap)        \
-          X(WritesBehind) X(WritesUnasked) X(ForgetsWhenStarved) X(LosesWhenFull) X(NeedsRoomForTwo)     \
-              X(NeedsConnection) X(LeavesLast) X(PendingForever) X(ChangesInput) X(ChangesRecord)        \
-                  X(ChangesOutput) X(LeavesUnwritten) X(UsesUnheld) X(ReadsTooMuch) X(WritesTooMuch)     \
-                      X(MovesTooMuch) X(LosesFirst) X(PendingTwice) X(Drifts) X(WrongLatency)            \
-                          X(TouchesMetadata) X(CorruptsBlock) X(LosesBlock) X(AccountsForNoBlock)        \
-                              X(DropsWhenFull) X(OutOfStep) X(Differs) X(DependsOnSplits) X(WrapsAround) \
-                                  X(CallsSystem) X(Allocates) X(Locks) X(Slow) X(NoUnit) X(WrongDefault) \
-                                      X(RoundsValue) X(DividesByLeast) X(OddValueKills) X(RacesWithSet)  \
-                                          X(TakesEveryCommand) X(LongCommandKills) X(Hangs)
+/* clang-format off */
+#define KINDS(X) \
+  X(Sound) X(SoundDelay) X(SoundMetadata) X(MayDiffer) X(MayBlock) X(Leak) X(DestroyNeedsTurn) \
+  X(FloatingPoint) X(Descriptor) X(SharedState) X(RefusesSilently) X(ConfigSilently) \
+  X(UncheckedAllocation) X(RefusesThree) X(StuckAtSeventeen) X(IgnoresWrap) X(WritesBehind) \
+  X(WritesUnasked) X(ForgetsWhenStarved) X(LosesWhenFull) X(NeedsRoomForTwo) X(NeedsConnection) \
+  X(LeavesLast) X(PendingForever) X(ChangesInput) X(ChangesRecord) X(ChangesOutput) \
+  X(LeavesUnwritten) X(UsesUnheld) X(ReadsTooMuch) X(WritesTooMuch) X(MovesTooMuch) X(LosesFirst) \
+  X(PendingTwice) X(Drifts) X(WrongLatency) X(TouchesMetadata) X(CorruptsBlock) X(LosesBlock) \
+  X(AccountsForNoBlock) X(DropsWhenFull) X(OutOfStep) X(Differs) X(DependsOnSplits) X(WrapsAround) \
+  X(CallsSystem) X(Allocates) X(Locks) X(Slow) X(NoUnit) X(WrongDefault) X(RoundsValue) \
+  X(DividesByLeast) X(OddValueKills) X(RacesWithSet) X(TakesEveryCommand) X(LongCommandKills) \
+  X(Hangs)
+/* clang-format on */
 
 #define NAME_OF(name) #name,
 #define VALUE_OF(name) k##name,
