@@ -45,7 +45,7 @@ ZE_KEST_ModuleFilter_s Copier() {
   return kind;
 }
 
-ZE_KEST_HarnessSetup_s Setup(uint32_t u32Channels, uint32_t u32Bits) {
+ZE_KEST_HarnessSetup_s SetupFor(uint32_t u32Channels, uint32_t u32Bits) {
   ZE_KEST_HarnessSetup_s setup{};
   setup.u32Size = sizeof(setup);
   setup.u32Channels = u32Channels;
@@ -78,7 +78,7 @@ struct Bench {
 TEST(Harness, CarriesEveryChannelOfEveryFormatThroughTheRings) {
   for (uint32_t u32Channels = 1; u32Channels <= 22; ++u32Channels) {
     for (const uint32_t u32Bits : {16u, 32u}) {
-      const Bench bench(Setup(u32Channels, u32Bits));
+      const Bench bench(SetupFor(u32Channels, u32Bits));
       ze_kest_Harness_Place(bench.pst, 90, 60);
       std::vector<int32_t> in(size_t{u32Channels} * 50), out(in.size());
       uint32_t u32Seed = u32Channels;
@@ -112,7 +112,7 @@ TEST(Harness, TellsEveryFaultOfATurn) {
        [](ZE_KEST_Filter_s *pst) { pst->apstInPort[0]->stMeta.sztReadSize = 32; }},
   };
   for (const auto &fault : faults) {
-    const Bench bench(Setup(1, 16));
+    const Bench bench(SetupFor(1, 16));
     std::array<int32_t, 50> as32In{};
     ze_kest_Harness_Fill(bench.pst, as32In.data(), 50);
     ze_kest_Harness_FillMetadata(bench.pst, 0);
@@ -126,7 +126,7 @@ TEST(Harness, TellsEveryFaultOfATurn) {
 }
 
 TEST(Harness, MovesTheMetadataThatBelongsToTheSamples) {
-  const Bench bench(Setup(2, 32));
+  const Bench bench(SetupFor(2, 32));
   ASSERT_EQ(ZE_KEST_OK, ze_kest_Harness_FillMetadata(bench.pst, 5));
   uint64_t u64Number = 0;
   for (int i = 0; i < 4; ++i) {
@@ -141,13 +141,13 @@ TEST(Harness, MovesTheMetadataThatBelongsToTheSamples) {
 
 TEST(Harness, RefusesWhatItCannotMake) {
   ZE_KEST_Harness_s *pst = nullptr;
-  ZE_KEST_HarnessSetup_s setup = Setup(23, 16);
+  ZE_KEST_HarnessSetup_s setup = SetupFor(23, 16);
   EXPECT_EQ(ZE_KEST_INVALID_ARGUMENT, ze_kest_Harness_Open(&setup, &pst));
-  setup = Setup(2, 24);
+  setup = SetupFor(2, 24);
   EXPECT_EQ(ZE_KEST_INVALID_ARGUMENT, ze_kest_Harness_Open(&setup, &pst));
   EXPECT_EQ(ZE_KEST_INVALID_ARGUMENT, ze_kest_Harness_Open(nullptr, &pst));
   EXPECT_EQ(nullptr, pst);
-  Bench bench(Setup(2, 16));
+  Bench bench(SetupFor(2, 16));
   EXPECT_EQ(ZE_KEST_INVALID_ARGUMENT, ze_kest_Harness_Create(bench.pst, &bench.kind));
   EXPECT_STREQ("there is an instance already", ze_kest_Harness_Error(bench.pst));
 }
