@@ -165,6 +165,18 @@ TEST(DebugMutex, AnUnlockByAnotherThreadLeavesTheLockWithItsHolder) {
   EXPECT_EQ(0, pthread_mutex_unlock(&_stKestDebugMutex));
 }
 
+namespace {
+
+// Unchecked: one is held through some rounds of a loop only, another is not held at all.
+KEST_UNCHECKED_LOCKS void Lock() {
+  _ZE_KEST_Debug_Mutex_Lock();
+}
+KEST_UNCHECKED_LOCKS void Unlock() {
+  _ZE_KEST_Debug_Mutex_Unlock();
+}
+
+}  // namespace
+
 TEST(DebugMutex, AForkReleasesWhatItTookAndLeavesTheRestWithItsThreadUntilTheShutDown) {
   const DebugLayer layer;
   const auto expectHeld = [](bool bHeld) {
@@ -172,20 +184,20 @@ TEST(DebugMutex, AForkReleasesWhatItTookAndLeavesTheRestWithItsThreadUntilTheShu
     if (!bHeld) pthread_mutex_unlock(&_stKestDebugMutex);
   };
   for (const bool bHeld : {false, true}) {
-    if (bHeld) _ZE_KEST_Debug_Mutex_Lock();
+    if (bHeld) Lock();
     EXPECT_EQ(0, InAnotherProcess([&] { expectHeld(bHeld); }));
     expectHeld(bHeld);
     if (bHeld) continue;
     std::promise<void> end;
     std::atomic<bool> bLocked{false};
     std::thread other([&] {
-      _ZE_KEST_Debug_Mutex_Lock();
+      Lock();
       bLocked = true;
       end.get_future().wait();
-      _ZE_KEST_Debug_Mutex_Unlock();
+      Unlock();
     });
     EXPECT_TRUE(WaitFor([&bLocked] { return bLocked.load(); }));
-    _ZE_KEST_Debug_Mutex_Unlock();  // the fork has left nothing to this thread
+    Unlock();  // the fork has left nothing to this thread
     expectHeld(true);
     end.set_value();
     other.join();

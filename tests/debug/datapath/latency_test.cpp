@@ -174,6 +174,18 @@ TEST_F(Latency, TheEndFindsTheFirstLoudWordOfItsOutput) {
   }
 }
 
+TEST_F(Latency, AStorageOfOneWordIsEnough) {
+  Filter filter;
+  ZE_KEST_PcmBuffer_s &pcm = filter.Out(0).Pcm(32, 1, {1, 0, 0});
+  pcm.asztPcmAllocSize[0] = 4;
+  pcm.sztPcmWriteSize = 1;
+  memset(pcm.apu8PcmGroupBuf[0], 0x7F, 4);
+  Send("kest_latency=on");
+  Mark(_stKestLatency.bInserted);
+  ze_kest_Debug_MeasureLatency(filter, ZE_KEST_LATENCY_END);
+  EXPECT_TRUE(IsMarked(_stKestLatency.bFound));
+}
+
 TEST_F(Latency, EveryMeasurementPrintsItsResultOnceAndTheOutputGoesOnBeingWritten) {
   Filter filter;
   Port &port = filter.Out(0);

@@ -2,8 +2,11 @@
 #include "debug/thread/test_threads.h"
 
 #include <algorithm>
+#include <ctime>
 #include <future>
 #include <thread>
+
+#include <unistd.h>
 
 #include "debug/control/create_thread.h"
 #include "debug/thread/signal_test.h"
@@ -49,6 +52,12 @@ class TestThread {
   std::thread plain_;
 };
 
+int64_t TidTestLines(const ReportCapture &capture) {
+  const Texts prints = capture.Texts("<PRINT>");
+  return std::count_if(prints.begin(), prints.end(),
+                       [](const std::string &text) { return text.rfind("[TidTest]", 0) == 0; });
+}
+
 void WaitForCount(const ReportCapture &capture, const std::string &text, int64_t s64Count) {
   EXPECT_TRUE(WaitFor([&] { return capture.Count("<PRINT>", text) >= s64Count; })) << text;
 }
@@ -82,10 +91,9 @@ TEST(TestThreads, EndWithTheDebugLayerAndStartAnewWithTheNext) {
       Command("kest_pthread_signal_test=run");
       WaitForCount(capture, "Pthread Signal Test: running\n", 2);
     }
+    EXPECT_TRUE(WaitFor([&capture] { return TidTestLines(capture) == 1; }));
     EXPECT_EQ(ZE_KEST_OK, ShutDown());
-    const Texts prints = capture.Texts("<PRINT>");
-    EXPECT_EQ(1, std::count_if(prints.begin(), prints.end(),
-                               [](const std::string &text) { return text.rfind("[TidTest]", 0) == 0; }));
+    EXPECT_EQ(1, TidTestLines(capture));
     WaitForCount(capture, "Pthread Signal Test: end\n", 1);
     EXPECT_EQ(0, ThreadsNamed("KestTidTest") + ThreadsNamed("KestSignalTest"));
   }
@@ -130,6 +138,26 @@ TEST(TidTest, LogsAtIntervalsFromItsOwnThreadWhichCanBeWatched) {
   EXPECT_TRUE(reachesTheFile());
   Command("kest_debug_watch_tid=1");
   EXPECT_FALSE(reachesTheFile());
+}
+
+// The thread sees a clock that is late by half the delay, then by a little more than all of it: a line is due
+// when the real one has come to the end of the delay.
+TEST(TidTest, ALineIsDueTheDelayAfterTheOneBeforeIt) {
+  struct timespec stNow = {};
+  clock_gettime(CLOCK_MONOTONIC, &stNow);
+  if (stNow.tv_sec < 100) GTEST_SKIP() << "the clock has only begun";
+  const auto u64NowUs = static_cast<uint64_t>(stNow.tv_sec) * 1000000;
+  for (const bool bDue : {false, true}) {
+    const DebugLayer layer;
+    FakeCounters clock;
+    clock.u64NowUs = u64NowUs - (bDue ? 60000001 : 30000000);
+    Store(s32KestDebugTidTestDelayMs, 60000);
+    const ReportCapture capture;
+    const TestThread test(kCreateTidTest, _stKestDebugTidTest);
+    EXPECT_TRUE(WaitFor([&] { return TidTestLines(capture) >= (bDue ? 3 : 1); }));
+    usleep(100000);
+    EXPECT_EQ(bDue, TidTestLines(capture) > 1);
+  }
 }
 
 TEST(PthreadSignalTest, WaitsUntilItMayRunAndRunsUntilItShallWait) {
