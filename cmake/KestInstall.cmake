@@ -54,7 +54,8 @@ foreach(example IN ITEMS starter starter-cpp ladspa host)
 endforeach()
 
 # The documents for users of what is installed; those that name the source tree stay in it.
-foreach(document IN ITEMS commands.md kestctl.md kestctl.schema.json)
+foreach(document IN ITEMS
+    commands.md glossary.md kestctl.md kestctl.schema.json log-lines.md player.md troubleshooting.md)
   install(FILES "${PROJECT_SOURCE_DIR}/docs/${document}" DESTINATION "${kest_tools_docs}" COMPONENT tools)
 endforeach()
 foreach(document IN ITEMS write-a-filter.md write-a-host.md)
