@@ -13,8 +13,8 @@ namespace {
 class Schema : public CtlTest {
  protected:
   // Runs kestctl and keeps its document.
-  void Keep(const std::string &arguments, int exitCode, const std::string &before = "") {
-    const CtlResult result = Ctl("--json --timeout 300 " + arguments, before);
+  void Keep(const std::string &arguments, int exitCode, int timeoutMs = 10000) {
+    const CtlResult result = Ctl("--json --timeout " + std::to_string(timeoutMs) + " " + arguments);
     EXPECT_EQ(exitCode, result.exitCode) << arguments << ": " << result.out << result.err;
     KeepText(result.out);
   }
@@ -95,8 +95,9 @@ TEST_F(Schema, HoldsWhenSomethingIsWrong) {
   Keep("doctor", 1);
   PlayerProcess &player = StartPlayer();
   player.Signal(SIGSTOP);
-  Keep("level", 4);
-  Keep("doctor", 1);
+  constexpr int kNobodyAnswersMs = 300;
+  Keep("level", 4, kNobodyAnswersMs);
+  Keep("doctor", 1, kNobodyAnswersMs);
   player.Signal(SIGCONT);
   StartPlayer();
   Keep("set Dec/Vol Gain -6", 5);

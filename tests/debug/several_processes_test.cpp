@@ -15,6 +15,8 @@
 #include <set>
 
 #include <android/log.h>
+#include <fcntl.h>
+#include <sys/file.h>
 #include <sys/mman.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -232,6 +234,14 @@ bool IsAnswered(const std::string &size) {
   return WaitFor([&] { return ReadFile(kLogFile).find("LogSizeMax:" + size + "\n") != std::string::npos; });
 }
 
+// A process holds the pipe's lock while it carries out a line.
+bool NobodyHoldsThePipe() {
+  const int s32Fd = open(kPipe, O_RDWR | O_NONBLOCK | O_CLOEXEC);
+  const bool bFree = flock(s32Fd, LOCK_EX | LOCK_NB) == 0;
+  close(s32Fd);
+  return bFree;
+}
+
 TEST(SeveralProcesses, AStoppedOneLeavesThePipeToTheOthers) {
   EmptyDebugDirectory();
   const pid_t s32Pid = fork();
@@ -242,7 +252,7 @@ TEST(SeveralProcesses, AStoppedOneLeavesThePipeToTheOthers) {
   }
   WriteToPipe("kest_log_size=111111111\n");
   EXPECT_TRUE(IsAnswered("111111111"));
-  usleep(50000);  // it is back at its wait for the next line
+  EXPECT_TRUE(WaitFor(NobodyHoldsThePipe));
   kill(s32Pid, SIGSTOP);
   EXPECT_EQ(ZE_KEST_OK, ze_kest_Debug_Init());
   WriteToPipe("kest_log_size=222222222\n");
