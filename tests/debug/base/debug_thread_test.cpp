@@ -56,6 +56,10 @@ TEST(DebugThread, ARefusedAttributeIsQuotedAndTheThreadCreatedAllTheSame) {
   DestroyDebugThread(g_stThread);
   EXPECT_TRUE(capture.Has(
       "<WRN>", "pthread_attr_setschedparam(&g_stAttributes, &g_stSched) error:22,Invalid argument \n"));
+  const ReportCapture errorsAlone(ZE_KEST_LEVEL_ERR);
+  EXPECT_EQ(ZE_KEST_OK, CreateDebugThread(g_stThread));
+  DestroyDebugThread(g_stThread);
+  EXPECT_EQ(Texts{}, errorsAlone.Texts("<WRN>"));
 }
 
 }  // namespace kest::test

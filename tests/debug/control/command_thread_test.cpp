@@ -111,6 +111,22 @@ TEST(CommandThread, HardlyEverLooksForAProcessThatStoppedInTheMiddleOfALine) {
   EXPECT_TRUE(WaitFor([&] { return capture.Has("<PRINT>", "LogSizeMax:66\n"); }));
 }
 
+TEST(CommandThread, APipeThatFailsIsReportedAndEndsTheThread) {
+  const DebugLayer layer;
+  const ReportCapture capture;
+  const int s32Other = open(kPipe, O_RDWR | O_NONBLOCK);
+  ASSERT_EQ(0, flock(s32Other, LOCK_EX));  // so that the thread looks again and again
+  WriteToPipe("kest_log_size=66\n");
+  std::error_code error;
+  for (int fd = 3; fd < 256; ++fd) {
+    const auto path = std::filesystem::read_symlink("/proc/self/fd/" + std::to_string(fd), error);
+    if (fd != s32Other && path == kPipe) close(fd);
+  }
+  EXPECT_TRUE(WaitFor([&] { return capture.Has("<ERR>", "Err! read ret = -1 : Bad file descriptor\n"); }));
+  EXPECT_TRUE(WaitFor([] { return ThreadsNamed("KestDebug") == 0; }));
+  close(s32Other);
+}
+
 TEST(CommandThread, AShutDownCountsTheLineThatAnotherProcessIsReading) {
   const DebugLayer layer;
   const ReportCapture capture;

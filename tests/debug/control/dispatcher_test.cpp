@@ -58,6 +58,7 @@ TEST(Dispatcher, EveryInlineCommandConfirmsInItsOwnWords) {
   for (const auto &[pszLine, replies] : aCommands)
     EXPECT_EQ(replies, RepliesTo(pszLine)) << pszLine;
   EXPECT_EQ(20000, s32KestMonitorSleepTimeMs);
+  EXPECT_EQ(0, bKestAtraceEnable);
 }
 
 TEST(Dispatcher, EveryLogLevelShowsTheTestLinesThatItLetsThrough) {

@@ -100,6 +100,7 @@ TEST(TestThreads, EndWithTheDebugLayerAndStartAnewWithTheNext) {
 }
 
 TEST(TestThreads, AreRefusedWhileTheLayerIsDown) {
+  EXPECT_EQ(ZE_KEST_NOT_INITIALISED, _ZE_KEST_Debug_CreateThread(kTidTestThread));  // nothing ever ran
   { const DebugLayer layer; }
   const ReportCapture capture;
   EXPECT_EQ(ZE_KEST_NOT_INITIALISED, _ZE_KEST_Debug_Cmd_WatchTid(kCreateTidTest));
