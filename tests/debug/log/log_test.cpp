@@ -290,7 +290,7 @@ TEST(Log, AFileThatCannotBeOpenedOrWrittenAndAnUnknownModeAreReportedOnceAndLogg
 TEST(Log, LostAndCutLinesAreCountedInTheNextOneAndForgottenByARestart) {
   const DebugLayer layer;
   const auto lose = [] {
-    const FileSizeLimit limit(std::filesystem::file_size(kLogFile) + 10);
+    const FileSizeLimit limit(static_cast<rlim_t>(std::filesystem::file_size(kLogFile)) + 10);
     LogLines(3, ZE_KEST_LEVEL_PRINT, "this one is cut and no other fits");
   };
   const auto print = [] { LogLines(1, ZE_KEST_LEVEL_PRINT, "next"); };
