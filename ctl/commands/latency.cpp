@@ -361,6 +361,7 @@ Result RunLatency(Context &context, const Arguments &arguments) {
   if (!arguments.Has("yes")) AskForConsent(ends, repeat);
   const StatusLine progress(context.GetSettings().quiet || context.GetSettings().json);
   std::vector<Run> runs;
+  runs.reserve(static_cast<size_t>(repeat));
   for (int i = 0; i < repeat; ++i) {
     runs.push_back(
         Measurement(context, ends, patience).Measure(progress, fmt::format("{} of {}: ", i + 1, repeat)));

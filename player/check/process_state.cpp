@@ -34,19 +34,16 @@ mode_t Umask() {
   return mask;
 }
 
+// Rounding, traps and flushing of denormals, without the flags that arithmetic sets.
 unsigned long FloatingPointControl() {
 #if defined(__x86_64__)
   constexpr unsigned kControl = 0xFFC0;
   return __builtin_ia32_stmxcsr() & kControl;
-#else
-  fenv_t environment{};
-  fegetenv(&environment);
-#if defined(__arm__)
+#elif defined(__arm__)
   constexpr unsigned kControl = 0x07C09F00;
-  return environment.__cword & kControl;
+  return __builtin_arm_get_fpscr() & kControl;
 #else
   return static_cast<unsigned long>(fegetround());
-#endif
 #endif
 }
 

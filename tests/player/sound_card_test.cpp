@@ -83,8 +83,8 @@ TEST_F(SoundCards, ThatAreNotThereOrRefuseTheFormatAreNamedWithTheReason) {
 }
 
 TEST_F(SoundCards, GoOnAfterTheyRanEmptyAndEndTheRunWhenTheyAreUnplugged) {
-  const std::string samples(4000, 's');
-  const auto *frames = reinterpret_cast<const int16_t *>(samples.data());
+  const std::vector<int16_t> samples(2000, 's' * 0x101);
+  const int16_t *frames = samples.data();
   SoundCard card(Storing(), {2, 48000, SampleBits::k16});
   EXPECT_TRUE(card.Write(frames, 500));
   g_answers = {100, -EPIPE, 150, -EAGAIN, 0};
@@ -98,7 +98,7 @@ TEST_F(SoundCards, GoOnAfterTheyRanEmptyAndEndTheRunWhenTheyAreUnplugged) {
     EXPECT_THAT(error.what(), HasSubstr("is gone or broken: No such device"));
   }
   card.Close();
-  EXPECT_TRUE(samples == Stored()) << "nothing is lost or played twice";
+  EXPECT_TRUE(std::string(4000, 's') == Stored()) << "nothing is lost or played twice";
 }
 
 }  // namespace
