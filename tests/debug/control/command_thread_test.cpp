@@ -117,13 +117,16 @@ TEST(CommandThread, APipeThatFailsIsReportedAndEndsTheThread) {
   const int s32Other = open(kPipe, O_RDWR | O_NONBLOCK);
   ASSERT_EQ(0, flock(s32Other, LOCK_EX));  // so that the thread looks again and again
   WriteToPipe("kest_log_size=66\n");
+  // Not closed: the thread closes its descriptor itself, which may then be another's.
+  const int s32Unreadable = open("/dev/null", O_WRONLY);
   std::error_code error;
   for (int fd = 3; fd < 256; ++fd) {
     const auto path = std::filesystem::read_symlink("/proc/self/fd/" + std::to_string(fd), error);
-    if (fd != s32Other && path == kPipe) close(fd);
+    if (fd != s32Other && path == kPipe) dup2(s32Unreadable, fd);
   }
   EXPECT_TRUE(WaitFor([&] { return capture.Has("<ERR>", "Err! read ret = -1 : Bad file descriptor\n"); }));
   EXPECT_TRUE(WaitFor([] { return ThreadsNamed("KestDebug") == 0; }));
+  close(s32Unreadable);
   close(s32Other);
 }
 
