@@ -107,7 +107,7 @@ bool XrunFinder::IsStarved(const FilterKey &filter) const {
 std::optional<Blame> XrunFinder::LongestBefore(const FilterKey &filter, uint64_t fromUs, size_t depth) const {
   std::vector<FilterKey> own = chain_.AllBefore(filter);
   own.insert(own.begin(), filter);
-  const std::optional<Blame> longest = Longest(own, fromUs);
+  std::optional<Blame> longest = Longest(own, fromUs);
   const FilterKey &first = own.back();
   const bool isFirst = !longest || longest->filter == first.second;
   if (!isFirst || !IsStarved(first) || depth == kMostPipelines) return longest;

@@ -3,6 +3,8 @@
 
 #include <algorithm>
 
+#include <fmt/format.h>
+
 #include "ctl/parse/lines.h"
 #include "ctl/parse/scanner.h"
 
@@ -42,10 +44,11 @@ bool TakeValue(std::string_view text, ParameterValue &parameter) {
 std::vector<ParameterValue> ParseParameterValues(const std::vector<std::string> &lines,
                                                  const std::string &pipeline, const std::string &filter) {
   std::vector<ParameterValue> values;
+  const std::string beginning = fmt::format("{} {} ", pipeline, filter);
   for (const std::string &line : lines) {
     Scanner scanner(line);
     ParameterValue parameter = {pipeline, filter, "", "", "", std::nullopt};
-    if (!scanner.Text(pipeline + " " + filter + " ")) continue;
+    if (!scanner.Text(beginning)) continue;
     const auto name = scanner.UpTo(" = ");
     if (!name || !TakeValue(scanner.Rest(), parameter)) continue;
     parameter.name = *name;

@@ -7,7 +7,7 @@ namespace kest::ctl {
 namespace {
 
 std::string Quoted(const std::string &value) {
-  const std::string text = ToUtf8(value);
+  std::string text = ToUtf8(value);
   if (text.find_first_of(",\"\r\n") == std::string::npos) return text;
   std::string quoted = "\"";
   for (const char character : text)
