@@ -46,11 +46,11 @@ constexpr Command kCommands[] = {
     {"kest_debug_node", "remove_filter", &kBlankOrEquals, "kest_debug_node=remove_filter\n",
      RemoveTestFilter},
     {"kest_debug_node", "remove_pipeline", &kBlankOrEquals, "kest_debug_node=remove_pipeline\n",
-     RemoveTestPipeline, 0},
+     RemoveTestPipeline},
     {"kest_debug_node", "release", &kBlankOrEquals, "kest_debug_node=release\n", ReleaseRegistry},
     {"kest_debug_node", "pipeline_connect", &kBlankOrEquals, "pipeline_connect\n", ConnectTestPipelines},
     {"kest_debug_node", "pipeline_disconnect", &kBlankOrEquals, "pipeline_disconnect\n",
-     DisconnectTestPipelines, 0},
+     DisconnectTestPipelines},
     // Deliberate: the lists confirm under the other keyword, kest_debug_node.
     {"kest_debug_list", "print", &kBlankOrEquals, "kest_debug_node=print\n", ListRegistry},
     {"kest_debug_list", "status", &kBlankOrEquals, "kest_debug_node=status\n", ListStatus},

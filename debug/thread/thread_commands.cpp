@@ -60,7 +60,7 @@ uint32_t PauseSignalTest(const CommandArguments & /*arguments*/) {
 constexpr Command kCurrentTidsCommands[] = {
     {"kest_debug_watch_current_tids", "on", nullptr, "kest_debug_watch_current_tids=on\n", LogEveryThread},
     {"kest_debug_watch_current_tids", "off", nullptr, "kest_debug_watch_current_tids=off\n",
-     SilenceRegisteredThreads, 0},
+     SilenceRegisteredThreads},
 };
 
 constexpr Command kTidCommands[] = {
