@@ -79,8 +79,6 @@ static void LayOutPipeline(void) {
     s_apstFilter[i]->pstParentPipeline = &s_stPipeline;
     s_apstFilter[i]->sztMaxInPcmProcessSize = CYCLE_SAMPLES;
     s_apstFilter[i]->sztMaxOutPcmProcessSize = CYCLE_SAMPLES;
-    for (size_t j = 0; j < 2; ++j)
-      s_astPort[j].stPcm.u32PcmGroupNum = ZE_KEST_PCM_GROUPS;
     AnnounceFormat(s_apstFilter[i]);
   }
 }

@@ -19,7 +19,16 @@ struct Trial {
         plain(Run(subject, UsualShape(subject), in, {256, 0})) {}
   explicit Trial(const Subject &subject) : Trial(subject, UsualShape(subject)) {}
 
-  void IdleTurns() {
+  // Nothing is fed, and what comes out is taken.
+  void EmptyTurns(uint32_t turns) {
+    for (uint32_t i = 0; i < turns; ++i) {
+      rig->Turn(false);
+      TakeAll(*rig, stream);
+    }
+  }
+
+  // Nothing is taken.
+  void BlockedTurns() {
     for (uint32_t i = 0; i < kIdleTurns; ++i) {
       const ZE_KEST_HarnessTurn_s turn = rig->Turn(false);
       stream.written += turn.u32Written;
@@ -49,10 +58,7 @@ struct Trial {
 
 Finding EmptyInput(const Subject &subject) {
   Trial trial(subject);
-  for (uint32_t i = 0; i < kIdleTurns; ++i) {
-    trial.rig->Turn(false);
-    TakeAll(*trial.rig, trial.stream);
-  }
+  trial.EmptyTurns(kIdleTurns);
   Feed(*trial.rig, trial.in, {256, 0}, trial.stream);
   End(*trial.rig, trial.stream);
   return trial.Judge(true);
@@ -66,10 +72,7 @@ Finding Starved(const Subject &subject) {
     const size_t end = std::min(trial.in.size(), begin + piece);
     const auto at = [&](size_t offset) { return trial.in.begin() + static_cast<ptrdiff_t>(offset); };
     Feed(*trial.rig, Samples(at(begin), at(end)), {kPiece, 0}, trial.stream);
-    for (uint32_t i = 0; i < 3; ++i) {
-      trial.rig->Turn(false);
-      TakeAll(*trial.rig, trial.stream);
-    }
+    trial.EmptyTurns(3);
   }
   End(*trial.rig, trial.stream);
   return trial.Judge(true);
@@ -80,7 +83,7 @@ Finding FullOutput(const Subject &subject) {
   shape.outputSamples = 300;
   Trial trial(subject, shape);
   const uint32_t fed = ze_kest_Harness_Fill(trial.rig->Get(), trial.in.data(), kFrames);
-  trial.IdleTurns();
+  trial.BlockedTurns();
   TakeAll(*trial.rig, trial.stream);
   const auto rest = trial.in.begin() + static_cast<ptrdiff_t>(size_t{fed} * trial.rig->Channels());
   Feed(*trial.rig, Samples(rest, trial.in.end()), {256, 0}, trial.stream);
