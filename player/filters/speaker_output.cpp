@@ -73,21 +73,9 @@ void SpeakerOutput::PlayFrames(uint32_t frames) {
 
 // Metadata that has arrived belongs to frames that have arrived, so all of it can go.
 void SpeakerOutput::ConsumeMetadata() {
-  uint32_t bytes = 0;
-  ze_kest_Utility_CalculateInputPortMetadataProcessSize(&Record(), &bytes);
-  const ZE_KEST_DataBuffer_s &ring = Record().apstInPort[0]->stMeta;
-  while (bytes >= kMetadataBlockBytes) {
-    uint32_t source = 0;
-    uint32_t blockBytes = 0;
-    ze_kest_Utility_ReadOneBlockInputPortMetadataBuffer(&Record(), 0, 0, &source, &blockBytes);
-    MetadataBlock block{};
-    ze_kest_Utility_CopyFromRingToNonRingBuffer(reinterpret_cast<uint8_t *>(&block), ring.pu8Buf,
-                                                ring.sztSize, ring.sztReadOffset, ring.sztReadSize,
-                                                std::min(blockBytes, kMetadataBlockBytes));
+  MetadataBlock block{};
+  while (TakeMetadataBlock(block))
     metadata_.Count(block);
-    ze_kest_Utility_UpdateSpecificInputPortMetadataReadSize(&Record(), blockBytes, 0);
-    bytes -= std::min(bytes, blockBytes);
-  }
 }
 
 }  // namespace kest::player

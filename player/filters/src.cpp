@@ -80,16 +80,9 @@ uint32_t Src::Drain(Sample *converted, uint32_t room) {
 
 // A block stands for as many frames of the input as of the output, so the output has blocks of its own.
 void Src::ConsumeMetadata() {
-  uint32_t bytes = 0;
-  ze_kest_Utility_CalculateInputPortMetadataProcessSize(&Record(), &bytes);
-  while (bytes >= kMetadataBlockBytes) {
-    uint32_t source = 0;
-    uint32_t blockBytes = 0;
-    ze_kest_Utility_ReadOneBlockInputPortMetadataBuffer(&Record(), 0, 0, &source, &blockBytes);
-    metadata_.SetSource(source);
-    ze_kest_Utility_UpdateSpecificInputPortMetadataReadSize(&Record(), blockBytes, 0);
-    bytes -= std::min(bytes, blockBytes);
-  }
+  MetadataBlock block{};
+  while (TakeMetadataBlock(block))
+    metadata_.SetSource(block.source);
 }
 
 }  // namespace kest::player

@@ -9,7 +9,6 @@
 #include "ze_kest/utility.h"
 
 #include "player/framework/filter_entries.h"
-#include "player/framework/metadata_block.h"
 
 namespace kest::player {
 namespace {
@@ -205,6 +204,17 @@ uint32_t Filter::MetadataBytesToForward() const {
   ze_kest_Utility_CalculateInputPortMetadataProcessSize(&record_, &available);
   ze_kest_Utility_CalculateOutputPortMetadataProcessSize(&record_, &room);
   return std::min(available, room);
+}
+
+bool Filter::TakeMetadataBlock(MetadataBlock &block) {
+  uint32_t bytes = 0;
+  ze_kest_Utility_CalculateInputPortMetadataProcessSize(&record_, &bytes);
+  if (bytes < kMetadataBlockBytes) return false;
+  const ZE_KEST_DataBuffer_s &ring = record_.apstInPort[0]->stMeta;
+  ze_kest_Utility_CopyFromRingToNonRingBuffer(reinterpret_cast<uint8_t *>(&block), ring.pu8Buf, ring.sztSize,
+                                              ring.sztReadOffset, ring.sztReadSize, kMetadataBlockBytes);
+  ze_kest_Utility_UpdateAllInputPortMetadataReadSize(&record_, kMetadataBlockBytes);
+  return true;
 }
 
 }  // namespace kest::player

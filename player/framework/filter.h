@@ -11,6 +11,7 @@
 #include "player/framework/filter_record.h"
 #include "player/framework/frame_buffer.h"
 #include "player/framework/measured_work.h"
+#include "player/framework/metadata_block.h"
 #include "player/framework/pcm_format.h"
 #include "player/framework/port_storage.h"
 #include "player/requests/filter_requests.h"
@@ -88,6 +89,8 @@ class Filter {
 
   // Of the only input's metadata, forwards what belongs to its next frames, and accounts for it.
   void ForwardMetadata(uint32_t frames);
+  // Takes the next block out of the only input, and accounts for it. False when there is none.
+  bool TakeMetadataBlock(MetadataBlock &block);
 
  private:
   void TakeTurn();

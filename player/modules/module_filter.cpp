@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "ze_kest/debug.h"
+#include "ze_kest/utility.h"
 
 #include "player/base/relaxed.h"
 #include "player/base/text_list.h"
@@ -102,16 +103,45 @@ void ModuleFilter::KeepWithinRings() {
   KeepWithin(output.stPcm.sztPcmWriteSize, output.stPcm.sztPcmSpace, "samples than it had room for");
   KeepWithin(input.stMeta.sztReadSize, input.stMeta.sztLevel, "bytes of metadata than it had");
   KeepWithin(output.stMeta.sztWriteSize, output.stMeta.sztSpace, "bytes of metadata than it had room for");
+  KeepWholeBlocks();
 }
 
 void ModuleFilter::KeepWithin(uint32_t &moved, uint32_t limit, const char *what) {
   if (moved <= limit) return;
-  if (!overstepped_) {
-    ze_kest_Debug_Log(ZE_KEST_LEVEL_ERR, "%s %s accounts for more %s: %u, %u\n",
-                      Record().pstParentPipeline->szName, Record().szName, what, moved, limit);
-  }
-  overstepped_ = true;
+  Complain(std::string("accounts for more ") + what + ": " + std::to_string(moved) + ", " +
+           std::to_string(limit));
   StoreRelaxed(moved, limit);
+}
+
+// The other filters go through the metadata from block to block: behind a wrong one they would find none.
+void ModuleFilter::KeepWholeBlocks() {
+  uint32_t &read = Record().apstInPort[0]->stMeta.sztReadSize;
+  const uint32_t partOfBlock = read % kMetadataBlockBytes;
+  if (partOfBlock == 0 && WroteWholeBlocks()) return;
+  Complain("moves metadata that is not in whole blocks; it is dropped");
+  StoreRelaxed(read, read - partOfBlock);
+  StoreRelaxed(Record().apstOutPort[0]->stMeta.sztWriteSize, 0u);
+}
+
+bool ModuleFilter::WroteWholeBlocks() const {
+  const ZE_KEST_DataBuffer_s &ring = Record().apstOutPort[0]->stMeta;
+  for (uint32_t at = 0; at < ring.sztWriteSize; at += kMetadataBlockBytes) {
+    MetadataBlock block{};
+    ze_kest_Utility_CopyFromRingToNonRingBuffer(reinterpret_cast<uint8_t *>(&block), ring.pu8Buf,
+                                                ring.sztSize, ring.sztReadOffset, ring.sztLevel + at,
+                                                kMetadataBlockBytes);
+    if (block.payloadLength != kMetadataPayloadBytes) return false;
+  }
+  return ring.sztWriteSize % kMetadataBlockBytes == 0;
+}
+
+// Once: what is wrong in one turn is wrong in the next ones too.
+void ModuleFilter::Complain(const std::string &fault) {
+  if (!hasComplained_) {
+    ze_kest_Debug_Log(ZE_KEST_LEVEL_ERR, "%s %s %s\n", Record().pstParentPipeline->szName, Record().szName,
+                      fault.c_str());
+  }
+  hasComplained_ = true;
 }
 
 // Samples wait for it, there is room for them, and nothing moves.

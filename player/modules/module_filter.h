@@ -29,6 +29,9 @@ class ModuleFilter : public Filter {
   void SetGiven(const GivenParameter &given);
   void KeepWithinRings();
   void KeepWithin(uint32_t &moved, uint32_t limit, const char *what);
+  void KeepWholeBlocks();
+  [[nodiscard]] bool WroteWholeBlocks() const;
+  void Complain(const std::string &fault);
   void CheckThatItMoves();
 
   std::string config_;
@@ -36,7 +39,7 @@ class ModuleFilter : public Filter {
   std::vector<Parameter> rows_;
   uint32_t pending_ = 0;  // samples that it still holds after the end
   uint32_t idleTurns_ = 0;
-  bool overstepped_ = false;
+  bool hasComplained_ = false;
 };
 
 }  // namespace kest::player

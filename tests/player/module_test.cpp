@@ -266,6 +266,10 @@ TEST_F(PlayerModules, ThatStandStillEndTheRunAndThoseThatOverstateAreHeldBack) {
   const PlayerResult result = PlayFast(play, "export KEST_FAULT='accounts for more'");
   EXPECT_EQ(0, result.exitCode) << result.err;
   EXPECT_THAT(ReadFile(kLogFile), HasSubstr("Decoder_13 Plain accounts for more samples than it had: "));
+
+  const PlayerResult garbled = PlayFast(play, "export KEST_FAULT='garbled metadata'");
+  EXPECT_THAT(garbled.out, StartsWith("played 5001 frames (0.10 s) and 0 metadata blocks in order"));
+  EXPECT_THAT(ReadFile(kLogFile), HasSubstr("Decoder_13 Plain moves metadata that is not in whole blocks"));
 }
 
 TEST_F(PlayerModules, AreInspectedWithoutPlaying) {

@@ -100,6 +100,12 @@ uint32_t PassOn(const Instance &instance, ZE_KEST_Filter_s *filter) {
   return samples;
 }
 
+// Takes all that there is, and accounts for blocks that nobody has written.
+void MoveGarbledMetadata(ZE_KEST_Filter_s *filter) {
+  ze_kest_Utility_UpdateAllInputPortMetadataReadSize(filter, filter->apstInPort[0]->stMeta.sztLevel);
+  ze_kest_Utility_UpdateAllOutputPortMetadataWriteSize(filter, filter->apstOutPort[0]->stMeta.sztSpace);
+}
+
 void Process(void *self, ZE_KEST_Filter_s *filter, uint32_t ended) {
   auto &instance = *static_cast<Instance *>(self);
   __atomic_add_fetch(&instance.values[1], 1, __ATOMIC_RELAXED);
@@ -109,6 +115,7 @@ void Process(void *self, ZE_KEST_Filter_s *filter, uint32_t ended) {
   const uint32_t more = Is("accounts for more") && samples > 0 ? filter->apstInPort[0]->stPcm.sztPcmSpace : 0;
   ze_kest_Utility_UpdateAllOutputPortPcmWriteSize(filter, samples + more);
   ze_kest_Utility_UpdateAllInputPortPcmReadSize(filter, samples + more);
+  if (Is("garbled metadata")) MoveGarbledMetadata(filter);
 }
 
 uint32_t Command(void *, const char *text) {
@@ -175,6 +182,7 @@ const ZE_KEST_ModuleFilter_s *ze_kest_module(uint32_t u32Abi, uint32_t u32Index)
   static Kind kinds[2];
   if (u32Abi != ZE_KEST_MODULE_ABI || Is("foreign version")) return nullptr;
   kinds[0] = Describe("Plain");
+  if (Is("garbled metadata")) kinds[0].u32Flags = ZE_KEST_MODULE_FORWARDS_METADATA;
   kinds[1] = Describe(Is("two of a name") ? "Plain" : "Narrow");
   kinds[1].u32Widths = ZE_KEST_MODULE_16_BITS;
   for (const KindFault &fault : kKindFaults) {
