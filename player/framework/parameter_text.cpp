@@ -19,7 +19,8 @@ int64_t NumberOf(const Filter &filter, const Parameter &parameter) {
   return parameter.range.least < 0 ? high >> unusedBits : static_cast<int64_t>(bytes);
 }
 
-// 205 with one decimal is "20.5".
+}  // namespace
+
 std::string NumberText(int64_t number, uint32_t decimals) {
   const auto bits = static_cast<uint64_t>(number);
   std::string digits = std::to_string(number < 0 ? 0 - bits : bits);
@@ -31,8 +32,6 @@ std::string NumberText(int64_t number, uint32_t decimals) {
 std::string RangeText(const ParameterRange &range) {
   return NumberText(range.least, range.decimals) + " to " + NumberText(range.most, range.decimals);
 }
-
-}  // namespace
 
 std::string ParameterText(const Filter &filter, const Parameter &parameter) {
   const ParameterRange &range = parameter.range;

@@ -8,6 +8,7 @@
 #include <nlohmann/json.hpp>
 
 #include "player/framework/frame_buffer.h"
+#include "player/framework/parameter_text.h"
 #include "player/modules/module.h"
 #include "player/modules/module_error.h"
 #include "player/modules/module_instance.h"
@@ -81,10 +82,10 @@ std::string ValueWithUnit(const ZE_KEST_ModuleParameter_s &parameter, const std:
 
 void PrintParameter(std::ostream &out, const ModuleInstance &instance, size_t index) {
   const ZE_KEST_ModuleParameter_s &parameter = instance.Parameters()[index];
-  const std::string value = ValueText(instance.Get(index), parameter.u32Decimals);
+  const std::string value = NumberText(instance.Get(index), parameter.u32Decimals);
   out << "      " << parameter.pszName << "  " << ValueWithUnit(parameter, value);
   const bool isReadOnly = (parameter.u32Flags & ZE_KEST_MODULE_READ_ONLY) != 0;
-  out << " (" << (isReadOnly ? "read only" : RangeText(parameter)) << ")";
+  out << " (" << (isReadOnly ? "read only" : RangeText(RangeOf(parameter))) << ")";
   if (*parameter.pszDescription != '\0') out << "  " << parameter.pszDescription;
   out << "\n";
 }

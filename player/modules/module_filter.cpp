@@ -9,6 +9,7 @@
 
 #include "player/base/relaxed.h"
 #include "player/base/text_list.h"
+#include "player/framework/parameter_text.h"
 #include "player/modules/module_error.h"
 #include "player/modules/parameter_value.h"
 
@@ -20,10 +21,6 @@ constexpr uint32_t kMostIdleTurns = 1000;
 
 bool IsReadOnly(const ZE_KEST_ModuleParameter_s &parameter) {
   return (parameter.u32Flags & ZE_KEST_MODULE_READ_ONLY) != 0;
-}
-
-ParameterRange RangeOf(const ZE_KEST_ModuleParameter_s &parameter) {
-  return {parameter.pszUnit, parameter.s32Least, parameter.s32Most, parameter.u32Decimals};
 }
 
 }  // namespace
@@ -75,8 +72,8 @@ void ModuleFilter::SetGiven(const GivenParameter &given) {
   if (IsReadOnly(*parameter)) throw PlayerError(given.place + ": it can only be read");
   const auto value = ParseValue(given.value, *parameter);
   if (!value) {
-    throw PlayerError(given.place + " is " + given.value + "; a number from " + RangeText(*parameter) +
-                      ", with as many decimals at most, is needed");
+    throw PlayerError(given.place + " is " + given.value + "; a number from " +
+                      RangeText(RangeOf(*parameter)) + ", with as many decimals at most, is needed");
   }
   instance_.Set(static_cast<size_t>(parameter - parameters.begin()), *value);
 }

@@ -2,19 +2,12 @@
 #include "player/modules/parameter_value.h"
 
 #include <charconv>
+#include <string>
 
 namespace kest::player {
 
-std::string ValueText(int32_t value, uint32_t decimals) {
-  std::string digits = std::to_string(value < 0 ? -int64_t{value} : int64_t{value});
-  if (digits.size() <= decimals) digits.insert(0, decimals + 1 - digits.size(), '0');
-  if (decimals > 0) digits.insert(digits.size() - decimals, ".");
-  return (value < 0 ? "-" : "") + digits;
-}
-
-std::string RangeText(const ZE_KEST_ModuleParameter_s &parameter) {
-  return ValueText(parameter.s32Least, parameter.u32Decimals) + " to " +
-         ValueText(parameter.s32Most, parameter.u32Decimals);
+ParameterRange RangeOf(const ZE_KEST_ModuleParameter_s &parameter) {
+  return {parameter.pszUnit, parameter.s32Least, parameter.s32Most, parameter.u32Decimals};
 }
 
 std::optional<int32_t> ParseValue(std::string_view text, const ZE_KEST_ModuleParameter_s &parameter) {

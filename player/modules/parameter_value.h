@@ -4,17 +4,15 @@
 
 #include <cstdint>
 #include <optional>
-#include <string>
 #include <string_view>
 
 #include "ze_kest/module.h"
 
+#include "player/framework/filter_kind.h"
+
 namespace kest::player {
 
-// -25 with one decimal is "-2.5".
-std::string ValueText(int32_t value, uint32_t decimals);
-// "-60.0 to 0.0"
-std::string RangeText(const ZE_KEST_ModuleParameter_s &parameter);
+ParameterRange RangeOf(const ZE_KEST_ModuleParameter_s &parameter);
 
 // "-2.5" with one decimal is -25. Nothing unless the text is a number with at most so many decimals, within
 // the limits.

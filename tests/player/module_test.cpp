@@ -5,6 +5,7 @@
 #include <fstream>
 
 #include "player/config/layout_reader.h"
+#include "player/framework/parameter_text.h"
 #include "player/modules/module_error.h"
 #include "player/modules/module_instance.h"
 #include "player/modules/module_kinds.h"
@@ -135,9 +136,9 @@ TEST_F(Module, ValuesAreDecimalNumbersInTheUnitOfTheirParameter) {
   for (const auto &[text, value] : texts) {
     EXPECT_EQ(value, player::ParseValue(text, parameter)) << text;
   }
-  EXPECT_EQ("-6.00 to 0.50", player::RangeText(parameter));
-  EXPECT_EQ("-2147483648", player::ValueText(INT32_MIN, 0));
-  EXPECT_EQ("-2147.483648", player::ValueText(INT32_MIN, 6));
+  EXPECT_EQ("-6.00 to 0.50", player::RangeText(player::RangeOf(parameter)));
+  EXPECT_EQ("-2147483648", player::NumberText(INT32_MIN, 0));
+  EXPECT_EQ("-2147.483648", player::NumberText(INT32_MIN, 6));
 }
 
 class PlayerModules : public PlayerTest {
