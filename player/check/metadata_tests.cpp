@@ -11,7 +11,7 @@ constexpr uint32_t kFrames = 40 * ZE_KEST_METADATA_SAMPLES;
 constexpr const char *kHostMoves = "it leaves the metadata to the host";
 
 bool MovesMetadata(const Subject &subject) {
-  return (subject.Load().record.u32Flags & ZE_KEST_MODULE_FORWARDS_METADATA) != 0;
+  return subject.Has(ZE_KEST_MODULE_FORWARDS_METADATA);
 }
 
 Shape ShapeWithMetadata(const Subject &subject) {

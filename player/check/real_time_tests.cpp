@@ -22,10 +22,6 @@ constexpr bool kIsSanitized = true;
 constexpr bool kIsSanitized = false;
 #endif
 
-bool MayBlock(const Subject &subject) {
-  return (subject.Load().record.u32Flags & ZE_KEST_MODULE_MAY_BLOCK) != 0;
-}
-
 // Turns over noise, the last ones after the end; nothing but pfnProcess allocates, locks or calls the system.
 struct QuietRun {
   explicit QuietRun(const Subject &subject)
@@ -48,7 +44,7 @@ struct QuietRun {
 };
 
 Finding SystemCalls(const Subject &subject) {
-  if (MayBlock(subject)) return Skipped(kMayBlock);
+  if (subject.Has(ZE_KEST_MODULE_MAY_BLOCK)) return Skipped(kMayBlock);
   if (kIsSanitized) return Skipped("this build's sanitizer makes system calls of its own");
   QuietRun run(subject);
   const TrappedCalls calls =
@@ -60,7 +56,7 @@ Finding SystemCalls(const Subject &subject) {
 }
 
 Finding CountedCalls(const Subject &subject, uint32_t CallWatch::*count, const char *CallWatch::*first) {
-  if (MayBlock(subject)) return Skipped(kMayBlock);
+  if (subject.Has(ZE_KEST_MODULE_MAY_BLOCK)) return Skipped(kMayBlock);
   if (!CallsAreWatched()) return Skipped(kNotWatched);
   QuietRun run(subject);
   run.watches = true;

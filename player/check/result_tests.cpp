@@ -13,12 +13,8 @@ namespace {
 constexpr uint32_t kFrames = 5000;
 constexpr const char *kMayDiffer = "two runs of it may differ";
 
-bool MayDiffer(const Subject &subject) {
-  return (subject.Load().record.u32Flags & ZE_KEST_MODULE_MAY_DIFFER) != 0;
-}
-
 Finding Repeat(const Subject &subject) {
-  if (MayDiffer(subject)) return Skipped(kMayDiffer);
+  if (subject.Has(ZE_KEST_MODULE_MAY_DIFFER)) return Skipped(kMayDiffer);
   for (const Shape &shape : SomeShapes(subject)) {
     const Samples in = QuietNoise(Rig(subject, shape), kFrames, subject.seed);
     const std::string difference = Difference(Run(subject, shape, in, {256, 0}).out,
@@ -29,7 +25,7 @@ Finding Repeat(const Subject &subject) {
 }
 
 Finding OtherSplits(const Subject &subject) {
-  if (MayDiffer(subject)) return Skipped(kMayDiffer);
+  if (subject.Has(ZE_KEST_MODULE_MAY_DIFFER)) return Skipped(kMayDiffer);
   for (const Shape &shape : SomeShapes(subject)) {
     const Samples in = QuietNoise(Rig(subject, shape), kFrames, subject.seed);
     const Samples whole = Run(subject, shape, in, {256, 0}).out;
@@ -79,7 +75,7 @@ std::string FaultOfLoud(const Subject &subject, const Shape &shape, const Sample
 }
 
 Finding FullScale(const Subject &subject) {
-  if (MayDiffer(subject)) return Skipped(kMayDiffer);
+  if (subject.Has(ZE_KEST_MODULE_MAY_DIFFER)) return Skipped(kMayDiffer);
   for (const Shape &shape : SomeShapes(subject)) {
     const auto rig = MakeRig(subject, shape);
     rig->Turn(false);

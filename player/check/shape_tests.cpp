@@ -88,8 +88,7 @@ bool DependsOnSplits(const Subject &subject, const Shape &shape) {
 }
 
 Finding Wraps(const Subject &subject) {
-  const ModuleKind &kind = subject.Load();
-  const bool mayDiffer = (kind.record.u32Flags & ZE_KEST_MODULE_MAY_DIFFER) != 0;
+  const bool mayDiffer = subject.Has(ZE_KEST_MODULE_MAY_DIFFER);
   for (const Shape &shape : SomeShapes(subject)) {
     const Samples straight = Wander(subject, shape, false);
     const std::string difference = Difference(straight, Wander(subject, shape, true), shape.channels);

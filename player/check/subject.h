@@ -17,6 +17,8 @@ struct Subject {
 
   // Throws ModuleError.
   [[nodiscard]] const ModuleKind &Load() const { return Module::Load(file).Kind(kind); }
+  // flag: ZE_KEST_ModuleFlag_e, of the kind.
+  [[nodiscard]] bool Has(uint32_t flag) const { return (Load().record.u32Flags & flag) != 0; }
 };
 
 }  // namespace kest::player

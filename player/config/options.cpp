@@ -14,9 +14,11 @@ namespace kest::player {
 namespace {
 
 constexpr int kMisuse = 2;
+constexpr const char *kCheck = "--check";
+constexpr const char *kInspect = "--inspect";
 
 constexpr const char *kDescription =
-    "Plays audio files through pipelines of filters into a WAV file.\n"
+    "Plays audio files through pipelines of filters into a WAV file or to a sound card.\n"
     "\n"
     "Each input runs through a decoder pipeline of its own (Lpcm, Volume); the pipeline\n"
     "SpeakerOutput (Mixer, Delay, SpeakerOutput) adds them up and writes the result.\n"
@@ -59,6 +61,13 @@ ModuleOption ParseModule(const std::string &text) {
     const std::string name = part->substr(0, sign);
     module.parameters.push_back({name, part->substr(sign + 1), "--module " + module.file + ": " + name});
   }
+  return module;
+}
+
+// Without NAME=VALUE: where nothing is played, no value is set.
+ModuleOption ParseModuleAndKind(const char *option, const std::string &text) {
+  ModuleOption module = ParseModule(text);
+  if (!module.parameters.empty()) throw CLI::ValidationError(option, text + " is not FILE[:KIND]");
   return module;
 }
 
@@ -129,7 +138,7 @@ void AddOptions(CLI::App &app, Options &options) {
       ->type_name("TEXT")
       ->trigger_on_parse();
   app.add_option_function<std::string>(
-         "--inspect", [&](const std::string &text) { options.inspect = ParseModule(text); },
+         kInspect, [&](const std::string &text) { options.inspect = ParseModuleAndKind(kInspect, text); },
          "Show a module's filters and their parameters instead of playing")
       ->type_name("FILE[:KIND]")
       ->trigger_on_parse();
@@ -139,14 +148,11 @@ void AddOptions(CLI::App &app, Options &options) {
   app.add_flag("--logcat", options.logcat, "Show the library's Android log on stderr");
 }
 
-constexpr const char *kCheck = "--check";
-constexpr const char *kInspect = "--inspect";
-
 void AddCheckOptions(CLI::App &app, Options &options, CheckRequest &request) {
   app.add_option_function<std::string>(
          kCheck,
          [&](const std::string &text) {
-           const ModuleOption module = ParseModule(text);
+           const ModuleOption module = ParseModuleAndKind(kCheck, text);
            options.check.emplace();
            options.check->file = module.file;
            options.check->kind = module.kind;
@@ -223,7 +229,6 @@ void RefuseEndlessFastRun(const Options &options) {
 std::variant<Options, int> ParseOptions(int argc, const char *const *argv) {
   CLI::App app(kDescription, "kest-player");
   app.footer(kFooter);
-  app.set_version_flag("--version", "kest-player " KEST_VERSION);
   app.formatter(std::make_shared<HelpFormatter>());
   app.set_version_flag("--version", "kest-player " KEST_VERSION, "Print the version and exit");
   Options options;

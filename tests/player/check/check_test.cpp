@@ -212,6 +212,7 @@ TEST_F(CheckFile, ThatCannotBeLoadedHasItsOwnExitCode) {
 TEST_F(CheckFile, WrongCommandLinesAreRefused) {
   EXPECT_EQ(2, RunCheck("faulty_kinds.so:Sound", {"--only", "NoSuchTest"}).exitCode);
   EXPECT_EQ(2, RunCheck("faulty_kinds.so:Sound", {"-o", "out.wav"}).exitCode);
+  EXPECT_EQ(2, RunCheck("faulty_kinds.so:Sound,Gain=1").exitCode);
   EXPECT_EQ(2, PlayerProcess({"--seed", "1", "in.wav", "-o", "out.wav"}).Wait().exitCode);
 }
 
