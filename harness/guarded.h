@@ -16,8 +16,8 @@ typedef struct Guarded_s {
   size_t sztPage;
 } Guarded_s;
 
-/* eGuard: ZE_KEST_HarnessGuard_e. Filled with the
- * marker. 1, or 0 when memory is exhausted. Of 0 bytes: nothing, 1. */
+/* eGuard: ZE_KEST_HarnessGuard_e. Filled with the marker. 1, or 0 when memory is exhausted. Of 0 bytes:
+ * nothing, 1. */
 int GuardedMake(Guarded_s *pst, size_t sztBytes, uint32_t eGuard, uint8_t u8Marker);
 void GuardedFree(Guarded_s *pst);
 void GuardedRemember(Guarded_s *pst);

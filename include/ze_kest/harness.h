@@ -150,7 +150,7 @@ uint32_t ze_kest_Harness_TakeMetadata(ZE_KEST_Harness_s *pstHarness, uint64_t *p
  * a turn that kept to the interface. */
 uint32_t ze_kest_Harness_Turn(ZE_KEST_Harness_s *pstHarness, uint32_t bEnded, ZE_KEST_HarnessTurn_s *pstTurn);
 
-/* What a guard page was hit for, in words, such as "2 bytes behind the rings of the output's group 0".
+/* What a guard page was hit for, in words, such as "byte 2 behind the rings of the output's group 0".
  * pvAddress: the address of the access, si_addr of a SIGSEGV; pszText: out, u32Size bytes, cut to them.
  * May be called in the signal's handler. Returns 1, or 0 when the address lies in no guard page of this
  * harness; pszText is then "". */

@@ -14,7 +14,8 @@
  *                                   sizes of outputs
  *   the debug hook                  ze_kest_Debug_Filter looks at those sizes; they must still stand
  *   the framework, every input      read offset += read size (around the end), level -= read size,
- *                                   space += read size, read size = 0, time stamp
+ *                                   space += read size, read size = 0; the time stamps move on by what
+ *                                   was read
  *   the framework, every output     level += write size, space -= write size, write size = 0
  *
  * So the framework clears the read and write sizes, and nobody else does. They are 0 when a cycle begins. */
@@ -101,7 +102,7 @@ typedef struct ZE_KEST_PcmBuffer_s {
   uint64_t u64PcmPassCount;    /* frames passed by an A/V sync filter */
   uint64_t u64PcmSkipCount;    /* frames skipped by an A/V sync filter */
   ZE_KEST_PcmInfo_s stPcmInfo; /* the format */
-  uint32_t u32PcmGroupNum;     /* 3 once the group records are valid, 0 before */
+  uint32_t u32PcmGroupNum;     /* 3 once the group records are valid, 0 before: set when they are announced */
   ZE_KEST_PcmGroup_s astPcmGroup[ZE_KEST_PCM_GROUPS]; /* groups 0, 1 and 2 */
 } ZE_KEST_PcmBuffer_s;
 
@@ -163,7 +164,7 @@ struct ZE_KEST_Filter_s {
   ZE_KEST_GetParameter pfnGetParameter; /* may be NULL */
   uint8_t u8Ds;                         /* the framework's; the library only prints it, as "ds" */
   int32_t s32Tgt;                       /* the framework's; the library only prints it, as "tgt" */
-  uint32_t u32DbgLvl;                   /* the filter's own debug level */
+  uint32_t u32DbgLvl; /* the filter's own debug level, of result.h, or 0 ("kest_filter_debug_level") */
 };
 
 #ifdef __cplusplus

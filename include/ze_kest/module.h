@@ -95,8 +95,8 @@ enum ZE_KEST_ModuleWidth_e { ZE_KEST_MODULE_16_BITS = 0x01, ZE_KEST_MODULE_32_BI
 
 /* What a kind may be. */
 enum ZE_KEST_ModuleFlag_e {
-  /* The kind moves all metadata itself. Without the flag the host does, in step with the samples that
-   * pfnProcess reads, and the kind leaves the metadata alone. */
+  /* The kind moves all metadata itself, in whole blocks: a host may drop anything else. Without the flag the
+   * host does, in step with the samples that pfnProcess reads, and the kind leaves the metadata alone. */
   ZE_KEST_MODULE_FORWARDS_METADATA = 0x01,
   ZE_KEST_MODULE_MAY_DIFFER = 0x02, /* two runs over the same input may give different samples */
   ZE_KEST_MODULE_MAY_BLOCK = 0x04   /* pfnProcess may allocate, lock and call the system */

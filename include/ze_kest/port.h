@@ -366,8 +366,9 @@ extern ZE_KEST_API const uint32_t sztPcmGroupChNumber[ZE_KEST_PCM_GROUPS];
 ZE_KEST_API uint32_t ze_kest_Utility_UpdatePcmInfoToAllOutputPort(ZE_KEST_Filter_s *pstFilter,
                                                                   const ZE_KEST_PcmInfo_s *pstPcmInfo);
 
-/* Copies three group records to the same ports and recalculates their channel totals. A group for which a
- * port has no storage is marked -1 in that port and not counted. u32Unused is not read. */
+/* Copies three group records to the same ports, sets their number of groups to 3 and recalculates their
+ * channel totals. A group for which a port has no storage is marked -1 in that port and not counted.
+ * u32Unused is not read. */
 ZE_KEST_API uint32_t ze_kest_Utility_UpdatePcmGroupToAllOutputPort(ZE_KEST_Filter_s *pstFilter,
                                                                    uint32_t u32Unused,
                                                                    const ZE_KEST_PcmGroup_s *pastPcmGroup);
