@@ -183,6 +183,7 @@ TEST_F(CheckFile, FindsFaultsOfTheWholeFile) {
   for (const auto &fault : faults) {
     const PlayerResult result = RunCheck(fault.file, {"--json", "--only", "Load"});
     const Json json = Json::parse(result.out);
+    EXPECT_EQ(std::size(faults), json["results"].size()) << fault.file;
     for (const Json &row : json["results"]) {
       const bool isIt = row["test"] == fault.test;
       if (!isIt && row["test"] == "Load.ScanTime") continue;
