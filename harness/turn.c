@@ -150,10 +150,15 @@ static void MoveMetadata(ZE_KEST_Harness_s *pst, uint32_t u32Read) {
   ze_kest_Utility_UpdateAllInputPortMetadataReadSize(&pst->stFilter, u32Bytes);
 }
 
+/* In bytes. The harness itself moves blocks in one piece, which must not end behind a ring. */
+static uint32_t WholeBlocks(uint32_t u32Bytes, uint32_t u32Most) {
+  return Smaller(u32Bytes, u32Most) / METADATA_BLOCK_SIZE * METADATA_BLOCK_SIZE;
+}
+
 static void ReleaseAndCommit(ZE_KEST_Harness_s *pst, const ZE_KEST_HarnessTurn_s *pstTurn) {
   const ZE_KEST_DataBuffer_s *pstIn = &pst->stInput.stRecord.stMeta, *pstOut = &pst->stOutput.stRecord.stMeta;
-  HarnessPortRelease(&pst->stInput, pstTurn->u32Read, Smaller(pstIn->sztReadSize, pstIn->sztLevel));
-  HarnessPortCommit(&pst->stOutput, pstTurn->u32Written, Smaller(pstOut->sztWriteSize, pstOut->sztSpace));
+  HarnessPortRelease(&pst->stInput, pstTurn->u32Read, WholeBlocks(pstIn->sztReadSize, pstIn->sztLevel));
+  HarnessPortCommit(&pst->stOutput, pstTurn->u32Written, WholeBlocks(pstOut->sztWriteSize, pstOut->sztSpace));
 }
 
 uint32_t ze_kest_Harness_Turn(ZE_KEST_Harness_s *pstHarness, uint32_t bEnded,

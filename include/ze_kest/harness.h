@@ -145,9 +145,9 @@ uint32_t ze_kest_Harness_TakeMetadata(ZE_KEST_Harness_s *pstHarness, uint64_t *p
 
 /* Takes a turn as a host does: calls pfnProcess, moves the metadata that belongs to what was read unless the
  * kind does so itself, releases what was read and commits what was written, both limited to what was
- * possible. Not without an instance. Without the debug hook, so that no debug directory is needed. bEnded: as
- * for pfnProcess; pstTurn: out, NULL when the faults are enough. Returns ZE_KEST_HarnessFault_e, or-ed; 0 for
- * a turn that kept to the interface. */
+ * possible, and metadata to whole blocks. Not without an instance. Without the debug hook, so that no debug
+ * directory is needed. bEnded: as for pfnProcess; pstTurn: out, NULL when the faults are enough. Returns
+ * ZE_KEST_HarnessFault_e, or-ed; 0 for a turn that kept to the interface. */
 uint32_t ze_kest_Harness_Turn(ZE_KEST_Harness_s *pstHarness, uint32_t bEnded, ZE_KEST_HarnessTurn_s *pstTurn);
 
 /* What a guard page was hit for, in words, such as "byte 2 behind the rings of the output's group 0".

@@ -59,7 +59,8 @@ ZE_KEST_HarnessSetup_s SetupOf(uint32_t u32Channels, uint32_t u32Bits) {
 }
 
 struct Bench {
-  explicit Bench(const ZE_KEST_HarnessSetup_s &setup) {
+  explicit Bench(const ZE_KEST_HarnessSetup_s &setup, uint32_t u32Flags = 0) {
+    kind.u32Flags = u32Flags;
     EXPECT_EQ(ZE_KEST_OK, ze_kest_Harness_Open(&setup, &pst));
     EXPECT_EQ(ZE_KEST_OK, ze_kest_Harness_Create(pst, &kind));
   }
@@ -136,6 +137,25 @@ TEST(Harness, MovesTheMetadataThatBelongsToTheSamples) {
   }
   EXPECT_EQ(ZE_KEST_OK, ze_kest_Harness_TakeMetadata(bench.pst, &u64Number));
   EXPECT_EQ(5u, u64Number);
+}
+
+// Otherwise it would itself go beyond the ring with the block after.
+TEST(Harness, StaysAtWholeBlocksWhenAFilterSplitsThem) {
+  const Bench bench(SetupOf(2, 16), ZE_KEST_MODULE_FORWARDS_METADATA);
+  g_pfnBesides = [](ZE_KEST_Filter_s *pst) {
+    pst->apstInPort[0]->stMeta.sztReadSize = 48;
+    pst->apstOutPort[0]->stMeta.sztWriteSize = 48;
+  };
+  uint64_t u64Number = 0;
+  for (uint64_t u64Block = 0; u64Block < 20; u64Block += 2) {
+    EXPECT_EQ(ZE_KEST_OK, ze_kest_Harness_FillMetadata(bench.pst, u64Block));
+    EXPECT_EQ(ZE_KEST_OK, ze_kest_Harness_FillMetadata(bench.pst, u64Block + 1));
+    EXPECT_EQ(uint32_t{ZE_KEST_HARNESS_SPLIT_METADATA}, ze_kest_Harness_Turn(bench.pst, 0, nullptr));
+    ze_kest_Harness_Turn(bench.pst, 0, nullptr);
+    EXPECT_EQ(ZE_KEST_FAILED, ze_kest_Harness_TakeMetadata(bench.pst, &u64Number)) << "nobody wrote it";
+    EXPECT_EQ(ZE_KEST_FAILED, ze_kest_Harness_TakeMetadata(bench.pst, &u64Number));
+    EXPECT_EQ(ZE_KEST_NOTHING_TO_PROCESS, ze_kest_Harness_TakeMetadata(bench.pst, &u64Number));
+  }
 }
 
 TEST(Harness, RefusesWhatItCannotMake) {
