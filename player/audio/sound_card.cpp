@@ -13,7 +13,7 @@ namespace {
 constexpr const char *kPrefix = "alsa:";
 constexpr unsigned int kLatencyUs = 100'000;
 constexpr int kPatienceMs = 5000;
-constexpr useconds_t kResumePeriodUs = 10'000;
+constexpr int kResumePeriodUs = 10'000;
 
 // What libasound has to say is in the errors that its functions return.
 void SayNothing(const char *, int, const char *, int, const char *, ...) {}
@@ -82,15 +82,20 @@ bool SoundCard::Recover(int error) {
     WaitForRoom();
     return true;
   }
-  if (error == -ESTRPIPE) {
-    while ((error = snd_pcm_resume(pcm_.get())) == -EAGAIN)
-      usleep(kResumePeriodUs);
-    if (error == 0) return true;
-  } else if (error != -EPIPE) {
-    Fail("is gone or broken", error);
-  }
+  if (error == -ESTRPIPE && Resume()) return true;
+  if (error != -ESTRPIPE && error != -EPIPE) Fail("is gone or broken", error);
   error = snd_pcm_prepare(pcm_.get());
   if (error < 0) Fail("cannot go on after it ran empty", error);
+  return false;
+}
+
+// After the system slept. False when the card must begin anew.
+bool SoundCard::Resume() {
+  for (int tries = kPatienceMs * 1000 / kResumePeriodUs; tries > 0; --tries) {
+    const int error = snd_pcm_resume(pcm_.get());
+    if (error != -EAGAIN) return error == 0;
+    usleep(kResumePeriodUs);
+  }
   return false;
 }
 

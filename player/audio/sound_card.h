@@ -35,6 +35,7 @@ class SoundCard : public AudioSink {
   void Configure(const AudioFormat &format);
   bool WriteBytes(const uint8_t *frames, uint32_t count, size_t bytesPerFrame);
   bool Recover(int error);
+  bool Resume();
   void WaitForRoom();
   [[noreturn]] void Fail(const std::string &what, int error) const;
 
