@@ -153,7 +153,7 @@ typedef void (*ZE_KEST_ModuleSet)(void *pvSelf, uint32_t u32Index, int32_t s32Va
 
 /* A command for the instance. [command thread beside pfnProcess, with the registry of the debug layer locked:
  * do not block, do not call ze_kest/debug.h except ze_kest_Debug_Log, with which it may answer]
- * pszCommand: the text; any length and any bytes but NUL.
+ * pszCommand: the text; any length and any bytes but NUL. kest-player answers "get" and "state" itself.
  * ZE_KEST_OK: done; ZE_KEST_INVALID_ARGUMENT: not a command of this kind, nothing has changed. */
 typedef uint32_t (*ZE_KEST_ModuleCommand)(void *pvSelf, const char *pszCommand);
 
