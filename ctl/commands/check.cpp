@@ -94,7 +94,7 @@ Result RunCheck(Context &context, const Arguments &arguments) {
   const auto leastSnrDb = RealOption(arguments, "min-snr", {-200, 200});
   AudioFile file(path);
   if (file.Frames() == 0) throw CtlError(ExitCode::kUsage, fmt::format("{} holds no sound", path));
-  const StatusLine progress(context.GetSettings().quiet || context.GetSettings().json);
+  const StatusLine progress(context.IsSilent());
   Findings findings;
   Json channels = Json::array();
   Table levels(

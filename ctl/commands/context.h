@@ -38,6 +38,8 @@ class Context {
   [[nodiscard]] Host &GetHost() { return *host_; }
   [[nodiscard]] Channel &GetChannel() { return channel_; }
   [[nodiscard]] bool UsesColour() const;
+  // Whether nothing is to be said of how far a command has come.
+  [[nodiscard]] bool IsSilent() const { return settings_.quiet || settings_.json; }
 
   // What runs. Asked once for each command.
   const Listing &GetListing();

@@ -254,7 +254,7 @@ void DumpRun::NameFiles(std::optional<unsigned> inputRun, std::optional<unsigned
 }
 
 void DumpRun::WaitUntilDumped() {
-  const StatusLine progress(context_.GetSettings().quiet || context_.GetSettings().json);
+  const StatusLine progress(context_.IsSilent());
   const auto deadline =
       Clock::now() + kPatience +
       std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(wishes_.seconds * kSlowness));

@@ -359,7 +359,7 @@ Result RunLatency(Context &context, const Arguments &arguments) {
   const std::chrono::duration<double> patience(RealOption(arguments, "wait", {0.001, 3600}).value_or(5.0));
   const Ends ends = EndsOf(context.GetListing(), arguments);
   if (!arguments.Has("yes")) AskForConsent(ends, repeat);
-  const StatusLine progress(context.GetSettings().quiet || context.GetSettings().json);
+  const StatusLine progress(context.IsSilent());
   std::vector<Run> runs;
   runs.reserve(static_cast<size_t>(repeat));
   for (int i = 0; i < repeat; ++i) {

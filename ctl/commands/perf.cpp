@@ -15,8 +15,8 @@
 #include "ctl/parse/lines.h"
 #include "ctl/parse/perf_line.h"
 #include "ctl/render/csv.h"
+#include "ctl/render/status_line.h"
 #include "ctl/render/table.h"
-#include "ctl/terminal/progress.h"
 
 namespace kest::ctl {
 namespace {
@@ -82,7 +82,7 @@ class Perf {
     const std::string name = what.filter == nullptr
                                  ? what.pipeline->name
                                  : fmt::format("{}:{}", what.pipeline->name, what.filter->name);
-    const Progress progress("measuring " + name, duration_, context_.GetSettings().quiet);
+    const StatusLine progress(context_.IsSilent());
     LogLines log(context_.GetHost(), context_.GetSettings().directory);
     SwitchedOn target(context_.GetChannel(), {"kest_perf_event_target=none"});
     static_cast<void>(context_.GetChannel().Send(
@@ -94,7 +94,8 @@ class Perf {
     const auto begin = Clock::now();
     for (auto now = begin; now - begin < duration_; now = Clock::now()) {
       if (!isStarted && what.filter != nullptr && now - begin > kStartPatience) break;
-      progress.Show(std::chrono::duration_cast<milliseconds>(now - begin));
+      progress.ShowTime("measuring " + name, std::chrono::duration_cast<milliseconds>(now - begin),
+                        duration_);
       Pause(kPause);
       for (const std::string &text : log.Next()) {
         isStarted = isStarted || BeginsWith(text, start);

@@ -225,9 +225,7 @@ void AddProcess(Context &context, Bundle &bundle) {
 }
 
 void Say(const Context &context, const char *text) {
-  const Settings &settings = context.GetSettings();
-  if (!settings.quiet && !settings.json && isatty(STDERR_FILENO) != 0)
-    fmt::print(stderr, "kestctl: {}\n", text);
+  if (!context.IsSilent() && isatty(STDERR_FILENO) != 0) fmt::print(stderr, "kestctl: {}\n", text);
 }
 
 size_t LineCount(const Arguments &arguments) {

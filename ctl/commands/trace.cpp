@@ -12,9 +12,9 @@
 #include "ctl/observe/trace_recorder.h"
 #include "ctl/parse/lines.h"
 #include "ctl/parse/port_line.h"
+#include "ctl/render/status_line.h"
 #include "ctl/render/table.h"
 #include "ctl/render/trace_json.h"
-#include "ctl/terminal/progress.h"
 
 namespace kest::ctl {
 namespace {
@@ -106,8 +106,8 @@ Result Record(Context &context, const Arguments &arguments, OutputFile &file, co
     if (std::find(wish.pipelines.begin(), wish.pipelines.end(), target.pipeline) == wish.pipelines.end())
       wish.pipelines.push_back(target.pipeline);
   }
-  const Progress progress("tracing", wish.duration, context.GetSettings().quiet);
-  wish.progress = [&](milliseconds elapsed) { progress.Show(elapsed); };
+  const StatusLine progress(context.IsSilent());
+  wish.progress = [&](milliseconds elapsed) { progress.ShowTime("tracing", elapsed, wish.duration); };
   const Recording recording = RecordTrace(context, wish);
   file.Write(TraceJson(recording.document));
   Result result = ResultOf(recording.document, path);

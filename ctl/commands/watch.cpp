@@ -44,7 +44,7 @@ class Watch {
         finder_(context.GetListing(), every_ == kForEver) {}
 
   Result Run() {
-    if (!context_.GetSettings().quiet && !context_.GetSettings().json) {
+    if (!context_.IsSilent()) {
       fmt::print(stderr, "kestctl: watching {} ({}); Ctrl-C ends it\n", Escape(process_.name), process_.pid);
     }
     if (every_ == kForEver) {
