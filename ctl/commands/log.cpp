@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <algorithm>
-#include <charconv>
 #include <cstdio>
 
 #include <fmt/format.h>
@@ -11,6 +10,7 @@
 #include "ctl/channel/marker.h"
 #include "ctl/commands/commands.h"
 #include "ctl/commands/context.h"
+#include "ctl/commands/option_values.h"
 #include "ctl/parse/lines.h"
 #include "ctl/parse/log_line.h"
 #include "ctl/render/escape.h"
@@ -20,17 +20,6 @@ namespace {
 
 constexpr std::chrono::milliseconds kFollowPause{50};
 constexpr int kDefaultLines = 20;
-
-int NumberOf(const Arguments &arguments, const char *option, int otherwise) {
-  const auto text = arguments.Option(option);
-  if (!text) return otherwise;
-  int number = 0;
-  const auto [end, error] = std::from_chars(text->data(), text->data() + text->size(), number);
-  if (error != std::errc{} || end != text->data() + text->size() || number < 0) {
-    throw CtlError(ExitCode::kUsage, fmt::format("--{}: \"{}\" is no number", option, *text));
-  }
-  return number;
-}
 
 // From serious to talkative, as in the prefixes. PRINT lines have no level.
 constexpr std::string_view kSeverities[] = {"ERR", "WRN", "INFO", "TRACE", "ENTER", "EXIT"};
@@ -50,7 +39,7 @@ bool IsNoise(const LogLine &line) {
 class LineChoice {
  public:
   explicit LineChoice(const Arguments &arguments)
-      : isRaw_(arguments.Has("raw")), tid_(NumberOf(arguments, "tid", 0)) {
+      : isRaw_(arguments.Has("raw")), tid_(WholeOption(arguments, "tid", {1, kMostWhole}).value_or(0)) {
     const auto level = arguments.Option("level");
     if (!level) return;
     const auto found = std::find_if(std::begin(kSeverityOptions), std::end(kSeverityOptions),
@@ -132,7 +121,8 @@ Result RunLog(Context &context, const Arguments &arguments) {
   const LineChoice choice(arguments);
   const LineWriter writer(context, arguments);
   const auto takes = [&](const std::string &text) { return choice.Takes(ParseLogLine(text)); };
-  const auto count = static_cast<size_t>(NumberOf(arguments, "lines", kDefaultLines));
+  const auto count =
+      static_cast<size_t>(WholeOption(arguments, "lines", {0, kMostWhole}).value_or(kDefaultLines));
   const LogTail tail =
       ReadTail(context.GetHost(), context.GetSettings().directory + "KestLog.txt", count, takes);
   if (arguments.Has("follow")) {

@@ -1,14 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "ctl/render/metrics.h"
 
-#include <cmath>
-#include <cstdlib>
-
 #include <fmt/format.h>
 
 #include "ctl/channel/interrupt.h"
 #include "ctl/commands/commands.h"
 #include "ctl/commands/context.h"
+#include "ctl/commands/option_values.h"
 #include "ctl/render/escape.h"
 #include "ctl/render/metrics_text.h"
 #include "ctl/render/output_file.h"
@@ -17,7 +15,7 @@ namespace kest::ctl {
 namespace {
 
 constexpr mode_t kForAllToRead = 0644;
-constexpr double kLongestWatchSeconds = 86400.0;
+constexpr NumberRange kWatchSeconds = {0.001, 86400.0};
 
 struct Plan {
   std::optional<std::string> path;
@@ -25,15 +23,6 @@ struct Plan {
   std::string device;
   std::optional<double> watchSeconds;
 };
-
-double SecondsOf(const std::string &text) {
-  char *end = nullptr;
-  const double seconds = std::strtod(text.c_str(), &end);
-  const bool isNumber = end != text.c_str() && *end == '\0' && std::isfinite(seconds);
-  if (isNumber && seconds > 0.0 && seconds <= kLongestWatchSeconds) return seconds;
-  throw CtlError(ExitCode::kUsage,
-                 fmt::format("--watch: \"{}\" is no number of seconds up to {}", text, kLongestWatchSeconds));
-}
 
 bool IsForCollector(const std::string &path) {
   constexpr std::string_view kEnd = ".prom";
@@ -45,7 +34,7 @@ Plan PlanOf(const Arguments &arguments) {
   plan.path = arguments.Option("output");
   plan.openMetrics = arguments.Has("openmetrics");
   plan.device = arguments.Option("device").value_or("");
-  if (const auto seconds = arguments.Option("watch")) plan.watchSeconds = SecondsOf(*seconds);
+  plan.watchSeconds = RealOption(arguments, "watch", kWatchSeconds);
   if (plan.watchSeconds && !plan.path)
     throw CtlError(ExitCode::kUsage, "--watch needs a file to write into", "add -o FILE.prom");
   if (plan.openMetrics && plan.path && IsForCollector(*plan.path)) {

@@ -7,6 +7,11 @@
 #include <fmt/format.h>
 
 namespace kest::ctl {
+namespace {
+
+constexpr NumberRange kSeconds = {0.05, 365.0 * 24 * 3600};
+
+}  // namespace
 
 std::optional<double> RealOption(const Arguments &arguments, const std::string &name, NumberRange range) {
   const auto text = arguments.Option(name);
@@ -24,6 +29,12 @@ std::optional<int> WholeOption(const Arguments &arguments, const std::string &na
   if (!number) return std::nullopt;
   if (*number == std::floor(*number)) return static_cast<int>(*number);
   throw CtlError(ExitCode::kUsage, fmt::format("--{}: {} is no whole number", name, *number));
+}
+
+std::optional<std::chrono::milliseconds> SecondsOption(const Arguments &arguments, const std::string &name) {
+  const auto seconds = RealOption(arguments, name, kSeconds);
+  if (!seconds) return std::nullopt;
+  return std::chrono::milliseconds(static_cast<int64_t>(*seconds * 1000.0));
 }
 
 }  // namespace kest::ctl

@@ -8,8 +8,8 @@
 #include "ctl/channel/log_lines.h"
 #include "ctl/commands/commands.h"
 #include "ctl/commands/context.h"
-#include "ctl/commands/durations.h"
 #include "ctl/commands/names.h"
+#include "ctl/commands/option_values.h"
 #include "ctl/observe/cpu_clock.h"
 #include "ctl/observe/switched_on.h"
 #include "ctl/parse/lines.h"
@@ -56,7 +56,7 @@ class Perf {
  public:
   Perf(Context &context, const Arguments &arguments)
       : context_(context),
-        duration_(SecondsOf(arguments, "seconds", kDefaultDuration)),
+        duration_(SecondsOption(arguments, "seconds").value_or(kDefaultDuration)),
         process_(context.GetChannel().TheProcess()) {
     const Target target = FindTarget(context.GetListing(), arguments.words[0]);
     measurements_.push_back({target.pipeline, target.filter, std::nullopt, std::nullopt});

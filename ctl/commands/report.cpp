@@ -12,6 +12,7 @@
 #include "ctl/commands/command_table.h"
 #include "ctl/commands/commands.h"
 #include "ctl/commands/context.h"
+#include "ctl/commands/option_values.h"
 #include "ctl/model/level.h"
 #include "ctl/observe/raw_trace.h"
 #include "ctl/parse/lines.h"
@@ -23,7 +24,7 @@
 namespace kest::ctl {
 namespace {
 
-constexpr size_t kDefaultLogLines = 2000;
+constexpr int kDefaultLogLines = 2000;
 constexpr std::chrono::milliseconds kTraced{1000};
 constexpr mode_t kForOwner = 0600;  // as private as the log can be
 
@@ -228,14 +229,6 @@ void Say(const Context &context, const char *text) {
   if (!context.IsSilent() && isatty(STDERR_FILENO) != 0) fmt::print(stderr, "kestctl: {}\n", text);
 }
 
-size_t LineCount(const Arguments &arguments) {
-  const std::string text = arguments.Option("lines").value_or(std::to_string(kDefaultLogLines));
-  const bool isNumber =
-      !text.empty() && text.size() < 8 && text.find_first_not_of("0123456789") == std::string::npos;
-  if (!isNumber) throw CtlError(ExitCode::kUsage, fmt::format("--lines: \"{}\" is no number", text));
-  return std::stoul(text);
-}
-
 Json About(const Context &context) {
   const std::string via = context.GetSettings().via;
   return {{"schema", "kestctl-report/1"},
@@ -273,12 +266,12 @@ std::string Summary(const std::string &path, const Bundle &bundle) {
 }  // namespace
 
 Result RunReport(Context &context, const Arguments &arguments) {
-  const size_t logLines = LineCount(arguments);
+  const int logLines = WholeOption(arguments, "lines", {0, kMostWhole}).value_or(kDefaultLogLines);
   const auto path = arguments.Option("output");
   if (!path) throw CtlError(ExitCode::kUsage, "the archive needs a name", "add -o FILE.tar.gz");
   Say(context, "gathering what runs");
   Bundle bundle("kest-report");
-  ReplaceFile(*path, Gather(context, logLines, bundle), kForOwner);
+  ReplaceFile(*path, Gather(context, static_cast<size_t>(logLines), bundle), kForOwner);
   Result result;
   result.data = {{"file", ToJson(*path)}, {"files", bundle.Files()}, {"missing", bundle.Missing()}};
   result.text = Summary(*path, bundle);

@@ -6,8 +6,8 @@
 
 #include "ctl/commands/commands.h"
 #include "ctl/commands/context.h"
-#include "ctl/commands/durations.h"
 #include "ctl/commands/names.h"
+#include "ctl/commands/option_values.h"
 #include "ctl/commands/output_file.h"
 #include "ctl/observe/trace_recorder.h"
 #include "ctl/parse/lines.h"
@@ -22,7 +22,7 @@ namespace {
 using std::chrono::milliseconds;
 
 constexpr milliseconds kDefaultDuration{2000};
-constexpr int64_t kDefaultLevelsMs = 100;
+constexpr int kDefaultLevelsMs = 100;
 constexpr const char *kDefaultFile = "trace.json";
 
 // How long the cycles took in which nothing was printed.
@@ -95,8 +95,9 @@ Result ResultOf(const TraceDocument &document, const std::string &path) {
 
 Result Record(Context &context, const Arguments &arguments, OutputFile &file, const std::string &path) {
   TraceWish wish;
-  wish.duration = SecondsOf(arguments, "seconds", kDefaultDuration);
-  wish.levelsEvery = milliseconds(CountOf(arguments, "levels", 0, kDefaultLevelsMs));
+  wish.duration = SecondsOption(arguments, "seconds").value_or(kDefaultDuration);
+  wish.levelsEvery =
+      milliseconds(WholeOption(arguments, "levels", {0, kMostWhole}).value_or(kDefaultLevelsMs));
   for (const std::string &word : arguments.words) {
     const Target target = FindTarget(context.GetListing(), word);
     if (target.filter != nullptr) {

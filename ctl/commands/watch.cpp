@@ -10,7 +10,7 @@
 #include "ctl/channel/log_lines.h"
 #include "ctl/commands/commands.h"
 #include "ctl/commands/context.h"
-#include "ctl/commands/durations.h"
+#include "ctl/commands/option_values.h"
 #include "ctl/observe/port_sampler.h"
 #include "ctl/observe/switched_on.h"
 #include "ctl/observe/xrun_finder.h"
@@ -38,8 +38,8 @@ class Watch {
   Watch(Context &context, const Arguments &arguments)
       : context_(context),
         endsAtFirst_(arguments.Has("fail")),
-        duration_(SecondsOf(arguments, "seconds", kForEver)),
-        every_(SecondsOf(arguments, "every", kForEver)),
+        duration_(SecondsOption(arguments, "seconds").value_or(kForEver)),
+        every_(SecondsOption(arguments, "every").value_or(kForEver)),
         process_(context.GetChannel().TheProcess()),
         finder_(context.GetListing(), every_ == kForEver) {}
 

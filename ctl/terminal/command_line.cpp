@@ -9,9 +9,12 @@
 #include "ctl/commands/command_table.h"
 #include "ctl/commands/help_text.h"
 #include "ctl/commands/names.h"
+#include "ctl/commands/option_values.h"
 
 namespace kest::ctl {
 namespace {
+
+constexpr NumberRange kPositive = {1, kMostWhole};
 
 // The words of one command line while CLI11 takes them apart.
 struct Parsed {
@@ -67,13 +70,6 @@ CtlError NotUnderstood(const std::string &word, const Command &command) {
                           : fmt::format("did you mean {}?", nearest)};
 }
 
-int PositiveNumber(const Arguments &arguments, const std::string &name) {
-  int number = 0;
-  if (CLI::detail::lexical_cast(*arguments.Option(name), number) && number > 0) return number;
-  throw CtlError(ExitCode::kUsage,
-                 fmt::format("--{}: \"{}\" is no positive number", name, *arguments.Option(name)));
-}
-
 Colour ColourNamed(const std::string &name) {
   if (name == "auto") return Colour::kAuto;
   if (name == "always") return Colour::kAlways;
@@ -88,8 +84,9 @@ void ApplyGlobalOptions(const Arguments &global, Settings &settings) {
     settings.directory = *directory;
     if (settings.directory.empty() || settings.directory.back() != '/') settings.directory += '/';
   }
-  if (global.Has("pid")) settings.pid = PositiveNumber(global, "pid");
-  if (global.Has("timeout")) settings.timeout = std::chrono::milliseconds(PositiveNumber(global, "timeout"));
+  if (const auto pid = WholeOption(global, "pid", kPositive)) settings.pid = pid;
+  if (const auto ms = WholeOption(global, "timeout", kPositive))
+    settings.timeout = std::chrono::milliseconds(*ms);
   if (global.Has("via")) settings.via = *global.Option("via");
   if (global.Has("color")) settings.colour = ColourNamed(*global.Option("color"));
   settings.anyProcess = settings.anyProcess || global.Has("any");

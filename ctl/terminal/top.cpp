@@ -12,7 +12,7 @@
 #include "ctl/channel/interrupt.h"
 #include "ctl/commands/commands.h"
 #include "ctl/commands/context.h"
-#include "ctl/commands/durations.h"
+#include "ctl/commands/option_values.h"
 #include "ctl/observe/live_view.h"
 #include "ctl/render/live_text.h"
 #include "ctl/terminal/screen.h"
@@ -35,8 +35,8 @@ class Top {
  public:
   Top(Context &context, const Arguments &arguments)
       : context_(context),
-        interval_(SecondsOf(arguments, "delay", kDefaultInterval)),
-        looks_(CountOf(arguments, "count", 1, 0)),
+        interval_(SecondsOption(arguments, "delay").value_or(kDefaultInterval)),
+        looks_(WholeOption(arguments, "count", {1, kMostWhole}).value_or(0)),
         isBatch_(arguments.Has("batch") || context.GetSettings().json || isatty(STDOUT_FILENO) == 0 ||
                  isatty(STDIN_FILENO) == 0),
         view_(context, std::min(kLongestWindow, interval_ / 4)) {}
