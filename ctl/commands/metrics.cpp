@@ -80,7 +80,7 @@ Round RunRound(Context &context, const Plan &plan) {
   round.figures = Gather(context);
   round.families = MetricsOf(round.figures, plan.device);
   round.text = plan.openMetrics ? OpenMetricsText(round.families) : ClassicText(round.families);
-  if (plan.path) ReplaceFile(*plan.path, round.text, kForAllToRead);
+  if (plan.path) OutputFile(*plan.path, kForAllToRead).Write(round.text);
   return round;
 }
 

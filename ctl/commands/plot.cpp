@@ -1,7 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <algorithm>
-#include <cerrno>
-#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -14,6 +12,7 @@
 #include "ctl/commands/option_values.h"
 #include "ctl/parse/trace.h"
 #include "ctl/render/gnuplot.h"
+#include "ctl/render/output_file.h"
 #include "ctl/render/plots.h"
 
 namespace kest::ctl {
@@ -133,22 +132,15 @@ const Kind &KindNamed(const std::string &name) {
                                  : fmt::format("did you mean {}?", nearest));
 }
 
-void Write(const std::string &path, const std::string &bytes) {
-  std::ofstream file(path, std::ios::binary | std::ios::trunc);
-  file.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-  file.close();
-  if (!file)
-    throw CtlError(ExitCode::kUnreachable, fmt::format("cannot write {}: {}", path, std::strerror(errno)));
-}
-
 }  // namespace
 
 Result RunPlot(Context & /*context*/, const Arguments &arguments) {
   const Kind &kind = KindNamed(arguments.words[0]);
   const auto output = arguments.Option("output");
   if (!output) throw CtlError(ExitCode::kUsage, "where should the picture go?", "say it with -o FILE.png");
+  OutputFile file(*output);
   const std::string picture = Draw(kind.script(arguments.words[1], arguments));
-  Write(*output, picture);
+  file.Write(picture);
   Result result;
   result.data = {{"path", ToJson(*output)}, {"kind", kind.name}, {"bytes", picture.size()}};
   return result;

@@ -269,9 +269,10 @@ Result RunReport(Context &context, const Arguments &arguments) {
   const int logLines = WholeOption(arguments, "lines", {0, kMostWhole}).value_or(kDefaultLogLines);
   const auto path = arguments.Option("output");
   if (!path) throw CtlError(ExitCode::kUsage, "the archive needs a name", "add -o FILE.tar.gz");
+  OutputFile file(*path, kForOwner);
   Say(context, "gathering what runs");
   Bundle bundle("kest-report");
-  ReplaceFile(*path, Gather(context, static_cast<size_t>(logLines), bundle), kForOwner);
+  file.Write(Gather(context, static_cast<size_t>(logLines), bundle));
   Result result;
   result.data = {{"file", ToJson(*path)}, {"files", bundle.Files()}, {"missing", bundle.Missing()}};
   result.text = Summary(*path, bundle);

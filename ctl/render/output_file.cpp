@@ -4,6 +4,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <filesystem>
 
 #include <fcntl.h>
 #include <fmt/format.h>
@@ -11,7 +12,6 @@
 #include <unistd.h>
 
 #include "ctl/error.h"
-#include "programs/unique_fd.h"
 
 namespace kest::ctl {
 namespace {
@@ -25,41 +25,51 @@ bool WriteAll(const UniqueFd &file, const std::string &bytes) {
   return true;
 }
 
-[[noreturn]] void Fail(const std::string &path) {
-  throw CtlError(ExitCode::kRefused, fmt::format("{} cannot be written: {}", path, std::strerror(errno)));
+// Where links lead, so that the link stays.
+std::string BehindLinks(const std::string &path) {
+  std::error_code error;
+  const std::filesystem::path target = std::filesystem::canonical(path, error);
+  return error ? path : target.string();
 }
 
-// Removed unless it was renamed.
-class TemporaryFile {
- public:
-  explicit TemporaryFile(const std::string &pattern)
-      : name_(pattern), file_(mkostemp(name_.data(), O_CLOEXEC)) {}
-  ~TemporaryFile() {
-    if (file_.IsOpen() && !isRenamed_) unlink(name_.c_str());
-  }
-  TemporaryFile(const TemporaryFile &) = delete;
-  TemporaryFile &operator=(const TemporaryFile &) = delete;
-
-  [[nodiscard]] const UniqueFd &File() const { return file_; }
-  bool RenameTo(const std::string &path) {
-    isRenamed_ = rename(name_.c_str(), path.c_str()) == 0;
-    return isRenamed_;
-  }
-
- private:
-  std::string name_;
-  UniqueFd file_;
-  bool isRenamed_ = false;
-};
+// What another file must not take the place of, such as /dev/null.
+bool IsSpecial(const std::string &path) {
+  struct stat facts = {};
+  return stat(path.c_str(), &facts) == 0 && !S_ISREG(facts.st_mode);
+}
 
 }  // namespace
 
-void ReplaceFile(const std::string &path, const std::string &bytes, mode_t mode) {
-  TemporaryFile temporary(path + ".XXXXXX");
-  const UniqueFd &file = temporary.File();
-  const bool isWritten =
-      file.IsOpen() && WriteAll(file, bytes) && fchmod(file.Get(), mode) == 0 && fsync(file.Get()) == 0;
-  if (!isWritten || !temporary.RenameTo(path)) Fail(path);
+mode_t OrdinaryMode() {
+  const mode_t mask = umask(0);
+  umask(mask);
+  return 0666 & ~mask;
+}
+
+OutputFile::OutputFile(const std::string &path, mode_t mode) : path_(BehindLinks(path)), mode_(mode) {
+  if (IsSpecial(path_)) {
+    file_ = UniqueFd(open(path_.c_str(), O_WRONLY | O_CLOEXEC));
+  } else {
+    temporary_ = path_ + ".XXXXXX";
+    file_ = UniqueFd(mkostemp(temporary_.data(), O_CLOEXEC));
+  }
+  if (!file_.IsOpen()) Fail();
+}
+
+OutputFile::~OutputFile() {
+  if (!temporary_.empty()) unlink(temporary_.c_str());
+}
+
+void OutputFile::Fail() const {
+  throw CtlError(ExitCode::kUnreachable, fmt::format("cannot write {}: {}", path_, std::strerror(errno)));
+}
+
+void OutputFile::Write(const std::string &bytes) {
+  if (!WriteAll(file_, bytes)) Fail();
+  if (temporary_.empty()) return;
+  const bool isSafe = fchmod(file_.Get(), mode_) == 0 && fsync(file_.Get()) == 0;
+  if (!isSafe || std::rename(temporary_.c_str(), path_.c_str()) != 0) Fail();
+  temporary_.clear();
 }
 
 }  // namespace kest::ctl

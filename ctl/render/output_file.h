@@ -1,15 +1,37 @@
 // SPDX-License-Identifier: Apache-2.0
-// Files that kestctl writes for others to read.
+// A file that kestctl writes for others to read: it appears whole, or the former one stays.
 #pragma once
 
 #include <string>
 
 #include <sys/types.h>
 
+#include "programs/unique_fd.h"
+
 namespace kest::ctl {
 
-// Writes the whole file under another name beside it and renames it: whoever reads sees all of it or the
-// former one. Throws CtlError when it cannot be written.
-void ReplaceFile(const std::string &path, const std::string &bytes, mode_t mode);
+// Of a file that nothing is special about.
+mode_t OrdinaryMode();
+
+class OutputFile {
+ public:
+  // Throws CtlError at once when it cannot be made, before anything is switched on.
+  explicit OutputFile(const std::string &path, mode_t mode = OrdinaryMode());
+  // Leaves nothing behind unless it was written.
+  ~OutputFile();
+  OutputFile(const OutputFile &) = delete;
+  OutputFile &operator=(const OutputFile &) = delete;
+
+  // The whole contents, once. Throws CtlError.
+  void Write(const std::string &bytes);
+
+ private:
+  [[noreturn]] void Fail() const;
+
+  std::string path_;
+  std::string temporary_;  // the name until it is whole; empty for a device, a pipe or a socket
+  mode_t mode_;
+  UniqueFd file_;
+};
 
 }  // namespace kest::ctl

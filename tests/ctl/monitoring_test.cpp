@@ -167,7 +167,13 @@ TEST_F(Metrics, AreWrittenAgainUntilItIsInterrupted) {
   EXPECT_EQ(2, Ctl("metrics --watch 1").exitCode);
   EXPECT_EQ(2, Ctl("metrics --watch 0 -o " + path).exitCode);
   EXPECT_EQ(2, Ctl("metrics --openmetrics -o " + path).exitCode);
-  EXPECT_EQ(1, Ctl("metrics -o " + Path("missing") + "/kest.prom").exitCode);
+  EXPECT_EQ(3, Ctl("metrics -o " + Path("missing") + "/kest.prom").exitCode);
+  const std::string link = Path("link.prom");
+  fs::create_symlink(path, link);
+  fs::resize_file(path, 0);
+  EXPECT_EQ(0, Ctl("metrics -o " + link).exitCode);
+  EXPECT_TRUE(fs::is_symlink(link));
+  EXPECT_THAT(ReadFile(path), HasSubstr("kest_up"));
 }
 
 TEST_F(Metrics, AreWhatRulesAndDashboardAskFor) {
@@ -235,7 +241,7 @@ TEST_F(Report, OfAProcessThatDoesNotAnswerSaysWhy) {
   EXPECT_THAT(File("process/status.txt"), HasSubstr("(stopped)"));
   player.Signal(SIGCONT);
   EXPECT_EQ(2, Ctl("report").exitCode);
-  EXPECT_EQ(1, Ctl("report -o " + Path("missing") + "/bug.tar.gz").exitCode);
+  EXPECT_EQ(3, Ctl("report -o " + Path("missing") + "/bug.tar.gz").exitCode);
 }
 
 TEST_F(Report, AnInterruptAtAnyMomentLeavesNothingOn) {

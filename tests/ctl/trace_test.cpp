@@ -58,7 +58,7 @@ TEST_F(Trace, RefusesWhatCannotBeToldApartOrIsTracedAlready) {
   StartPlayer();
   EXPECT_EQ(6, Ctl("trace Nothing -o " + file_).exitCode);
   EXPECT_EQ(6, Ctl("trace Dec/Volume -o " + file_).exitCode);
-  EXPECT_EQ(2, Ctl("trace Dec -o " + Path("no/such/directory")).exitCode);
+  EXPECT_EQ(3, Ctl("trace Dec -o " + Path("no/such/directory")).exitCode);
   Ctl("send kest_debug_filter_io=Decoder_13");
   EXPECT_THAT(Ctl("trace Dec -o " + file_).err, HasSubstr("kestctl send kest_debug_filter_io=release"));
   EXPECT_THAT(Ctl("send kest_debug_filter_io=print_watch_list").out, HasSubstr("idx:0"));
