@@ -14,7 +14,7 @@
 #include "ctl/commands/context.h"
 #include "ctl/commands/option_values.h"
 #include "ctl/model/level.h"
-#include "ctl/observe/raw_trace.h"
+#include "ctl/observe/trace_recorder.h"
 #include "ctl/parse/lines.h"
 #include "ctl/parse/log_line.h"
 #include "ctl/render/archive.h"
@@ -210,7 +210,7 @@ void AddTraces(Context &context, Bundle &bundle) {
       const std::string name = fmt::format("trace/{}.txt", i);
       bundle.TryAsking(fmt::format("{} of {}", name, pipelines[i].name), [&] {
         bundle.Add(name, fmt::format("How long do the cycles of {} and its filters take?", pipelines[i].name),
-                   RecordRawTrace(context, pipelines[i].name, each));
+                   RecordTraceText(context, pipelines[i], each));
       });
     }
   });

@@ -58,6 +58,26 @@ void Watch(Channel &channel, const Pipeline &pipeline) {
                  fmt::format("the process says: {}", fmt::join(verdict.reported, "; ")));
 }
 
+std::vector<std::string> OffLines() {
+  return {std::string(kCommand) + "stop", std::string(kCommand) + "release"};
+}
+
+void SwitchOn(Channel &channel, const std::vector<const Pipeline *> &pipelines) {
+  for (const Pipeline *pipeline : pipelines)
+    Watch(channel, *pipeline);
+  static_cast<void>(channel.Send({std::string(kCommand) + "restart"}));
+}
+
+std::string PathOf(Context &context, const Pipeline &pipeline) {
+  return fmt::format("{}{}.txt", context.GetSettings().directory, pipeline.name);
+}
+
+// Not through a link, which could lead anywhere.
+std::string ReadOwn(Context &context, const std::string &path) {
+  if (context.GetHost().Look(path).kind == FileKind::kRegular) return ReadWhole(context.GetHost(), path);
+  throw CtlError(ExitCode::kRefused, fmt::format("the process has written no {}", path));
+}
+
 // Until the time is over, or something ends it.
 void Wait(Context &context, const TraceWish &wish, Recording &recording) {
   const std::vector<FilterKey> filters = DistinctFilters(context.GetListing());
@@ -129,11 +149,8 @@ Recording RecordTrace(Context &context, const TraceWish &wish) {
   recording.document.process = process.name;
   recording.document.pid = process.pid;
   {
-    const std::string command = kCommand;
-    SwitchedOn trace(channel, {command + "stop", command + "release"});
-    for (const Pipeline *pipeline : wish.pipelines)
-      Watch(channel, *pipeline);
-    static_cast<void>(channel.Send({command + "restart"}));
+    SwitchedOn trace(channel, OffLines());
+    SwitchOn(channel, wish.pipelines);
     try {
       Wait(context, wish, recording);
     } catch (const CtlError &error) {
@@ -144,13 +161,24 @@ Recording RecordTrace(Context &context, const TraceWish &wish) {
   }
   const HoldingInterrupts holding;
   for (const Pipeline *pipeline : wish.pipelines) {
-    const std::string path = channel.Settings().directory + pipeline->name + ".txt";
-    TraceTrack track = {TraceIn(ReadWhole(context.GetHost(), path), path), pipeline->tid, pipeline->feeds};
+    const std::string path = PathOf(context, *pipeline);
+    TraceTrack track = {TraceIn(ReadOwn(context, path), path), pipeline->tid, pipeline->feeds};
     track.trace.pipeline = pipeline->name;
     recording.document.tracks.push_back(std::move(track));
   }
   NotePrinted(recording.document);
   return recording;
+}
+
+std::string RecordTraceText(Context &context, const Pipeline &pipeline, milliseconds duration) {
+  Channel &channel = context.GetChannel();
+  RefuseUnnameable(pipeline);
+  RefuseWhileWatched(channel);
+  SwitchedOn trace(channel, OffLines());
+  SwitchOn(channel, {&pipeline});
+  Pause(duration);
+  trace.Off();
+  return ReadOwn(context, PathOf(context, pipeline));
 }
 
 }  // namespace kest::ctl

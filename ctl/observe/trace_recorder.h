@@ -35,5 +35,8 @@ struct Recording {
 
 // Throws when the trace could not be switched on; switches it off in any case.
 Recording RecordTrace(Context &context, const TraceWish &wish);
+// The same of one pipeline and of those whose names begin with its name, as the process writes it. An
+// interrupt throws.
+std::string RecordTraceText(Context &context, const Pipeline &pipeline, std::chrono::milliseconds duration);
 
 }  // namespace kest::ctl
