@@ -72,6 +72,11 @@ const Readers &Channel::GetReaders() {
   return readers_;
 }
 
+bool Channel::IsDeserted() {
+  const Readers &readers = GetReaders();
+  return readers.processes.empty() && readers.hidden == 0;
+}
+
 Process Channel::TheProcess() {
   const std::vector<Process> &processes = GetReaders().processes;
   const auto isMeant = [this](const Process &process) { return process.pid == settings_.pid; };

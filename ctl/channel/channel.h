@@ -40,6 +40,8 @@ class Channel {
   const Readers &GetReaders();
   // The same without looking, for what is said about an answer afterwards.
   [[nodiscard]] const Readers &KnownReaders() const { return readers_; }
+  // Whether certainly no process reads the pipe any more.
+  bool IsDeserted();
   // The one that is meant; its pid is 0 when it cannot be seen. Throws when there is none or there are
   // several.
   Process TheProcess();

@@ -107,6 +107,10 @@ class DumpRun {
     }
   }
 
+  ~DumpRun() { RemoveFiles(); }
+  DumpRun(const DumpRun &) = delete;
+  DumpRun &operator=(const DumpRun &) = delete;
+
   Result Run() {
     const bool isInterrupted = Record();
     Result result = Keep();
@@ -134,7 +138,7 @@ class DumpRun {
   void KeepStream(const Stream &stream, Json &files, Table &table);
   void KeepData(const DataFile &file, Json &files, Table &table);
   [[nodiscard]] std::string PathFor(const Port &port, const std::string &end) const;
-  void RemoveFiles();
+  void RemoveFiles() noexcept;
 
   Context &context_;
   const Target target_;
@@ -205,6 +209,7 @@ bool DumpRun::Record() {
     isInterrupted = true;
   }
   on.Off();
+  isInterrupted = isInterrupted || IsInterrupted();
   ForgetInterrupt();  // what came is still to be kept
   std::this_thread::sleep_for(kLastCycle);
   return isInterrupted;
@@ -233,12 +238,14 @@ void DumpRun::NameFiles(std::optional<unsigned> inputRun, std::optional<unsigned
   };
   const auto pcmEnd = [](size_t group) { return fmt::format("_{}.pcm", kGroupNames[group]); };
   for (Stream &stream : streams_) {
-    stream.path = pathOf(target_, *stream.port, pcmEnd(stream.group));
-    stream.before = SizeOf(stream.path);
+    const std::string path = pathOf(target_, *stream.port, pcmEnd(stream.group));
+    stream.before = SizeOf(path);
+    stream.path = path;
   }
   for (DataFile &file : dataFiles_) {
-    file.path = pathOf(target_, *file.port, fmt::format(".{}", file.kind));
-    file.before = SizeOf(file.path);
+    const std::string path = pathOf(target_, *file.port, fmt::format(".{}", file.kind));
+    file.before = SizeOf(path);
+    file.path = path;
   }
   for (const Target &other :
        SelectedBy(context_.GetListing(), target_.pipeline->name, target_.filter->name)) {
@@ -266,6 +273,10 @@ void DumpRun::WaitUntilDumped() {
     }
     const bool isAny = least != std::numeric_limits<uint64_t>::max();
     if (isAny && least >= WantedFrames()) return;
+    if (context_.GetChannel().IsDeserted()) {
+      context_.GetChannel().Warn("ended early: the process has ended");
+      return;
+    }
     const int64_t free = context_.GetHost().FreeBytes(context_.GetSettings().directory);
     if (free >= 0 && free < kFreeBytesLeft) {
       context_.GetChannel().Warn("ended early: the disk is nearly full");
@@ -321,8 +332,10 @@ void DumpRun::KeepData(const DataFile &file, Json &files, Table &table) {
   table.Add({path, "", "", "", "", fmt::format("{} bytes", bytes)});
 }
 
-// Files that were there before the dump are not this command's to remove.
-void DumpRun::RemoveFiles() {
+// Whatever ended the dump, which is off by now. Files that were there before are not this command's to
+// remove.
+void DumpRun::RemoveFiles() noexcept {
+  const HoldingInterrupts holding;
   std::vector<std::string> paths = foreign_;
   for (const Stream &stream : streams_) {
     if (stream.before == 0) paths.push_back(stream.path);
@@ -331,9 +344,13 @@ void DumpRun::RemoveFiles() {
     if (file.before == 0) paths.push_back(file.path);
   }
   for (const std::string &path : paths) {
-    const bool isThere = context_.GetHost().Look(path).kind == FileKind::kRegular;
-    if (isThere && !context_.GetHost().Remove(path))
-      context_.GetChannel().Warn(fmt::format("{} could not be removed", path));
+    try {
+      const bool isThere = context_.GetHost().Look(path).kind == FileKind::kRegular;
+      if (isThere && !context_.GetHost().Remove(path))
+        context_.GetChannel().Warn(fmt::format("{} could not be removed", path));
+    } catch (const std::exception &error) {
+      context_.GetChannel().Warn(fmt::format("{} may be left behind: {}", path, error.what()));
+    }
   }
 }
 
@@ -350,7 +367,6 @@ Result DumpRun::Keep() {
     KeepStream(stream, files, table);
   for (const DataFile &file : dataFiles_)
     KeepData(file, files, table);
-  RemoveFiles();
   result.data = {{"pipeline", ToJson(target_.pipeline->name)},
                  {"filter", ToJson(target_.filter->name)},
                  {"files", files}};

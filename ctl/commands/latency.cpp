@@ -21,6 +21,7 @@
 #include "ctl/model/level.h"
 #include "ctl/observe/switched_on.h"
 #include "ctl/parse/lines.h"
+#include "ctl/render/escape.h"
 #include "ctl/render/status_line.h"
 #include "ctl/render/table.h"
 
@@ -110,7 +111,7 @@ void AskForConsent(const Ends &ends, int repeat) {
   if (isatty(STDIN_FILENO) == 0) {
     throw CtlError(ExitCode::kUsage, what, "nobody can be asked here: say that you mean it with --yes");
   }
-  fmt::print(stderr, "kestctl: {}\n         go on? [y/N] ", what);
+  fmt::print(stderr, "kestctl: {}\n         go on? [y/N] ", Escape(what));
   std::fflush(stderr);
   char answer[64] = {};
   const ssize_t count = read(STDIN_FILENO, answer, sizeof(answer) - 1);
@@ -204,8 +205,7 @@ void Measurement::Wait(const StatusLine &progress, const std::string &which) {
     }
     progress.Show(which + (wasInserted ? "waiting for the burst" : "silencing"));
     if (Clock::now() > lookAt) {
-      if (channel_.GetReaders().processes.empty() && channel_.GetReaders().hidden == 0)
-        throw CtlError(ExitCode::kUnreachable, "the process has ended");
+      if (channel_.IsDeserted()) throw CtlError(ExitCode::kUnreachable, "the process has ended");
       lookAt = Clock::now() + kLookAgain;
     }
     Pause(kPoll);
@@ -324,16 +324,18 @@ Result ResultOf(const std::vector<Run> &runs, const Ends &ends, Channel &channel
   std::vector<double> found;
   Json all = Json::array();
   bool isExact = true;
+  unsigned rate = 0;
   for (const Run &run : runs) {
     all.push_back(RunJson(run));
     if (!run.isFound) continue;
     found.push_back(run.ms);
+    rate = run.rate;
     isExact = isExact && run.isExact;
   }
   const auto name = [](const Target &target) { return target.pipeline->name + "/" + target.filter->name; };
   result.data = {{"from", ToJson(name(ends.from))},
                  {"to", ToJson(name(ends.to))},
-                 {"rate", runs[0].rate},
+                 {"rate", rate},
                  {"runs", all},
                  {"ms", nullptr},
                  {"histogram", Json::array()}};

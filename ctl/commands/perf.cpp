@@ -103,6 +103,8 @@ class Perf {
         if (line && line->name == name) what.counted = line;
       }
     }
+    if (context_.GetChannel().TheProcess().pid != process_.pid)
+      throw CtlError(ExitCode::kUnreachable, "the process has ended");
     hasCounters_ = isStarted || what.counted;
     const std::map<int, double> percents = cpu.Percents({what.pipeline->tid});
     if (what.filter == nullptr && !percents.empty()) what.threadPercent = percents.begin()->second;

@@ -71,6 +71,7 @@ class Watch {
       const auto now = Clock::now();
       if (isAny) {
         heard = now;
+        ThrowIfInterrupted();
         continue;
       }
       if (now - heard > kSilence) {

@@ -10,6 +10,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include "ctl/channel/interrupt.h"
 #include "ctl/error.h"
 #include "ctl/parse/lines.h"
 #include "ctl/render/escape.h"
@@ -89,6 +90,7 @@ std::string Draw(const std::string &script) {
   const UniqueFd output = MakeFile({});
   const UniqueFd errors = MakeFile({});
   const int status = WaitFor(Start(input, output, errors));
+  ThrowIfInterrupted();  // Ctrl-C on a terminal ends gnuplot too
   std::string picture = Contents(output);
   if (status == 0 && BeginsWith(picture, kPngSignature)) return picture;
   const std::vector<std::string> complaints = SplitLines(Trim(Contents(errors)));
