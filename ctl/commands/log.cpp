@@ -14,6 +14,7 @@
 #include "ctl/parse/lines.h"
 #include "ctl/parse/log_line.h"
 #include "ctl/render/escape.h"
+#include "ctl/render/live_output.h"
 
 namespace kest::ctl {
 namespace {
@@ -108,8 +109,7 @@ class LineWriter {
     }
     rest.erase(0, end);
     if (more.empty()) {
-      std::fflush(stdout);
-      if (std::ferror(stdout) != 0) throw CtlError(ExitCode::kDone, "nobody reads the output any more");
+      FlushOutput();
       Pause(kFollowPause);
     }
   }

@@ -1,9 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <algorithm>
 #include <cstdio>
-#include <ctime>
 
-#include <fmt/chrono.h>
 #include <fmt/format.h>
 
 #include "ctl/channel/interrupt.h"
@@ -16,6 +14,7 @@
 #include "ctl/observe/xrun_finder.h"
 #include "ctl/parse/port_line.h"
 #include "ctl/render/escape.h"
+#include "ctl/render/live_output.h"
 #include "ctl/render/xrun_text.h"
 
 namespace kest::ctl {
@@ -28,10 +27,6 @@ constexpr milliseconds kPause{2};
 constexpr milliseconds kSilence{500};  // in which filters that run print lines
 constexpr milliseconds kWindow{100};
 constexpr milliseconds kForEver{0};
-
-std::string TimeOfDay() {
-  return fmt::format("{:%T}", fmt::localtime(std::time(nullptr)));
-}
 
 class Watch {
  public:
@@ -143,8 +138,7 @@ class Watch {
     } else {
       fmt::print("{}  {}\n", TimeOfDay(), ShowXrun(xrun));
     }
-    std::fflush(stdout);
-    if (std::ferror(stdout) != 0) throw CtlError(ExitCode::kDone, "nobody reads the output any more");
+    FlushOutput();
   }
 
   [[nodiscard]] Result Summary() const {

@@ -11,6 +11,11 @@ bool IsControl(char character) {
   return byte < 0x20 || byte == 0x7f;
 }
 
+// Begins with a control character of two bytes, which terminals obey too: U+0080 to U+009F.
+bool BeginsWithWideControl(std::string_view text) {
+  return text.size() > 1 && text[0] == '\xc2' && static_cast<unsigned char>(text[1]) < 0xa0;
+}
+
 bool IsContinuation(char character) {
   return (static_cast<unsigned char>(character) & 0xc0) == 0x80;
 }
@@ -41,11 +46,14 @@ size_t CharacterLength(std::string_view text) {
 
 std::string Escape(std::string_view text) {
   std::string shown;
-  for (const char character : ToUtf8(text)) {
-    if (IsControl(character)) {
-      shown += fmt::format("\\x{:02x}", static_cast<unsigned char>(character));
+  const std::string valid = ToUtf8(text);
+  for (size_t i = 0; i < valid.size(); ++i) {
+    const bool isWide = BeginsWithWideControl(std::string_view(valid).substr(i));
+    if (isWide) ++i;  // its second byte is its number
+    if (isWide || IsControl(valid[i])) {
+      shown += fmt::format("\\x{:02x}", static_cast<unsigned char>(valid[i]));
     } else {
-      shown.push_back(character);
+      shown.push_back(valid[i]);
     }
   }
   return shown;

@@ -1,12 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 // The live view, on the screen or line by line.
-#include <cstdio>
-#include <ctime>
 #include <memory>
 
-#include <fmt/chrono.h>
 #include <fmt/format.h>
-#include <sys/ioctl.h>
 #include <unistd.h>
 
 #include "ctl/channel/interrupt.h"
@@ -14,6 +10,7 @@
 #include "ctl/commands/context.h"
 #include "ctl/commands/option_values.h"
 #include "ctl/observe/live_view.h"
+#include "ctl/render/live_output.h"
 #include "ctl/render/live_text.h"
 #include "ctl/terminal/screen.h"
 
@@ -26,10 +23,6 @@ using std::chrono::milliseconds;
 constexpr milliseconds kDefaultInterval{1000};
 constexpr milliseconds kLongestWindow{100};
 constexpr size_t kBatchColumns = 80;
-
-std::string TimeOfDay() {
-  return fmt::format("{:%T}", fmt::localtime(std::time(nullptr)));
-}
 
 class Top {
  public:
@@ -90,8 +83,7 @@ class Top {
       for (const ToneLine &line : ShowLive(sample, kBatchColumns))
         fmt::print("{}\n", Join(line, context_.UsesColour()));
     }
-    std::fflush(stdout);
-    if (std::ferror(stdout) != 0) throw CtlError(ExitCode::kDone, "nobody reads the output any more");
+    FlushOutput();
   }
 
   bool Wait(Clock::time_point until) {
