@@ -68,11 +68,7 @@ TEST_F(Commands, GetReadsTheParametersBack) {
 
 TEST_F(Commands, SetExplainsWhatItRefusesAndWhatTheProcessRefuses) {
   StartPlayer();
-  const struct {
-    const char *arguments;
-    int exitCode;
-    const char *message;
-  } kCases[] = {
+  ExpectAnswers({
       {"set Dec/Vol gain 1", 6, "Volume has no \"gain\"; it has Gain, Mute"},
       {"set Dec/Vol ok 1", 6, "Volume has no \"ok\""},
       {"set Decodr/Vol Gain 1", 6, "did you mean Decoder_13?"},
@@ -81,12 +77,7 @@ TEST_F(Commands, SetExplainsWhatItRefusesAndWhatTheProcessRefuses) {
       {"set Dec/Vol Gain 99999999999", 2, "no whole number of 32 bits"},
       {"set Dec/Vol Gain", 2, "VALUE is missing"},
       {"set Dec/Lpcm OkFrmCnt 1", 1, "Fail to set parameter from filter:'Lpcm'"},
-  };
-  for (const auto &expected : kCases) {
-    const CtlResult set = Ctl(expected.arguments);
-    EXPECT_EQ(expected.exitCode, set.exitCode) << expected.arguments;
-    EXPECT_THAT(set.err, HasSubstr(expected.message));
-  }
+  });
   EXPECT_EQ(0, ValuesOf("Volume")["Gain"]);
 }
 
@@ -180,13 +171,15 @@ TEST_F(Commands, SeveralProcessesAreListedEachAndNotChanged) {
 }
 
 TEST_F(Commands, AnswersAboutTheWordsOfTheCommandLine) {
-  EXPECT_EQ(0, Ctl("--help").exitCode);
-  EXPECT_EQ(0, Ctl("--version").exitCode);
-  EXPECT_EQ(2, Ctl("").exitCode);
-  EXPECT_THAT(Ctl("stat").err, HasSubstr("did you mean status?"));
-  EXPECT_EQ(2, Ctl("ls --nonsense").exitCode);
-  EXPECT_THAT(Ctl("ls --timout 3").err, HasSubstr("did you mean --timeout?"));
-  EXPECT_EQ(2, Ctl("ls everything").exitCode);
+  ExpectAnswers({{"--help", 0, ""},
+                 {"--version", 0, ""},
+                 {"", 2, "which command?"},
+                 {"stat", 2, "did you mean status?"},
+                 {"ls --nonsense", 2, "is not understood"},
+                 {"ls --timout 3", 2, "did you mean --timeout?"},
+                 {"--timeout 0 ls", 2, "no number from 1"},
+                 {"log -n 1.5", 2, "no whole number"},
+                 {"ls everything", 2, ""}});
   const auto wrong = CtlJson("nonsense");
   EXPECT_EQ("usage", wrong["error"]["code"]);
   EXPECT_FALSE(wrong["ok"]);

@@ -25,6 +25,14 @@ nlohmann::json CtlJson(const std::string &arguments, const std::string &before) 
   return nlohmann::json::parse(Ctl("--json " + arguments, before).out);
 }
 
+void ExpectAnswers(const std::vector<CtlCase> &cases, const std::string &before) {
+  for (const CtlCase &expected : cases) {
+    const CtlResult result = Ctl(expected.arguments, before);
+    EXPECT_EQ(expected.exitCode, result.exitCode) << expected.arguments << "\n" << result.err;
+    EXPECT_THAT(result.err, testing::HasSubstr(expected.message)) << expected.arguments;
+  }
+}
+
 PlayerProcess &CtlTest::StartPlayer(const std::vector<std::string> &more, const std::string &preparation,
                                     const std::string &input) {
   std::vector<std::string> arguments = {input, "-o", Path("out" + std::to_string(players_.size()) + ".wav"),

@@ -25,6 +25,13 @@ CtlResult Ctl(const std::string &arguments, const std::string &before = "");
 // Its JSON document.
 nlohmann::json CtlJson(const std::string &arguments, const std::string &before = "");
 
+struct CtlCase {
+  std::string arguments;
+  int exitCode;
+  std::string message;  // is a part of what stands on standard error
+};
+void ExpectAnswers(const std::vector<CtlCase> &cases, const std::string &before = "");
+
 class CtlTest : public PlayerTest {
  protected:
   // Starts a player and waits until it reads the pipe and its pipelines are registered.

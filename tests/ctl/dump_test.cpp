@@ -71,19 +71,13 @@ TEST_F(Dump, TakesBothSidesWithEveryChannelAndLeavesNothingBehind) {
 
 TEST_F(Dump, SaysWhatItCannotDump) {
   StartPlayer();
-  const struct {
-    const char *arguments;
-    int exitCode;
-    const char *message;
-  } kCases[] = {
-      {"Dec/Lpcm --in", 6, "has no input port"},       {"Dec/Volum --seconds 0.05 -o ./", 0, ""},
-      {"Dec/Loud", 6, "it has Lpcm, Volume"},          {"Dec/Vol --seconds soon", 2, "no number from"},
-      {"Dec/Vol --seconds 86400", 2, "at most 4 GiB"}, {"Dec/Vol -o /dev/null/x", 3, "cannot make"}};
-  for (const auto &expected : kCases) {
-    const CtlResult dump = Ctl("dump " + std::string(expected.arguments), "cd " + Path("") + " &&");
-    EXPECT_EQ(expected.exitCode, dump.exitCode) << expected.arguments << dump.err;
-    EXPECT_THAT(dump.err, HasSubstr(expected.message));
-  }
+  ExpectAnswers({{"dump Dec/Lpcm --in", 6, "has no input port"},
+                 {"dump Dec/Volum --seconds 0.05 -o ./", 0, ""},
+                 {"dump Dec/Loud", 6, "it has Lpcm, Volume"},
+                 {"dump Dec/Vol --seconds soon", 2, "no number from"},
+                 {"dump Dec/Vol --seconds 86400", 2, "at most 4 GiB"},
+                 {"dump Dec/Vol -o /dev/null/x", 3, "cannot make"}},
+                "cd " + Path("") + " &&");
   EXPECT_TRUE(IsQuiet("Dump"));
 }
 
