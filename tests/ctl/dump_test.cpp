@@ -71,13 +71,17 @@ TEST_F(Dump, TakesBothSidesWithEveryChannelAndLeavesNothingBehind) {
 
 TEST_F(Dump, SaysWhatItCannotDump) {
   StartPlayer();
-  ExpectAnswers({{"dump Dec/Lpcm --in", 6, "has no input port"},
-                 {"dump Dec/Volum --seconds 0.05 -o ./", 0, ""},
-                 {"dump Dec/Loud", 6, "it has Lpcm, Volume"},
-                 {"dump Dec/Vol --seconds soon", 2, "no number from"},
-                 {"dump Dec/Vol --seconds 86400", 2, "at most 4 GiB"},
-                 {"dump Dec/Vol -o /dev/null/x", 3, "cannot make"}},
-                "cd " + Path("") + " &&");
+  std::filesystem::create_directories(Path("taken/Decoder_13_Volume_in0_dmx.wav"));
+  ExpectAnswers(
+      {{"dump Dec/Lpcm --in", 6, "has no input port"},
+       {"dump Dec/Volume --seconds 0.05 -o taken", 3, "cannot write taken/Decoder_13_Volume_in0_dmx.wav"},
+       {"dump Dec/Volum --seconds 0.05 -o ./", 0, ""},
+       {"dump Dec/Loud", 6, "it has Lpcm, Volume"},
+       {"dump Dec/Vol --seconds soon", 2, "no number from"},
+       {"dump Dec/Vol --seconds 86400", 2, "at most 4 GiB"},
+       {"dump Dec/Vol -o /dev/null/x", 3, "cannot make"}},
+      "cd " + Path("") + " &&");
+  EXPECT_THAT(FilesOf("Dump"), IsEmpty());
   EXPECT_TRUE(IsQuiet("Dump"));
 }
 
@@ -91,6 +95,18 @@ TEST_F(Dump, IsSwitchedOffWheneverItIsInterrupted) {
     EXPECT_TRUE(IsQuiet("Dump")) << seconds;
   }
   EXPECT_LE(256u, ReadAudio(Path("dump/SpeakerOutput_Mixer_in0_dmx.wav")).Frames());
+}
+
+TEST_F(Dump, KeepsWhatCameBeforeTheProcessEnded) {
+  const PlayerProcess &player = StartPlayer();
+  CtlResult dump = {};
+  std::thread dumping([&] { dump = Ctl("dump Mixer --seconds 20" + Options()); });
+  EXPECT_TRUE(WaitFor([] { return !FilesOf("Dump").empty(); }));
+  player.Signal(SIGKILL);
+  dumping.join();
+  EXPECT_EQ(0, dump.exitCode);
+  EXPECT_THAT(dump.err, HasSubstr("the process has ended"));
+  EXPECT_THAT(FilesOf("Dump"), IsEmpty());
 }
 
 TEST_F(Dump, IsSwitchedOffWhenTheProcessIsStoppedMeanwhile) {
