@@ -15,7 +15,8 @@ Result RunCmd(Context &context, const Arguments &arguments) {
   const Target target = FindFilter(context.GetListing(), arguments.words[0]);
   const std::string text =
       fmt::format("{}", fmt::join(arguments.words.begin() + 1, arguments.words.end(), " "));
-  const std::string name = fmt::format("{}/{}", target.pipeline->name, target.filter->name);
+  const std::string name = FullName(target);
+  RefuseCommas(target);
   if (!target.filter->takesCommands) {
     throw CtlError(ExitCode::kRefused, fmt::format("{} takes no commands", name));
   }
@@ -27,7 +28,7 @@ Result RunCmd(Context &context, const Arguments &arguments) {
   std::string shown;
   for (const std::string &line : verdict.lines)
     shown += Escape(line) + "\n";
-  if (shown.empty()) shown = fmt::format("{} took \"{}\"\n", name, Escape(text));
+  if (shown.empty()) shown = fmt::format("{} took \"{}\"\n", Escape(name), Escape(text));
   Result result =
       ResultOf(verdict, std::move(asked), shown, fmt::format("{} does not take \"{}\"", name, text));
   result.data["lines"] = ToJson(verdict.lines);

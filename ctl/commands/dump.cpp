@@ -19,6 +19,7 @@
 #include "ctl/commands/context.h"
 #include "ctl/commands/option_values.h"
 #include "ctl/commands/selection.h"
+#include "ctl/model/port_name.h"
 #include "ctl/observe/switched_on.h"
 #include "ctl/render/status_line.h"
 #include "ctl/render/table.h"
@@ -89,10 +90,6 @@ bool IsWanted(const Port &port, const Sides &sides) {
   return port.isInput ? sides.input : sides.output;
 }
 
-std::string NameOf(const Port &port) {
-  return fmt::format("{}{}", port.isInput ? "in" : "out", port.number);
-}
-
 class DumpRun {
  public:
   DumpRun(Context &context, const Target &target, Wishes wishes)
@@ -157,7 +154,7 @@ void DumpRun::FindStreams() {
       if (!port.isInput && layout->bytesPerSample == 3) {
         context_.GetChannel().Warn(fmt::format(
             "{} is left out: a process cannot dump packed 24-bit outputs; dump the input of the next filter",
-            NameOf(port)));
+            PortName(port)));
         continue;
       }
       streams_.push_back({&port, group, {layout->channels, layout->bytesPerSample, wishes_.rate}, {}});
@@ -166,8 +163,7 @@ void DumpRun::FindStreams() {
       dataFiles_.push_back({&port, kind, {}});
   }
   if (streams_.empty()) {
-    throw CtlError(ExitCode::kNotFound, fmt::format("{}/{} has no {}port that can be dumped",
-                                                    target_.pipeline->name, target_.filter->name,
+    throw CtlError(ExitCode::kNotFound, fmt::format("{} has no {}port that can be dumped", FullName(target_),
                                                     wishes_.sides.input && wishes_.sides.output ? ""
                                                     : wishes_.sides.input                       ? "input "
                                                                                                 : "output "));
@@ -282,7 +278,7 @@ void DumpRun::WaitUntilDumped() {
       context_.GetChannel().Warn("ended early: the disk is nearly full");
       return;
     }
-    progress.Show(fmt::format("dumping {}/{}: {:.1f} of {} s", target_.pipeline->name, target_.filter->name,
+    progress.Show(fmt::format("dumping {}: {:.1f} of {} s", FullName(target_),
                               isAny ? static_cast<double>(least) / wishes_.rate : 0.0, wishes_.seconds));
     Pause(kPoll);
   }
@@ -290,7 +286,7 @@ void DumpRun::WaitUntilDumped() {
 
 std::string DumpRun::PathFor(const Port &port, const std::string &end) const {
   const std::string name = fmt::format("{}_{}_{}{}", FileWord(target_.pipeline->name),
-                                       FileWord(target_.filter->name), NameOf(port), end);
+                                       FileWord(target_.filter->name), PortName(port), end);
   return (std::filesystem::path(wishes_.directory) / name).string();
 }
 
@@ -305,7 +301,7 @@ void DumpRun::KeepStream(const Stream &stream, Json &files, Table &table) {
                stream.layout, path, channels);
   const double seconds = static_cast<double>(written.frames) / wishes_.rate;
   if (written.frames < WantedFrames())
-    context_.GetChannel().Warn(fmt::format("only {:.3f} s came through {}", seconds, NameOf(*stream.port)));
+    context_.GetChannel().Warn(fmt::format("only {:.3f} s came through {}", seconds, PortName(*stream.port)));
   files.push_back({{"path", ToJson(path)},
                    {"kind", "pcm"},
                    {"channels", channels},
@@ -372,8 +368,7 @@ Result DumpRun::Keep() {
                  {"files", files}};
   if (files.empty()) {
     result.exit = ExitCode::kNoAnswer;
-    result.message =
-        fmt::format("nothing passed through {}/{}", target_.pipeline->name, target_.filter->name);
+    result.message = fmt::format("nothing passed through {}", FullName(target_));
     result.hint = "does it run, and do its ports have data? kestctl ls shows it";
     return result;
   }

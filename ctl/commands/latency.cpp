@@ -69,7 +69,7 @@ const Port *FirstPort(const Filter &filter, bool isInput) {
 void NeedPort(const Target &target, bool isInput) {
   if (FirstPort(*target.filter, isInput) != nullptr) return;
   throw CtlError(ExitCode::kNotFound,
-                 fmt::format("{}/{} has no {}", target.pipeline->name, target.filter->name,
+                 fmt::format("{} has no {}", FullName(target),
                              isInput ? "input, into which the burst could go" : "output to look at"));
 }
 
@@ -85,8 +85,8 @@ bool Is32Bit(const Port &port) {
 void NeedPairOfChannels(const Target &target) {
   if (FirstPort(*target.filter, false)->groupBytes[0] != 0) return;
   throw CtlError(ExitCode::kNotFound,
-                 fmt::format("{}/{} has no one or two channels in its output, which alone are looked at",
-                             target.pipeline->name, target.filter->name));
+                 fmt::format("{} has no one or two channels in its output, which alone are looked at",
+                             FullName(target)));
 }
 
 Ends EndsOf(const Listing &listing, const Arguments &arguments) {
@@ -106,8 +106,8 @@ std::vector<std::string> LinesFor(const Selection &start, const Selection &end) 
 
 void AskForConsent(const Ends &ends, int repeat) {
   const std::string what = fmt::format(
-      "this silences what comes into {}/{} for 500 cycles, about three seconds in most hosts, {} time{}",
-      ends.from.pipeline->name, ends.from.filter->name, repeat, repeat == 1 ? "" : "s");
+      "this silences what comes into {} for 500 cycles, about three seconds in most hosts, {} time{}",
+      FullName(ends.from), repeat, repeat == 1 ? "" : "s");
   if (isatty(STDIN_FILENO) == 0) {
     throw CtlError(ExitCode::kUsage, what, "nobody can be asked here: say that you mean it with --yes");
   }
@@ -310,13 +310,12 @@ void Explain(const std::vector<Run> &runs, const Ends &ends, Result &result) {
   result.message = fmt::format("no burst found in {} of {} runs", lost, runs.size());
   const bool wasInserted = std::find_if(runs.begin(), runs.end(), isLost)->isInserted;
   result.hint =
-      wasInserted ? fmt::format(
-                        "it went into {}/{} but did not come out of {}/{}: is that behind it, and not muted? "
-                        "--wait gives it longer",
-                        ends.from.pipeline->name, ends.from.filter->name, ends.to.pipeline->name,
-                        ends.to.filter->name)
-                  : fmt::format("{}/{} gets no sound into which it could be put: does it run?",
-                                ends.from.pipeline->name, ends.from.filter->name);
+      wasInserted
+          ? fmt::format(
+                "it went into {} but did not come out of {}: is that behind it, and not muted? "
+                "--wait gives it longer",
+                FullName(ends.from), FullName(ends.to))
+          : fmt::format("{} gets no sound into which it could be put: does it run?", FullName(ends.from));
 }
 
 Result ResultOf(const std::vector<Run> &runs, const Ends &ends, Channel &channel) {
@@ -332,9 +331,8 @@ Result ResultOf(const std::vector<Run> &runs, const Ends &ends, Channel &channel
     rate = run.rate;
     isExact = isExact && run.isExact;
   }
-  const auto name = [](const Target &target) { return target.pipeline->name + "/" + target.filter->name; };
-  result.data = {{"from", ToJson(name(ends.from))},
-                 {"to", ToJson(name(ends.to))},
+  result.data = {{"from", ToJson(FullName(ends.from))},
+                 {"to", ToJson(FullName(ends.to))},
                  {"rate", rate},
                  {"runs", all},
                  {"ms", nullptr},

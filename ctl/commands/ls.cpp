@@ -8,6 +8,7 @@
 #include "ctl/commands/commands.h"
 #include "ctl/commands/context.h"
 #include "ctl/commands/names.h"
+#include "ctl/model/port_name.h"
 #include "ctl/parse/listing.h"
 #include "ctl/render/escape.h"
 #include "ctl/render/table.h"
@@ -29,8 +30,8 @@ std::string IndexOf(const Pipeline &pipeline) {
 std::string ShowPorts(const Filter &filter) {
   std::vector<std::string> ports;
   for (const Port &port : filter.ports) {
-    ports.push_back(fmt::format("{}{} {}{}", port.isInput ? "in" : "out", port.number, Show(port.pcm),
-                                port.connected ? "" : " (not connected)"));
+    ports.push_back(
+        fmt::format("{} {}{}", PortName(port), Show(port.pcm), port.connected ? "" : " (not connected)"));
   }
   return fmt::format("{}", fmt::join(ports, "  "));
 }
@@ -92,8 +93,7 @@ std::string ShowPortTable(const Listing &listing) {
   for (const Pipeline &pipeline : listing.pipelines) {
     for (const Filter &filter : pipeline.filters) {
       for (const Port &port : filter.ports) {
-        table.Add({pipeline.name, filter.name, fmt::format("{}{}", port.isInput ? "in" : "out", port.number),
-                   port.connected ? "yes" : "no", Show(port.pcm),
+        table.Add({pipeline.name, filter.name, PortName(port), port.connected ? "yes" : "no", Show(port.pcm),
                    fmt::format("{}", fmt::join(port.groupBytes, " ")), Show(port.metadata), Show(port.raw)});
       }
     }

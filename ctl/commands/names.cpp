@@ -117,6 +117,17 @@ const Pipeline &FindPipeline(const Listing &listing, const std::string &typed) {
 
 }  // namespace
 
+std::string FullName(const Target &target) {
+  if (target.filter == nullptr) return target.pipeline->name;
+  return fmt::format("{}/{}", target.pipeline->name, target.filter->name);
+}
+
+void RefuseCommas(const Target &target) {
+  const std::string name = FullName(target);
+  if (Contains(name, ","))
+    throw CtlError(ExitCode::kNotFound, fmt::format("{} cannot be named: a name ends at a comma", name));
+}
+
 std::string Nearest(const std::vector<std::string> &names, const std::string &typed) {
   std::string nearest;
   size_t least = std::max<size_t>(typed.size() / 2, 2);

@@ -15,6 +15,10 @@ struct Target {
   const Filter *filter = nullptr;  // NULL: the whole pipeline
 };
 
+// "PIPELINE/FILTER", or "PIPELINE".
+std::string FullName(const Target &target);
+// Throws CtlError when a name has a comma, at which the command language ends names.
+void RefuseCommas(const Target &target);
 // "PIPELINE/FILTER". Throws CtlError with a suggestion when there is no such or more than one.
 Target FindFilter(const Listing &listing, const std::string &text);
 // "PIPELINE" or "PIPELINE/FILTER".

@@ -13,10 +13,6 @@ namespace {
 
 constexpr size_t kLongestName = 63;  // what a process keeps of a name
 
-std::string Show(const Target &target) {
-  return fmt::format("{}/{}", target.pipeline->name, target.filter->name);
-}
-
 bool HasSameNames(const Target &one, const Target &other) {
   return one.pipeline->name == other.pipeline->name && one.filter->name == other.filter->name;
 }
@@ -47,17 +43,14 @@ std::vector<Target> SelectedBy(const Listing &listing, const std::string &pipeli
 
 Selection SelectionOf(const Listing &listing, const Target &target, size_t room, bool alone) {
   Selection selection = {target.pipeline->name, target.filter->name};
-  if (Contains(selection.pipeline + selection.filter, ",")) {
-    throw CtlError(ExitCode::kNotFound,
-                   fmt::format("{} cannot be named: a name ends at a comma", Show(target)));
-  }
+  RefuseCommas(target);
   Shorten(selection, room);
   for (const Target &other : SelectedBy(listing, selection.pipeline, selection.filter)) {
     if (other.filter == target.filter || (!alone && !HasSameNames(other, target))) continue;
     throw CtlError(ExitCode::kNotFound,
                    fmt::format("{} cannot be told from filter {}, {}: names select every filter whose own "
                                "begin with them",
-                               Show(target), other.filter->index, Show(other)));
+                               FullName(target), other.filter->index, FullName(other)));
   }
   return selection;
 }

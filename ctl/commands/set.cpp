@@ -10,6 +10,7 @@
 #include "ctl/commands/names.h"
 #include "ctl/commands/verdict_result.h"
 #include "ctl/parse/lines.h"
+#include "ctl/render/escape.h"
 
 namespace kest::ctl {
 namespace {
@@ -44,16 +45,9 @@ void RefuseHidden(const Listing &listing, const Target &target) {
   throw CtlError(
       ExitCode::kNotFound,
       fmt::format(
-          "{}/{} cannot be named: its names are the beginning of those of filter {}, which the process takes "
+          "{} cannot be named: its names are the beginning of those of filter {}, which the process takes "
           "instead",
-          target.pipeline->name, target.filter->name, first->index));
-}
-
-// Names have no room for a comma in the command language.
-void RefuseCommas(const Target &target) {
-  if (!Contains(target.pipeline->name + target.filter->name, ",")) return;
-  throw CtlError(ExitCode::kNotFound, fmt::format("{}/{} cannot be named: a name ends at a comma",
-                                                  target.pipeline->name, target.filter->name));
+          FullName(target), first->index));
 }
 
 std::string LineFor(std::string_view pipeline, std::string_view filter, const Parameter &parameter,
@@ -90,13 +84,12 @@ Result RunSet(Context &context, const Arguments &arguments) {
   const Parameter &parameter =
       FindParameter(context.GetParameters(), target.filter->name, arguments.words[1]);
   const Verdict verdict = context.GetChannel().Change(MakeLine(listing, target, parameter, value));
-  const std::string what =
-      fmt::format("{} of {}/{}", parameter.name, target.pipeline->name, target.filter->name);
+  const std::string what = fmt::format("{} of {}", parameter.name, FullName(target));
   Json asked = {{"pipeline", ToJson(target.pipeline->name)},
                 {"filter", ToJson(target.filter->name)},
                 {"name", ToJson(parameter.name)},
                 {"value", value}};
-  return ResultOf(verdict, std::move(asked), fmt::format("{} is set to {}\n", what, value),
+  return ResultOf(verdict, std::move(asked), fmt::format("{} is set to {}\n", Escape(what), value),
                   fmt::format("{} cannot be set to {}", what, value));
 }
 

@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <string_view>
 
+#include "ctl/model/port_name.h"
+
 namespace kest::ctl {
 namespace {
 
@@ -111,9 +113,8 @@ void AddListing(const Listing &listing, Collector &collector) {
     for (const Filter &filter : pipeline.filters) {
       collector.Add(kRunning, filter.state == "RUN" ? 1.0 : 0.0, {pipeline.name, filter.name});
       for (const Port &port : filter.ports) {
-        const std::string name = (port.isInput ? "in" : "out") + std::to_string(port.number);
         for (const PortFigure &figure : kPortFigures)
-          collector.Add(figure.kind, figure.of(port), {pipeline.name, filter.name, name});
+          collector.Add(figure.kind, figure.of(port), {pipeline.name, filter.name, PortName(port)});
       }
     }
   }

@@ -6,6 +6,7 @@
 
 #include <fmt/format.h>
 
+#include "ctl/model/port_name.h"
 #include "ctl/render/json.h"
 
 namespace kest::ctl {
@@ -109,8 +110,7 @@ class TraceWriter {
   void AddCounters() {
     for (const PortLine &line : document_.portLines) {
       for (const PortState &port : line.ports) {
-        const std::string name =
-            fmt::format("{}/{} {}{}", line.pipeline, line.filter, port.isInput ? "in" : "out", port.number);
+        const std::string name = fmt::format("{}/{} {}", line.pipeline, line.filter, PortName(port));
         AddCounter(line.timeUs, name + " level", "samples", port.level + (port.isInput ? 0 : port.moved));
         if (port.xruns > 0) AddCounter(line.timeUs, name + " xruns", "count", port.xruns);
       }

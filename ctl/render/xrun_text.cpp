@@ -3,14 +3,11 @@
 
 #include <fmt/format.h>
 
+#include "ctl/model/port_name.h"
 #include "ctl/render/escape.h"
 
 namespace kest::ctl {
 namespace {
-
-std::string NameOf(const PortState &port) {
-  return fmt::format("{}{}", port.isInput ? "in" : "out", port.number);
-}
 
 double Milliseconds(uint64_t us) {
   return static_cast<double>(us) / 1000.0;
@@ -19,7 +16,7 @@ double Milliseconds(uint64_t us) {
 std::string Show(const Neighbour &neighbour) {
   std::string text = fmt::format(" {}/{}", neighbour.pipeline, neighbour.filter);
   for (const PortState &port : neighbour.ports)
-    text += fmt::format(" {} {}/{}", NameOf(port), port.level, port.size);
+    text += fmt::format(" {} {}/{}", PortName(port), port.level, port.size);
   return text + fmt::format(" {:.1f} ms ago", Milliseconds(neighbour.agoUs));
 }
 
@@ -56,7 +53,7 @@ Json NeighboursJson(const std::vector<Neighbour> &neighbours) {
 
 std::string ShowXrun(const Xrun &xrun) {
   std::string text = fmt::format("{} {}/{} {} +{} = {}  {}/{}", xrun.port.isInput ? "underrun" : "overrun",
-                                 xrun.pipeline, xrun.filter, NameOf(xrun.port), xrun.added, xrun.port.xruns,
+                                 xrun.pipeline, xrun.filter, PortName(xrun.port), xrun.added, xrun.port.xruns,
                                  xrun.port.level, xrun.port.size);
   text += Show("before", xrun.before) + Show("behind", xrun.behind);
   if (xrun.blame) {
