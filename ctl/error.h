@@ -12,7 +12,7 @@ enum class ExitCode {
   kDone = 0,
   kRefused = 1,  // the process refused, or a check failed
   kUsage = 2,
-  kUnreachable = 3,  // no process, no pipe or no permission
+  kUnreachable = 3,  // no process, no pipe, no permission, or a file that cannot be written
   kNoAnswer = 4,
   kSeveralProcesses = 5,
   kNotFound = 6,  // no such pipeline, filter or parameter

@@ -17,7 +17,7 @@ const std::vector<OptionInfo> &GlobalOptions() {
       {"--timeout", "MS", "How long to wait for an answer; 2000 unless given"},
       {"--via", "COMMAND", "Works on another system, through its shell: \"adb shell\", \"ssh HOST\""},
       {"--json", nullptr, "One JSON document on standard output, also on failure"},
-      {"-q,--quiet", nullptr, "No warnings and hints"},
+      {"-q,--quiet", nullptr, "No warnings, hints and progress"},
       {"--color", "WHEN", "auto, always or never; auto unless given: on a terminal without NO_COLOR",
        Offer::kColour},
   };

@@ -33,7 +33,7 @@ const std::vector<ExitCodeInfo> kExitCodes = {
     {ExitCode::kDone, "done"},
     {ExitCode::kRefused, "refused, or a check failed"},
     {ExitCode::kUsage, "wrong command line"},
-    {ExitCode::kUnreachable, "no process, no pipe or no permission"},
+    {ExitCode::kUnreachable, "no process, no pipe, no permission, or a file that cannot be written"},
     {ExitCode::kNoAnswer, "no answer"},
     {ExitCode::kSeveralProcesses, "several processes"},
     {ExitCode::kNotFound, "no such pipeline, filter or parameter"},
