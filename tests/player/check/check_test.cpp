@@ -230,6 +230,8 @@ TEST_F(CheckFile, AReportSaysWhatWasExpectedAndHowToRepeatIt) {
                         file + " --only Bounds.GuardPages --seed 1 --in-process\n"));
   EXPECT_THAT(all.out, HasSubstr("6 tests: 5 success, 1 crashed\n"));
 
+  for (const char *pszOptions : {"ASAN_OPTIONS", "TSAN_OPTIONS"})
+    setenv(pszOptions, "handle_segv=0", 1);
   const PlayerResult again =
       RunCheck("faulty_kinds.so:WritesBehind", {"--only", "Bounds.GuardPages", "--in-process"});
   EXPECT_EQ(128 + SIGSEGV, again.exitCode);
