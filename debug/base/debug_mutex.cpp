@@ -25,8 +25,8 @@ LockOwner g_logOwner;
 
 // In the order of their use.
 ForkedMutex g_aForked[] = {
-    {&g_startMutex.stMutex, &g_startMutex.owner},
     {&_stKestDebugMutex, &g_owner},
+    {&g_startMutex.stMutex, &g_startMutex.owner},
     {&g_logSwitchMutex.stMutex, &g_logSwitchMutex.owner},
     {&g_baseMutex.stMutex, &g_baseMutex.owner},
     {&g_testThreadsMutex.stMutex, &g_testThreadsMutex.owner},

@@ -16,10 +16,11 @@
 
 namespace kest {
 
-extern OwnedMutex g_startMutex;  // the creation of the command thread, until the layer counts as started
-extern pthread_mutex_t _stKestDebugMutex;     // the registry and the filter-io watch list
-extern OwnedMutex g_logSwitchMutex;           // whether the log goes to its file
-extern OwnedMutex g_baseMutex;                // the base initialisation
+// The registry and the filter-io watch list. The first: a callback, which runs while it is held, may fork.
+extern pthread_mutex_t _stKestDebugMutex;
+extern OwnedMutex g_startMutex;      // the creation of the command thread, until the layer counts as started
+extern OwnedMutex g_logSwitchMutex;  // whether the log goes to its file
+extern OwnedMutex g_baseMutex;       // the base initialisation
 extern OwnedMutex g_testThreadsMutex;         // creation and end of the test threads
 extern pthread_mutex_t _stKestDebugShmMutex;  // the shared settings
 extern pthread_mutex_t _stKestDebugLogMutex;  // the log file
