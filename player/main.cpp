@@ -10,6 +10,7 @@
 #include <android/log.h>
 #include <unistd.h>
 
+#include "player/base/player_error.h"
 #include "player/check/check.h"
 #include "player/config/layout.h"
 #include "player/config/options.h"
@@ -42,7 +43,8 @@ void WaitForEnd(Playback &playback, const sigset_t &endSignals, bool showProgres
 }
 
 void Play(const Options &options, const FilterKinds &kinds, const sigset_t &endSignals) {
-  Playback playback(MakeLayout(options, kinds), options);
+  const UniqueFd endFd = WatchSignals(endSignals);
+  Playback playback(MakeLayout(options, kinds), options, endFd.Get());
   AnnounceCapabilities(kinds, playback.Filters());
   playback.Start();
   WaitForEnd(playback, endSignals, isatty(STDERR_FILENO) != 0 && !options.logcat);
@@ -82,7 +84,11 @@ int Main(int argc, char **argv) {
   __android_log_set_logger(options.logcat ? LogToStderr : LogNowhere);
   const DebugSession session;
   const FilterKinds kinds = BuiltInKinds();
-  Play(options, kinds, endSignals);
+  try {
+    Play(options, kinds, endSignals);
+  } catch (const RunCancelled &cancelled) {
+    std::cout << cancelled.what() << std::endl;
+  }
   return 0;
 }
 

@@ -20,9 +20,15 @@ part == "tables" && /^  [^ ]/ {
   term = substr($0, 3, behind_term - 1)
   text = substr($0, 2 + behind_term)
   sub(/^ +/, "", text)
-  if (text != "") option(term, text)
+  needs_text = text == ""
+  if (!needs_text) option(term, text)
 }
-part == "tables" && /^   / { sub(/^ +/, ""); option(term, $0) }
+part == "tables" && /^   / {
+  sub(/^ +/, "")
+  if (needs_text) option(term, $0)
+  else tables = tables roff($0) "\n"
+  needs_text = 0
+}
 part == "notes" { notes = notes roff($0) "\n" }
 
 END {

@@ -37,19 +37,48 @@ UniqueFd OpenRegularFile(const std::string &path) {
   return fd;
 }
 
+// libsndfile decodes what a stream holds. It asks for no more than that, and never goes back.
+SF_VIRTUAL_IO g_stStreamCalls = {
+    [](void *) { return sf_count_t{INT64_MAX}; },           // length
+    [](sf_count_t, int, void *) { return sf_count_t{0}; },  // seek: to the start, when it opens
+    [](void *to, sf_count_t bytes, void *stream) {          // read
+      return static_cast<sf_count_t>(
+          static_cast<StandardInput *>(stream)->Take(to, static_cast<size_t>(bytes)));
+    },
+    [](const void *, sf_count_t, void *) { return sf_count_t{0}; },  // write
+    [](void *) { return sf_count_t{0}; },                            // tell
+};
+
 }  // namespace
 
 AudioReader::AudioReader(const std::string &path)
-    : path_(path), fd_(OpenRegularFile(path)), bytesAtStart_(Bytes()) {
+    : name_(path), path_(path), fd_(OpenRegularFile(path)), bytesAtStart_(Bytes()) {
   file_.reset(sf_open_fd(fd_.Get(), SFM_READ, &info_, SF_FALSE));
   if (!file_) {
     throw PlayerError(
         path + " is not an audio file that can be read (WAV, FLAC and OGG can be): " + sf_strerror(nullptr));
   }
-  if (SampleRate() < kMinSampleRate || SampleRate() > kMaxSampleRate) {
-    throw PlayerError(path + " has an unsupported sample rate of " + std::to_string(info_.samplerate) +
-                      " Hz; 4000 to 768000 Hz can be played");
-  }
+  CheckSampleRate();
+}
+
+AudioReader::AudioReader(std::unique_ptr<StandardInput> stream, const StreamFormat &format)
+    : name_(StandardInput::kName),
+      path_(StandardInput::kPath),
+      stream_(std::move(stream)),
+      bytesPerFrame_(size_t{format.channels} * format.bytesPerSample) {
+  info_.channels = static_cast<int>(format.channels);
+  info_.samplerate = static_cast<int>(format.sampleRate);
+  info_.format = SF_FORMAT_RAW | format.coding;
+  CheckSampleRate();
+  stream_->EndAfter(format.bytes);
+  file_.reset(sf_open_virtual(&g_stStreamCalls, SFM_READ, &info_, stream_.get()));
+  if (!file_) throw PlayerError(name_ + " cannot be played: " + sf_strerror(nullptr));
+}
+
+void AudioReader::CheckSampleRate() const {
+  if (SampleRate() >= kMinSampleRate && SampleRate() <= kMaxSampleRate) return;
+  throw PlayerError(name_ + " has an unsupported sample rate of " + std::to_string(SampleRate()) +
+                    " Hz; 4000 to 768000 Hz can be played");
 }
 
 off_t AudioReader::Bytes() const {
@@ -92,12 +121,18 @@ uint32_t AudioReader::Read(Sample *interleaved, uint32_t frames) {
   uint32_t done = 0;
   while (done < frames) {
     if (ahead.Held() == 0) {
-      ahead.Fill(Channels(), [this](Sample *samples, uint32_t room) { return ReadFile(samples, room); });
+      ahead.Fill(Channels(), [this](Sample *samples, uint32_t room) {
+        return ReadFile(samples, std::min(room, FramesAtHand()));
+      });
     }
     if (ahead.Held() == 0) break;
     done += ahead.Take(interleaved + size_t{done} * Channels(), frames - done, Channels());
   }
   return done;
+}
+
+uint32_t AudioReader::FramesAtHand() const {
+  return stream_ ? static_cast<uint32_t>(stream_->Held() / bytesPerFrame_) : UINT32_MAX;
 }
 
 template uint32_t AudioReader::Read(int16_t *, uint32_t);
@@ -142,6 +177,24 @@ void AudioReader::Rewind() {
   }
   std::get<FrameChunk<int16_t>>(ahead_).Clear();
   std::get<FrameChunk<int32_t>>(ahead_).Clear();
+}
+
+void AudioReader::Await(uint32_t frames) {
+  const uint32_t decoded =
+      std::get<FrameChunk<int16_t>>(ahead_).Held() + std::get<FrameChunk<int32_t>>(ahead_).Held();
+  if (stream_ && frames > decoded) stream_->Await((frames - decoded) * bytesPerFrame_);
+}
+
+void AudioReader::StopWaiting() {
+  if (stream_) stream_->StopWaiting();
+}
+
+void AudioReader::CheckIsWhole() const {
+  if (!stream_) return;
+  stream_->CheckIsWhole();
+  if (!stream_->HasEnded() || stream_->Held() % bytesPerFrame_ == 0) return;
+  throw PlayerError(name_ + " ended within a frame; its last " +
+                    std::to_string(stream_->Held() % bytesPerFrame_) + " bytes were left out");
 }
 
 }  // namespace kest::player

@@ -1,12 +1,19 @@
 // SPDX-License-Identifier: Apache-2.0
-// An error that ends a run, worded for the user: what is wrong and what to do.
+// What ends a run early.
 #pragma once
 
 #include <stdexcept>
 
 namespace kest::player {
 
+// An error, worded for the user: what is wrong and what to do.
 class PlayerError : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+// The user ended the run before it could begin.
+class RunCancelled : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
 };

@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <variant>
 
-#include "player/audio/sound_card.h"
 #include "player/base/text_list.h"
 #include "player/modules/module_error.h"
 #include "player/modules/module_kinds.h"
@@ -43,9 +42,9 @@ class ReadValue {
   ReadValue(const JsonValue &value, const std::filesystem::path &directory)
       : value_(value), directory_(directory) {}
 
-  std::variant<int, std::string> operator()(const FileNameRange &) const {
+  std::variant<int, std::string> operator()(const FileNameRange &range) const {
     const std::string name = value_.FileName();
-    return SoundCardIn(name) ? name : (directory_ / name).string();
+    return range.isNoFile(name) ? name : (directory_ / name).string();
   }
   std::variant<int, std::string> operator()(const TextRange &range) const {
     return value_.NonEmptyText(range.needed);

@@ -38,6 +38,13 @@ std::vector<FilterLayout> Modules(const std::vector<ModuleOption> &modules, cons
   return filters;
 }
 
+// The raw format is that of standard input.
+FilterLayout InputLayout(const std::string &file, const std::optional<std::string> &raw) {
+  FilterLayout lpcm{&Lpcm::kKind, {{Lpcm::kFileSetting, file}}};
+  if (raw && StandardInput::IsMeantBy(file)) lpcm.settings[Lpcm::kRawSetting] = *raw;
+  return lpcm;
+}
+
 Layout CommandLineLayout(const Options &options, const FilterKinds &kinds) {
   const FilterLayout volume{&Volume::kKind, {{Volume::kGainSetting, options.gainDb}}};
   const FilterLayout delay{&Delay::kKind, {{Delay::kDelaySetting, static_cast<int>(options.delayMs)}}};
@@ -50,7 +57,7 @@ Layout CommandLineLayout(const Options &options, const FilterKinds &kinds) {
   layout.output.filters.insert(layout.output.filters.end(), {delay, output});
   for (const std::string &input : options.inputs) {
     const std::string name = "Decoder_" + std::to_string(kFirstDecoder + layout.inputs.size());
-    layout.inputs.push_back({name, {{&Lpcm::kKind, {{Lpcm::kFileSetting, input}}}, volume}});
+    layout.inputs.push_back({name, {InputLayout(input, options.raw), volume}});
     if (options.rateHz)
       layout.inputs.back().filters.push_back({&Src::kKind, {{Src::kRateSetting, *options.rateHz}}});
     std::vector<FilterLayout> &chain = layout.inputs.back().filters;

@@ -1,10 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "player/config/options.h"
 
+#include <algorithm>
+
 #include <CLI/CLI.hpp>
 
 #include "ze_kest/model.h"
 
+#include "player/audio/standard_input.h"
 #include "player/filters/delay.h"
 #include "player/filters/src.h"
 #include "player/filters/volume.h"
@@ -37,10 +40,11 @@ constexpr const char *kFooter =
     "  input          Lpcm, then any of Volume, Delay, Src, DownMix and modules\n"
     "  SpeakerOutput  Mixer, then any of these, then SpeakerOutput\n"
     "Settings: \"file\" of Lpcm and SpeakerOutput, relative to the configuration's\n"
-    "directory; \"gain_db\" of Volume and \"delay_ms\" of Delay, 0 when left out;\n"
-    "\"rate_hz\" of Src; \"matrix\" of DownMix, a text as for --mix. A filter\n"
-    "with a \"module\" (a file, relative too) may have any other name; \"filter\" tells which\n"
-    "of the module's it is, \"config\" is a text for it, \"parameters\" an object of numbers.\n"
+    "directory; \"raw\" of Lpcm, a text as for --raw; \"gain_db\" of Volume and\n"
+    "\"delay_ms\" of Delay, 0 when left out; \"rate_hz\" of Src; \"matrix\" of DownMix, a\n"
+    "text as for --mix. A filter with a \"module\" (a file, relative too) may have any\n"
+    "other name; \"filter\" tells which of the module's it is, \"config\" is a text for it,\n"
+    "\"parameters\" an object of numbers.\n"
     "\n"
     "Exit code: 0 played, also when ended by SIGINT, SIGTERM or SIGHUP; 1 an error; 2 a\n"
     "wrong command line; 3 --inspect or --check could not load the module. --check also\n"
@@ -100,9 +104,15 @@ void SetModuleConfig(Options &options, const std::string &text) {
 }
 
 void AddOptions(CLI::App &app, Options &options) {
-  app.add_option("IN", options.inputs, "Audio files that libsndfile reads, such as WAV, FLAC and OGG")
+  app.add_option("IN", options.inputs,
+                 "Audio files that libsndfile reads, such as WAV, FLAC and OGG; or -, standard\ninput, as "
+                 "WAV or as --raw says")
       ->expected(1, ZE_KEST_MAX_PORTS)
       ->type_name("FILE");
+  app.add_option("--raw", options.raw,
+                 "Standard input holds raw samples: RATE:CHANNELS:SAMPLES, such as 48000:2:s16le;\n"
+                 "also u8, s8, s24le, s32le, f32le, f64le, and with be")
+      ->type_name("FORMAT");
   app.add_option("-o,--output", options.output,
                  "WAV file to write, overwritten when it exists; or alsa:DEVICE, a sound card")
       ->type_name("OUT.wav");
@@ -206,8 +216,8 @@ void RefuseWhatDoesNotBelong(const CLI::App &app, const std::string &purpose) {
 // With --config these options are refused; without it the files must be given.
 void CheckSourceOfLayout(const CLI::App &app) {
   const bool hasConfig = app.count("--config") > 0;
-  for (const char *name :
-       {"IN", "--output", "--gain-db", "--delay-ms", "--rate", "--mix", "--module", "--module-config"}) {
+  for (const char *name : {"IN", "--raw", "--output", "--gain-db", "--delay-ms", "--rate", "--mix",
+                           "--module", "--module-config"}) {
     if (hasConfig && app.count(name) > 0) {
       throw CLI::ValidationError(name, "cannot be given with --config; the configuration file sets it");
     }
@@ -215,6 +225,11 @@ void CheckSourceOfLayout(const CLI::App &app) {
   for (const char *name : {"IN", "--output"}) {
     if (!hasConfig && app.count(name) == 0) throw CLI::RequiredError(name);
   }
+}
+
+void RefuseRawFiles(const Options &options) {
+  const bool hasStream = std::any_of(options.inputs.begin(), options.inputs.end(), StandardInput::IsMeantBy);
+  if (options.raw && !hasStream) throw CLI::ValidationError("--raw", "works with -, standard input, only");
 }
 
 // Refuses a run that would fill the disk without anybody hearing it.
@@ -243,6 +258,7 @@ std::variant<Options, int> ParseOptions(int argc, const char *const *argv) {
     } else if (!options.inspect) {
       if (options.json) throw CLI::ValidationError("--json", "works with --inspect and --check only");
       CheckSourceOfLayout(app);
+      RefuseRawFiles(options);
       RefuseEndlessFastRun(options);
     }
   } catch (const CLI::ParseError &error) {

@@ -23,8 +23,9 @@ struct ModuleOption {
 
 struct Options {
   std::optional<std::string>
-      config;  // instead of inputs, output, gainDb, delayMs, rateHz, mixMatrix, modules
+      config;  // instead of inputs, raw, output, gainDb, delayMs, rateHz, mixMatrix, modules
   std::vector<std::string> inputs;
+  std::optional<std::string> raw;  // format of standard input
   std::string output;
   bool fast = false;
   bool loop = false;

@@ -26,7 +26,8 @@ constexpr Parameter kParameters[] = {
     Fixed<uint32_t{0}>("DolbyTb11Enable", "1 is on"),
     Fixed<kOtherSignal>("RfSignalType", "0 Dvb, 1 Atsc, 2 Dtmb, 3 others"),
 };
-constexpr Setting kSettings[] = {{Lpcm::kFileSetting, FileNameRange{}, true}};
+constexpr Setting kSettings[] = {{Lpcm::kFileSetting, FileNameRange{StandardInput::IsMeantBy}, true},
+                                 {Lpcm::kRawSetting, TextRange{kRawFormatNeeded}}};
 
 // The file is open already: the format of the run depends on it.
 std::unique_ptr<Filter> Make(const FilterLayout & /*layout*/, const FilterMaterial &material) {
@@ -71,7 +72,7 @@ bool Lpcm::StartOver() {
   if (!loop_ || fileIsEmpty) return false;
   reader_.Rewind();
   framesSinceStart_ = 0;
-  Log(ZE_KEST_LEVEL_INFO, "starts %s over", reader_.Path().c_str());
+  Log(ZE_KEST_LEVEL_INFO, "starts %s over", reader_.Name().c_str());
   return true;
 }
 

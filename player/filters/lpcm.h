@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// The player's decoder: reads an audio file and generates its metadata.
+// The player's decoder: reads an audio file or a stream and generates its metadata.
 #pragma once
 
 #include <atomic>
@@ -14,12 +14,17 @@ class Lpcm : public Filter {
  public:
   static const FilterKind kKind;
   static constexpr const char *kFileSetting = "file";
+  static constexpr const char *kRawSetting = "raw";
 
   // source: number of the input, stored in its metadata; loop: start over at the end of the file.
   Lpcm(const PcmFormat &format, AudioReader reader, uint32_t source, bool loop);
 
   // Complete blocks of ZE_KEST_METADATA_SAMPLES frames so far. Callable from any thread.
   [[nodiscard]] uint32_t BlocksDecoded() const { return blocksDecoded_; }
+
+  void AwaitInput() override { reader_.Await(kCycleFrames); }
+  void StopWaiting() override { reader_.StopWaiting(); }
+  void Finish() override { reader_.CheckIsWhole(); }
 
  protected:
   void Process() override;

@@ -16,7 +16,11 @@ namespace kest::player {
 
 namespace {
 
-constexpr Setting kSettings[] = {{SpeakerOutput::kFileSetting, FileNameRange{}, true}};
+bool IsSoundCard(const std::string &name) {
+  return SoundCardIn(name).has_value();
+}
+
+constexpr Setting kSettings[] = {{SpeakerOutput::kFileSetting, FileNameRange{IsSoundCard}, true}};
 
 uint64_t FrameLimit(const FilterMaterial &material) {
   if (!material.seconds) return SpeakerOutput::kNoLimit;

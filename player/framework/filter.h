@@ -47,6 +47,10 @@ class Filter {
   // Tells the output ports the format. Called before the first cycle.
   void AnnounceFormat();
 
+  // Waits for what a turn needs from outside of the process. Called before every cycle, for the first filter.
+  virtual void AwaitInput() {}
+  // Ends this and all later waits. Callable from any thread.
+  virtual void StopWaiting() {}
   // Runs one turn. upstreamEnded: nothing will follow what the input ports hold now.
   void RunCycle(bool upstreamEnded);
   // Whether everything has been passed on.

@@ -8,6 +8,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <string>
 #include <variant>
 
 #include "player/framework/table.h"
@@ -26,7 +27,9 @@ enum class FilterPlace {
   kBetween       // any number of them, in any order, behind the first one
 };
 
-struct FileNameRange {};
+struct FileNameRange {
+  bool (*isNoFile)(const std::string &name);  // whether a name means something else, and is taken as it is
+};
 
 struct TextRange {
   const char *needed;  // what it says, for an error message

@@ -68,6 +68,9 @@ void Pipeline::Start() {
 
 void Pipeline::RequestStop() {
   stopRequested_ = true;
+  for (const auto &filter : filters_) {
+    filter->StopWaiting();
+  }
   for (const LinkedPort &input : inputs_) {
     input.link->Abandon();
   }
@@ -108,6 +111,7 @@ void Pipeline::RunRegistered() {
 void Pipeline::RunCycles() {
   PipelineLink::Patience patience;
   while (!stopRequested_ && CollectInputs(patience)) {
+    filters_.front()->AwaitInput();
     const bool ended = RunFilters();
     if (!HandOverOutputs() || ended) return;
     patience = inputPatience_;

@@ -5,8 +5,8 @@
 #include <cstdio>
 
 #include "player/base/player_error.h"
-#include "player/filters/lpcm.h"
 #include "player/filters/speaker_output.h"
+#include "player/session/inputs.h"
 #include "player/session/output_check.h"
 
 namespace kest::player {
@@ -15,31 +15,6 @@ namespace {
 // How far an input may run ahead of the output.
 constexpr uint32_t kLinkFrames = 16 * kCycleFrames;
 constexpr uint32_t kFastLinkFrames = 64 * kCycleFrames;
-
-std::vector<AudioReader> OpenInputs(const Layout &layout) {
-  std::vector<AudioReader> readers;
-  for (const PipelineLayout &input : layout.inputs) {
-    readers.emplace_back(input.filters.front().FileName(Lpcm::kFileSetting));
-  }
-  return readers;
-}
-
-std::string FormatText(const std::string &path, uint32_t channels, uint32_t sampleRate) {
-  return path + " (" + std::to_string(channels) + " channels, " + std::to_string(sampleRate) + " Hz)";
-}
-
-void CheckInputs(const std::vector<AudioReader> &readers, bool loop) {
-  for (const AudioReader &reader : readers) {
-    if (reader.Channels() > kMaxChannels) {
-      throw PlayerError(
-          "unsupported layout: " + FormatText(reader.Path(), reader.Channels(), reader.SampleRate()) +
-          "; at most " + std::to_string(kMaxChannels) + " channels can be played");
-    }
-    if (loop && !reader.CanRewind()) {
-      throw PlayerError("cannot loop over " + reader.Path() + ": it cannot be read from its start again");
-    }
-  }
-}
 
 // 16 bits when that holds every input exactly and --wide is not given.
 uint32_t BitsOfPorts(const std::vector<AudioReader> &readers, bool wide) {
@@ -50,10 +25,9 @@ uint32_t BitsOfPorts(const std::vector<AudioReader> &readers, bool wide) {
 }
 
 // Each input as its filters leave it.
-void CheckAgreement(const Layout &layout, const std::vector<PcmFormat> &formats) {
+void CheckAgreement(const std::vector<std::string> &names, const std::vector<PcmFormat> &formats) {
   const auto textOf = [&](size_t input) {
-    return FormatText(layout.inputs[input].filters.front().FileName(Lpcm::kFileSetting),
-                      formats[input].channels, formats[input].sampleRate);
+    return FormatText(names[input], formats[input].channels, formats[input].sampleRate);
   };
   for (size_t input = 1; input < formats.size(); ++input) {
     if (formats[input] == formats[0]) continue;
@@ -64,10 +38,9 @@ void CheckAgreement(const Layout &layout, const std::vector<PcmFormat> &formats)
 
 }  // namespace
 
-Playback::Playback(const Layout &layout, const Options &options)
+Playback::Playback(const Layout &layout, const Options &options, int endFd)
     : outputPath_(layout.output.filters.back().FileName(SpeakerOutput::kFileSetting)) {
-  std::vector<AudioReader> readers = OpenInputs(layout);
-  CheckInputs(readers, options.loop);
+  std::vector<AudioReader> readers = OpenInputs(layout, options.loop, endFd);
   CheckOutput(outputPath_, readers, options.config);
   const FilterMaterial material = {{},           nullptr,       readers[0].Bits(), 0,
                                    options.loop, !options.fast, options.seconds};
@@ -77,15 +50,17 @@ Playback::Playback(const Layout &layout, const Options &options)
 
 void Playback::BuildInputs(const Layout &layout, std::vector<AudioReader> &readers, FilterMaterial material,
                            uint32_t bitsOfPorts) {
+  std::vector<std::string> names;
   std::vector<PcmFormat> formats;
   for (AudioReader &reader : readers) {
+    names.push_back(reader.Name());
     material.format = {reader.Channels(), reader.SampleRate(), bitsOfPorts};
     material.reader = &reader;
     const PipelineLayout &input = layout.inputs[material.source++];
     pipelines_.push_back(Build(input, material, std::nullopt));
     formats.push_back(pipelines_.back()->OutputFormat());
   }
-  CheckAgreement(layout, formats);
+  CheckAgreement(names, formats);
 }
 
 void Playback::BuildOutput(const Layout &layout, FilterMaterial material) {
@@ -145,10 +120,10 @@ void Playback::RequestStop() {
 }
 
 bool Playback::HasEnded() const {
-  return std::all_of(pipelines_.begin(), pipelines_.end(),
-                     [](const auto &pipeline) { return pipeline->HasEnded(); });
+  return pipelines_.front()->HasEnded();
 }
 
+// Once the output has ended, an input may still wait for a stream.
 void Playback::Finish() {
   std::exception_ptr failure;
   for (const auto &pipeline : pipelines_) {
@@ -157,6 +132,7 @@ void Playback::Finish() {
     } catch (...) {
       if (!failure) failure = std::current_exception();
     }
+    RequestStop();
   }
   if (failure) std::rethrow_exception(failure);
 }

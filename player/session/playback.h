@@ -18,9 +18,10 @@ class SpeakerOutput;
 
 class Playback {
  public:
-  // Opens all files and builds the pipelines. Throws PlayerError; the output file is touched only once all
-  // inputs are known to be playable.
-  Playback(const Layout &layout, const Options &options);
+  // Opens all files and builds the pipelines. endFd: readable when the run is to end, also before a stream
+  // has said its format, and open as long as this object; -1: never. Throws PlayerError or RunCancelled; the
+  // output file is touched only once all inputs are known to be playable.
+  Playback(const Layout &layout, const Options &options, int endFd = -1);
   ~Playback();
   Playback(const Playback &) = delete;
   Playback &operator=(const Playback &) = delete;
@@ -30,6 +31,7 @@ class Playback {
 
   void Start();
   void RequestStop();
+  // Whether the output has. Only Finish ends the inputs.
   [[nodiscard]] bool HasEnded() const;
   // Waits for the end. Rethrows what ended the run early.
   void Finish();

@@ -2,6 +2,7 @@
 #include "player/session/process_setup.h"
 
 #include <fcntl.h>
+#include <sys/signalfd.h>
 #include <unistd.h>
 
 namespace kest::player {
@@ -30,6 +31,10 @@ sigset_t BlockEndSignals() {
   if (!IsHangUpIgnored()) sigaddset(&set, SIGHUP);
   pthread_sigmask(SIG_BLOCK, &set, nullptr);
   return set;
+}
+
+UniqueFd WatchSignals(const sigset_t &signals) {
+  return UniqueFd(signalfd(-1, &signals, SFD_NONBLOCK | SFD_CLOEXEC));
 }
 
 void IgnoreWriteSignals() {

@@ -20,6 +20,7 @@ File Create(const std::string &path, int channels, int sampleRate, int format) {
   info.format = format;
   File file(sf_open(path.c_str(), SFM_WRITE, &info), sf_close);
   EXPECT_NE(nullptr, file) << path << ": " << sf_strerror(nullptr);
+  sf_command(file.get(), SFC_SET_SCALE_INT_FLOAT_WRITE, nullptr, SF_TRUE);
   return file;
 }
 
