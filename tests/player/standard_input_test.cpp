@@ -109,6 +109,10 @@ TEST_F(StandardInputs, ArePlayedToTheLastSampleInEveryFormat) {
     if (*raw != '\0') arguments.insert(arguments.end(), {"--raw", std::string("48000:3:") + raw});
     EXPECT_TRUE(audio.samples == PlayedFile(Path("stream"), arguments)) << raw << " " << std::hex << format;
   }
+  for (const int law : {SF_FORMAT_ALAW, SF_FORMAT_ULAW}) {
+    WriteAudio(Path("stream"), Noise(2, SF_FORMAT_WAV | law, 5001));
+    EXPECT_TRUE(ReadAudio(Path("stream")).samples == PlayedFile(Path("stream"), {"-"}));
+  }
   const AudioData audio = WriteNoise(Path("stream"), 2, SF_FORMAT_RAW | SF_FORMAT_PCM_32, 5001);
   WriteFile(Path("x.json"), R"({"In": {"Lpcm": {"file": "-", "raw": "44100:2:s32le"}},
                                 "SpeakerOutput": {"Mixer": {}, "SpeakerOutput": {"file": "out.wav"}}})");
