@@ -17,8 +17,10 @@ holds() {
   done
 }
 holds libkest1 'lib.*/libkest\.so\.1' /copyright /changelog.gz
-holds libkest-dev ze_kest/port.h 'libkest\.so ->' kestConfig.cmake kest.pc /copyright
-holds kest-tools bin/kest-player man1/kest-player.1.gz examples/example.json commands.md /copyright
+holds libkest-dev ze_kest/port.h 'libkest\.so ->' kestConfig.cmake kest.pc libkest_harness.a kest-harness.pc \
+  starter/my_filter.c starter-cpp/my_delay.cpp ladspa/module.cpp host/my_host.c write-a-filter.md write-a-host.md /copyright
+holds kest-tools bin/kest-player man1/kest-player.1.gz examples/example.json bin/kestctl man1/kestctl.1.gz \
+  completions/kestctl commands.md player.md kestctl.md monitoring/kest-alerts.yml /copyright
 for package in libkest-dev kest-tools; do
   dpkg-deb -f "$output/${package}_"*.deb Depends | grep -F 'libkest1 (= '
 done

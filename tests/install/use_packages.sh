@@ -23,11 +23,18 @@ done
 kill $player
 wait $player
 cat listing summary
+kest-player - -o streamed.wav --fast <Front_Center.wav
+zcat /usr/share/man/man1/kest-player.1.gz /usr/share/man/man1/kestctl.1.gz | grep -q '^.TH KEST'
 
 install ./libkest-dev_*.deb gcc libc6-dev pkg-config
 cc -Wall -Werror main.c -o consumer $(pkg-config --cflags --libs kest)
 ./consumer
 [ "$(pkg-config --variable=debugdir kest)" = $debug_dir/ ]
+cp /usr/share/kest/starter/*.c .
+cc -Wall -Werror -shared -fPIC my_filter.c -o my_filter.so $(pkg-config --cflags --libs kest) -lm
+cc -Wall -Werror my_filter_test.c my_filter.c -o my_filter_test $(pkg-config --cflags --libs kest-harness) -lm
+./my_filter_test
+kest-player --inspect ./my_filter.so
 
 dpkg -L libkest1 libkest-dev kest-tools | sort -u >installed
 dpkg --purge libkest-dev kest-tools libkest1 >log
