@@ -43,8 +43,7 @@ void WaitForEnd(Playback &playback, const sigset_t &endSignals, bool showProgres
 }
 
 void Play(const Options &options, const FilterKinds &kinds, const sigset_t &endSignals) {
-  const UniqueFd endFd = WatchSignals(endSignals);
-  Playback playback(MakeLayout(options, kinds), options, endFd.Get());
+  Playback playback(MakeLayout(options, kinds), options, WatchSignals(endSignals).Get());
   AnnounceCapabilities(kinds, playback.Filters());
   playback.Start();
   WaitForEnd(playback, endSignals, isatty(STDERR_FILENO) != 0 && !options.logcat);

@@ -13,7 +13,7 @@
 
 namespace kest::player {
 
-StandardInput::StandardInput(int endFd) : endFd_(endFd), stopFd_(eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC)) {
+StandardInput::StandardInput() : stopFd_(eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC)) {
   if (!stopFd_.IsOpen()) {
     throw PlayerError(std::string("cannot wait for standard input: ") + std::strerror(errno));
   }

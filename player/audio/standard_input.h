@@ -21,9 +21,11 @@ class StandardInput {
   // The most that can be waited for.
   static constexpr size_t kMaxBytes = 65536;  // what a pipe holds
 
-  // endFd: readable when the run is to end, which ends waits too; -1 for none. Throws PlayerError when a
-  // terminal is standard input.
-  explicit StandardInput(int endFd);
+  // Throws PlayerError when a terminal is standard input.
+  StandardInput();
+
+  // From now on a descriptor that is readable ends waits too; -1: none.
+  void EndWaitsBy(int endFd) { endFd_ = endFd; }
 
   // Waits until so many bytes are held. False when they will not come: the stream has ended or broken, or the
   // wait was ended.
@@ -46,7 +48,7 @@ class StandardInput {
   [[nodiscard]] bool WaitForData() const;
   void ReadMore();
 
-  int endFd_;
+  int endFd_ = -1;
   UniqueFd stopFd_;
   uint64_t bytesLeft_ = UINT64_MAX;  // to be read before the end
   bool ended_ = false;

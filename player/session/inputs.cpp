@@ -33,8 +33,12 @@ void CheckStreams(const Layout &layout, bool loop) {
 AudioReader OpenStream(const std::string &raw, int endFd) {
   StreamFormat format{};
   if (!raw.empty()) format = ParseRawFormat(raw);
-  auto stream = std::make_unique<StandardInput>(endFd);
-  if (raw.empty()) format = ReadWavHeader(*stream);
+  auto stream = std::make_unique<StandardInput>();
+  if (raw.empty()) {
+    stream->EndWaitsBy(endFd);
+    format = ReadWavHeader(*stream);
+    stream->EndWaitsBy(-1);
+  }
   return {std::move(stream), format};
 }
 

@@ -18,9 +18,9 @@ class SpeakerOutput;
 
 class Playback {
  public:
-  // Opens all files and builds the pipelines. endFd: readable when the run is to end, also before a stream
-  // has said its format, and open as long as this object; -1: never. Throws PlayerError or RunCancelled; the
-  // output file is touched only once all inputs are known to be playable.
+  // Opens all files and builds the pipelines. endFd: readable when the run is to end before a stream has said
+  // its format; -1: never. Throws PlayerError or RunCancelled; the output file is touched only once all
+  // inputs are known to be playable.
   Playback(const Layout &layout, const Options &options, int endFd = -1);
   ~Playback();
   Playback(const Playback &) = delete;
