@@ -8,7 +8,6 @@
 
 #include "ctl/channel/exchange.h"
 #include "ctl/channel/interrupt.h"
-#include "ctl/channel/log_follower.h"
 #include "ctl/channel/marker.h"
 #include "ctl/channel/write_failure.h"
 #include "ctl/model/level.h"
@@ -105,10 +104,11 @@ std::shared_ptr<void> Channel::LockOut() {
   return lock;
 }
 
-CtlError Channel::Silence(bool logRestarted) {
+CtlError Channel::Silence(bool mayBeLost) {
   const Surroundings around(host_, settings_.directory);
-  const std::optional<Finding> reason = ReasonOfSilence(around);
-  if (!reason && logRestarted) return AnswerLost("the answer was lost");
+  std::optional<Finding> reason = LastingReasonOfSilence(around);
+  if (!reason && mayBeLost) return AnswerLost("the answer was lost");
+  if (!reason) reason = PassingReasonOfSilence(around);
   if (around.unreadBytes.value_or(0) > 0)
     Warn("the lines stay in the pipe and will be carried out when it is read again");
   const std::string noAnswer = fmt::format("no answer within {} ms: ", settings_.timeout.count());
@@ -125,7 +125,7 @@ Reply Channel::Exchanged(const std::vector<std::string> &lines) {
   Exchange exchange(host_, settings_.directory);
   exchange.Send(lines);
   std::optional<Reply> reply = exchange.Receive(settings_.timeout);
-  if (!reply) throw Silence(exchange.SawRestart());
+  if (!reply) throw Silence(exchange.MayHaveLostAnswer());
   if (reply->strayLine)
     Warn("somebody had left a line without an end in the pipe; it was ended and executed");
   elapsedMs_ = reply->elapsedMs;
@@ -144,10 +144,9 @@ Reply Channel::Ask(const std::vector<std::string> &lines) {
   }
 }
 
-std::optional<Lines> Channel::AskAnyone(const std::string &line,
+std::optional<Lines> Channel::AskAnyone(const std::string &line, LogFollower &log,
                                         const std::function<bool(const Lines &)> &isWhole,
                                         Clock::duration patience, Clock::time_point deadline) {
-  LogFollower log(host_, settings_.directory + "KestLog.txt");
   const std::string pipe = settings_.directory + "D";
   const WriteResult written = host_.WriteToPipe(pipe, line + "\n");
   if (written != WriteResult::kWritten) throw WriteFailure(host_, pipe, written);
@@ -177,9 +176,12 @@ std::vector<ProcessReply> Channel::AskEach(const std::string &line,
   const auto deadline = Clock::now() + settings_.timeout;
   Clock::duration patience = kFirstPatience;
   bool anyAnswered = false;
+  bool mayBeLost = false;
   while (!silent.empty() && Clock::now() < deadline) {
-    std::optional<Lines> lines = AskAnyone(line, isWhole, patience, deadline);
+    LogFollower log(host_, settings_.directory + "KestLog.txt");
+    std::optional<Lines> lines = AskAnyone(line, log, isWhole, patience, deadline);
     if (!lines) {  // from a process that does not log, or a restart of the log took it
+      mayBeLost = mayBeLost || log.MayHaveRestarted();
       patience *= 2;
       continue;
     }
@@ -194,7 +196,7 @@ std::vector<ProcessReply> Channel::AskEach(const std::string &line,
     replies.push_back({std::move(*sender), *std::move(lines)});
     silent.erase(sender);
   }
-  if (!anyAnswered) throw Silence(false);
+  if (!anyAnswered) throw Silence(mayBeLost);
   for (const Process &process : silent)
     Warn(fmt::format("{} ({}) has not answered, or has nothing registered", process.name, process.pid));
   return replies;

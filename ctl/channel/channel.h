@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "ctl/channel/host.h"
+#include "ctl/channel/log_follower.h"
 #include "ctl/channel/reply.h"
 #include "ctl/channel/surroundings.h"
 #include "ctl/channel/verdict.h"
@@ -78,11 +79,12 @@ class Channel {
   bool AreReadersFresh();
   Reply Exchanged(const std::vector<std::string> &lines);
   // Why there is no answer.
-  CtlError Silence(bool logRestarted);
+  CtlError Silence(bool mayBeLost);
   // The lines that are added to the log after a line was sent, once they are an answer; empty when none has
   // come after patience although the line was read, or at the deadline.
-  std::optional<Lines> AskAnyone(const std::string &line, const std::function<bool(const Lines &)> &isWhole,
-                                 Clock::duration patience, Clock::time_point deadline);
+  std::optional<Lines> AskAnyone(const std::string &line, LogFollower &log,
+                                 const std::function<bool(const Lines &)> &isWhole, Clock::duration patience,
+                                 Clock::time_point deadline);
 
   Host &host_;
   ChannelSettings settings_;

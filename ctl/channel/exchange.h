@@ -26,8 +26,8 @@ class Exchange {
   void Send(const std::vector<std::string> &lines);
   // The answer; empty when it did not come in time. Throws when a part of it was lost.
   std::optional<Reply> Receive(std::chrono::milliseconds timeout);
-  // Whether the log was seen to be emptied or replaced, and may have taken the answer with it.
-  [[nodiscard]] bool SawRestart() const { return log_.Restarts() > 0; }
+  // Whether the log was emptied or replaced, as far as can be told, and may have taken the answer with it.
+  [[nodiscard]] bool MayHaveLostAnswer() const { return log_.MayHaveRestarted(); }
 
  private:
   using Clock = std::chrono::steady_clock;

@@ -22,6 +22,7 @@ struct FileFacts {
   uint64_t size = 0;
   std::string owner;  // only from Look
   unsigned mode = 0;
+  std::string modified;  // when it was last written to: to be compared, not to be read
 
   [[nodiscard]] bool IsSameFile(const FileFacts &other) const {
     return kind == other.kind && device == other.device && inode == other.inode;

@@ -33,8 +33,13 @@ std::string UserName(uid_t user) {
 }
 
 FileFacts FactsOf(const struct stat &facts) {
-  return {KindOf(facts.st_mode), facts.st_dev, facts.st_ino, static_cast<uint64_t>(facts.st_size), {},
-          facts.st_mode & 07777u};
+  return {KindOf(facts.st_mode),
+          facts.st_dev,
+          facts.st_ino,
+          static_cast<uint64_t>(facts.st_size),
+          {},
+          facts.st_mode & 07777u,
+          fmt::format("{}.{:09}", facts.st_mtim.tv_sec, facts.st_mtim.tv_nsec)};
 }
 
 FileFacts NoFacts(int error) {

@@ -13,7 +13,7 @@ constexpr size_t kRememberedBytes = 64;
 }  // namespace
 
 LogFollower::LogFollower(Host &host, std::string path)
-    : host_(host), path_(std::move(path)), facts_(host.Read(path_, 0, 0).facts) {
+    : host_(host), path_(std::move(path)), facts_(host.Read(path_, 0, 0).facts), modified_(facts_.modified) {
   GoTo(facts_.size);
 }
 
@@ -47,9 +47,16 @@ std::string LogFollower::ReadMore() {
     part = host_.Read(path_, 0, kPieceBytes);
   }
   std::string more = part.bytes.substr(std::min(part.bytes.size(), before_.size()));
+  if (!more.empty()) modified_ = part.facts.modified;
   offset_ += more.size();
   before_ = part.bytes.substr(part.bytes.size() - std::min(part.bytes.size(), kRememberedBytes));
   return more;
+}
+
+bool LogFollower::MayHaveRestarted() const {
+  if (restarts_ > 0) return true;
+  const FileFacts now = host_.Read(path_, 0, 0).facts;
+  return now.kind == FileKind::kRegular && now.size <= offset_ && now.modified != modified_;
 }
 
 }  // namespace kest::ctl

@@ -20,8 +20,10 @@ class LogFollower {
 
   // Where the next text begins.
   [[nodiscard]] uint64_t Offset() const { return offset_; }
-  // How often the log was emptied or replaced while it was followed.
+  // How often the log was seen to be emptied or replaced while it was followed.
   [[nodiscard]] int Restarts() const { return restarts_; }
+  // Whether it was, or may have been unseen: it was written to and has not become longer.
+  [[nodiscard]] bool MayHaveRestarted() const;
   [[nodiscard]] const std::string &Path() const { return path_; }
 
  private:
@@ -32,6 +34,7 @@ class LogFollower {
   std::string path_;
   FileFacts facts_;
   uint64_t offset_ = 0;
+  std::string modified_;  // when the text before the offset was written
   std::string before_;  // the last bytes before the offset: other ones there mean that the log was emptied
                         // and has grown
   int restarts_ = 0;

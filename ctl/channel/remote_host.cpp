@@ -16,8 +16,9 @@
 namespace kest::ctl {
 namespace {
 
-// Mode, device, inode, size, user id and user: GNU's stat and toybox's know all of them.
-constexpr const char *kFacts = "%f %d %i %s %u %U";
+// Mode, device, inode, size, user id, user and time of modification: GNU's stat and toybox's know all of
+// them. The time has a different number of words in each.
+constexpr const char *kFacts = "%f %d %i %s %u %U %y";
 constexpr uint64_t kBlockBytes = 4096;
 constexpr std::chrono::milliseconds kWritePatience{1000};
 constexpr std::chrono::milliseconds kLongestEnd{10'000};
@@ -28,6 +29,7 @@ FileFacts ParseFacts(std::istream &fields) {
   std::string user;
   fields >> std::hex >> mode >> std::dec >> facts.device >> facts.inode >> facts.size >> user >> facts.owner;
   if (!fields) return {};
+  std::getline(fields, facts.modified);
   facts.kind = KindOf(mode);
   facts.mode = mode & 07777u;
   if (facts.owner == "UNKNOWN") facts.owner = "user " + user;

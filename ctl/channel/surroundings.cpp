@@ -61,6 +61,15 @@ Finding ForEveryReader(const char *id, const Surroundings &around, Check check) 
   return finding;
 }
 
+std::optional<Finding> FirstBad(const Surroundings &around,
+                                std::initializer_list<Finding (*)(const Surroundings &)> checks) {
+  for (const auto check : checks) {
+    Finding finding = check(around);
+    if (finding.IsBad()) return finding;
+  }
+  return std::nullopt;
+}
+
 }  // namespace
 
 Surroundings::Surroundings(Host &hostIn, std::string directoryIn)
@@ -246,13 +255,12 @@ Finding CheckSharedBlock(const Surroundings &around) {
   });
 }
 
-std::optional<Finding> ReasonOfSilence(const Surroundings &around) {
-  for (const auto check : {CheckPipe, CheckReaders, CheckStopped, CheckPipeLock, CheckUnread,
-                           CheckFileLogging, CheckLogFile, CheckDisk, CheckSingleReader}) {
-    Finding finding = check(around);
-    if (finding.IsBad()) return finding;
-  }
-  return std::nullopt;
+std::optional<Finding> LastingReasonOfSilence(const Surroundings &around) {
+  return FirstBad(around, {CheckPipe, CheckReaders, CheckStopped, CheckPipeLock, CheckDisk});
+}
+
+std::optional<Finding> PassingReasonOfSilence(const Surroundings &around) {
+  return FirstBad(around, {CheckUnread, CheckFileLogging, CheckLogFile, CheckSingleReader});
 }
 
 }  // namespace kest::ctl

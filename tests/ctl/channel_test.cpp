@@ -138,6 +138,29 @@ TEST_F(Channel, ALogThatIsEmptyBeforeAndAfterTakesTheAnswerWithIt) {
   tally.Print("while the log is emptied");
 }
 
+TEST_F(Channel, AnAnswerThatARestartMayHaveTakenIsLostAndNotMissing) {
+  StartPlayer();
+  ctl::ChannelSettings settings = Settings();
+  settings.timeout = std::chrono::milliseconds(200);
+  ctl::Channel channel(host_, settings);
+  const auto codeOfSilence = [&] {
+    try {
+      channel.Send({"kest_print_current_shm"});
+    } catch (const CtlError &error) {
+      return error.Code();
+    }
+    return ExitCode::kDone;
+  };
+  WriteToPipe("kest_debug_watch_tid=1\n");
+  EXPECT_TRUE(WaitFor([&] { return codeOfSilence() == ExitCode::kNoAnswer; }));
+  const Beside restarts([] {
+    WriteToPipe("kest_log_restart\n");
+    usleep(5'000);
+  });
+  EXPECT_TRUE(WaitFor([] { return fs::file_size(kLogFile) == 0; }));
+  EXPECT_EQ(ExitCode::kLost, codeOfSilence()) << "although the log is empty before and after";
+}
+
 TEST_F(Channel, AnInterruptAtAnyMomentLeavesTheLevel) {
   StartPlayer();
   for (int us = 0; us < 6000; us += std::max(1, 60'000 / Commands())) {
