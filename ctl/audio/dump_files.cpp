@@ -7,9 +7,7 @@
 #include <fstream>
 #include <functional>
 
-#include <fmt/format.h>
-
-#include "ctl/error.h"
+#include "ctl/render/output_file.h"
 
 namespace kest::ctl {
 namespace {
@@ -78,8 +76,7 @@ void CopyDump(Host &host, const DumpedBytes &dumped, const std::string &path) {
     file.write(piece.data(), static_cast<std::streamsize>(piece.size()));
   });
   file.close();
-  if (!file)
-    throw CtlError(ExitCode::kUnreachable, fmt::format("cannot write {}: {}", path, std::strerror(errno)));
+  if (!file) throw CannotWrite(path, std::strerror(errno));
 }
 
 }  // namespace kest::ctl

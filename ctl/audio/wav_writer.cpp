@@ -3,9 +3,7 @@
 
 #include <utility>
 
-#include <fmt/format.h>
-
-#include "ctl/error.h"
+#include "ctl/render/output_file.h"
 
 namespace kest::ctl {
 namespace {
@@ -43,12 +41,11 @@ void WavWriter::Write(std::string_view frames) {
 void WavWriter::Close() {
   const int result = sf_close(std::exchange(file_, nullptr));
   if (result == SF_ERR_NO_ERROR) return;
-  throw CtlError(ExitCode::kUnreachable, fmt::format("cannot write {}: {}", path_, sf_error_number(result)));
+  throw CannotWrite(path_, sf_error_number(result));
 }
 
 void WavWriter::Check(bool isGood) const {
-  if (isGood) return;
-  throw CtlError(ExitCode::kUnreachable, fmt::format("cannot write {}: {}", path_, sf_strerror(file_)));
+  if (!isGood) throw CannotWrite(path_, sf_strerror(file_));
 }
 
 }  // namespace kest::ctl

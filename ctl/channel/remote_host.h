@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// A system behind a remote shell. Nothing but a POSIX shell, dd, stat and cat is needed there.
+// A system behind a remote shell. Nothing but a POSIX shell, dd, stat, cat and rm is needed there.
 #pragma once
 
 #include "ctl/channel/host.h"

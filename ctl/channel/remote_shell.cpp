@@ -26,6 +26,10 @@ constexpr milliseconds kLongestScript{30'000};  // to log in may need a password
 constexpr milliseconds kLongestFarewell{500};
 constexpr milliseconds kPiece{100};  // of waiting, after which interrupts are noticed
 constexpr milliseconds kUninterrupted{2000};
+// What the scripts use. Without one of them they would fail in ways that look like something else.
+constexpr const char *kNeedPrograms =
+    "for p in dd stat cat rm; do command -v $p >/dev/null || "
+    "{ echo \"there is no program $p, which kestctl needs\" >&2; exit 1; }; done\n";
 
 struct PipeEnds {
   UniqueFd readEnd;
@@ -83,7 +87,7 @@ void RemoteShell::Open() {
   input_ = std::move(in.writeEnd);
   output_ = std::move(out.readEnd);
   text_.clear();
-  Write("LC_ALL=C\nexport LC_ALL\n");
+  Write(fmt::format("LC_ALL=C\nexport LC_ALL\n{}", kNeedPrograms));
 }
 
 void RemoteShell::Close() {

@@ -21,6 +21,7 @@
 #include "ctl/commands/selection.h"
 #include "ctl/model/port_name.h"
 #include "ctl/observe/switched_on.h"
+#include "ctl/observe/written_files.h"
 #include "ctl/render/status_line.h"
 #include "ctl/render/table.h"
 
@@ -331,7 +332,6 @@ void DumpRun::KeepData(const DataFile &file, Json &files, Table &table) {
 // Whatever ended the dump, which is off by now. Files that were there before are not this command's to
 // remove.
 void DumpRun::RemoveFiles() noexcept {
-  const HoldingInterrupts holding;
   std::vector<std::string> paths = foreign_;
   for (const Stream &stream : streams_) {
     if (stream.before == 0) paths.push_back(stream.path);
@@ -339,15 +339,7 @@ void DumpRun::RemoveFiles() noexcept {
   for (const DataFile &file : dataFiles_) {
     if (file.before == 0) paths.push_back(file.path);
   }
-  for (const std::string &path : paths) {
-    try {
-      const bool isThere = context_.GetHost().Look(path).kind == FileKind::kRegular;
-      if (isThere && !context_.GetHost().Remove(path))
-        context_.GetChannel().Warn(fmt::format("{} could not be removed", path));
-    } catch (const std::exception &error) {
-      context_.GetChannel().Warn(fmt::format("{} may be left behind: {}", path, error.what()));
-    }
-  }
+  RemoveWrittenFiles(context_.GetChannel(), paths);
 }
 
 Result DumpRun::Keep() {

@@ -20,6 +20,7 @@
 #include "ctl/commands/selection.h"
 #include "ctl/model/level.h"
 #include "ctl/observe/switched_on.h"
+#include "ctl/observe/written_files.h"
 #include "ctl/parse/lines.h"
 #include "ctl/render/escape.h"
 #include "ctl/render/status_line.h"
@@ -243,14 +244,11 @@ Run Measurement::RunOf() {
 
 // Whatever ended the measurement, which is off by now. Files that were there before are not its own.
 void Measurement::RemoveFiles() noexcept {
-  const HoldingInterrupts holding;
   std::this_thread::sleep_for(kLastCycle);
-  try {
-    if (!allPath_.empty() && allBefore_ == 0) context_.GetHost().Remove(allPath_);
-    if (!hitPath_.empty() && hitBefore_ == 0) context_.GetHost().Remove(hitPath_);
-  } catch (const std::exception &error) {
-    channel_.Warn(fmt::format("{} may be left behind: {}", allPath_, error.what()));
-  }
+  std::vector<std::string> paths;
+  if (allBefore_ == 0) paths.push_back(allPath_);
+  if (hitBefore_ == 0) paths.push_back(hitPath_);
+  RemoveWrittenFiles(channel_, paths);
 }
 
 Json RunJson(const Run &run) {

@@ -17,9 +17,10 @@ using Clock = std::chrono::steady_clock;
 constexpr std::chrono::microseconds kPause{500};
 constexpr std::chrono::milliseconds kUnreadPatience{50};
 
-// Lines that nobody reads would pile up.
-bool ReadsItsCommands(Channel &channel) {
+// Lines that nobody reads would pile up. Where what is unread cannot be seen, a stopped process can.
+bool ReadsItsCommands(Channel &channel, const Process &process) {
   const std::string pipe = channel.Settings().directory + "D";
+  if (!channel.GetHost().UnreadBytes(pipe)) return process.state != 'T' && process.state != 't';
   const auto deadline = Clock::now() + kUnreadPatience;
   while (channel.GetHost().UnreadBytes(pipe).value_or(0) > 0) {
     if (Clock::now() > deadline) return false;
@@ -59,10 +60,10 @@ std::vector<FilterKey> DistinctFilters(const Listing &listing) {
 
 PortSample SamplePorts(Channel &channel, const std::vector<FilterKey> &filters,
                        std::chrono::milliseconds window) {
-  static_cast<void>(channel.TheProcess());
+  const Process process = channel.TheProcess();
   const std::shared_ptr<void> lock = channel.LockOut();
   PortSample sample;
-  sample.isRead = ReadsItsCommands(channel);
+  sample.isRead = ReadsItsCommands(channel, process);
   if (!sample.isRead || filters.empty()) return sample;
   const std::string pipe = channel.Settings().directory + "D";
   LogLines log(channel.GetHost(), channel.Settings().directory);

@@ -47,7 +47,10 @@ bool SwitchedOn::Confirm() {
     static_cast<void>(channel_.Send(off_));
     return true;
   } catch (const CtlError &error) {
-    if (error.Code() == ExitCode::kUnreachable) return true;
+    if (error.Code() == ExitCode::kUnreachable) {
+      static_cast<void>(channel_.IsDeserted());  // throws when it is the other system that cannot be reached
+      return true;
+    }
     if (error.Code() == ExitCode::kSeveralProcesses) TellSeveral();
     if (error.Code() == ExitCode::kSeveralProcesses || error.Code() == ExitCode::kLost) return false;
     throw;

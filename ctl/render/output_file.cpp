@@ -11,8 +11,6 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "ctl/error.h"
-
 namespace kest::ctl {
 namespace {
 
@@ -40,6 +38,10 @@ bool IsSpecial(const std::string &path) {
 
 }  // namespace
 
+CtlError CannotWrite(const std::string &path, const std::string &reason) {
+  return {ExitCode::kUnreachable, fmt::format("cannot write {}: {}", path, reason)};
+}
+
 mode_t OrdinaryMode() {
   const mode_t mask = umask(0);
   umask(mask);
@@ -61,7 +63,7 @@ OutputFile::~OutputFile() {
 }
 
 void OutputFile::Fail() const {
-  throw CtlError(ExitCode::kUnreachable, fmt::format("cannot write {}: {}", path_, std::strerror(errno)));
+  throw CannotWrite(path_, std::strerror(errno));
 }
 
 void OutputFile::Write(const std::string &bytes) {

@@ -6,9 +6,13 @@
 
 #include <sys/types.h>
 
+#include "ctl/error.h"
 #include "programs/unique_fd.h"
 
 namespace kest::ctl {
+
+// reason: in the words of the system or of a library.
+CtlError CannotWrite(const std::string &path, const std::string &reason);
 
 // Of a file that nothing is special about.
 mode_t OrdinaryMode();

@@ -35,12 +35,12 @@ class Top {
         view_(context, std::min(kLongestWindow, interval_ / 4)) {}
 
   Result Run() {
-    for (auto next = Clock::now(); looks_ == 0 || done_ < looks_; ++done_) {
+    auto next = Clock::now();
+    do {
       Show(Look());
-      if (done_ + 1 == looks_) continue;
+      ++done_;
       next = std::max(next + interval_, Clock::now());
-      if (!Wait(next)) break;
-    }
+    } while (done_ != looks_ && Wait(next));
     screen_.reset();
     Result result;
     result.data = {{"looks", done_}};

@@ -140,6 +140,7 @@ TEST_F(Doctor, SeesAFullDisk) {
   StartPlayer();
   Disk::Fill();
   ExpectBad("disk", "the disk is full");
+  EXPECT_TRUE(WaitFor([] { return Ctl("--timeout 300 ls").exitCode == 4; })) << "once the last block is full";
   ExpectNoAnswer(4, "the disk is full");
   Disk::MakeRoom();
 }

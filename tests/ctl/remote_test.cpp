@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 // Work on another system: the far side is a shell whose PATH holds nothing but the programs that kestctl may
 // use.
+#include <algorithm>
 #include <atomic>
+#include <csignal>
 #include <filesystem>
 #include <numeric>
 #include <thread>
@@ -14,6 +16,7 @@
 #include "ctl/channel/local_host.h"
 #include "ctl/channel/remote_host.h"
 #include "tests/ctl/ctl_test.h"
+#include "tests/ctl/trace_checker.h"
 
 namespace kest::ctl {
 
@@ -53,14 +56,19 @@ struct Programs {
 std::string FarSide(const Programs &programs) {
   const std::string path = PlayerTest::Path("far");
   fs::create_directory(path);
-  const std::pair<const char *, const char *> links[] = {
-      {"sh", programs.shell}, {"stat", programs.stat}, {"dd", "/bin/dd"}, {"cat", "/bin/cat"}};
+  const std::pair<const char *, const char *> links[] = {{"sh", programs.shell},
+                                                         {"stat", programs.stat},
+                                                         {"dd", "/bin/dd"},
+                                                         {"cat", "/bin/cat"},
+                                                         {"rm", "/bin/rm"}};
   for (const auto &[name, program] : links)
     fs::create_symlink(program, path + "/" + name);
   return "env PATH=" + path;
 }
 
 // What RemoteHost finds in a shell of this system must be what LocalHost finds.
+constexpr Programs kGnu = {"Gnu", "/bin/sh", "/usr/bin/stat"};
+
 class FarHost : public CtlTest, public testing::WithParamInterface<Programs> {
  protected:
   void SetUp() override {
@@ -73,8 +81,7 @@ class FarHost : public CtlTest, public testing::WithParamInterface<Programs> {
 };
 
 INSTANTIATE_TEST_SUITE_P(Shells, FarHost,
-                         testing::Values(Programs{"Gnu", "/bin/sh", "/usr/bin/stat"},
-                                         Programs{"Bash", "/bin/bash", "/usr/bin/stat"},
+                         testing::Values(kGnu, Programs{"Bash", "/bin/bash", "/usr/bin/stat"},
                                          Programs{"Toybox", "/bin/mksh", "/usr/bin/toybox"}),
                          [](const auto &given) { return given.param.name; });
 
@@ -159,14 +166,22 @@ class FarSideOfKestctl : public CtlTest {
  protected:
   void SetUp() override {
     if (!MayMount()) GTEST_SKIP() << "needs a mount namespace";
+    reach_ = "nsenter --mount=/proc/" + std::to_string(getpid()) + "/ns/mnt " + FarSide(kGnu);
+    via_ = reach_ + " sh -c";
   }
 
-  [[nodiscard]] CtlResult FarCtl(const std::string &arguments) const {
-    return Ctl("--via " + ctl::Quote(via_) + " " + arguments, elsewhere_);
+  // before: a program that runs kestctl.
+  [[nodiscard]] CtlResult FarCtl(const std::string &arguments, const std::string &before = "") const {
+    return Ctl("--via " + ctl::Quote(via_) + " " + arguments, elsewhere_ + " " + before);
+  }
+  [[nodiscard]] nlohmann::json FarData(const std::string &arguments) const {
+    return nlohmann::json::parse(FarCtl("--json " + arguments).out)["data"];
   }
 
-  const std::string elsewhere_ = "unshare --mount sh -c 'mount -t tmpfs none /mnt && exec \"$@\"' -";
-  const std::string via_ = "nsenter --mount=/proc/" + std::to_string(getpid()) + "/ns/mnt sh -c";
+  const std::string elsewhere_ =
+      "unshare --mount sh -c 'mount -t tmpfs none " KEST_DEBUG_DIR " && exec \"$@\"' -";
+  std::string reach_;
+  std::string via_;
 };
 
 TEST_F(FarSideOfKestctl, EveryCommandWorksThere) {
@@ -184,6 +199,64 @@ TEST_F(FarSideOfKestctl, EveryCommandWorksThere) {
   EXPECT_EQ(0, FarCtl("doctor").exitCode) << FarCtl("doctor").out;
 }
 
+TEST_F(FarSideOfKestctl, EveryInstrumentWorksThere) {
+  WriteNoise(Path("noise.wav"), 2, kWav32, 30000);
+  PlayerProcess &player =
+      StartPlayer({"--delay-ms", "20"},
+                  "export LD_PRELOAD=" KEST_SOFTWARE_COUNTERS " ASAN_OPTIONS=verify_asan_link_order=0",
+                  Path("noise.wav"));
+  EXPECT_EQ(960, FarData("latency Mixer SpeakerOutput/Delay --yes")["runs"][0]["samples"]);
+  const auto dump = FarData("dump SpeakerOutput/SpeakerOutput --in --seconds 0.25 --channels 2 -o " +
+                            Path("dump"))["files"];
+  ASSERT_EQ(2u, dump.size()) << dump;
+  EXPECT_THAT(FarCtl("--json top -n 1").out, HasSubstr(R"("name":"Volume","mark":"ran")"));
+  EXPECT_LE(50, FarData("perf Dec/Vol --seconds 1")["rows"][0]["cycles"]);
+  EXPECT_EQ(2u, FarData("trace Dec Speaker --seconds 0.5 -o " + Path("trace.json"))["pipelines"].size());
+  EXPECT_EQ("", TraceComplaint(nlohmann::json::parse(ReadFile(Path("trace.json")))));
+  EXPECT_EQ(1u,
+            FarData("trace --convert " KEST_DEBUG_DIR "Decoder_13.txt -o " + Path("again.json"))["pipelines"]
+                .size());
+  EXPECT_EQ(0, FarCtl("watch --seconds 0.2").exitCode);
+  EXPECT_EQ(true, FarData("metrics")["up"]);
+  EXPECT_EQ(CtlJson("report -o " + Path("near.tar.gz"))["data"]["files"].size(),
+            FarData("report -o " + Path("far.tar.gz"))["files"].size());
+  EXPECT_EQ(Ctl("get Dec/Vol").out, FarCtl("get Dec/Vol").out);
+  for (const char *left : {"Dump", "Out"})
+    EXPECT_TRUE(FilesOf(left).empty() && IsQuiet(left)) << left;
+  player.Signal(SIGTERM);
+  EXPECT_EQ(0, player.Wait().exitCode);
+  const Samples dumped = ReadAudio(dump[0]["path"]).samples;
+  const Samples played = ReadAudio(Path("out0.wav")).samples;
+  EXPECT_EQ(24000u, dumped.size());
+  EXPECT_NE(played.end(), std::search(played.begin(), played.end(), dumped.begin(), dumped.end()));
+}
+
+TEST_F(FarSideOfKestctl, AnInterruptLeavesNothingSwitchedOnThere) {
+  StartPlayer();
+  for (const std::string &words :
+       {"dump Mixer --seconds 60 -o " + Path("dump"), std::string("latency Mixer Delay --repeat 99 --yes"),
+        "trace Dec --seconds 60 -o " + Path("trace.json"), std::string("perf Dec --seconds 60"),
+        std::string("watch")}) {
+    EXPECT_EQ(130, FarCtl(words, "timeout --preserve-status --signal=INT 0.7").exitCode) << words;
+    EXPECT_TRUE(FilesOf("Dump").empty() && FilesOf("Out").empty()) << words;
+    EXPECT_TRUE(IsQuiet("Decoder_13.txt") && IsQuiet("Dump") && IsQuiet("Out")) << words;
+    EXPECT_EQ("none\n", Ctl("level").out) << words;
+  }
+}
+
+TEST_F(FarSideOfKestctl, AConnectionThatBreaksIsMadeAgainToSwitchOff) {
+  StartPlayer();
+  WriteFile(Path("connect"), "echo $$ >" + Path("pid") + "; exec " + reach_ + " sh");
+  via_ = "sh " + Path("connect") + ";:";
+  CtlResult dump = {};
+  std::thread dumping([&] { dump = FarCtl("dump Mixer --seconds 20 -o " + Path("dump")); });
+  EXPECT_TRUE(WaitFor([] { return !FilesOf("Dump").empty(); }));
+  kill(std::stoi(ReadFile(Path("pid"))), SIGKILL);
+  dumping.join();
+  EXPECT_EQ(3, dump.exitCode) << dump.err;
+  EXPECT_TRUE(FilesOf("Dump").empty() && IsQuiet("Dump"));
+}
+
 TEST_F(FarSideOfKestctl, SilenceIsExplainedFromThere) {
   PlayerProcess &player = StartPlayer();
   player.Signal(SIGSTOP);
@@ -198,8 +271,8 @@ TEST_F(FarSideOfKestctl, AnInterruptAtAnyMomentLeavesTheLevel) {
   StartPlayer();
   for (int ms = 1; ms < 400; ms += 19) {
     for (const char *signal : {"INT", "KILL"}) {
-      Ctl("--via " + ctl::Quote(via_) + " set Dec/Lpcm MdVol 1",
-          elsewhere_ + " timeout -s " + signal + " 0." + std::to_string(1000 + ms).substr(1));
+      static_cast<void>(FarCtl("set Dec/Lpcm MdVol 1", std::string("timeout -s ") + signal + " 0." +
+                                                           std::to_string(1000 + ms).substr(1)));
     }
   }
   const auto level = CtlJson("level")["data"];
@@ -229,7 +302,8 @@ TEST_F(CtlTest, ACommandThatGivesNoUsableShellIsUnreachable) {
   } kCases[] = {{"false", "gives no shell"},
                 {"no-such-program", "gives no shell"},
                 {"script -qec sh /dev/null;:", "changes line ends"},
-                {"echo nothing;:", "gives no shell"}};
+                {"echo nothing;:", "gives no shell"},
+                {"env PATH=/nowhere /bin/sh -s;:", "there is no program dd"}};
   for (const auto &example : kCases) {
     const CtlResult level = Ctl("--via '" + std::string(example.via) + "' level");
     EXPECT_EQ(3, level.exitCode) << example.via;
