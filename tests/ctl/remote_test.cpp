@@ -244,17 +244,25 @@ TEST_F(FarSideOfKestctl, AnInterruptLeavesNothingSwitchedOnThere) {
   }
 }
 
-TEST_F(FarSideOfKestctl, AConnectionThatBreaksIsMadeAgainToSwitchOff) {
+TEST_F(FarSideOfKestctl, AConnectionThatBreaksIsMadeAgainToSwitchOffOrItIsSaid) {
   StartPlayer();
-  WriteFile(Path("connect"), "echo $$ >" + Path("pid") + "; exec " + reach_ + " sh");
+  const std::string pid = Path("pid");
   via_ = "sh " + Path("connect") + ";:";
-  CtlResult dump = {};
-  std::thread dumping([&] { dump = FarCtl("dump Mixer --seconds 20 -o " + Path("dump")); });
-  EXPECT_TRUE(WaitFor([] { return !FilesOf("Dump").empty(); }));
-  kill(std::stoi(ReadFile(Path("pid"))), SIGKILL);
-  dumping.join();
-  EXPECT_EQ(3, dump.exitCode) << dump.err;
-  EXPECT_TRUE(FilesOf("Dump").empty() && IsQuiet("Dump"));
+  for (const bool comesBack : {true, false}) {
+    fs::remove(pid);
+    WriteFile(Path("connect"), (comesBack ? "" : "[ ! -e " + pid + " ] || exit 1\n") + "echo $$ >" + pid +
+                                   "\nexec " + reach_ + " sh");
+    CtlResult dump = {};
+    std::thread dumping([&] { dump = FarCtl("dump Mixer --seconds 20 -o " + Path("dump")); });
+    EXPECT_TRUE(WaitFor([] { return !FilesOf("Dump").empty(); }));
+    kill(std::stoi(ReadFile(pid)), SIGKILL);
+    dumping.join();
+    EXPECT_EQ(3, dump.exitCode) << dump.err;
+    EXPECT_EQ(comesBack,
+              dump.err.find("not switched off, send kest_dump_io=off yourself") == std::string::npos)
+        << dump.err;
+    EXPECT_EQ(comesBack, FilesOf("Dump").empty() && IsQuiet("Dump"));
+  }
 }
 
 TEST_F(FarSideOfKestctl, SilenceIsExplainedFromThere) {
