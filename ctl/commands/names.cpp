@@ -97,18 +97,18 @@ const Item &FindOrThrow(const std::vector<Item> &items, const std::string &typed
                  DidYouMean(names, typed));
 }
 
-// A filter named without its pipeline, which must be the only one.
+// A filter named without its pipeline, which must be the only one with the name, or whose name begins so.
 Target FindLoneFilter(const Listing &listing, const std::string &typed) {
-  Target target;
-  int count = 0;
+  std::vector<Target> named;
+  std::vector<Target> fitting;
   for (const Pipeline &pipeline : listing.pipelines) {
     for (const Filter &filter : pipeline.filters) {
-      if (filter.name != typed) continue;
-      target = {&pipeline, &filter};
-      ++count;
+      if (filter.name == typed) named.push_back({&pipeline, &filter});
+      if (BeginsWith(filter.name, typed)) fitting.push_back({&pipeline, &filter});
     }
   }
-  return count == 1 ? target : Target{};
+  const std::vector<Target> &found = named.empty() ? fitting : named;
+  return found.size() == 1 ? found[0] : Target{};
 }
 
 const Pipeline &FindPipeline(const Listing &listing, const std::string &typed) {
@@ -157,7 +157,7 @@ Target FindTarget(const Listing &listing, const std::string &text) {
 
 Target FindFilter(const Listing &listing, const std::string &text) {
   const Target lone = FindLoneFilter(listing, text);
-  if (lone.filter != nullptr) return lone;
+  if (lone.filter != nullptr && lone.filter->name == text) return lone;
   const Target target = FindTarget(listing, text);
   if (target.filter != nullptr) return target;
   throw CtlError(ExitCode::kNotFound,

@@ -8,12 +8,14 @@
 #include <fmt/ranges.h>
 
 #include "ctl/commands/commands.h"
+#include "ctl/commands/context.h"
 #include "ctl/commands/names.h"
 #include "ctl/commands/option_values.h"
 #include "ctl/parse/trace.h"
 #include "ctl/render/gnuplot.h"
 #include "ctl/render/output_file.h"
 #include "ctl/render/plots.h"
+#include "ctl/render/status_line.h"
 
 namespace kest::ctl {
 namespace {
@@ -134,11 +136,13 @@ const Kind &KindNamed(const std::string &name) {
 
 }  // namespace
 
-Result RunPlot(Context & /*context*/, const Arguments &arguments) {
+Result RunPlot(Context &context, const Arguments &arguments) {
   const Kind &kind = KindNamed(arguments.words[0]);
   const auto output = arguments.Option("output");
   if (!output) throw CtlError(ExitCode::kUsage, "where should the picture go?", "say it with -o FILE.png");
   OutputFile file(*output);
+  const StatusLine progress(context.IsSilent());
+  progress.Show("drawing");
   const std::string picture = Draw(kind.script(arguments.words[1], arguments));
   file.Write(picture);
   Result result;

@@ -152,7 +152,8 @@ Candidates TargetsIn(const Listing &listing, const std::string &typed, bool take
   const size_t slash = typed.find('/');
   if (slash != std::string::npos) {
     const std::string name = typed.substr(0, slash);
-    return FiltersOf(*FindTarget(listing, name).pipeline, name);
+    const Target target = FindTarget(listing, name);
+    return target.filter == nullptr ? FiltersOf(*target.pipeline, name) : Candidates{};
   }
   std::vector<const Pipeline *> fitting;
   for (const Pipeline &pipeline : listing.pipelines)

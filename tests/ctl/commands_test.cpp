@@ -43,10 +43,14 @@ TEST_F(Commands, LsShowsPipelinesFiltersPortsAndParameters) {
 
 TEST_F(Commands, SetChangesAParameterNamedInShort) {
   StartPlayer();
-  const CtlResult set = Ctl("set Dec/Vol Gain -6");
-  EXPECT_EQ(0, set.exitCode) << set.err;
-  EXPECT_EQ("Gain of Decoder_13/Volume is set to -6\n", set.out);
-  EXPECT_EQ(-6, ValuesOf("Dec/Vol")["Gain"]);
+  int gain = 0;
+  for (const std::string name : {"Dec/Vol", "Volume", "V"}) {
+    const std::string value = std::to_string(--gain);
+    const CtlResult set = Ctl("set " + name + " Gain " + value);
+    EXPECT_EQ(0, set.exitCode) << set.err;
+    EXPECT_EQ("Gain of Decoder_13/Volume is set to " + value + "\n", set.out);
+    EXPECT_EQ(gain, ValuesOf("Dec/Vol")["Gain"]);
+  }
 }
 
 TEST_F(Commands, GetReadsTheParametersBack) {
@@ -73,6 +77,7 @@ TEST_F(Commands, SetExplainsWhatItRefusesAndWhatTheProcessRefuses) {
       {"set Dec/Vol ok 1", 6, "Volume has no \"ok\""},
       {"set Decodr/Vol Gain 1", 6, "did you mean Decoder_13?"},
       {"set Dec Gain 1", 6, "Decoder_13 is a pipeline"},
+      {"set Sp Gain 1", 6, "SpeakerOutput is a pipeline"},
       {"set Dec/Vol Gain loud", 2, "\"loud\" is no whole number"},
       {"set Dec/Vol Gain 99999999999", 2, "no whole number of 32 bits"},
       {"set Dec/Vol Gain", 2, "VALUE is missing"},

@@ -31,6 +31,7 @@ TEST_F(Completions, NameWhatRuns) {
       {"set ''", {"SpeakerOutput/", "Decoder_13/"}},
       {"set D", {"Decoder_13/Lpcm", "Decoder_13/Volume"}},
       {"set Dec/V", {"Dec/Volume"}},
+      {"set Volume/", {}},
       {"set V", {"Volume"}},
       {"set nothing", {}},
       {"set nothing/V", {}},
