@@ -35,8 +35,8 @@ class LogFollower {
   FileFacts facts_;
   uint64_t offset_ = 0;
   std::string modified_;  // when the text before the offset was written
-  std::string before_;  // the last bytes before the offset: other ones there mean that the log was emptied
-                        // and has grown
+  std::string before_;    // the last bytes before the offset: other ones there mean that the log was emptied
+                          // and has grown
   int restarts_ = 0;
 };
 

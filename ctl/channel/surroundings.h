@@ -52,8 +52,8 @@ Finding CheckLogFile(const Surroundings &around);
 Finding CheckDisk(const Surroundings &around);
 Finding CheckSharedBlock(const Surroundings &around);
 
-// Why no answer has come to a line that the pipe took; empty when nothing is wrong that can be seen. A passing
-// reason can also be seen for a moment, when lines of others are read or the log restarts.
+// Why no answer has come to a line that the pipe took; empty when nothing is wrong that can be seen. A
+// passing reason can also be seen for a moment, when lines of others are read or the log restarts.
 std::optional<Finding> LastingReasonOfSilence(const Surroundings &around);
 std::optional<Finding> PassingReasonOfSilence(const Surroundings &around);
 
