@@ -101,7 +101,13 @@ TEST_F(Dump, KeepsWhatCameBeforeTheProcessEnded) {
   const PlayerProcess &player = StartPlayer();
   CtlResult dump = {};
   std::thread dumping([&] { dump = Ctl("dump Mixer --seconds 20" + Options()); });
-  EXPECT_TRUE(WaitFor([] { return !FilesOf("Dump").empty(); }));
+  // The first files come before the answer to the command that begins the dump.
+  EXPECT_TRUE(WaitFor([] {
+    const std::string log = ReadFile(kLogFile);
+    const size_t begun = log.rfind(" filter:Mixer\n");
+    return begun != std::string::npos && log.find(".e: set parameter ", begun) != std::string::npos &&
+           !FilesOf("Dump").empty();
+  }));
   player.Signal(SIGKILL);
   dumping.join();
   EXPECT_EQ(0, dump.exitCode);

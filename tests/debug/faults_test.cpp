@@ -109,7 +109,7 @@ TEST(Faults, AShutDownDoesNotWaitForALineOfAPipeThatWasRemoved) {
     EXPECT_TRUE(WaitFor([&] { return capture.Has("<PRINT>", "kest_atrace=off\n"); }));
     bWhileWaiting = !bWhileWaiting;
     std::thread remover([&] {
-      if (bWhileWaiting) WaitFor([&] { return capture.Has("<PRINT>", "Log to file(0)\n"); });
+      EXPECT_TRUE(!bWhileWaiting || WaitFor([&] { return capture.Has("<PRINT>", "Log to file(0)\n"); }));
       remove();
     });
     if (!bWhileWaiting) remover.join();

@@ -223,6 +223,9 @@ TEST(Sinks, NoFileOfTheLibraryTakesThePlaceOfAStandardStreamThatIsClosed) {
               EXPECT_NE(0, fflush(stdout));
               for (int fd = STDIN_FILENO; fd <= STDERR_FILENO; ++fd)
                 EXPECT_EQ(-1, fcntl(fd, F_GETFD)) << fd;
+              stdout = fopen(kElsewhere, "w");  // on descriptor 0, the first that is free
+              ze_kest_Debug_Log(ZE_KEST_LEVEL_PRINT, "at once\n");
+              EXPECT_THAT(ReadFile(kElsewhere), HasSubstr("at once\n"));
             }));
 }
 

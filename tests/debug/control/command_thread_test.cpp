@@ -8,6 +8,7 @@
 #include <sys/syscall.h>
 #include <unistd.h>
 
+#include "debug/control/create_thread.h"
 #include "tests/support/library_test.h"
 #include "tests/support/refused_open.h"
 
@@ -130,6 +131,8 @@ TEST(CommandThread, APipeThatFailsIsReportedAndEndsTheThread) {
   EXPECT_TRUE(WaitFor([] { return ThreadsNamed("KestDebug") == 0; }));
   close(s32Unreadable);
   close(s32Other);
+  EXPECT_EQ(ZE_KEST_OK, _ZE_KEST_Debug_CreateThread(kCommandThread));  // which takes the ended one's place
+  EXPECT_EQ(1, ThreadsNamed("KestDebug"));
 }
 
 TEST(CommandThread, AShutDownCountsTheLineThatAnotherProcessIsReading) {

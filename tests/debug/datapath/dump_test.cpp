@@ -131,6 +131,7 @@ TEST_F(Dump, RawDataAndMetadataAreFollowedAcrossTheEndOfTheirRing) {
   } aCases[] = {{{0, 0, 50}, true, true},   {{45, 3, 12}, true, true},  {{45, 20, 12}, true, true},
                 {{10, 40, 10}, true, true}, {{0, 0, 51}, false, false}, {{0, 0, 0}, false, false},
                 {{50, 0, 5}, false, false}, {{49, 51, 5}, true, false}};
+  const ReportCapture capture;
   for (const auto &c : aCases) {
     SetUp();
     SwitchOn(kDumpInput);
@@ -153,6 +154,7 @@ TEST_F(Dump, RawDataAndMetadataAreFollowedAcrossTheEndOfTheirRing) {
     }
     EXPECT_EQ(ZE_KEST_OK, _ZE_KEST_Debug_Dump(filter, kInputDump));
     EXPECT_EQ(ZE_KEST_OK, _ZE_KEST_Debug_Dump(filter, kOutputDump));
+    EXPECT_EQ(Texts{}, capture.Texts("<ERR>"));
     EXPECT_EQ(expected, DumpedFiles())
         << c.place.sztReadOffset << " " << c.place.sztLevel << " " << c.place.sztSize;
   }

@@ -64,8 +64,9 @@ TEST_F(IoTrace, WritesTheEventsOfThePipelinesWhoseNamesBeginAlike) {
   EXPECT_EQ(ZE_KEST_OK, Command("restart"));
   Cycle("pipe");
   EXPECT_EQ(kCycle + odd + kCycle, Traced("pipe"));
-  EXPECT_EQ(ZE_KEST_OK, Command("pipe"));  // a new watch begins its file anew
+  EXPECT_EQ(ZE_KEST_OK, Command("pipe"));  // a new watch begins its file anew and switches the trace off
   EXPECT_EQ("", Traced("pipe"));
+  EXPECT_EQ(0u, ze_kest_Debug_Io_Is_Enable());
 }
 
 TEST_F(IoTrace, RepliesToEveryWord) {
