@@ -73,6 +73,7 @@ const Fault kFaults[] = {
     {"RefusesSilently", "Life.Refusal=failed"},
     {"ConfigSilently", "Life.Configuration=failed"},
     {"UncheckedAllocation", "Life.FailedAllocation=crashed"},
+    {"FillsMemory", "Life.Refusal=crashed Life.FailedAllocation=crashed"},
     {"RefusesThree", "Shapes.Formats=failed"},
     {"StuckAtSeventeen", "Shapes.Amounts=failed"},
     {"IgnoresWrap",
