@@ -25,7 +25,7 @@ plugins() {
 # The line of a plug-in, as a command of its own for xargs.
 find_in_one='
 for group in $groups; do
-  "$player" --check "$module:Ladspa" --module-config "$0" --seed 1 --only "$group" 2>&1 || true
+  "$player" --check "$module:Ladspa" --module-config "$0" --seed 1 --time-limit 600 --only "$group" 2>&1 || true
 done | awk -v plugin="$0" '\''
   $1 !~ /^[A-Z][A-Za-z]+\.[A-Z][A-Za-z]+$/ { next }
   { tests++ }
@@ -46,7 +46,7 @@ listed() {
     { print line (line == $1 ? " sound" : "") }' "$list"
 }
 
-{ versions && find_in_all; } >"$work/found"
+{ versions; find_in_all; } >"$work/found"
 if [ "$record" ]; then
   cp "$work/found" "$list"
 else
