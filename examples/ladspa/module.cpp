@@ -16,6 +16,7 @@
 #include <ze_kest/module.h>
 #include <ze_kest/utility.h>
 
+#include "buffer.h"
 #include "control.h"
 #include "plugin.h"
 
@@ -58,8 +59,8 @@ Sample FromFloat(LADSPA_Data value) {
 
 struct Channel {
   uint32_t entry;  // in the arrays that the library takes
-  std::vector<LADSPA_Data> in;
-  std::vector<LADSPA_Data> out;
+  Buffer in;
+  Buffer out;
   std::vector<int32_t> samples;  // room for the output in either width
 };
 
@@ -85,7 +86,7 @@ class Filter {
   void MakeChannels(const ZE_KEST_ModuleSetup_s &setup);
   void MakeControls();
   [[nodiscard]] std::vector<std::unique_ptr<Instance>> MakeInstances();
-  [[nodiscard]] uint32_t MeasureLatency(uint32_t maxSamples);
+  [[nodiscard]] uint32_t MeasureLatency();
   template <typename Sample>
   void ProcessAs(ZE_KEST_Filter_s &filter, bool ended);
   template <typename Sample>
@@ -97,6 +98,7 @@ class Filter {
   const LADSPA_Descriptor &plugin_;
   uint32_t bits_;
   uint32_t sampleRate_;
+  uint32_t maxSamples_;
   AudioPorts ports_;
   std::vector<Channel> channels_;
   std::vector<std::unique_ptr<Control>> controls_;
@@ -112,6 +114,15 @@ std::string Count(size_t count, const char *what) {
   return std::to_string(count) + " " + what + (count == 1 ? "" : "s");
 }
 
+// Plug-ins take the rate for that of sound: at a thousand times as much they would exhaust the memory.
+void CheckRate(uint32_t rate) {
+  constexpr uint32_t kLeast = 4000;
+  constexpr uint32_t kMost = 768000;
+  if (rate >= kLeast && rate <= kMost) return;
+  throw std::runtime_error("plug-ins are run at " + std::to_string(kLeast) + " to " + std::to_string(kMost) +
+                           " Hz, not at " + std::to_string(rate));
+}
+
 void CheckPorts(const LADSPA_Descriptor &plugin, const AudioPorts &ports, size_t channels) {
   const size_t ins = ports.inputs.size();
   const size_t outs = ports.outputs.size();
@@ -125,12 +136,14 @@ Filter::Filter(const ZE_KEST_ModuleSetup_s &setup)
     : plugin_(FindPlugin(setup.pszConfig, setup.pszDirectory)),
       bits_(setup.stPcmInfo.u32BitWidth),
       sampleRate_(setup.stPcmInfo.u32SampleRate),
+      maxSamples_(setup.u32MaxSamples),
       ports_(AudioPortsOf(plugin_)) {
+  CheckRate(sampleRate_);
   MakeChannels(setup);
   CheckPorts(plugin_, ports_, channels_.size());
   MakeControls();
   const FlushDenormals flush;
-  latency_ = MeasureLatency(setup.u32MaxSamples);
+  latency_ = MeasureLatency();
   pending_ = latency_;
   for (const auto &control : controls_) {
     control->Set(parameters_[static_cast<size_t>(&control - controls_.data())].s32Default);
@@ -141,9 +154,8 @@ Filter::Filter(const ZE_KEST_ModuleSetup_s &setup)
 void Filter::MakeChannels(const ZE_KEST_ModuleSetup_s &setup) {
   for (uint32_t group = 0; group < ZE_KEST_PCM_GROUPS; ++group) {
     for (uint32_t slot = 0; slot < setup.astPcmGroup[group].u32ChannelCount; ++slot) {
-      const std::vector<LADSPA_Data> silence(setup.u32MaxSamples);
-      channels_.push_back({group * ZE_KEST_PCM_GROUP_ENTRIES + slot, silence, silence,
-                           std::vector<int32_t>(setup.u32MaxSamples)});
+      channels_.push_back({group * ZE_KEST_PCM_GROUP_ENTRIES + slot, MakeBuffer(maxSamples_),
+                           MakeBuffer(maxSamples_), std::vector<int32_t>(maxSamples_)});
     }
   }
 }
@@ -182,8 +194,8 @@ std::vector<std::unique_ptr<Instance>> Filter::MakeInstances() {
   for (size_t first = 0; first < channels_.size(); first += channelsOfEach) {
     auto instance = std::make_unique<Instance>(plugin_, sampleRate_);
     for (size_t i = 0; i < channelsOfEach; ++i) {
-      instance->Connect(ports_.inputs[i], channels_[first + i].in.data());
-      instance->Connect(ports_.outputs[i], channels_[first + i].out.data());
+      instance->Connect(ports_.inputs[i], channels_[first + i].in.get());
+      instance->Connect(ports_.outputs[i], channels_[first + i].out.get());
     }
     for (const auto &control : controls_) {
       const bool isShown = control->IsInput() || first == 0;
@@ -196,18 +208,18 @@ std::vector<std::unique_ptr<Instance>> Filter::MakeInstances() {
 }
 
 // Plug-ins tell their latency only after they have run, so instances of their own do that.
-uint32_t Filter::MeasureLatency(uint32_t maxSamples) {
+uint32_t Filter::MeasureLatency() {
   const auto reports = [](const auto &control) {
     return !control->IsInput() && (control->Name() == "latency" || control->Name() == "_latency");
   };
   const auto port = std::find_if(controls_.begin(), controls_.end(), reports);
   if (port == controls_.end()) return 0;
   for (const auto &instance : MakeInstances()) {
-    instance->Run(maxSamples);
+    instance->Run(maxSamples_);
   }
   const LADSPA_Data latency = *(*port)->Location();
   for (Channel &channel : channels_) {
-    std::fill(channel.out.begin(), channel.out.end(), 0.0f);
+    std::fill_n(channel.out.get(), maxSamples_, 0.0f);
   }
   constexpr float kMost = 1e6f;
   return latency > 0.0f && latency < kMost ? static_cast<uint32_t>(std::lrint(latency)) : 0;
@@ -243,10 +255,10 @@ void Filter::Take(const ZE_KEST_Filter_s &filter, uint32_t samples) {
   for (Channel &channel : channels_) {
     const Sample *source = sources[channel.entry];
     if (source == nullptr) {
-      std::fill(channel.in.begin(), channel.in.end(), 0.0f);
+      std::fill_n(channel.in.get(), maxSamples_, 0.0f);
       continue;
     }
-    std::transform(source, source + samples, channel.in.begin(),
+    std::transform(source, source + samples, channel.in.get(),
                    [](Sample sample) { return static_cast<LADSPA_Data>(sample / kFullScale<Sample>); });
   }
 }

@@ -69,7 +69,7 @@ void OnCrash(int number, siginfo_t *info, void *) {
       std::snprintf(text.data(), text.size(), "crashed\nit was ended by SIG%s%s%s", sigabbrev_np(number),
                     place.front() == '\0' ? "" : ": it accessed ", place.data());
   static_cast<void>(!write(g_s32CrashFd, text.data(), static_cast<size_t>(bytes)));
-  raise(number);  // the handler is gone after its first call
+  // What failed is tried once more now, without this handler.
 }
 
 }  // namespace
@@ -118,6 +118,10 @@ void ReportCrashesTo(int fd) {
   for (const int number : {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGABRT}) {
     sigaction(number, &action, nullptr);
   }
+}
+
+int CrashReportFd() {
+  return g_s32CrashFd;
 }
 
 void WriteAll(int fd, const std::string &text) {

@@ -24,6 +24,8 @@ void ExecuteAgain(const std::vector<std::string> &arguments, int inheritedFd);
 
 // From now on a crash of this process is reported with the signal and, for a guard page, the place.
 void ReportCrashesTo(int fd);
+// Where that is; -1: nowhere.
+int CrashReportFd();
 
 void WriteAll(int fd, const std::string &text);
 

@@ -27,37 +27,48 @@ uint32_t WiderWidth(const ZE_KEST_ModuleFilter_s &filter) {
   return (filter.u32Widths & ZE_KEST_MODULE_32_BITS) != 0 ? 32 : 16;
 }
 
-// What the kind takes, ascending. Where the configuration refuses everything, what the kind declares.
-std::vector<uint32_t> ChannelCounts(const Subject &subject) {
+// Whether the kind takes so many channels; a configuration may narrow what it declares.
+bool Takes(const Subject &subject, uint32_t channels) {
   const ZE_KEST_ModuleFilter_s filter = subject.Load().record;
-  std::vector<uint32_t> declared;
-  std::vector<uint32_t> taken;
-  for (uint32_t count = filter.u32LeastChannels; count <= filter.u32MostChannels; ++count) {
-    declared.push_back(count);
-    if (subject.config.empty()) continue;
-    Rig rig(subject, {count, WiderWidth(filter)});
-    if (rig.TryCreate() != ZE_KEST_OK) continue;
-    rig.Turn(false);
-    taken.push_back(count);
-  }
-  return taken.empty() ? declared : taken;
+  if (channels < filter.u32LeastChannels || channels > filter.u32MostChannels) return false;
+  if (subject.config.empty()) return true;
+  Rig rig(subject, {channels, WiderWidth(filter)});
+  if (rig.TryCreate() != ZE_KEST_OK) return false;
+  rig.Turn(false);
+  return true;
 }
 
-uint32_t UsualOf(const std::vector<uint32_t> &counts) {
-  const auto two = std::find(counts.begin(), counts.end(), 2u);
-  return two == counts.end() ? counts.front() : *two;
+// The next two: where the configuration refuses everything, what the kind declares.
+uint32_t LeastChannels(const Subject &subject) {
+  const ZE_KEST_ModuleFilter_s filter = subject.Load().record;
+  for (uint32_t channels = filter.u32LeastChannels; channels <= filter.u32MostChannels; ++channels) {
+    if (Takes(subject, channels)) return channels;
+  }
+  return filter.u32LeastChannels;
+}
+
+uint32_t MostChannels(const Subject &subject) {
+  const ZE_KEST_ModuleFilter_s filter = subject.Load().record;
+  for (uint32_t channels = filter.u32MostChannels; channels >= filter.u32LeastChannels; --channels) {
+    if (Takes(subject, channels)) return channels;
+  }
+  return filter.u32MostChannels;
+}
+
+uint32_t UsualChannels(const Subject &subject) {
+  constexpr uint32_t kStereo = 2;
+  return Takes(subject, kStereo) ? kStereo : LeastChannels(subject);
 }
 
 }  // namespace
 
 Shape UsualShape(const Subject &subject) {
-  return {UsualOf(ChannelCounts(subject)), WiderWidth(subject.Load().record)};
+  return {UsualChannels(subject), WiderWidth(subject.Load().record)};
 }
 
 std::vector<Shape> SomeShapes(const Subject &subject) {
   const ZE_KEST_ModuleFilter_s filter = subject.Load().record;
-  const std::vector<uint32_t> counts = ChannelCounts(subject);
-  const std::set<uint32_t> some = {counts.front(), UsualOf(counts), counts.back()};
+  const std::set<uint32_t> some = {LeastChannels(subject), UsualChannels(subject), MostChannels(subject)};
   std::vector<Shape> shapes;
   for (const auto &[bit, bits] :
        {std::pair(uint32_t{ZE_KEST_MODULE_16_BITS}, 16u), std::pair(uint32_t{ZE_KEST_MODULE_32_BITS}, 32u)}) {

@@ -13,10 +13,12 @@
 #include <sys/syscall.h>
 #include <unistd.h>
 
+#include "player/check/child.h"
+
 namespace kest::player {
 namespace {
 
-// The thread ends through the one call that the filter lets pass: with this code.
+// The thread ends through a call that the filter lets pass: with this code.
 constexpr uint32_t kEndCode = 0x6B657374;
 
 struct Trap {
@@ -71,12 +73,17 @@ void OnTrappedCall(int, siginfo_t *info, void *) {
   siglongjmp(t_trap->back, 1);
 }
 
+// Passes the end of the thread, of a signal's handler, and what the handler of a crash reports.
 bool TrapCalls() {
   constexpr auto kNumber = static_cast<uint32_t>(offsetof(seccomp_data, nr));
   constexpr auto kFirstArgument = static_cast<uint32_t>(offsetof(seccomp_data, args));
-  static std::array<sock_filter, 7> program = {{
+  const auto crashFd = static_cast<uint32_t>(CrashReportFd());
+  std::array<sock_filter, 10> program = {{
       BPF_STMT(BPF_LD | BPF_W | BPF_ABS, kNumber),
-      BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, SYS_rt_sigreturn, 3, 0),
+      BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, SYS_rt_sigreturn, 6, 0),
+      BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, SYS_write, 0, 2),
+      BPF_STMT(BPF_LD | BPF_W | BPF_ABS, kFirstArgument),
+      BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, crashFd, 3, 4),
       BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, SYS_exit, 0, 3),
       BPF_STMT(BPF_LD | BPF_W | BPF_ABS, kFirstArgument),
       BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, kEndCode, 0, 1),

@@ -24,7 +24,7 @@
 #define KINDS(X) \
   X(Sound) X(SoundDelay) X(SoundMetadata) X(MayDiffer) X(MayBlock) X(Leak) X(DestroyNeedsTurn) \
   X(FloatingPoint) X(Descriptor) X(SharedState) X(RefusesSilently) X(ConfigSilently) \
-  X(UncheckedAllocation) X(RefusesThree) X(StuckAtSeventeen) X(IgnoresWrap) X(WritesBehind) \
+  X(UncheckedAllocation) X(FillsMemory) X(RefusesThree) X(StuckAtSeventeen) X(IgnoresWrap) X(WritesBehind) \
   X(WritesUnasked) X(ForgetsWhenStarved) X(LosesWhenFull) X(NeedsRoomForTwo) X(NeedsConnection) \
   X(LeavesLast) X(PendingForever) X(ChangesInput) X(ChangesRecord) X(ChangesOutput) \
   X(LeavesUnwritten) X(UsesUnheld) X(ReadsTooMuch) X(WritesTooMuch) X(MovesTooMuch) X(LosesFirst) \
@@ -391,6 +391,12 @@ static enum Fault_e FaultOf(const char *pszName) {
   return (enum Fault_e)i;
 }
 
+static void UseMemory(uint32_t u32Samples) {
+  volatile uint8_t *pu8Buffer = calloc(u32Samples, 8);
+  pu8Buffer[0] = 1;
+  free((void *)pu8Buffer);
+}
+
 static uint32_t Create(const ZE_KEST_ModuleFilter_s *pstKind, const ZE_KEST_ModuleSetup_s *pstSetup,
                        void **ppvSelf) {
   const enum Fault_e eFault = FaultOf(pstKind->pszName);
@@ -401,6 +407,7 @@ static uint32_t Create(const ZE_KEST_ModuleFilter_s *pstKind, const ZE_KEST_Modu
     snprintf(pstSetup->pszError, pstSetup->u32ErrorSize, "memory is exhausted");
     return ZE_KEST_OUT_OF_MEMORY;
   }
+  if (eFault == kFillsMemory) UseMemory(pstSetup->stPcmInfo.u32SampleRate);
   pst->eFault = eFault;
   pst->u32BitWidth = pstSetup->stPcmInfo.u32BitWidth;
   pst->u32Delay = eFault == kSoundDelay || eFault == kPendingTwice || eFault == kWrongLatency ? DELAY : 0;

@@ -62,28 +62,5 @@ TEST_F(LadspaPlugins, ShowTheirControlsAsParameters) {
   }
 }
 
-// What --check finds in plug-ins of these packages; one of them must stay sound.
-TEST_F(LadspaPlugins, AreFoundToAllocateAndToLeak) {
-  const struct {
-    const char *plugin;
-    const char *test;
-    const char *result;
-  } findings[] = {{"amp:amp_mono", "RealTime.Allocations", "success"},
-                  {"amp:amp_mono", "Life.Configuration", "success"},
-                  {"mbeq_1197:mbeq", "RealTime.Allocations", "failed"},
-                  {"mbeq_1197:mbeq", "Life.Leaks", "failed"},
-                  {"pitch_scale_1193:pitchScale", "RealTime.Allocations", "failed"},
-                  {"pitch_scale_1194:pitchScaleHQ", "RealTime.Allocations", "failed"},
-                  {"const_1909:const", "Result.Splits", "warning"}};
-  for (const auto &finding : findings) {
-    const PlayerResult result = PlayerProcess({"--check", kLadspa, "--module-config", finding.plugin,
-                                               "--only", finding.test, "--seed", "1"})
-                                    .Wait();
-    // Sanitizers watch allocations themselves.
-    if (result.out.find("this build does not watch") != std::string::npos) continue;
-    EXPECT_THAT(result.out, HasSubstr(std::string("1 test: 1 ") + finding.result)) << finding.plugin;
-  }
-}
-
 }  // namespace
 }  // namespace kest::test
