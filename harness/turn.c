@@ -90,15 +90,20 @@ static ZE_KEST_Port_s Permitted(const HarnessPort_s *pst, int bInput) {
   return stPort;
 }
 
+// Padding included: records are copied whole, and begin as zeroes.
+static int Differ(const void *pvBefore, const void *pvNow, size_t sztRecord) {
+  return memcmp(pvBefore, pvNow, sztRecord) != 0;
+}
+
 static int PortRecordChanged(const HarnessPort_s *pst, int bInput) {
   const ZE_KEST_Port_s stPermitted = Permitted(pst, bInput);
-  return memcmp(&stPermitted, &pst->stRecord, sizeof(stPermitted)) != 0;
+  return Differ(&stPermitted, &pst->stRecord, sizeof(stPermitted));
 }
 
 static void CheckRecords(const ZE_KEST_Harness_s *pst, ZE_KEST_HarnessTurn_s *pstTurn) {
   const char *pszWhich = NULL;
-  if (memcmp(&pst->stFilterBefore, &pst->stFilter, sizeof(pst->stFilter)) != 0) pszWhich = "filter's";
-  if (memcmp(&pst->stPipelineBefore, &pst->stPipeline, sizeof(pst->stPipeline)) != 0) pszWhich = "pipeline's";
+  if (Differ(&pst->stFilterBefore, &pst->stFilter, sizeof(pst->stFilter))) pszWhich = "filter's";
+  if (Differ(&pst->stPipelineBefore, &pst->stPipeline, sizeof(pst->stPipeline))) pszWhich = "pipeline's";
   if (PortRecordChanged(&pst->stInput, 1)) pszWhich = "input port's";
   if (PortRecordChanged(&pst->stOutput, 0)) pszWhich = "output port's";
   if (pszWhich == NULL) return;

@@ -9,7 +9,7 @@ namespace {
 // As many turns without any movement, although there is something to move, are the end of a run.
 constexpr uint32_t kMostIdleTurns = 1000;
 // What a filter may still write after its end: a minute at the highest rate.
-constexpr uint64_t kMostSamplesAfterEnd = 60 * 192000;
+constexpr uint64_t kMostSamplesAfterEnd = uint64_t{60} * 192000;
 
 // Blocks that find no room come with the next samples.
 void FeedMetadata(Rig &rig, Stream &stream) {
