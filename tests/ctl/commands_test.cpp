@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 // Each command on a playing player.
+#include <csignal>
 #include <cstdlib>
 #include <thread>
 
 #include "tests/ctl/ctl_test.h"
+#include "tests/ctl/terminal_process.h"
 
 namespace kest::test {
 namespace {
@@ -195,6 +197,21 @@ TEST_F(Commands, LogReadsOnlyTheEndOfALogOf100MB) {
   EXPECT_TRUE(follower.Follows("kest_monitor_sleep_time=77", "sleep time:77 ms"));
   EXPECT_LT(kLogBytes, std::filesystem::file_size(kLogFile));
   EXPECT_THAT(follower.End(), testing::AllOf(testing::Gt(0u), testing::Lt(kLogBytes / 20)));
+}
+
+TEST_F(Commands, AnAnswerThatIsLateIsAnnouncedOnATerminal) {
+  const PlayerProcess &player = StartPlayer();
+  player.Signal(SIGSTOP);
+  for (const char *silent : {" --quiet", " --json"}) {
+    TerminalProcess other(KEST_CTL_COMMAND " --timeout 300" + std::string(silent) + " ls");
+    EXPECT_EQ(4, other.ExitCode());
+    EXPECT_THAT(other.Rest(), Not(HasSubstr("waiting"))) << silent;
+  }
+  TerminalProcess level(KEST_CTL_COMMAND " --timeout 60000 level");
+  EXPECT_TRUE(level.Shows("waiting for an answer")) << level.Rest();
+  player.Signal(SIGCONT);
+  EXPECT_TRUE(level.Shows("\r\033[Knone")) << level.Rest();
+  EXPECT_EQ(0, level.ExitCode());
 }
 
 TEST_F(Commands, SeveralProcessesAreListedEachAndNotChanged) {
