@@ -124,7 +124,7 @@ Reply Channel::Exchanged(const std::vector<std::string> &lines) {
     CheckLine(line);
   Exchange exchange(host_, settings_.directory);
   exchange.Send(lines);
-  std::optional<Reply> reply = exchange.Receive(settings_.timeout);
+  std::optional<Reply> reply = exchange.Receive(settings_.timeout, showLate_);
   if (!reply) throw Silence(exchange.MayHaveLostAnswer());
   if (reply->strayLine)
     Warn("somebody had left a line without an end in the pipe; it was ended and executed");
@@ -177,7 +177,9 @@ std::vector<ProcessReply> Channel::AskEach(const std::string &line,
   Clock::duration patience = kFirstPatience;
   bool anyAnswered = false;
   bool mayBeLost = false;
+  LateNotice notice(showLate_);
   while (!silent.empty() && Clock::now() < deadline) {
+    notice.ShowWhenLate();
     LogFollower log(host_, settings_.directory + "KestLog.txt");
     std::optional<Lines> lines = AskAnyone(line, log, isWhole, patience, deadline);
     if (!lines) {  // from a process that does not log, or a restart of the log took it

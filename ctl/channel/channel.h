@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "ctl/channel/host.h"
+#include "ctl/channel/late_notice.h"
 #include "ctl/channel/log_follower.h"
 #include "ctl/channel/reply.h"
 #include "ctl/channel/surroundings.h"
@@ -68,6 +69,8 @@ class Channel {
   [[nodiscard]] const std::vector<std::string> &Warnings() const { return warnings_; }
   void Warn(const std::string &warning);
   void ForgetWarnings() { warnings_.clear(); }
+  // What shows that an answer is late; empty: nothing does.
+  void WhenLate(ShowNotice show) { showLate_ = std::move(show); }
   // How long the last answer took.
   [[nodiscard]] double ElapsedMs() const { return elapsedMs_; }
   [[nodiscard]] const ChannelSettings &Settings() const { return settings_; }
@@ -94,6 +97,7 @@ class Channel {
   std::weak_ptr<void> lock_;
   std::vector<std::string> warnings_;
   double elapsedMs_ = 0.0;
+  ShowNotice showLate_;
 };
 
 }  // namespace kest::ctl

@@ -62,12 +62,14 @@ void Exchange::Send(const std::vector<std::string> &lines) {
   if (result != WriteResult::kWritten) throw WriteFailure(host_, pipePath_, result);
 }
 
-std::optional<Reply> Exchange::Receive(std::chrono::milliseconds timeout) {
+std::optional<Reply> Exchange::Receive(std::chrono::milliseconds timeout, const ShowNotice &showLate) {
   const auto start = Clock::now();
+  LateNotice notice(showLate);
   nextProbe_ = start + probePause_;
   for (; !TakeMore(); pause_ = std::min(pause_ * 5 / 4, kLongestPause)) {
     if (overtaken_) throw AnswerLost("the end of the answer was lost");
     if (Clock::now() - start > timeout) return std::nullopt;
+    notice.ShowWhenLate();
     ProbeWhenQuiet();
     Pause(pause_);
   }

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "ctl/channel/host.h"
+#include "ctl/channel/late_notice.h"
 #include "ctl/channel/log_follower.h"
 #include "ctl/channel/marker.h"
 #include "ctl/channel/reply.h"
@@ -24,8 +25,9 @@ class Exchange {
 
   // Writes the lines between the markers, all at once. Throws when nobody can take them.
   void Send(const std::vector<std::string> &lines);
-  // The answer; empty when it did not come in time. Throws when a part of it was lost.
-  std::optional<Reply> Receive(std::chrono::milliseconds timeout);
+  // The answer; empty when it did not come in time. Throws when a part of it was lost. showLate: may be
+  // empty.
+  std::optional<Reply> Receive(std::chrono::milliseconds timeout, const ShowNotice &showLate);
   // Whether the log was emptied or replaced, as far as can be told, and may have taken the answer with it.
   [[nodiscard]] bool MayHaveLostAnswer() const { return log_.MayHaveRestarted(); }
 

@@ -194,11 +194,14 @@ const std::vector<Command> &Commands() {
       {"report",
        "Put all that a bug report needs into one archive",
        "What runs, settings, log, timing, versions, state of the process and of the system, what doctor "
-       "says; no audio.\n"
-       "Takes about two seconds. Also when nothing answers: then with what can be seen from outside.",
+       "says.\n"
+       "No audio unless asked. Takes about two seconds. Also when nothing answers: then with what can be "
+       "seen from outside.",
        {},
        {{"-o,--output", "FILE", "The archive, FILE.tar.gz", Offer::kFile},
-        {"-n,--lines", "N", "The last N lines of the log; 2000 unless given"}},
+        {"-n,--lines", "N", "The last N lines of the log; 2000 unless given"},
+        {"--audio", "FILTER", "Also a second of what this filter reads and writes, as WAV files",
+         Offer::kFilter}},
        RunReport},
       {"shell",
        "Take commands at a prompt",

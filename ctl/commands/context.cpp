@@ -12,6 +12,7 @@
 #include "ctl/parse/listing.h"
 #include "ctl/parse/parameters.h"
 #include "ctl/parse/status.h"
+#include "ctl/render/status_line.h"
 
 namespace kest::ctl {
 namespace {
@@ -40,6 +41,15 @@ bool Context::UsesColour() const {
   if (settings_.colour != Colour::kAuto) return settings_.colour == Colour::kAlways;
   const char *noColour = std::getenv("NO_COLOR");
   return isatty(STDOUT_FILENO) != 0 && (noColour == nullptr || *noColour == '\0');
+}
+
+void Context::SayWhenLate() {
+  if (IsSilent()) return;
+  channel_.WhenLate([] {
+    auto line = std::make_shared<StatusLine>(false);
+    line->Show("waiting for an answer");
+    return line;
+  });
 }
 
 const Listing &Context::GetListing() {

@@ -41,6 +41,9 @@ class Context {
   // Whether nothing is to be said of how far a command has come.
   [[nodiscard]] bool IsSilent() const { return settings_.quiet || settings_.json; }
 
+  // From now on, a line on the terminal says so while an answer is late, unless nothing is to be said.
+  void SayWhenLate();
+
   // What runs. Asked once for each command.
   const Listing &GetListing();
   const std::vector<Parameter> &GetParameters();

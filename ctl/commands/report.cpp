@@ -12,7 +12,9 @@
 #include "ctl/commands/command_table.h"
 #include "ctl/commands/commands.h"
 #include "ctl/commands/context.h"
+#include "ctl/commands/names.h"
 #include "ctl/commands/option_values.h"
+#include "ctl/commands/report_sound.h"
 #include "ctl/model/level.h"
 #include "ctl/observe/trace_recorder.h"
 #include "ctl/parse/lines.h"
@@ -77,6 +79,11 @@ constexpr SystemFile kProcessFiles[] = {
     {"process/status.txt", "/proc/{}/status", "How much memory, which user?"},
     {"process/limits.txt", "/proc/{}/limits", "May it run in real time?"},
     {"process/maps.txt", "/proc/{}/maps", "Which libraries, at which addresses?"},
+};
+
+struct Wishes {
+  size_t logLines;
+  std::optional<std::string> soundOf;  // a filter
 };
 
 class Bundle {
@@ -216,6 +223,18 @@ void AddTraces(Context &context, Bundle &bundle) {
   });
 }
 
+// Whether there is sound in the report.
+bool AddSound(Context &context, const std::string &filter, Bundle &bundle) {
+  bool isAdded = false;
+  bundle.TryAsking("audio", [&] {
+    for (const SoundFile &file : RecordSound(context, filter)) {
+      bundle.Add("audio/" + file.name, fmt::format("What passes through {}?", filter), file.bytes);
+      isAdded = true;
+    }
+  });
+  return isAdded;
+}
+
 void AddProcess(Context &context, Bundle &bundle) {
   Host &host = context.GetHost();
   for (const Process &process : context.GetChannel().GetReaders().processes) {
@@ -229,18 +248,22 @@ void Say(const Context &context, const char *text) {
   if (!context.IsSilent() && isatty(STDERR_FILENO) != 0) fmt::print(stderr, "kestctl: {}\n", text);
 }
 
-Json About(const Context &context) {
+Json About(const Context &context, bool holdsSound) {
+  const char *const sound = holdsSound ? ", audio" : "";
+  const char *const noSound = holdsSound ? "" : "audio, ";
   const std::string via = context.GetSettings().via;
   return {{"schema", "kestctl-report/1"},
           {"made", fmt::format("{:%Y-%m-%dT%H:%M:%SZ}", fmt::gmtime(std::time(nullptr)))},
           {"kestctl", KEST_VERSION},
           {"directory", ToJson(context.GetSettings().directory)},
           {"via", via.empty() ? Json() : ToJson(via)},
-          {"holds", "what runs, settings, log, timing, versions, state of the process and of the system"},
-          {"does_not_hold", "audio, the process's arguments and environment"}};
+          {"holds",
+           fmt::format("what runs, settings, log, timing, versions, state of the process and of the system{}",
+                       sound)},
+          {"does_not_hold", fmt::format("{}the process's arguments and environment", noSound)}};
 }
 
-std::string Gather(Context &context, size_t logLines, Bundle &bundle) {
+std::string Gather(Context &context, const Wishes &wishes, Bundle &bundle) {
   AddParts(context, PartsBefore(), bundle);
   AddVersions(context, bundle);
   AddSettings(context, bundle);
@@ -248,9 +271,19 @@ std::string Gather(Context &context, size_t logLines, Bundle &bundle) {
   AddFiles(context.GetHost(), kSystemFiles, "", bundle);
   Say(context, "tracing for a second");
   AddTraces(context, bundle);
+  const bool holdsSound = wishes.soundOf && AddSound(context, *wishes.soundOf, bundle);
   AddParts(context, PartsAfter(), bundle);
-  AddLog(context, logLines, bundle);
-  return bundle.Finish(About(context));
+  AddLog(context, wishes.logLines, bundle);
+  return bundle.Finish(About(context, holdsSound));
+}
+
+// A mistyped name is told before anything is gathered. A process that does not answer is a case for a report.
+void RefuseUnknownFilter(Context &context, const std::string &filter) {
+  try {
+    static_cast<void>(FindFilter(context.GetListing(), filter));
+  } catch (const CtlError &error) {
+    if (error.Code() == ExitCode::kNotFound || error.Code() == ExitCode::kInterrupted) throw;
+  }
 }
 
 std::string Summary(const std::string &path, const Bundle &bundle) {
@@ -267,12 +300,14 @@ std::string Summary(const std::string &path, const Bundle &bundle) {
 
 Result RunReport(Context &context, const Arguments &arguments) {
   const int logLines = WholeOption(arguments, "lines", {0, kMostWhole}).value_or(kDefaultLogLines);
+  const Wishes wishes = {static_cast<size_t>(logLines), arguments.Option("audio")};
   const auto path = arguments.Option("output");
   if (!path) throw CtlError(ExitCode::kUsage, "the archive needs a name", "add -o FILE.tar.gz");
   OutputFile file(*path, kForOwner);
+  if (wishes.soundOf) RefuseUnknownFilter(context, *wishes.soundOf);
   Say(context, "gathering what runs");
   Bundle bundle("kest-report");
-  file.Write(Gather(context, static_cast<size_t>(logLines), bundle));
+  file.Write(Gather(context, wishes, bundle));
   Result result;
   result.data = {{"file", ToJson(*path)}, {"files", bundle.Files()}, {"missing", bundle.Missing()}};
   result.text = Summary(*path, bundle);

@@ -24,6 +24,7 @@ int RunCommand(const CommandLine &line, Context *shared) {
     return RunCommand(*shared, line);
   }
   Context context(line.settings);
+  if (shared == nullptr) context.SayWhenLate();  // else the terminal is the shell's
   return RunCommand(context, line);
 }
 

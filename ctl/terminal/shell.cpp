@@ -192,6 +192,7 @@ class Shell {
 Result RunShell(Context &context, const Arguments & /*arguments*/) {
   if (g_isRunning) throw CtlError(ExitCode::kUsage, "this is the shell", "exit leaves it");
   g_isRunning = true;
+  context.GetChannel().WhenLate({});
   Shell shell(context);
   Result result;
   if (isatty(STDIN_FILENO) != 0) {

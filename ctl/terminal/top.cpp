@@ -71,7 +71,10 @@ class Top {
       Print(sample);
       return;
     }
-    if (screen_ == nullptr) screen_ = std::make_unique<Screen>(context_.UsesColour());
+    if (screen_ == nullptr) {
+      context_.GetChannel().WhenLate({});  // would be written across the screen
+      screen_ = std::make_unique<Screen>(context_.UsesColour());
+    }
     screen_->Show(ShowLive(sample, Screen::Columns()), TimeOfDay());
   }
 

@@ -1,8 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 // Each command on a playing player.
+#include <csignal>
+#include <cstdlib>
 #include <thread>
 
 #include "tests/ctl/ctl_test.h"
+#include "tests/ctl/terminal_process.h"
 
 namespace kest::test {
 namespace {
@@ -17,6 +20,42 @@ class Commands : public CtlTest {};
 nlohmann::json ValuesOf(const std::string &filter) {
   return CtlJson("status " + filter)["data"]["filters"][0]["values"];
 }
+
+// A kestctl that follows the log beside the test.
+class Follower {
+ public:
+  explicit Follower(const std::string &options) {
+    // A shell beside it looks at it and interrupts it when it is told to.
+    const std::string command = "log -f " + options + " >" + path_ + " & follower=$!; while [ ! -e " + path_ +
+                                ".end ]; do sleep 0.05; done; sed -n 's/^rchar: //p' /proc/$follower/io; "
+                                "kill -INT $follower; wait $follower; true";
+    thread_ = std::thread([this, command] { bytesRead_ = Ctl(command).out; });
+  }
+  ~Follower() {
+    if (thread_.joinable()) End();
+  }
+  Follower(const Follower &) = delete;
+  Follower &operator=(const Follower &) = delete;
+
+  // Sends the line until the follower shows the answer.
+  [[nodiscard]] bool Follows(const std::string &line, const std::string &answer) const {
+    return WaitFor([&] {
+      Ctl("send " + line);
+      return ReadFile(path_).find(answer) != std::string::npos;
+    });
+  }
+  // How many bytes it has read, of all files.
+  uint64_t End() {
+    WriteFile(path_ + ".end", "");
+    thread_.join();
+    return std::strtoull(bytesRead_.c_str(), nullptr, 10);
+  }
+
+ private:
+  const std::string path_ = PlayerTest::Path("followed");
+  std::string bytesRead_;
+  std::thread thread_;
+};
 
 TEST_F(Commands, PsNamesTheProcessThatReadsThePipe) {
   const PlayerProcess &player = StartPlayer();
@@ -141,26 +180,38 @@ TEST_F(Commands, LogShowsTheLastLinesThatAreChosen) {
 
 TEST_F(Commands, LogFollowsThroughARestart) {
   StartPlayer();
-  const std::string path = Path("followed");
-  // A shell beside it interrupts it when it is told to.
-  std::thread follower([&] {
-    Ctl("log -f -n 0 >" + path + " & follower=$!; while [ ! -e " + path +
-        ".end ]; do sleep 0.05; done; kill -INT $follower; wait $follower; true");
-  });
-  const auto isFollowed = [&](const std::string &text) {
-    return WaitFor([&] {
-      Ctl("send kest_log_size=4000000");
-      return ReadFile(path).find(text) != std::string::npos;
-    });
-  };
-  EXPECT_TRUE(isFollowed("LogSizeMax:4000000"));
+  const Follower follower("-n 0");
+  EXPECT_TRUE(follower.Follows("kest_log_size=4000000", "LogSizeMax:4000000"));
   Ctl("send kest_log_restart");
-  EXPECT_TRUE(WaitFor([&] {
-    Ctl("send kest_monitor_sleep_time=77");
-    return ReadFile(path).find("sleep time:77 ms") != std::string::npos;
-  }));
-  WriteFile(path + ".end", "");
-  follower.join();
+  EXPECT_TRUE(follower.Follows("kest_monitor_sleep_time=77", "sleep time:77 ms"));
+}
+
+TEST_F(Commands, LogReadsOnlyTheEndOfALogOf100MB) {
+  constexpr uint64_t kLogBytes = 100'000'000;
+  StartPlayer();
+  Ctl("send kest_log_size=2000000000");
+  std::filesystem::resize_file(kLogFile, kLogBytes);  // with a hole, behind which the player goes on
+  for (int i = 0; i < 3; ++i)
+    Ctl("ls");
+  Follower follower("-n 20");
+  EXPECT_TRUE(follower.Follows("kest_monitor_sleep_time=77", "sleep time:77 ms"));
+  EXPECT_LT(kLogBytes, std::filesystem::file_size(kLogFile));
+  EXPECT_THAT(follower.End(), testing::AllOf(testing::Gt(0u), testing::Lt(kLogBytes / 20)));
+}
+
+TEST_F(Commands, AnAnswerThatIsLateIsAnnouncedOnATerminal) {
+  const PlayerProcess &player = StartPlayer();
+  player.Signal(SIGSTOP);
+  for (const char *silent : {" --quiet", " --json"}) {
+    TerminalProcess other(KEST_CTL_COMMAND " --timeout 300" + std::string(silent) + " ls");
+    EXPECT_EQ(4, other.ExitCode());
+    EXPECT_THAT(other.Rest(), Not(HasSubstr("waiting"))) << silent;
+  }
+  TerminalProcess level(KEST_CTL_COMMAND " --timeout 60000 level");
+  EXPECT_TRUE(level.Shows("waiting for an answer")) << level.Rest();
+  player.Signal(SIGCONT);
+  EXPECT_TRUE(level.Shows("\r\033[Knone")) << level.Rest();
+  EXPECT_EQ(0, level.ExitCode());
 }
 
 TEST_F(Commands, SeveralProcessesAreListedEachAndNotChanged) {

@@ -215,6 +215,8 @@ TEST_F(Report, HoldsWhatIsAskedFirst) {
   EXPECT_THAT(document["data"]["missing"], IsEmpty()) << document["data"]["missing"];
   const nlohmann::json manifest = Unpack(path);
   EXPECT_EQ(document["data"]["files"], manifest["files"]);
+  EXPECT_THAT(manifest["does_not_hold"], HasSubstr("audio"));
+  EXPECT_FALSE(fs::exists(Path("kest-report/audio")));
   for (const auto &file : manifest["files"])
     EXPECT_EQ(file["bytes"], File(file["name"]).size()) << file["name"];
   EXPECT_EQ(CtlJson("ls pipelines")["data"]["pipelines"].size(),
@@ -229,11 +231,24 @@ TEST_F(Report, HoldsWhatIsAskedFirst) {
   ExpectNothingIsOn();
 }
 
+TEST_F(Report, HoldsTheSoundOfAFilterWhenAsked) {
+  StartPlayer();
+  const std::string path = Path("bug.tar.gz");
+  EXPECT_EQ(0, Ctl("report --audio Dec/Vol -o " + path).exitCode);
+  const nlohmann::json manifest = Unpack(path);
+  EXPECT_THAT(manifest["missing"], IsEmpty());
+  EXPECT_EQ("the process's arguments and environment", manifest["does_not_hold"]);
+  for (const std::string port : {"in0", "out0"})
+    EXPECT_EQ(48000u, ReadAudio(Path("kest-report/audio/Decoder_13_Volume_" + port + "_dmx.wav")).Frames());
+  EXPECT_TRUE(FilesOf("Dump").empty() && IsQuiet("Dump"));
+  ExpectAnswers({{"report --audio Dec/Loud -o " + path, 6, "it has Lpcm, Volume"}});
+}
+
 TEST_F(Report, OfAProcessThatDoesNotAnswerSaysWhy) {
   PlayerProcess &player = StartPlayer();
   player.Signal(SIGSTOP);
   const std::string path = Path("bug.tar.gz");
-  const nlohmann::json document = CtlJson("--timeout 200 report -o " + path);
+  const nlohmann::json document = CtlJson("--timeout 200 report --audio Mixer -o " + path);
   EXPECT_TRUE(document["ok"]);
   EXPECT_THAT(document["data"]["missing"], Not(IsEmpty()));
   Unpack(path);
@@ -247,12 +262,14 @@ TEST_F(Report, OfAProcessThatDoesNotAnswerSaysWhy) {
 TEST_F(Report, AnInterruptAtAnyMomentLeavesNothingOn) {
   StartPlayer();
   const std::string path = Path("bug.tar.gz");
-  for (const char *seconds : {"0.02", "0.1", "0.2", "0.4", "0.7", "1.0"}) {
+  for (const char *seconds : {"0.02", "0.1", "0.2", "0.7", "1.2", "1.7"}) {
     const int exitCode =
-        Ctl("report -o " + path, std::string("timeout --preserve-status -s INT ") + seconds).exitCode;
+        Ctl("report --audio Mixer -o " + path, std::string("timeout --preserve-status -s INT ") + seconds)
+            .exitCode;
     EXPECT_THAT(exitCode, testing::AnyOf(130, 0));
     EXPECT_EQ(exitCode == 0, fs::remove(path));
     ExpectNothingIsOn();
+    EXPECT_TRUE(IsQuiet("Dump")) << seconds;
   }
 }
 
