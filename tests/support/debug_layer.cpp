@@ -92,8 +92,9 @@ std::ptrdiff_t OpenDescriptors() {
 }
 
 std::string ReadFile(const std::string &path) {
-  std::ifstream file(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+  std::ostringstream contents;  // fast enough for a file that others write to all the time
+  contents << std::ifstream(path, std::ios::binary).rdbuf();
+  return contents.str();
 }
 
 std::vector<std::string> LinesOf(const std::string &text, char cEnd) {
