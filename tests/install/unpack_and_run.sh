@@ -9,8 +9,9 @@ rm -rf "$output"
 holds() {
   package=$1
   shift
+  dpkg-deb -c "$output/${package}_"*.deb >"$output/$package.files"
   for file in "$@"; do
-    dpkg-deb -c "$output/${package}_"*.deb | grep -q "$file" || {
+    grep -q "$file" "$output/$package.files" || {
       echo "$package does not hold $file"
       exit 1
     }
@@ -19,8 +20,10 @@ holds() {
 holds libkest1 'lib.*/libkest\.so\.1' /copyright /changelog.gz
 holds libkest-dev ze_kest/port.h 'libkest\.so ->' kestConfig.cmake kest.pc libkest_harness.a kest-harness.pc \
   starter/my_filter.c starter-cpp/my_delay.cpp ladspa/module.cpp host/my_host.c write-a-filter.md write-a-host.md /copyright
-holds kest-tools bin/kest-player man1/kest-player.1.gz examples/example.json bin/kestctl man1/kestctl.1.gz \
-  completions/kestctl commands.md player.md kestctl.md monitoring/kest-alerts.yml /copyright
+holds kest-tools bin/kest-player man1/kest-player.1.gz examples/example.json commands.md player.md /copyright
+if grep -qx KEST_BUILD_CTL:BOOL=ON "$build/CMakeCache.txt"; then
+  holds kest-tools bin/kestctl man1/kestctl.1.gz completions/kestctl kestctl.md monitoring/kest-alerts.yml
+fi
 for package in libkest-dev kest-tools; do
   dpkg-deb -f "$output/${package}_"*.deb Depends | grep -F 'libkest1 (= '
 done
